@@ -1,0 +1,14 @@
+#pragma once
+
+#include <openssl/evp.h>
+
+#include <string>
+
+namespace Nerix::Common::IO {
+
+/// The library's implementation of the digest called name ("md5", "sha1" or any other that it knows), or null
+/// with the reason in the library's error queue. Fetched once per name and process: on OpenSSL 3 a fetch
+/// costs more than hashing a short text. The result belongs to the process. Any thread may call.
+const EVP_MD* lookUpDigest(const std::string& name);
+
+} // namespace Nerix::Common::IO

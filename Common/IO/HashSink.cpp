@@ -1,0 +1,62 @@
+#include "Common/IO/HashSink.h"
+
+#include "Common/IO/DigestLookup.h"
+#include "Common/IO/OpenSSLException.h"
+#include "Common/Utils/Errors.h"
+#include "Common/Utils/SingletonsRegister.h"
+
+#include <openssl/evp.h>
+
+namespace Nerix::Common::IO {
+
+using Utils::errinfo_description;
+using Utils::errinfo_subject;
+using Utils::Encoding::OpenSSLException;
+
+HashSink::HashSink(const std::string& digestName)
+    : m_openSSL(Utils::SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>(
+          "<unknown>", Utils::SINGLETON_OPENSSL_INITIALIZER)),
+      m_digestName(digestName) {
+    OpenSSLCompat::useStandardAllocation();
+    OpenSSL_add_all_digests();
+    m_context.reset(EVP_MD_CTX_new());
+    const EVP_MD* const digest = lookUpDigest(m_digestName);
+    if (!m_context || digest == nullptr || EVP_DigestInit_ex(m_context.get(), digest, nullptr) != 1) {
+        m_context.reset();
+        BOOST_THROW_EXCEPTION(OpenSSLException()
+                              << errinfo_description("Can't initialize digest.") << errinfo_subject(*this));
+    }
+}
+
+void HashSink::writeChunk(const std::uint8_t* data, std::size_t length) {
+    throwIfEndOfDataMarked();
+    if (EVP_DigestUpdate(m_context.get(), data, length) != 1) {
+        BOOST_THROW_EXCEPTION(OpenSSLException()
+                              << errinfo_description("Digest update failed.") << errinfo_subject(*this));
+    }
+}
+
+void HashSink::markEndOfData() {
+    throwIfEndOfDataMarked();
+    m_endOfData = true;
+    m_hash.resize(EVP_MAX_MD_SIZE);
+    unsigned int length = 0;
+    if (EVP_DigestFinal_ex(m_context.get(), m_hash.data(), &length) != 1) {
+        BOOST_THROW_EXCEPTION(OpenSSLException() << errinfo_description("Digest finalization failed.")
+                                                 << errinfo_subject(*this));
+    }
+    m_hash.resize(length);
+}
+
+const std::vector<std::uint8_t>& HashSink::getHash() {
+    if (!m_endOfData) {
+        markEndOfData();
+    }
+    return m_hash;
+}
+
+std::string HashSink::debugName() const {
+    return "HashSink(" + m_digestName + ")";
+}
+
+} // namespace Nerix::Common::IO

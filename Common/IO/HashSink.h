@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Common/IO/ISink.h"
+#include "Common/IO/OpenSSLCompat.h"
+#include "Common/IO/OpenSSLInit.h"
+#include "Common/Utils/IDebugName.h"
+#include "Common/Utils/SingletonPointer.h"
+
+#include <boost/core/noncopyable.hpp>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Nerix::Common::IO {
+
+/// Computes one message digest of the data pushed into it, with the crypto library.
+/// Needs the set-up of OpenSSLInit in the singletons register for all of its life, and is one of its users.
+class HashSink : public ISink, private boost::noncopyable, public Utils::IDebugName {
+public:
+    /// Ready to receive data for the digest called digestName, as the crypto library names it ("md5", "sha1",
+    /// ...). Throws OpenSSLException when the library does not know the name or refuses to start.
+    explicit HashSink(const std::string& digestName);
+
+    /// Throws OpenSSLException when the library refuses; see ISink for the rest, also below.
+    void writeChunk(const std::uint8_t* data, std::size_t length) override;
+
+    /// Throws OpenSSLException when the library refuses; the end counts as marked all the same.
+    void markEndOfData() override;
+    bool endOfDataMarked() override { return m_endOfData; }
+
+    /// The digest: 16 bytes for md5, 20 for sha1. Marks the end of the data if that has not happened.
+    const std::vector<std::uint8_t>& getHash();
+
+    /// "HashSink(" + name + ")".
+    std::string debugName() const override;
+
+private:
+    Utils::SingletonPointer<OpenSSLInit> m_openSSL;
+    std::string m_digestName;
+    bool m_endOfData = false;
+    OpenSSLCompat::DigestContext m_context;
+    std::vector<std::uint8_t> m_hash;
+};
+
+} // namespace Nerix::Common::IO

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace Nerix::Common::IO {
+
+/// The end of a data path: data is pushed in chunk by chunk, then the end is marked, once. After that the
+/// sink has its result and refuses further data. One thread at a time may use a sink.
+class ISink {
+public:
+    virtual ~ISink() = default;
+
+    /// Consumes length bytes, 0 included. Throws EndOfDataMarkedException after the end.
+    virtual void writeChunk(const std::uint8_t* data, std::size_t length) = 0;
+
+    /// Declares that no more data follows and finishes the result. Throws EndOfDataMarkedException the second
+    /// time.
+    virtual void markEndOfData() = 0;
+
+    /// Whether markEndOfData has happened.
+    virtual bool endOfDataMarked() = 0;
+
+protected:
+    ISink() = default;
+    ISink(const ISink&) = default;
+    ISink& operator=(const ISink&) = default;
+
+    /// What every sink calls first in writeChunk and markEndOfData. The exception carries the sink as its
+    /// subject.
+    void throwIfEndOfDataMarked();
+};
+
+} // namespace Nerix::Common::IO

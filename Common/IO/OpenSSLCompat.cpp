@@ -1,0 +1,50 @@
+#include "Common/IO/OpenSSLCompat.h"
+
+#include <openssl/crypto.h>
+
+#include <atomic>
+#include <cstdlib>
+
+namespace Nerix::Common::IO::OpenSSLCompat {
+
+namespace {
+
+std::atomic<LockingCallback> installedLockingCallback{nullptr};
+std::atomic<ThreadIdCallback> installedThreadIdCallback{nullptr};
+
+// The library's own signatures, with the source position of the caller, which nobody needs.
+void* allocate(std::size_t size, const char*, int) {
+    return std::malloc(size);
+}
+void* reallocate(void* block, std::size_t size, const char*, int) {
+    return std::realloc(block, size);
+}
+void release(void* block, const char*, int) {
+    std::free(block);
+}
+
+} // namespace
+
+int numLocks() {
+    return CRYPTO_num_locks();
+}
+
+void setLockingCallback(LockingCallback callback) {
+    installedLockingCallback = callback;
+}
+LockingCallback getLockingCallback() {
+    return installedLockingCallback;
+}
+
+void setThreadIdCallback(ThreadIdCallback callback) {
+    installedThreadIdCallback = callback;
+}
+ThreadIdCallback getThreadIdCallback() {
+    return installedThreadIdCallback;
+}
+
+void useStandardAllocation() {
+    CRYPTO_set_mem_functions(&allocate, &reallocate, &release);
+}
+
+} // namespace Nerix::Common::IO::OpenSSLCompat

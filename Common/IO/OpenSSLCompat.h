@@ -1,0 +1,43 @@
+#pragma once
+
+#include <openssl/evp.h>
+
+#include <memory>
+#include <string>
+
+/// What differs between OpenSSL 1.0 and today's library, in one place. Since 1.1 the library locks by itself:
+/// the locking and thread-id callbacks are never called, and setting them is a no-op macro. They are kept
+/// here instead, so that what was installed can still be asked for. A build for 1.0 would forward to the
+/// library.
+namespace Nerix::Common::IO::OpenSSLCompat {
+
+/// Identity of a thread, as a thread-id callback reports it.
+struct ThreadId {
+    unsigned long value = 0;
+};
+
+/// mode has the bit lockBit to lock mutex number n, else to unlock it; file and line tell who asks.
+using LockingCallback = void (*)(int mode, int n, const char* file, int line);
+using ThreadIdCallback = void (*)(ThreadId* id);
+
+constexpr int lockBit = 1;
+
+/// How many locks the library wants.
+int numLocks();
+
+void setLockingCallback(LockingCallback callback);
+LockingCallback getLockingCallback();
+
+void setThreadIdCallback(ThreadIdCallback callback);
+ThreadIdCallback getThreadIdCallback();
+
+/// Asks the library to allocate with malloc, realloc and free. It agrees only before its first allocation;
+/// later calls change nothing.
+void useStandardAllocation();
+
+struct DigestContextDeleter {
+    void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
+};
+using DigestContext = std::unique_ptr<EVP_MD_CTX, DigestContextDeleter>;
+
+} // namespace Nerix::Common::IO::OpenSSLCompat

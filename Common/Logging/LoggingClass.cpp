@@ -1,0 +1,190 @@
+#include "Common/Logging/LoggingClass.h"
+
+#include "Common/Logging/AtomicAddFetch.h"
+#include "Common/Logging/PackageVersion.h"
+#include "Platform/Interfaces/dlog.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
+#include <ctime>
+#include <memory>
+
+#include <sys/prctl.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace Nerix::Common::Logging {
+
+namespace {
+
+constexpr std::size_t threadFieldSize = 64;
+
+/// vsnprintf whose result tells only whether the whole, non-empty text fitted.
+bool formatInto(char* buffer, std::size_t size, const char* format, std::va_list arguments)
+    __attribute__((format(printf, 3, 0)));
+
+bool formatInto(char* buffer, std::size_t size, const char* format, std::va_list arguments) {
+    const int length = std::vsnprintf(buffer, size, format, arguments);
+    return length > 0 && static_cast<std::size_t>(length) < size;
+}
+
+struct RecordLayout {
+    DlogBuffer buffer;
+    DlogPriority priority;
+    const char* format; ///< takes process name, thread field, record number (%u) and text
+};
+
+RecordLayout layoutOf(LoggingClass::Level level) {
+    switch (level) {
+    case LoggingClass::VERBOSE:
+        return {DLOG_BUFFER_MAIN, DLOG_PRIORITY_VERBOSE, "[%s][%s][%u][VERBOSE] %s"};
+    case LoggingClass::DBG:
+        return {DLOG_BUFFER_MAIN, DLOG_PRIORITY_DEBUG, "[%s][%s][%u][DBG] %s"};
+    case LoggingClass::INF:
+        return {DLOG_BUFFER_MAIN, DLOG_PRIORITY_INFO, "[%s][%s][%u][INF] %s"};
+    case LoggingClass::WRN:
+        return {DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "[%s][%s][%u][WRN] %s"};
+    case LoggingClass::ERR:
+        // Warning, not error: error is how a level that is none of ours shows.
+        return {DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_WARNING, "[%s][%s][%u][ERR] %s"};
+    case LoggingClass::FTL:
+        return {DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_FATAL, "[%s][%s][%u][FTL] %s"};
+    case LoggingClass::NONE:
+        break;
+    }
+    return {DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "[%s][%s][%u][INF] %s"};
+}
+
+} // namespace
+
+std::string LoggingClass::m_processName;
+
+void LoggingClass::init(const char* programName) {
+    m_processName = std::string(programName) + "-" + packageVersion;
+}
+
+const char* LoggingClass::shortenPath(const char* path) {
+    const char* const slash = std::strrchr(path, '/');
+    return slash == nullptr ? path : slash + 1;
+}
+
+void LoggingClass::print(Sink sink, const char* tag, Level level, const char* format, ...) {
+    if (level <= VERBOSE) {
+        return;
+    }
+    std::va_list arguments;
+
+    char shortText[1024];
+    va_start(arguments, format);
+    const bool isShort = formatInto(shortText, sizeof shortText, format, arguments);
+    va_end(arguments);
+    if (isShort) {
+        sink(tag, level, shortText);
+        return;
+    }
+
+    constexpr std::size_t longTextSize = 16384;
+    const std::unique_ptr<char[]> longText(new char[longTextSize]());
+    va_start(arguments, format);
+    const bool isWhole = formatInto(longText.get(), longTextSize, format, arguments);
+    va_end(arguments);
+    if (!isWhole) {
+        longText[longTextSize - 1] = '\0';
+    }
+    sink(tag, level, longText.get());
+}
+
+void LoggingClass::printLines(const char* tag, Level level, char* text) {
+    const std::size_t length = std::strlen(text);
+    if (length <= maxMessageLength) {
+        smartPrintImpl(tag, level, text);
+        return;
+    }
+    char* const end = text + length;
+    for (char* line = text; line < end;) {
+        char* const newline =
+            static_cast<char*>(std::memchr(line, '\n', static_cast<std::size_t>(end - line)));
+        char* const lineEnd = newline == nullptr ? end : newline;
+        printChunked(tag, level, line, lineEnd);
+        line = lineEnd + 1;
+    }
+}
+
+void LoggingClass::printChunked(const char* tag, Level level, char* begin, char* end) {
+    do {
+        char* const cut =
+            end - begin > static_cast<std::ptrdiff_t>(maxMessageLength) ? begin + maxMessageLength : end;
+        const char cutOff = *cut;
+        *cut = '\0';
+        smartPrintImpl(tag, level, begin);
+        *cut = cutOff;
+        begin = cut;
+    } while (begin < end);
+}
+
+void LoggingClass::smartPrintImpl(const char* tag, Level level, const char* text) {
+    static std::uint32_t lineNo = 0;
+    const std::uint32_t recordNumber = PlatformDependent::atomic_add_fetch(&lineNo, 1);
+    char thread[threadFieldSize];
+    getThreadId(thread, sizeof thread);
+    printImpl(tag, thread, recordNumber, level, text);
+}
+
+void LoggingClass::printImpl(const char* tag, const char* thread, std::uint32_t recordNumber, Level level,
+                             const char* text) {
+    const RecordLayout layout = layoutOf(level);
+    // A record that the platform does not take is lost: there is no other place to report it.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral" // every format of layoutOf takes these four arguments
+    __dlog_print(layout.buffer, layout.priority, tag, layout.format, m_processName.c_str(), thread,
+                 recordNumber, text);
+#pragma GCC diagnostic pop
+}
+
+void LoggingClass::getThreadId(char* buffer, std::size_t size) {
+    char name[16] = "";
+    if (::prctl(PR_GET_NAME, name) != 0) {
+        name[0] = '\0';
+    }
+    std::snprintf(buffer, size, "%d %s", static_cast<int>(::syscall(SYS_gettid)), name);
+}
+
+const char* LoggingClass::logLevelToString(Level level) {
+    switch (level) {
+    case VERBOSE:
+        return "VERBOSE";
+    case DBG:
+        return "DBG";
+    case INF:
+        return "INF";
+    case WRN:
+        return "WRN";
+    case ERR:
+        return "ERR";
+    case FTL:
+        return "FTL";
+    case NONE:
+        break;
+    }
+    return "UNKNOWN LEVEL";
+}
+
+void LoggingClass::printDirect(const char* tag, Level level, char* text) {
+    char thread[threadFieldSize];
+    getThreadId(thread, sizeof thread);
+    // Not owned: standard output itself is pointed at the console and stays there.
+    std::FILE* const console = std::freopen("/dev/console", "w", stdout);
+    if (console == nullptr) {
+        std::fprintf(stderr, "Cannot open /dev/console\n%s: Direct [%s][%s] %s\n", tag,
+                     logLevelToString(level), thread, text);
+        return;
+    }
+    std::fprintf(console, "%s: Direct [%s][%s] %s\n", tag, logLevelToString(level), thread, text);
+    // The caller aborts next, which flushes nothing; the pause lets a serial console drain.
+    std::fflush(console);
+    const std::timespec pause{0, 100'000'000};
+    ::nanosleep(&pause, nullptr);
+}
+
+} // namespace Nerix::Common::Logging

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace Nerix::Common::Logging {
+
+class LoggingStream;
+
+/// The package's door to the platform's system log, and to the console when the process is about to abort.
+///
+/// A message becomes one or more records of at most maxMessageLength bytes of text, each laid out as
+/// "[process][thread id and name][record number][LEVEL] text". Logging never throws for its own sake and
+/// reports no failure; only running out of memory passes through. All functions may be called from any
+/// thread, except init.
+class LoggingClass {
+public:
+    enum Level {
+        NONE = 0,    ///< for LoggingStream alone: discard the message
+        VERBOSE = 1, ///< never emitted
+        DBG = 2,
+        INF = 3,
+        WRN = 4,
+        ERR = 5,
+        FTL = 6 ///< failed assertions, exceptions that reach main
+    };
+
+    using LoggingStream = Logging::LoggingStream;
+
+    /// Where a formatted message goes. The text is the sink's to write into until it returns.
+    using Sink = void (*)(const char* tag, Level level, char* text);
+
+    /// The longest text of one system-log record, in bytes.
+    static constexpr std::size_t maxMessageLength = 768;
+
+    /// Sets the process name of all later records to programName and the package version.
+    /// To be called once, before any other thread exists.
+    static void init(const char* programName);
+
+    /// The part of path after its last '/', inside the same text.
+    static const char* shortenPath(const char* path);
+
+    /// Formats a message as printf does, cuts it to 16383 bytes and hands it to the sink, once.
+    /// NONE and VERBOSE return at once. What the sink throws passes through.
+    static void print(Sink sink, const char* tag, Level level, const char* format, ...)
+        __attribute__((format(printf, 4, 5)));
+
+    /// Sink of ordinary logging: the system log, long texts as several records, cut at newlines first.
+    static void printLines(const char* tag, Level level, char* text);
+
+    /// Sink of the assertion handlers: one line on the system console. Standard output stays on the console
+    /// afterwards, so this is for a process that is about to end.
+    static void printDirect(const char* tag, Level level, char* text);
+
+    /// "VERBOSE" to "FTL", or "UNKNOWN LEVEL". The text is static.
+    static const char* logLevelToString(Level level);
+
+private:
+    static void printChunked(const char* tag, Level level, char* begin, char* end);
+    static void smartPrintImpl(const char* tag, Level level, const char* text);
+    static void printImpl(const char* tag, const char* thread, std::uint32_t recordNumber, Level level,
+                          const char* text);
+    static void getThreadId(char* buffer, std::size_t size);
+
+    static std::string m_processName;
+};
+
+} // namespace Nerix::Common::Logging

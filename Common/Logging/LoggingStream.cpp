@@ -1,0 +1,20 @@
+#include "Common/Logging/LoggingStream.h"
+
+namespace Nerix::Common::Logging {
+
+LoggingStream::LoggingStream(const char* tag, LoggingClass::Level level, const char* fileName, int line)
+    : m_tag(tag), m_fileName(fileName), m_line(line), m_level(level) {}
+
+LoggingStream::~LoggingStream() {
+    if (m_level == LoggingClass::NONE) {
+        return;
+    }
+    LoggingClass::print(&LoggingClass::printLines, m_tag, m_level, "%s:%d>%s", m_fileName, m_line,
+                        m_stream.str().c_str());
+}
+
+std::ostream& LoggingStream::getStream() {
+    return m_level == LoggingClass::NONE ? static_cast<std::ostream&>(m_nullStream) : m_stream;
+}
+
+} // namespace Nerix::Common::Logging

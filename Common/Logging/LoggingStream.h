@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Common/Logging/LoggingClass.h"
+#include "Common/Logging/NullStream.h"
+
+#include <ostream>
+#include <sstream>
+
+namespace Nerix::Common::Logging {
+
+/// Collects one message with operator<< and logs it when destroyed, at the end of the statement that made it.
+/// '%' characters in the message are safe. At level NONE everything is discarded.
+/// The tag and the file name are not owned and must outlive the object.
+class LoggingStream {
+public:
+    LoggingStream(const char* tag, LoggingClass::Level level, const char* fileName, int line);
+    ~LoggingStream();
+    LoggingStream(const LoggingStream&) = delete;
+    LoggingStream& operator=(const LoggingStream&) = delete;
+
+    std::ostream& getStream();
+
+private:
+    const char* m_tag;
+    const char* m_fileName;
+    int m_line;
+    LoggingClass::Level m_level;
+    std::ostringstream m_stream;
+    Utils::nullostream m_nullStream;
+};
+
+} // namespace Nerix::Common::Logging

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <ostream>
+#include <streambuf>
+
+namespace Nerix::Common::Utils {
+
+namespace detail {
+
+/// Takes everything and keeps nothing, and says so in a way that never puts its stream into a failed state.
+class null_out_buf : public std::streambuf {
+protected:
+    std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
+    int_type overflow(int_type) override { return 1; }
+};
+
+/// Base-from-member: the buffer has to be built before the std::ostream that is given it.
+class null_out_stream {
+protected:
+    null_out_buf m_buffer;
+};
+
+} // namespace detail
+
+/// An output stream that discards what is written to it.
+class nullostream : private detail::null_out_stream, public std::ostream {
+public:
+    nullostream() : std::ostream(&m_buffer) {}
+};
+
+} // namespace Nerix::Common::Utils

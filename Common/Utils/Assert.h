@@ -1,0 +1,27 @@
+#pragma once
+
+/// Assertions, active in every build. A failed one, ours or one inside Boost, is reported on the system
+/// console and in the system log and aborts the process: nothing is unwound.
+///
+///     NerixAssert(excPtr);
+///     NerixAssertMsg(lock->try_lock(), "Destroying object when mutex is still locked!");
+
+namespace Nerix::Common::Utils {
+
+/// Report and abort; what the macros below call. Any thread may call.
+[[noreturn]] void NerixAssertionFailed(const char* expression, const char* function, const char* file,
+                                       long line);
+[[noreturn]] void NerixAssertionFailedMsg(const char* expression, const char* message, const char* function,
+                                          const char* file, long line);
+
+} // namespace Nerix::Common::Utils
+
+#define NerixAssert(condition)                                                                               \
+    (static_cast<bool>(condition) ? static_cast<void>(0)                                                     \
+                                  : ::Nerix::Common::Utils::NerixAssertionFailed(                            \
+                                        #condition, __PRETTY_FUNCTION__, __FILE__, __LINE__))
+
+#define NerixAssertMsg(condition, message)                                                                   \
+    (static_cast<bool>(condition) ? static_cast<void>(0)                                                     \
+                                  : ::Nerix::Common::Utils::NerixAssertionFailedMsg(                         \
+                                        #condition, message, __PRETTY_FUNCTION__, __FILE__, __LINE__))

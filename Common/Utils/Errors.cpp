@@ -1,0 +1,32 @@
+#include "Common/Utils/Errors.h"
+
+#include <cstdint>
+#include <cstring>
+
+namespace Nerix::Common::Utils {
+
+std::string get_string_from_errno(int errnum) {
+    char buffer[512];
+    // The GNU form: returns the text, which need not be in the buffer.
+    const char* const message = ::strerror_r(errnum, buffer, sizeof buffer);
+    return " errno=" + std::to_string(errnum) + " (" + message + ")";
+}
+
+boost::error_info<tag_errinfo_stream, std::string> errinfo_errno(int errnum) {
+    return {get_string_from_errno(errnum)};
+}
+
+namespace detail {
+
+std::string subjectName(const std::type_info& type, const void* address) {
+    const char* const name = type.name();
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    stream << (*name == '*' ? name + 1 : name) << "=0x" << std::hex
+           << reinterpret_cast<std::uintptr_t>(address);
+    return stream.str();
+}
+
+} // namespace detail
+
+} // namespace Nerix::Common::Utils

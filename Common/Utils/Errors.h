@@ -1,0 +1,81 @@
+#pragma once
+
+#include "Common/Utils/IDebugName.h"
+
+#include <boost/exception/error_info.hpp>
+#include <boost/exception/exception.hpp>
+#include <boost/exception/info.hpp>
+#include <boost/filesystem/path.hpp>
+#include <boost/throw_exception.hpp>
+
+#include <exception>
+#include <locale>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <typeinfo>
+
+/// The exceptions of the package carry everything in error-information entries, at most one per tag; a second
+/// entry of the same tag replaces the first. They are thrown with BOOST_THROW_EXCEPTION, which adds function,
+/// file and line:
+///
+///     BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("can't read file: ", path));
+
+namespace Nerix::Common::Utils {
+
+/// The common failure. what() says nothing; the entries do.
+class GenericException : public virtual std::exception, public virtual boost::exception {};
+
+/// Free text composed from several values; made by errinfo_stream or errinfo_errno.
+struct tag_errinfo_stream;
+/// A single text value.
+using errinfo_string = boost::error_info<struct tag_errinfo_string, std::string>;
+/// The path concerned.
+using errinfo_path = boost::error_info<struct tag_errinfo_path, boost::filesystem::path>;
+/// A description of the failed operation.
+using errinfo_description = boost::error_info<struct tag_errinfo_description, std::string>;
+/// The result code of a platform call.
+using errinfo_errorcode = boost::error_info<struct tag_errinfo_errorcode, int>;
+/// The identity of the object concerned; made by errinfo_subject.
+struct tag_errinfo_subject;
+/// Support codes joined by "-", outermost first; see SupportCode.h.
+using errinfo_supportcode = boost::error_info<struct tag_errinfo_supportcode, std::string>;
+/// Context lines gathered on the way up, outermost first; see RethrowExceptionStream.
+using errinfo_rethrows = boost::error_info<struct tag_errinfo_rethrows, std::string>;
+
+/// All arguments, in order, as operator<< writes them in the classic locale. Paths come out quoted: in double
+/// quotes, with '&' in front of every double quote and '&' inside.
+template <class... Arguments>
+boost::error_info<tag_errinfo_stream, std::string> errinfo_stream(const Arguments&... arguments) {
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    (stream << ... << arguments);
+    return {stream.str()};
+}
+
+/// " errno=" + the number + " (" + the system's message for it + ")".
+std::string get_string_from_errno(int errnum);
+
+/// get_string_from_errno as a stream entry, so it replaces an errinfo_stream attached before.
+boost::error_info<tag_errinfo_stream, std::string> errinfo_errno(int errnum);
+
+namespace detail {
+std::string subjectName(const std::type_info& type, const void* address);
+}
+
+/// Names the object concerned: by its debugName() when it is an IDebugName, else by dynamic type and address.
+template <class Subject>
+boost::error_info<tag_errinfo_subject, std::string> errinfo_subject(const Subject& subject) {
+    if constexpr (std::is_base_of_v<IDebugName, Subject>) {
+        return {static_cast<const IDebugName&>(subject).debugName()};
+    } else {
+        if constexpr (std::is_polymorphic_v<Subject>) {
+            if (const auto* const named = dynamic_cast<const IDebugName*>(&subject)) {
+                return {named->debugName()};
+            }
+        }
+        return {detail::subjectName(typeid(subject), static_cast<const void*>(std::addressof(subject)))};
+    }
+}
+
+} // namespace Nerix::Common::Utils

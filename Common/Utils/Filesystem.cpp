@@ -1,0 +1,139 @@
+#include "Common/Utils/Filesystem.h"
+
+#include "Common/Utils/Errors.h"
+#include "Common/Utils/RethrowExceptionStream.h"
+
+#include <boost/filesystem/operations.hpp>
+#include <boost/thread/thread.hpp>
+
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+#include <utility>
+
+namespace Nerix::Common::Utils::filesystem {
+
+namespace {
+
+/// Where the elements of path go on after the stripped prefix, and whether all of the prefix matched.
+std::pair<boost::filesystem::path::const_iterator, bool> matchPrefix(const boost::filesystem::path& path,
+                                                                     const boost::filesystem::path& prefix) {
+    const boost::filesystem::path stripped = stripTrailingSlashes(prefix);
+    const auto [inPath, inPrefix] = std::mismatch(path.begin(), path.end(), stripped.begin(), stripped.end());
+    return {inPath, inPrefix == stripped.end()};
+}
+
+void sleepOneSecond() {
+    boost::this_thread::sleep_for(boost::chrono::seconds(1));
+}
+
+} // namespace
+
+bool is_unix_absolute(const boost::filesystem::path& p) {
+    return !p.empty() && (p.native().front() == '/' || p.native().front() == '\\');
+}
+
+boost::filesystem::path stripTrailingSlashes(const boost::filesystem::path& p) {
+    // A trailing separator shows as a last element ".".
+    return p.filename() == "." ? p.parent_path() : p;
+}
+
+bool exists_any(const boost::filesystem::path& p) {
+    try {
+        const boost::filesystem::file_type type = boost::filesystem::symlink_status(p).type();
+        return type != boost::filesystem::status_error && type != boost::filesystem::file_not_found;
+    } catch (...) {
+        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+    }
+}
+
+bool is_directory(const boost::filesystem::path& p) {
+    try {
+        return boost::filesystem::symlink_status(p).type() == boost::filesystem::directory_file;
+    } catch (...) {
+        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+    }
+}
+
+bool is_regular_file(const boost::filesystem::path& p) {
+    try {
+        return boost::filesystem::symlink_status(p).type() == boost::filesystem::regular_file;
+    } catch (...) {
+        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+    }
+}
+
+bool is_symlink(const boost::filesystem::path& p) {
+    try {
+        return boost::filesystem::symlink_status(p).type() == boost::filesystem::symlink_file;
+    } catch (...) {
+        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+    }
+}
+
+bool remove(const boost::filesystem::path& p) {
+    try {
+        return boost::filesystem::remove(p);
+    } catch (...) {
+        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+    }
+}
+
+void rename(const boost::filesystem::path& from, const boost::filesystem::path& to) {
+    try {
+        boost::filesystem::rename(from, to);
+    } catch (...) {
+        NERIX_RETHROW_WITH_CONTEXT("Old path: " << from << ", new path: " << to);
+    }
+}
+
+boost::filesystem::path canonical(const boost::filesystem::path& p, const boost::filesystem::path& base) {
+    try {
+        return boost::filesystem::canonical(p, base);
+    } catch (...) {
+        NERIX_RETHROW_WITH_CONTEXT("Path: " << p << ", base: " << base);
+    }
+}
+
+bool pathStartsWith(const boost::filesystem::path& path, const boost::filesystem::path& prefix) {
+    return matchPrefix(path, prefix).second;
+}
+
+boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
+                                         const boost::filesystem::path& prefix) {
+    const auto [rest, isPrefix] = matchPrefix(path, prefix);
+    if (!isPrefix) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream(
+                                  "Path '", path, "' doesn't start with prefix '", prefix, "'."));
+    }
+    boost::filesystem::path result("/");
+    for (auto element = rest; element != path.end(); ++element) {
+        if (*element != "/") { // an empty prefix leaves the root, which the result has already
+            result /= *element;
+        }
+    }
+    return result;
+}
+
+bool waitForFile(const boost::filesystem::path& p, std::int64_t timeoutSeconds) {
+    // Some thirty years: long enough for any caller, and short enough for the clock's arithmetic.
+    constexpr std::int64_t longest = 1'000'000'000;
+    const auto deadline =
+        std::chrono::steady_clock::now() + std::chrono::seconds(std::min(timeoutSeconds, longest));
+    while (!exists_any(p)) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        sleepOneSecond();
+    }
+    return true;
+}
+
+bool waitForFile(const boost::filesystem::path& p) {
+    while (!exists_any(p)) {
+        sleepOneSecond();
+    }
+    return true;
+}
+
+} // namespace Nerix::Common::Utils::filesystem

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <boost/filesystem/path.hpp>
+
+#include <cstdint>
+
+/// Thin wrappers that fix a few choices: queries look at the entry itself and never follow a final link, a
+/// dangling link exists, prefixes match whole path elements.
+///
+/// Failures of the file system come out as boost::filesystem::filesystem_error; the wrappers that can meet
+/// one leave a context line with function and path in the system log on the way. A missing entry is no
+/// failure for a query, a directory that may not be searched is. All functions may be called from any thread.
+namespace Nerix::Common::Utils::filesystem {
+
+/// Whether the text begins with '/' or '\'. Looks at the text alone.
+bool is_unix_absolute(const boost::filesystem::path& p);
+
+/// p without its trailing separators; "/" stays.
+boost::filesystem::path stripTrailingSlashes(const boost::filesystem::path& p);
+
+/// Whether there is an entry of any type, a dangling link included.
+bool exists_any(const boost::filesystem::path& p);
+
+/// Whether the entry is a directory; a link to one is not.
+bool is_directory(const boost::filesystem::path& p);
+
+/// Whether the entry is a regular file; a link to one is not.
+bool is_regular_file(const boost::filesystem::path& p);
+
+/// Whether the entry is a symbolic link.
+bool is_symlink(const boost::filesystem::path& p);
+
+/// Removes a file or an empty directory. False when there was none.
+bool remove(const boost::filesystem::path& p);
+
+void rename(const boost::filesystem::path& from, const boost::filesystem::path& to);
+
+/// The absolute path without links, "." and "..", a relative p taken from base. The entry must exist.
+boost::filesystem::path canonical(const boost::filesystem::path& p, const boost::filesystem::path& base);
+
+/// Whether the elements of prefix, trailing separators aside, are the first elements of path. An empty prefix
+/// is a prefix of everything.
+bool pathStartsWith(const boost::filesystem::path& path, const boost::filesystem::path& prefix);
+
+/// path without the elements of prefix, as an absolute path; "/" when nothing is left.
+/// Throws GenericException with a stream entry when path does not start with prefix.
+boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
+                                         const boost::filesystem::path& prefix);
+
+/// Looks once a second until the entry exists (true) or timeoutSeconds have passed (false). Looks at least
+/// once. The waiting is a thread interruption point.
+bool waitForFile(const boost::filesystem::path& p, std::int64_t timeoutSeconds);
+
+/// The same without limit.
+bool waitForFile(const boost::filesystem::path& p);
+
+} // namespace Nerix::Common::Utils::filesystem

@@ -1,0 +1,52 @@
+#include "Common/Utils/RethrowExceptionStream.h"
+
+#include "Common/Logging/Log.h"
+#include "Common/Utils/Assert.h"
+#include "Common/Utils/Errors.h"
+#include "Common/Utils/ThreadInterrupted.h"
+
+#include <boost/exception/get_error_info.hpp>
+
+#include <exception>
+#include <locale>
+
+namespace Nerix::Common::Utils {
+
+RethrowExceptionStream::RethrowExceptionStream() : m_uncaughtAtStart(std::uncaught_exceptions()) {
+    m_stream.imbue(std::locale::classic());
+}
+
+RethrowExceptionStream::RethrowExceptionStream(const boost::exception_ptr& excPtr)
+    : m_exception(excPtr), m_uncaughtAtStart(std::uncaught_exceptions()) {
+    NerixAssert(excPtr);
+    m_stream.imbue(std::locale::classic());
+}
+
+RethrowExceptionStream::~RethrowExceptionStream() noexcept(false) {
+    if (std::uncaught_exceptions() > m_uncaughtAtStart) {
+        return;
+    }
+    try {
+        rethrow();
+    } catch (boost::exception& exception) {
+        if (const std::string* const inner = boost::get_error_info<errinfo_rethrows>(exception)) {
+            m_stream << '\n' << *inner;
+        }
+        exception << errinfo_rethrows(m_stream.str());
+        throw;
+    } catch (const boost::thread_interrupted&) {
+        BOOST_THROW_EXCEPTION(thread_interrupted() << errinfo_rethrows(m_stream.str()));
+    } catch (...) {
+        NERIX_LOG_STREAM(INF) << "Rethrowing unknown exception: " << m_stream.str();
+        throw;
+    }
+}
+
+void RethrowExceptionStream::rethrow() const {
+    if (m_exception) {
+        boost::rethrow_exception(m_exception);
+    }
+    throw;
+}
+
+} // namespace Nerix::Common::Utils

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Common/Utils/SingletonsRegister.h"
+
+#include <boost/core/noncopyable.hpp>
+#include <boost/optional/optional.hpp>
+
+namespace Nerix::Common::Utils {
+
+/// Declares the service T needed for the lifetime of the guard. Create it on the stack of the scope that
+/// needs the service, before anything that uses it. Throws what creating the service throws.
+template <class T>
+class SingletonServiceGuard : private boost::noncopyable {
+public:
+    explicit SingletonServiceGuard(SingletonsID id) {
+        SingletonsRegister::getSingletonsRegister().markNeeded<T>(id);
+        m_id = id; // only now: a guard whose service could not be created has nothing to take back
+    }
+
+    ~SingletonServiceGuard() {
+        if (m_id) {
+            SingletonsRegister::getSingletonsRegister().unmarkNeeded(*m_id);
+        }
+    }
+
+private:
+    boost::optional<SingletonsID> m_id;
+};
+
+} // namespace Nerix::Common::Utils

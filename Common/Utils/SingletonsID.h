@@ -1,0 +1,40 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+namespace Nerix::Common::Utils {
+
+/// Identifies a process-wide service in the SingletonsRegister. Shared by all programs of the package; the
+/// values show in messages only and are not stored anywhere.
+enum SingletonsID {
+    USER_DATA_REGISTER = 0,
+    TVS_SIGNAL_DISTRIBUTOR = 1,
+    POWER_OFF_CB_DISTRIBUTOR = 2,
+    G_MAIN_LOOP = 3,
+    DEBUG_AND_TEST_PARMS = 4,
+    INSTALLATION_PERFORMANCE_PARAMS = 5,
+    SINGLETON_PANEL_SERVICE = 6,
+    SINGLETON_CAMERA_PLUGIN = 7,
+    SINGLETON_SUBMICOM_PLUGIN = 8,
+    SINGLETON_EXAMPLE_PLUGIN = 9,
+    SINGLETON_INDEPENDENT_FIRMWARE_PLUGIN = 10,
+    SINGLETON_TVTIMER_INITIALIZER = 11,
+    SINGLETON_CSP_INITIALIZER = 12,
+    SINGLETON_WAKEUP_ENABLER = 13,
+    SINGLETON_USB_DEVICE_INITIALIZER = 14,
+    SINGLETON_POWER_API_INITIALIZER = 15,
+    SINGLETON_USB_CB_DISTRIBUTOR = 16,
+    SINGLETON_USB_NFS_MOUNT = 17,
+    SINGLETON_UNIRO_MOUNTER = 18,
+    SINGLETON_OPENSSL_INITIALIZER = 19,
+    DUMMY_SINGLETON = 20,
+    DEPENDENT_DUMMY_SINGLETON = 21
+};
+
+/// The enumerator's name, or a text that says that there is none for this value.
+std::string singletonsIdToString(SingletonsID id);
+
+std::ostream& operator<<(std::ostream& stream, SingletonsID id);
+
+} // namespace Nerix::Common::Utils

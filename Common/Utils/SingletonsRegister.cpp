@@ -1,0 +1,153 @@
+#include "Common/Utils/SingletonsRegister.h"
+
+#include "Common/Logging/Log.h"
+#include "Common/Utils/Assert.h"
+#include "Common/Utils/SRegisterItem.h"
+
+#include <boost/thread/lock_guard.hpp>
+
+#include <utility>
+
+namespace Nerix::Common::Utils {
+
+using Lock = boost::lock_guard<boost::recursive_mutex>;
+
+SingletonsRegister SingletonsRegister::instance;
+
+SingletonsRegister::SingletonsRegister() = default;
+SingletonsRegister::~SingletonsRegister() = default;
+
+SingletonsRegister& SingletonsRegister::getSingletonsRegister() {
+    return instance;
+}
+
+void SingletonsRegister::markNeededImpl(SingletonsID id, const std::list<SingletonsID>& requirements,
+                                        const Factory& factory) {
+    NERIX_LOG_STREAM(INF) << "Needed: singleton id: " << id;
+    const Lock operations(m_operationsMutex);
+    checkRequirements(id, requirements);
+    Item item = find(id);
+    if (!item) {
+        item = create(id, requirements, factory);
+    }
+    item->incrementNeeded();
+    for (const SingletonsID requirement : requirements) {
+        internalMarkNeeded(requirement);
+    }
+}
+
+SingletonsRegister::Item SingletonsRegister::create(SingletonsID id,
+                                                    const std::list<SingletonsID>& requirements,
+                                                    const Factory& factory) {
+    NERIX_LOG_STREAM(INF) << "Creating : singleton id: " << id;
+    // Outside the map mutex: a constructor may take long, and may itself use registered services.
+    auto item = boost::make_shared<SRegisterItem>(factory(), id, requirements);
+    const Lock map(m_mapMutex);
+    m_items[id] = item;
+    return item;
+}
+
+void SingletonsRegister::internalMarkNeeded(SingletonsID id) {
+    std::list<SingletonsID> requirements;
+    {
+        const Lock map(m_mapMutex);
+        const Item item = find(id);
+        requirements = item->getRequirements(); // the pointer asserts that the id is registered
+        checkRequirements(id, requirements);
+        item->incrementNeeded();
+    }
+    for (const SingletonsID requirement : requirements) {
+        internalMarkNeeded(requirement);
+    }
+}
+
+void SingletonsRegister::checkRequirements(SingletonsID id,
+                                           const std::list<SingletonsID>& requirements) const {
+    const Lock map(m_mapMutex);
+    for (const SingletonsID requirement : requirements) {
+        if (m_items.count(requirement) != 0) {
+            continue;
+        }
+        std::string all;
+        for (const SingletonsID each : requirements) {
+            all += " " + singletonsIdToString(each);
+        }
+        NERIX_LOG_STREAM(INF) << "Cannot meet requirements of given singleton: " << id
+                              << ". Cannot find singleton: " << requirement
+                              << " required by given singleton. All requirements: " << all;
+        NerixAssertMsg(
+            0, "Cannot meet requirements of given singleton. Cannot find singletons required by given "
+               "singleton.");
+    }
+}
+
+void SingletonsRegister::unmarkNeeded(SingletonsID id) {
+    const Lock operations(m_operationsMutex);
+    internalUnmarkNeeded(id);
+}
+
+void SingletonsRegister::internalUnmarkNeeded(SingletonsID id) {
+    NERIX_LOG_STREAM(INF) << "Unmarking needed: singleton id: " << id;
+    Item item = find(id);
+    if (!item) {
+        NerixAssert(0);
+    }
+    item->decrementNeeded();
+    if (item->isUseless()) {
+        const Lock map(m_mapMutex);
+        NERIX_LOG_STREAM(INF) << "Singleton: " << id << " will be deleted.";
+        m_items.erase(id);
+    }
+    const std::list<SingletonsID> requirements = item->getRequirements();
+    // Destroys the service if it was erased: before anything that it requires is touched.
+    item.reset();
+    for (const SingletonsID requirement : requirements) {
+        internalUnmarkNeeded(requirement);
+    }
+}
+
+SingletonsRegister::Item SingletonsRegister::find(SingletonsID id) const {
+    const Lock map(m_mapMutex);
+    const auto entry = m_items.find(id);
+    return entry == m_items.end() ? Item() : entry->second;
+}
+
+SingletonsRegister::Item SingletonsRegister::addUser(const std::string& user, SingletonsID id,
+                                                     bool (*isRightType)(const RegisterableSingleton&)) {
+    const Lock map(m_mapMutex);
+    Item item = find(id);
+    if (!item) {
+        const std::string message = "Singleton " + singletonsIdToString(id) + " does not exist.";
+        NerixAssertMsg(0, message.c_str());
+    }
+    if (!isRightType(*item->getRegisterable())) {
+        NerixAssertMsg(0, "Singleton's type probably doesn't match with its id");
+    }
+    item->incrementUsage(user);
+    return item;
+}
+
+namespace detail {
+
+SingletonUsage::SingletonUsage(std::string user, const boost::shared_ptr<SRegisterItem>& item)
+    : m_user(std::move(user)), m_item(item) {}
+
+SingletonUsage::~SingletonUsage() {
+    if (const boost::shared_ptr<SRegisterItem> item = m_item.lock()) {
+        item->decrementUsage(m_user);
+    }
+}
+
+boost::shared_ptr<RegisterableSingleton> SingletonUsage::registerable() const {
+    const boost::shared_ptr<SRegisterItem> item = m_item.lock();
+    if (!item) {
+        NerixAssertMsg(
+            0, "You are trying to use non-existent singleton! It has been probably destroyed since your "
+               "getService. Check scopes of the singleton's guards");
+    }
+    return item->getRegisterable();
+}
+
+} // namespace detail
+
+} // namespace Nerix::Common::Utils

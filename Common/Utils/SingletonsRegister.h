@@ -1,0 +1,85 @@
+#pragma once
+
+#include "Common/Utils/RegisterableSingleton.h"
+#include "Common/Utils/SingletonPointer.h"
+#include "Common/Utils/SingletonsID.h"
+
+#include <boost/core/noncopyable.hpp>
+#include <boost/smart_ptr/make_shared.hpp>
+#include <boost/smart_ptr/shared_ptr.hpp>
+#include <boost/thread/recursive_mutex.hpp>
+
+#include <functional>
+#include <list>
+#include <map>
+#include <string>
+
+namespace Nerix::Common::Utils {
+
+class SRegisterItem;
+
+/// Makes a service the ordinary way, by its default constructor.
+template <class T>
+boost::shared_ptr<RegisterableSingleton> standardFactoryFunction() {
+    return boost::make_shared<T>();
+}
+
+/// The process-wide services: each is created when a scope first declares that it needs it, lives while at
+/// least one such declaration is in force, and is destroyed before the services that it requires.
+///
+/// Scopes declare need with a SingletonServiceGuard; users reach a service with getService. Any thread may
+/// call. Misuse is a fatal assertion, never an exception; only a service's factory and running out of memory
+/// throw.
+class SingletonsRegister : private boost::noncopyable {
+public:
+    using Factory = std::function<boost::shared_ptr<RegisterableSingleton>()>;
+
+    /// The register of this process.
+    static SingletonsRegister& getSingletonsRegister();
+
+    /// Declares the service T needed under id and creates it if it is not there yet. Asserts that what T
+    /// requires is registered. Passes on what the factory throws; the service is then not registered.
+    template <class T>
+    void markNeeded(SingletonsID id) {
+        markNeeded<T>(id, standardFactoryFunction<T>);
+    }
+    template <class T>
+    void markNeeded(SingletonsID id, const Factory& factory) {
+        markNeededImpl(id, T::requirements(), factory);
+    }
+
+    /// Takes back one declaration of need; the last one destroys the service, now.
+    void unmarkNeeded(SingletonsID id);
+
+    /// A handle for user to the service registered under id. Asserts that there is one and that it is a T.
+    template <class T>
+    SingletonPointer<T> getService(const std::string& user, SingletonsID id) {
+        return SingletonPointer<T>(user, addUser(user, id, [](const RegisterableSingleton& service) {
+                                       return dynamic_cast<const T*>(&service) != nullptr;
+                                   }));
+    }
+
+private:
+    using Item = boost::shared_ptr<SRegisterItem>;
+
+    SingletonsRegister();
+    ~SingletonsRegister();
+
+    void markNeededImpl(SingletonsID id, const std::list<SingletonsID>& requirements, const Factory& factory);
+    void internalMarkNeeded(SingletonsID id);
+    void internalUnmarkNeeded(SingletonsID id);
+    void checkRequirements(SingletonsID id, const std::list<SingletonsID>& requirements) const;
+    Item find(SingletonsID id) const;
+    Item create(SingletonsID id, const std::list<SingletonsID>& requirements, const Factory& factory);
+    Item addUser(const std::string& user, SingletonsID id, bool (*isRightType)(const RegisterableSingleton&));
+
+    static SingletonsRegister instance;
+
+    // Always locked in this order, and an item's own mutex last. Recursive, as marking walks through
+    // requirements.
+    mutable boost::recursive_mutex m_operationsMutex; ///< creation and destruction, one at a time
+    mutable boost::recursive_mutex m_mapMutex;        ///< guards m_items
+    std::map<SingletonsID, Item> m_items;
+};
+
+} // namespace Nerix::Common::Utils

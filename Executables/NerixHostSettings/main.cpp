@@ -1,0 +1,84 @@
+#include "Platform/Host/SettingsStore.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+using Nerix::Platform::Host::Setting;
+using Nerix::Platform::Host::SettingsStore;
+using Nerix::Platform::Host::SettingType;
+
+namespace {
+
+constexpr const char* usage = "usage: NerixHostSettings list\n"
+                              "       NerixHostSettings get KEY\n";
+
+template <class Value>
+Value numberIn(const std::string& bytes) {
+    Value value{};
+    std::memcpy(&value, bytes.data(), std::min(sizeof value, bytes.size()));
+    return value;
+}
+
+std::string valueText(const Setting& setting) {
+    switch (setting.type) {
+    case SettingType::Integer:
+        return std::to_string(numberIn<int>(setting.bytes));
+    case SettingType::Double:
+        return std::to_string(numberIn<double>(setting.bytes));
+    case SettingType::Boolean:
+        return numberIn<int>(setting.bytes) != 0 ? "true" : "false";
+    case SettingType::Text:
+        break;
+    }
+    return setting.bytes;
+}
+
+std::vector<Setting> allSettings() {
+    std::vector<Setting> settings;
+    if (const int code = SettingsStore::instance().list(settings)) {
+        throw std::runtime_error("cannot read the settings store: " + SettingsStore::describe(code));
+    }
+    return settings;
+}
+
+int list() {
+    for (const Setting& setting : allSettings()) {
+        std::cout << setting.key << " = " << valueText(setting) << '\n';
+    }
+    return EXIT_SUCCESS;
+}
+
+int get(const std::string& key) {
+    for (const Setting& setting : allSettings()) {
+        if (setting.key == key) {
+            std::cout << valueText(setting) << '\n';
+            return EXIT_SUCCESS;
+        }
+    }
+    std::cerr << "no setting " << key << '\n';
+    return EXIT_FAILURE;
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    try {
+        if (words.size() == 1 && words[0] == "list") {
+            return list();
+        }
+        if (words.size() == 2 && words[0] == "get") {
+            return get(words[1]);
+        }
+    } catch (const std::exception& failure) {
+        std::cerr << "NerixHostSettings: " << failure.what() << '\n';
+        return EXIT_FAILURE;
+    }
+    std::cerr << usage;
+    return EXIT_FAILURE;
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+namespace Nerix {
+
+/// To be called before anything opens a file. A standard descriptor that the caller closed would be given to
+/// the first file opened, and the result would be written into that file: each closed one is filled, standard
+/// output in a way that writing to it fails. A reader that goes away fails the writing, too, instead of
+/// ending the process.
+void secureStandardStreams();
+
+/// Writes text to standard output and flushes it.
+/// Throws GenericException with the system's reason when it could not all be written.
+void writeToStandardOutput(const std::string& text);
+
+/// Writes text to standard output or, when that takes nothing, to standard error.
+void writeReport(const std::string& text) noexcept;
+
+} // namespace Nerix

@@ -1,0 +1,84 @@
+#include "Common/IO/OpenSSLInit.h"
+#include "Common/Logging/Log.h"
+#include "Common/Logging/PackageVersion.h"
+#include "Common/Utils/SingletonServiceGuard.h"
+#include "Executables/NerixVerifierHash/StandardStreams.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
+
+#include <boost/exception/diagnostic_information.hpp>
+#include <boost/program_options/options_description.hpp>
+#include <boost/program_options/parsers.hpp>
+#include <boost/program_options/value_semantic.hpp>
+#include <boost/program_options/variables_map.hpp>
+
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+namespace options = boost::program_options;
+
+namespace {
+
+using Nerix::Common::Logging::LoggingClass;
+
+constexpr const char* programName = "NerixVerifierHash";
+const unsigned int minimumDescriptionLength = options::options_description::m_default_line_length / 2;
+
+void addMainOptions(options::options_description& outer) {
+    options::options_description group("Main options", 80, minimumDescriptionLength);
+    group.add_options()("help,h", "Print this help message")(
+        "path,P", options::value<std::string>()->value_name("PATH"),
+        "Path to scan")("hash,H", options::value<std::string>()->value_name("HASH"), "Hash method");
+    outer.add(group);
+}
+
+std::string helpText(const options::options_description& outer) {
+    std::ostringstream text;
+    text << programName << ' ' << Nerix::Common::packageVersion << '\n'
+         << "Folds everything that identifies the tree below PATH into one 64-bit value and prints it.\n"
+         << outer << '\n';
+    return text.str();
+}
+
+std::string valueOr(const options::variables_map& map, const char* name, const char* otherwise) {
+    return map.count(name) != 0 ? map[name].as<std::string>() : otherwise;
+}
+
+void run(int argc, char* argv[], const options::options_description& outer) {
+    options::variables_map map;
+    options::store(options::parse_command_line(argc, argv, outer), map);
+    options::notify(map);
+    if (map.count("help") != 0 || map.empty()) {
+        Nerix::writeToStandardOutput(helpText(outer));
+        return;
+    }
+    const std::string result =
+        Nerix::HashVerifierAPI::nerixVerifyPath(valueOr(map, "path", "."), valueOr(map, "hash", "md5"));
+    Nerix::writeToStandardOutput(result + '\n');
+}
+
+void reportCurrentException() {
+    const std::string diagnostic = boost::current_exception_diagnostic_information(true);
+    NERIX_LOG(FTL, "Exception caught in NerixVerifierHash: %s", diagnostic.c_str());
+    Nerix::writeReport("Exception caught in NerixVerifierHash: " + diagnostic +
+                       "\n  -- see dlog for details\n");
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    Nerix::secureStandardStreams();
+    LoggingClass::init(programName);
+    options::options_description outer(options::options_description::m_default_line_length,
+                                       minimumDescriptionLength);
+    addMainOptions(outer);
+    const Nerix::Common::Utils::SingletonServiceGuard<Nerix::Common::IO::OpenSSLInit> openSSL(
+        Nerix::Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
+    try {
+        run(argc, argv, outer);
+        return EXIT_SUCCESS;
+    } catch (...) {
+        reportCurrentException();
+        return EXIT_FAILURE;
+    }
+}

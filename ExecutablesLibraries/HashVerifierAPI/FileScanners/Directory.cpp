@@ -1,0 +1,83 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Directory.h"
+
+#include "Common/Logging/Log.h"
+#include "Common/Utils/RethrowExceptionStream.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/MountPoints.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
+
+#include <boost/exception/diagnostic_information.hpp>
+#include <boost/filesystem/directory.hpp>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace Nerix::FileScanners {
+
+namespace {
+
+using hash_t = IHashFunction::hash_t;
+
+constexpr hash_t otherDeviceMarker = 0x222;
+constexpr hash_t mountPointMarker = 0x444;
+
+/// The names of the directory's entries, sorted by their bytes. Names, not paths: the directory's own path
+/// before each would change nothing in the order, but multiply the time to compare and the memory to hold
+/// them.
+std::vector<std::string> sortedNames(const boost::filesystem::path& directory) {
+    std::vector<std::string> names;
+    for (const boost::filesystem::directory_entry& entry : boost::filesystem::directory_iterator(directory)) {
+        names.push_back(entry.path().filename().native());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+} // namespace
+
+bool Directory::accept(const FileInput& entry) const {
+    const boost::filesystem::path name = entry.path.filename();
+    if (name == "." || name == "..") {
+        return false;
+    }
+    HashWorker& worker = HashWorker::getInstance();
+    if (entry.status.st_dev != worker.getRoot().status.st_dev) {
+        worker.log(entry, otherDeviceMarker);
+        return false;
+    }
+    if (MountPoints::getInstance().isMountPoint(entry.path.native())) {
+        worker.log(entry, mountPointMarker);
+        return false;
+    }
+    return true;
+}
+
+hash_t Directory::process(const FileInput& entry, hash_t value, const IHashFunction& function) const {
+    value = function.apply(value, entry.path.native());
+    value = hashstat(entry, value, function);
+    value = hashxtattr(entry, value, function);
+
+    std::string list;
+    for (const std::string& name : sortedNames(entry.path)) {
+        try {
+            const FileInput child(entry.path / name);
+            const IFileScanner& scanner = getInstance(child);
+            if (scanner.accept(child)) {
+                list += std::to_string(scanner.process(child, 0, function));
+                list += '\n';
+            }
+        } catch (...) {
+            NERIX_LOG_STREAM(ERR) << "Exception when scanning filesystem: "
+                                  << boost::current_exception_diagnostic_information(true);
+            NERIX_RETHROW_WITH_CONTEXT("");
+        }
+    }
+    value = function.apply(value, list);
+    HashWorker::getInstance().log(entry, value);
+    return value;
+}
+
+} // namespace Nerix::FileScanners

@@ -1,0 +1,117 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
+
+#include "Common/Utils/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+
+#include <algorithm>
+#include <vector>
+
+#include <sys/xattr.h>
+
+namespace Nerix::FileScanners {
+
+using Common::Utils::errinfo_stream;
+using Common::Utils::GenericException;
+using hash_t = IHashFunction::hash_t;
+
+namespace {
+
+struct ModeToken {
+    mode_t bit;
+    const char* whenSet;
+    const char* whenClear;
+};
+
+constexpr ModeToken permissionTokens[] = {
+    {S_IRUSR, "UR", "ur"}, {S_IWUSR, "UW", "uw"}, {S_IXUSR, "UX", "ux"},
+    {S_IRGRP, "GR", "gr"}, {S_IWGRP, "GW", "gw"}, {S_IXGRP, "GX", "gx"},
+    {S_IROTH, "OR", "or"}, {S_IWOTH, "OW", "ow"}, {S_IXOTH, "OX", "ox"},
+};
+constexpr ModeToken specialTokens[] = {{S_ISUID, "SU", "su"}, {S_ISGID, "SG", "sg"}, {S_ISVTX, "SB", "sb"}};
+
+template <std::size_t count>
+void appendTokens(std::string& text, const ModeToken (&tokens)[count], mode_t mode) {
+    for (const ModeToken& token : tokens) {
+        text += (mode & token.bit) != 0 ? token.whenSet : token.whenClear;
+    }
+    text += '\n';
+}
+
+/// Fills names with the names of the entry's attributes, sorted by their bytes.
+void listxattr(const FileInput& entry, std::vector<std::string>& names) {
+    const ssize_t size = ::llistxattr(entry.path.c_str(), nullptr, 0);
+    if (size < 0) {
+        BOOST_THROW_EXCEPTION(GenericException()
+                              << errinfo_stream("access error: can't read xattrs for file: ", entry.path));
+    }
+    if (size == 0) {
+        return;
+    }
+    std::vector<char> buffer(static_cast<std::size_t>(size));
+    const ssize_t read = ::llistxattr(entry.path.c_str(), buffer.data(), buffer.size());
+    if (read < 0) {
+        BOOST_THROW_EXCEPTION(GenericException()
+                              << errinfo_stream("access error: can't read xattrs for file: ", entry.path));
+    }
+    if (read != size) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream(
+                                  "concurrent access: can't read xattrs for file: ", entry.path));
+    }
+    for (auto name = buffer.begin(); name != buffer.end();) {
+        const auto end = std::find(name, buffer.end(), '\0');
+        names.emplace_back(name, end);
+        name = end == buffer.end() ? end : end + 1;
+    }
+    std::sort(names.begin(), names.end());
+}
+
+std::vector<char> readxattr(const FileInput& entry, const std::string& name) {
+    const ssize_t size = ::lgetxattr(entry.path.c_str(), name.c_str(), nullptr, 0);
+    if (size < 0) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("access error: can't read xattribute",
+                                                                   name, " for file: ", entry.path));
+    }
+    // One byte more than is read: size 0 would ask for the size again, into a buffer that must not be null.
+    std::vector<char> value(static_cast<std::size_t>(size) + 1);
+    if (::lgetxattr(entry.path.c_str(), name.c_str(), value.data(), static_cast<std::size_t>(size)) != size) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("concurrent access: can't read xattribute",
+                                                                   name, " for file: ", entry.path));
+    }
+    value.pop_back();
+    return value;
+}
+
+} // namespace
+
+std::string statusText(const FileInput& entry) {
+    const struct stat& status = entry.status;
+    std::string text;
+    text.reserve(64); // three numbers of up to ten digits, 26 characters of tokens, line ends
+    text += std::to_string(status.st_uid);
+    text += '\n';
+    text += std::to_string(status.st_gid);
+    text += '\n';
+    text += std::to_string(status.st_nlink);
+    text += '\n';
+    appendTokens(text, permissionTokens, status.st_mode);
+    appendTokens(text, specialTokens, status.st_mode);
+    return text;
+}
+
+hash_t hashstat(const FileInput& entry, hash_t value, const IHashFunction& function) {
+    return function.apply(value, statusText(entry));
+}
+
+hash_t hashxtattr(const FileInput& entry, hash_t value, const IHashFunction& function) {
+    std::vector<std::string> names;
+    listxattr(entry, names);
+    for (const std::string& name : names) {
+        const std::vector<char> content = readxattr(entry, name);
+        value = function.apply(value, name);
+        value = function.apply(value, std::string("separator"));
+        value = function.apply(value, static_cast<unsigned int>(content.size()), content.data());
+    }
+    return value;
+}
+
+} // namespace Nerix::FileScanners

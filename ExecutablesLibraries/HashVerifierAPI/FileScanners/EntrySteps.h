@@ -1,0 +1,31 @@
+#pragma once
+
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/IHashFunction.h"
+
+#include <string>
+
+namespace Nerix {
+
+struct FileInput;
+
+/// The steps that every folded entry passes through after its path. For the scanners alone.
+namespace FileScanners {
+
+/// What the status step folds in, five lines: owner, group and link count in decimal, the permission bits
+/// ("URUWuxGRgwgxORowox" for 0644) and the special bits ("susgsb" for none), upper case for a bit that is
+/// set.
+std::string statusText(const FileInput& entry);
+
+/// One step over the status text.
+IHashFunction::hash_t hashstat(const FileInput& entry, IHashFunction::hash_t value,
+                               const IHashFunction& function);
+
+/// For each extended attribute of the entry itself, in the byte order of the names: a step over the name, one
+/// over "separator", one over the value. Throws GenericException when the attributes cannot be read or change
+/// meanwhile.
+IHashFunction::hash_t hashxtattr(const FileInput& entry, IHashFunction::hash_t value,
+                                 const IHashFunction& function);
+
+} // namespace FileScanners
+
+} // namespace Nerix

@@ -1,0 +1,16 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+
+#include "Common/Utils/Errors.h"
+
+#include <utility>
+
+namespace Nerix {
+
+FileInput::FileInput(boost::filesystem::path entryPath) : path(std::move(entryPath)), status() {
+    if (::lstat(path.c_str(), &status) != 0) {
+        BOOST_THROW_EXCEPTION(Common::Utils::GenericException()
+                              << Common::Utils::errinfo_stream("access error: can't LSTAT file: ", path));
+    }
+}
+
+} // namespace Nerix

@@ -1,0 +1,45 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Regular.h"
+
+#include "Common/Utils/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace Nerix::FileScanners {
+
+namespace {
+
+using hash_t = IHashFunction::hash_t;
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+hash_t hashContent(const FileInput& entry, hash_t value, const IHashFunction& function) {
+    const std::unique_ptr<std::FILE, FileCloser> file(std::fopen(entry.path.c_str(), "r"));
+    if (!file) {
+        BOOST_THROW_EXCEPTION(Common::Utils::GenericException() << Common::Utils::errinfo_stream(
+                                  "access error: can't read content of file: ", entry.path));
+    }
+    return function.apply(value, file.get());
+}
+
+hash_t hashEntry(const FileInput& entry, hash_t value, const IHashFunction& function) {
+    value = function.apply(value, entry.path.native());
+    value = hashstat(entry, value, function);
+    value = hashxtattr(entry, value, function);
+    return hashContent(entry, value, function);
+}
+
+} // namespace
+
+hash_t Regular::process(const FileInput& entry, hash_t value, const IHashFunction& function) const {
+    value = hashEntry(entry, value, function);
+    HashWorker::getInstance().log(entry, value);
+    return value;
+}
+
+} // namespace Nerix::FileScanners

@@ -1,0 +1,45 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/SymbolicLink.h"
+
+#include "Common/Utils/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
+
+#include <vector>
+
+#include <unistd.h>
+
+namespace Nerix::FileScanners {
+
+namespace {
+
+using hash_t = IHashFunction::hash_t;
+
+hash_t hashTarget(const FileInput& entry, hash_t value, const IHashFunction& function) {
+    // The length that lstat gave counts, not the one that readlink returns: the two differ only when the link
+    // was replaced meanwhile, and then the buffer's zeros stand for what is missing.
+    const auto length = static_cast<std::size_t>(entry.status.st_size);
+    std::vector<char> target(length + 1);
+    if (::readlink(entry.path.c_str(), target.data(), target.size()) == -1) {
+        BOOST_THROW_EXCEPTION(Common::Utils::GenericException() << Common::Utils::errinfo_stream(
+                                  "access error: can't read symlink: ", entry.path));
+    }
+    return function.apply(value, static_cast<unsigned int>(length), target.data());
+}
+
+hash_t hashEntry(const FileInput& entry, hash_t value, const IHashFunction& function) {
+    value = function.apply(value, entry.path.native());
+    value = hashstat(entry, value, function);
+    value = hashxtattr(entry, value, function);
+    return hashTarget(entry, value, function);
+}
+
+} // namespace
+
+hash_t SymbolicLink::process(const FileInput& entry, hash_t value, const IHashFunction& function) const {
+    value = hashEntry(entry, value, function);
+    HashWorker::getInstance().log(entry, value);
+    return value;
+}
+
+} // namespace Nerix::FileScanners

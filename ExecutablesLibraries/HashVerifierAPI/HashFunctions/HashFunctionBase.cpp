@@ -1,0 +1,17 @@
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctionBase.h"
+
+namespace Nerix::HashFunctions {
+
+IHashFunction::hash_t HashFunctionBase::apply(hash_t value, const std::string& text) const {
+    return apply(value, static_cast<unsigned int>(text.size()), text.data());
+}
+
+IHashFunction::hash_t HashFunctionBase::apply(hash_t value, std::FILE* stream) const {
+    char buffer[4096];
+    while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, stream)) {
+        value = apply(value, static_cast<unsigned int>(count), buffer);
+    }
+    return value;
+}
+
+} // namespace Nerix::HashFunctions

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+namespace Nerix {
+
+/// Folds bytes into a chaining value: new value = f(old value, bytes). The value is the only state that goes
+/// from one step to the next. Instances are immutable; any number of threads may use one.
+class IHashFunction {
+public:
+    using hash_t = std::uint64_t;
+
+    virtual ~IHashFunction() = default;
+
+    /// One step over the length bytes at data.
+    virtual hash_t apply(hash_t value, unsigned int length, const char* data) const = 0;
+
+    /// One step over the bytes of text, without a terminator.
+    virtual hash_t apply(hash_t value, const std::string& text) const = 0;
+
+    /// A step for each chunk of 4096 bytes from the stream's current position to its end, the last one
+    /// shorter; none for an empty rest. A read error counts as the end. The stream stays the caller's, open.
+    virtual hash_t apply(hash_t value, std::FILE* stream) const = 0;
+
+protected:
+    IHashFunction() = default;
+    IHashFunction(const IHashFunction&) = default;
+    IHashFunction& operator=(const IHashFunction&) = default;
+};
+
+} // namespace Nerix

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctionBase.h"
+
+namespace Nerix::HashFunctions {
+
+/// "none": the value never changes; what remains of a verification is the walk and its scan log.
+class NoHashFunction final : public HashFunctionBase {
+public:
+    using HashFunctionBase::apply;
+    hash_t apply(hash_t value, unsigned int length, const char* data) const override;
+};
+
+} // namespace Nerix::HashFunctions

@@ -1,0 +1,46 @@
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/OpenSSLHash.h"
+
+#include "Common/IO/HashSink.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
+
+#include <array>
+
+namespace Nerix::HashFunctions {
+
+namespace {
+
+using hash_t = IHashFunction::hash_t;
+
+std::array<std::uint8_t, sizeof(hash_t)> littleEndian(hash_t value) {
+    std::array<std::uint8_t, sizeof(hash_t)> bytes{};
+    for (std::uint8_t& byte : bytes) {
+        byte = static_cast<std::uint8_t>(value);
+        value >>= 8U;
+    }
+    return bytes;
+}
+
+/// The last 8 bytes as a big-endian number: earlier ones are shifted out.
+hash_t fold(const std::vector<std::uint8_t>& digest) {
+    hash_t value = 0;
+    for (const std::uint8_t byte : digest) {
+        value = value << 8U | byte;
+    }
+    return value;
+}
+
+} // namespace
+
+OpenSSLHash::OpenSSLHash(const std::string& algorithm) : m_algorithm(algorithm) {}
+
+hash_t OpenSSLHash::apply(hash_t value, unsigned int length, const char* data) const {
+    Common::IO::HashSink sink(m_algorithm);
+    const auto chain = littleEndian(value);
+    sink.writeChunk(chain.data(), chain.size());
+    sink.writeChunk(reinterpret_cast<const std::uint8_t*>(data), length);
+    const hash_t result = fold(sink.getHash());
+    HashWorker::getInstance().log(length);
+    return result;
+}
+
+} // namespace Nerix::HashFunctions

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctionBase.h"
+
+#include <string>
+
+namespace Nerix::HashFunctions {
+
+/// A step is a complete digest of its own: the last 8 bytes, big-endian, of the digest of the old value (8
+/// bytes, little-endian) followed by the data. Each step reports its data bytes to the HashWorker.
+class OpenSSLHash final : public HashFunctionBase {
+public:
+    /// algorithm: the digest's name in the crypto library, looked up when a step is taken.
+    explicit OpenSSLHash(const std::string& algorithm);
+
+    using HashFunctionBase::apply;
+
+    /// Needs the crypto set-up in the singletons register. Throws what HashSink throws.
+    hash_t apply(hash_t value, unsigned int length, const char* data) const override;
+
+private:
+    std::string m_algorithm;
+};
+
+} // namespace Nerix::HashFunctions

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctionBase.h"
+
+namespace Nerix::HashFunctions {
+
+/// "trivial": counts the bytes that are fed in, modulo 2^64, and never reads them.
+class TrivialHashFunction final : public HashFunctionBase {
+public:
+    using HashFunctionBase::apply;
+    hash_t apply(hash_t value, unsigned int length, const char* data) const override;
+};
+
+} // namespace Nerix::HashFunctions

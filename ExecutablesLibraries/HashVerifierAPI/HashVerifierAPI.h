@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+
+/// How a program asks for a verification. All functions work on the one HashWorker of the process; one thread
+/// drives them, getProgress alone may be called from any thread.
+///
+/// hashMethod is "none", "trivial", "sha1" or "md5". The crypto set-up (SINGLETON_OPENSSL_INITIALIZER) must
+/// be registered for as long as a verification runs.
+namespace Nerix::HashVerifierAPI {
+
+/// Starts hashing the tree at path and returns while it runs. A relative path is taken from the current
+/// directory; a path that is a symbolic link stands for what it leads to. Throws
+/// boost::filesystem::filesystem_error when the path does not exist or cannot be resolved, GenericException
+/// when it cannot be examined, and what HashWorker::start throws.
+void startVerifyPath(const std::string& path, const std::string& hashMethod);
+
+/// startVerifyPath("/", "md5").
+void startVerifyFileSystem();
+
+/// Hashes the tree at path and returns its value, 16 lower-case hexadecimal digits, or "ERROR" when the scan
+/// failed. Throws what startVerifyPath throws.
+std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod);
+
+/// nerixVerifyPath("/", "md5").
+std::string nerixVerifyFileSystem();
+
+/// The last published percentage of the running or last verification, two decimals.
+std::string getProgress();
+
+/// The value of the last verification. Only valid after it has finished: asserted.
+std::string getResult();
+
+} // namespace Nerix::HashVerifierAPI

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <boost/core/noncopyable.hpp>
+
+#include <istream>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace Nerix {
+
+/// A mount table as it was when it was read; later mounts are not seen. The root directory's own line is left
+/// out, so that a walk of "/" does not stop at once. Immutable after creation; any thread may ask.
+class MountPoints : private boost::noncopyable {
+public:
+    /// The table of this process, read from /proc/mounts when first asked for; empty when that cannot be
+    /// read.
+    static MountPoints& getInstance();
+
+    /// Reads lines whose first two words are device and mount directory; the rest of a line does not matter.
+    /// Escapes such as \040 are not decoded.
+    explicit MountPoints(std::istream& table);
+
+    /// Whether something is mounted on the directory, spelled exactly as in the table.
+    bool isMountPoint(const std::string& directory) const { return m_mountPoints.count(directory) != 0; }
+
+private:
+    std::map<std::string, std::string> m_mountPoints; ///< mount directory to mounted device
+    std::vector<std::string> m_mountOrder; ///< as in the table; a directory mounted twice stands twice
+};
+
+} // namespace Nerix

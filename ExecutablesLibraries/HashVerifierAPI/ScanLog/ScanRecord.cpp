@@ -1,0 +1,28 @@
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
+
+namespace Nerix {
+
+std::string hexadecimal16(std::uint64_t value) {
+    std::string text(16, '0');
+    for (auto digit = text.rbegin(); digit != text.rend(); ++digit) {
+        *digit = "0123456789abcdef"[value & 0xFU];
+        value >>= 4U;
+    }
+    return text;
+}
+
+std::string scanRecord(std::uint64_t value, const std::string& path) {
+    std::string record = hexadecimal16(value);
+    record.reserve(record.size() + path.size() + 3);
+    record += " \"";
+    for (const char character : path) {
+        if (character == '"' || character == '&') {
+            record += '&';
+        }
+        record += character;
+    }
+    record += '"';
+    return record;
+}
+
+} // namespace Nerix

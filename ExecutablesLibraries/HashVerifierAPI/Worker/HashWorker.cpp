@@ -1,0 +1,208 @@
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
+
+#include "Common/Logging/Log.h"
+#include "Common/Utils/Assert.h"
+#include "Common/Utils/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/Progress.h"
+#include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
+
+#include <boost/exception/diagnostic_information.hpp>
+#include <boost/smart_ptr/make_shared.hpp>
+#include <boost/thread/thread.hpp>
+
+#include <sys/statvfs.h>
+
+namespace Nerix {
+
+using Common::Logging::LoggingClass;
+using Common::Utils::errinfo_stream;
+using Common::Utils::GenericException;
+using Platform::IVConf;
+
+namespace {
+
+const std::string statusKey = "memory/menu/support/softwareupdate/hashverifier_status";
+const std::string progressKey = "memory/menu/support/softwareupdate/hashverifier_progress";
+const std::string resultKey = "db/menu/support/softwareupdate/hashverifier_result";
+
+/// For handlers on the worker's thread, which must not end the process.
+void logCurrentException(LoggingClass::Level level, const char* what) noexcept {
+    try {
+        Common::Logging::LoggingStream(NERIX_LOG_TAG, level, LoggingClass::shortenPath(__FILE__), __LINE__)
+                .getStream()
+            << what << boost::current_exception_diagnostic_information(true);
+    } catch (...) { // NOLINT(bugprone-empty-catch): out of memory; the failed run itself is still published
+    }
+}
+
+} // namespace
+
+void HashLoggerExecutor::operator()() const {
+    m_worker->execute();
+}
+
+HashWorker& HashWorker::getInstance() {
+    static HashWorker instance;
+    return instance;
+}
+
+HashWorker::HashWorker() : m_root("/") {}
+
+HashWorker::~HashWorker() {
+    if (m_startedThread && m_startedThread->joinable()) {
+        m_startedThread->join();
+    }
+    shutdown();
+}
+
+HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName) {
+    if (boost::atomic_load(&m_thread)) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("verification is already started"));
+    }
+    wait(); // a former worker may still be writing "inactive"
+
+    struct statvfs statistics {};
+    if (::statvfs(root.path.c_str(), &statistics) != 0) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("can't read filesystem statistics"));
+    }
+    m_root = root;
+    m_hashName = hashName;
+    m_blockSize = static_cast<std::uint32_t>(statistics.f_bsize);
+    m_totalBytes = (std::uint64_t{statistics.f_blocks} - statistics.f_bfree) * statistics.f_bsize;
+    m_processedBytes = 0;
+    m_reportedBytes = 0;
+    m_currentBytes = 0;
+
+    IVConf::setString(resultKey, "00000111");
+    IVConf::setString(progressKey, "0.0");
+    launch();
+    return *this;
+}
+
+void HashWorker::launch() {
+    m_activePublished = std::promise<bool>();
+    m_startedThread = boost::make_shared<boost::thread>(HashLoggerExecutor(this));
+    boost::atomic_store(&m_thread, m_startedThread);
+    try {
+        IVConf::setString(statusKey, "active");
+    } catch (...) {
+        m_activePublished.set_value(false);
+        wait();
+        throw;
+    }
+    m_activePublished.set_value(true);
+}
+
+HashWorker& HashWorker::wait() {
+    if (m_startedThread) {
+        m_startedThread->join();
+        m_startedThread.reset();
+    }
+    return *this;
+}
+
+std::string HashWorker::getResult() {
+    NerixAssert(!m_calculatedHash.empty());
+    return m_calculatedHash;
+}
+
+std::string HashWorker::getProgress() const {
+    return Progress::text(m_reportedBytes, m_totalBytes);
+}
+
+void HashWorker::log(unsigned long long bytes) {
+    m_currentBytes += bytes;
+    onProgress();
+}
+
+void HashWorker::log(const FileInput& entry, unsigned long long value) {
+    const std::string record = scanRecord(value, entry.path.native());
+    if (m_logFile.is_open()) {
+        m_logFile << record << '\n';
+    } else {
+        NERIX_LOG_STREAM(INF) << record;
+    }
+    m_processedBytes += Progress::workOf(static_cast<std::uint64_t>(entry.status.st_size), m_blockSize);
+    m_currentBytes = 0;
+    onProgress();
+}
+
+void HashWorker::onProgress() {
+    const std::uint64_t done = m_processedBytes + m_currentBytes;
+    if (Progress::isWorthReporting(done, m_reportedBytes)) {
+        m_reportedBytes = done;
+        IVConf::setString(progressKey, getProgress());
+    }
+}
+
+HashWorker& HashWorker::execute() {
+    try {
+        if (m_activePublished.get_future().get()) {
+            scan();
+        }
+    } catch (...) {
+        fail();
+    }
+    boost::atomic_store(&m_thread, boost::shared_ptr<boost::thread>());
+    publishInactive();
+    return *this;
+}
+
+void HashWorker::scan() {
+    const IFileScanner& scanner = FileScanners::getInstance(m_root);
+    const IHashFunction& function = HashFunctions::getInstance(m_hashName);
+    shutdown(scanner.process(m_root, 0, function));
+}
+
+void HashWorker::fail() noexcept {
+    static const std::string errorMessage = "ERROR";
+    // Not ERR: those are the records of the levels that the failure passed.
+    logCurrentException(LoggingClass::WRN, "Verification failed: ");
+    try {
+        shutdown(errorMessage);
+    } catch (...) {
+        logCurrentException(LoggingClass::ERR, "Exception when ending a failed scan: ");
+    }
+    m_calculatedHash = errorMessage;
+}
+
+void HashWorker::publishInactive() noexcept {
+    // A store that refuses once may accept the next time, and a status left "active" would show a run that
+    // never ends.
+    for (int attempts = 3; attempts > 0; --attempts) {
+        try {
+            IVConf::setString(statusKey, "inactive");
+            return;
+        } catch (...) {
+            logCurrentException(LoggingClass::ERR, "Exception when setting scan status: ");
+        }
+    }
+}
+
+void HashWorker::shutdown() {
+    if (m_logFile.is_open()) {
+        m_logFile.close();
+    }
+}
+
+void HashWorker::shutdown(unsigned long long hash) {
+    shutdown();
+    m_calculatedHash = hexadecimal16(hash);
+    IVConf::setString(resultKey, m_calculatedHash.substr(0, 8));
+    IVConf::setString(progressKey, "100.0");
+}
+
+void HashWorker::shutdown(const std::string& message) {
+    shutdown();
+    try {
+        IVConf::setString(resultKey, message);
+    } catch (const IVConf::VConfException&) {
+        logCurrentException(LoggingClass::ERR, "Exception when setting scan result: ");
+    }
+}
+
+} // namespace Nerix

@@ -1,0 +1,119 @@
+#pragma once
+
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+
+#include <boost/core/noncopyable.hpp>
+#include <boost/smart_ptr/shared_ptr.hpp>
+
+#include <atomic>
+#include <cstdint>
+#include <fstream>
+#include <future>
+#include <string>
+
+namespace boost {
+class thread;
+}
+
+namespace Nerix {
+
+class HashWorker;
+
+/// What the worker's thread runs: HashWorker::execute() of the worker that it points to.
+class HashLoggerExecutor {
+public:
+    explicit HashLoggerExecutor(HashWorker* worker) : m_worker(worker) {}
+    void operator()() const;
+
+private:
+    HashWorker* m_worker;
+};
+
+/// Runs one verification at a time on a thread of its own, publishes status, progress and result in the
+/// settings store, and holds the result for the caller. There is one instance per process.
+///
+/// Threads: start, wait and getResult are for one thread at a time, the one that drives the verification;
+/// getProgress may be called from any thread at any time; the rest is called by the worker's own thread while
+/// it runs. No lock is taken: the counters and the result are written by the worker's thread alone, those
+/// that others read are atomic.
+class HashWorker : private boost::noncopyable {
+public:
+    /// Created on the first call, when it examines "/" and throws GenericException if it cannot.
+    static HashWorker& getInstance();
+
+    /// Joins a worker that still runs.
+    ~HashWorker();
+
+    /// Launches a verification of root with the hash method of that name and returns once its status "active"
+    /// is published. An unknown name is not found here: that run ends with "ERROR". Throws, with nothing
+    /// changed: GenericException "verification is already started" or "can't read filesystem statistics".
+    /// Throws, with no worker running: VConfException when the settings store refuses,
+    /// boost::thread_resource_error when there is no thread to be had.
+    HashWorker& start(const FileInput& root, const std::string& hashName);
+
+    /// Blocks until the last run has written its last setting and its thread has ended; at once when there is
+    /// none. Throws boost::thread_resource_error on the worker's own thread.
+    HashWorker& wait();
+
+    /// 16 hexadecimal digits, or "ERROR", of the last finished run. Asserts that a run has finished.
+    std::string getResult();
+
+    /// The percentage last published, see Progress::text.
+    std::string getProgress() const;
+
+    /// The root entry of the current verification; "/" before the first.
+    const FileInput& getRoot() const { return m_root; }
+
+    /// Hash functions report the bytes of each step; this moves progress inside a long file.
+    /// Throws VConfException when progress cannot be published.
+    void log(unsigned long long bytes);
+
+    /// Scanners report each entry, finished or skipped, with its value: one record of the scan log, and its
+    /// rounded size as work done in place of the bytes reported so far. Throws VConfException as above.
+    void log(const FileInput& entry, unsigned long long value);
+
+    /// Publishes progress when more than 1 MiB of work was done since the last time.
+    void onProgress();
+
+    /// The body of the worker's thread. Every failure ends as the result "ERROR"; none leaves.
+    HashWorker& execute();
+
+    /// Closes the scan log.
+    void shutdown();
+
+    /// Ends a successful run: result and progress are published.
+    void shutdown(unsigned long long hash);
+
+    /// Ends a failed run: message is published as the result. Only logs when the store refuses.
+    void shutdown(const std::string& message);
+
+private:
+    HashWorker();
+
+    void launch();
+    void scan();
+    void fail() noexcept;
+    void publishInactive() noexcept;
+
+    std::fstream m_logFile; ///< open while records go to a drive, closed while they go to the system log
+    FileInput m_root;
+    std::string m_hashName;
+    std::uint32_t m_blockSize = 0;
+    std::atomic<std::uint64_t> m_totalBytes{0};    ///< estimate of the work: bytes in use on the file system
+    std::atomic<std::uint64_t> m_reportedBytes{0}; ///< work done when progress was last published
+    std::uint64_t m_processedBytes = 0;            ///< work of all finished entries
+    std::uint64_t m_currentBytes = 0;              ///< bytes hashed in the entry in progress
+    std::string m_calculatedHash;
+
+    /// The run's handle: held from start until the worker lets go of it, just before "inactive". Accessed
+    /// with boost::atomic_load and atomic_store.
+    boost::shared_ptr<boost::thread> m_thread;
+    /// The same thread, kept by the starting side alone: what is waited for is the end of the thread, after
+    /// its last setting, and not of the run.
+    boost::shared_ptr<boost::thread> m_startedThread;
+    /// Holds the worker back until "active" is published, so that "inactive" cannot come first; false when it
+    /// could not be published and the worker has nothing to do.
+    std::promise<bool> m_activePublished;
+};
+
+} // namespace Nerix

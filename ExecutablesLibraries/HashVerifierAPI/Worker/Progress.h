@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+/// The arithmetic of a run's progress. Work is counted in bytes, unsigned 64-bit.
+namespace Nerix::Progress {
+
+/// The work of an entry of that size: rounded up to whole blocks, the plain size when the block size is 0.
+std::uint64_t workOf(std::uint64_t size, std::uint32_t blockSize);
+
+/// Whether done is worth publishing after reported: by more than 1 MiB, or when it fell below it (the partial
+/// count of an entry can exceed its rounded size).
+bool isWorthReporting(std::uint64_t done, std::uint64_t reported);
+
+/// Percentage with two decimals, "0.00" to "99.99". total is an estimate, the space in use on the file
+/// system, and only part of it is below the root's path as a rule; hence the scale of 1.4 and the cap. 0 of 0
+/// is "0.00".
+std::string text(std::uint64_t reported, std::uint64_t total);
+
+} // namespace Nerix::Progress

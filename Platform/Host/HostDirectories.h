@@ -1,0 +1,18 @@
+#pragma once
+
+#include <filesystem>
+
+/// Where the host platform keeps its state: one directory of the user's own, mode 0700.
+///
+///     durable    $NERIX_PLATFORM_HOME, else $XDG_STATE_HOME/nerix, else ~/.local/state/nerix
+///     volatile   $NERIX_PLATFORM_HOME, else $XDG_RUNTIME_DIR/nerix, else /dev/shm/nerix-<uid>
+///
+/// Variables that are empty count as unset, and so do relative XDG ones. Both functions make the directory
+/// and throw std::system_error naming it when it cannot be made or belongs to another user. Any thread may
+/// call.
+namespace Nerix::Platform::Host {
+
+std::filesystem::path durableDirectory();
+std::filesystem::path volatileDirectory();
+
+} // namespace Nerix::Platform::Host

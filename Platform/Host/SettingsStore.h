@@ -1,0 +1,69 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <lmdb.h>
+
+namespace Nerix::Platform::Host {
+
+/// The type of a setting's value, as it is stored in front of the value's bytes.
+enum class SettingType : char { Integer = 'i', Double = 'd', Text = 's', Boolean = 'b' };
+
+struct Setting {
+    std::string key;
+    SettingType type;
+    std::string bytes; ///< the int or double as in memory, or the characters of the text
+};
+
+/// The host's settings store: typed values under text keys, shared by all processes of the user.
+///
+/// Keys under "memory/" are kept in an environment that is never synced to disk, all others in a durable one.
+/// A process killed at any instant leaves both readable and writable, with either the old or the new value of
+/// the key that it was writing. Codes: 0 for success, an errno, or one of LMDB's own (negative); describe()
+/// tells what they mean. A failing call is logged and changes nothing. Any thread may call.
+class SettingsStore {
+public:
+    static SettingsStore& instance();
+
+    /// MDB_NOTFOUND when the key is missing, MDB_INCOMPATIBLE when it holds another type.
+    int read(std::string_view key, SettingType type, std::string& bytes);
+    int write(std::string_view key, SettingType type, std::string_view bytes);
+
+    /// All settings, in the byte order of their keys.
+    int list(std::vector<Setting>& settings);
+
+    static std::string describe(int code);
+
+private:
+    struct EnvironmentCloser {
+        void operator()(MDB_env* environment) const { mdb_env_close(environment); }
+    };
+    using Environment = std::unique_ptr<MDB_env, EnvironmentCloser>;
+
+    /// One of the two environments, opened on first use, and again after a failure.
+    struct Shelf {
+        const char* fileName;
+        bool isVolatile;
+        Environment environment;
+        MDB_dbi table = 0;
+    };
+
+    SettingsStore() = default;
+
+    Shelf& shelfOf(std::string_view key);
+    static int open(Shelf& shelf);
+
+    /// Runs one step on an open shelf; a failure of the shelf itself is logged, and closes it.
+    template <class Step>
+    static int attempt(Shelf& shelf, const char* what, std::string_view key, Step step);
+
+    std::mutex m_mutex; ///< guards the shelves: no thread may use an environment that another closes
+    Shelf m_durable{"settings.mdb", false, nullptr};
+    Shelf m_volatile{"settings-volatile.mdb", true, nullptr};
+};
+
+} // namespace Nerix::Platform::Host

@@ -1,0 +1,144 @@
+#include "Platform/Host/SystemLog.h"
+
+#include "Platform/Host/HostDirectories.h"
+#include "Platform/Interfaces/dlog.h"
+
+#include <spdlog/logger.h>
+#include <spdlog/sinks/rotating_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+#include <spdlog/sinks/syslog_sink.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string_view>
+
+namespace Nerix::Platform::Host {
+
+namespace {
+
+void tellOnce(const std::string& failure) {
+    static std::atomic<bool> told{false};
+    if (!told.exchange(true)) {
+        std::fprintf(stderr, "nerix host log: records are lost: %s\n", failure.c_str());
+    }
+}
+
+/// Set by the error handler, which spdlog calls on the thread that writes.
+thread_local bool writingFailed = false;
+
+spdlog::sink_ptr makeSink(const std::string& kind, const std::string& bufferName) {
+    if (kind == "syslog") {
+        return std::make_shared<spdlog::sinks::syslog_sink_mt>("nerix", 0, 0, false);
+    }
+    if (kind == "stderr") {
+        return std::make_shared<spdlog::sinks::stderr_sink_mt>();
+    }
+    if (kind != "file") {
+        std::fprintf(stderr,
+                     "nerix host log: NERIX_HOST_LOG is '%s', not file, syslog or stderr; using file\n",
+                     kind.c_str());
+    }
+    constexpr std::size_t bytesPerFile = 16UL * 1024 * 1024;
+    constexpr std::size_t olderFiles = 4;
+    const auto file = durableDirectory() / "log" / (bufferName + ".log");
+    return std::make_shared<spdlog::sinks::rotating_file_sink_mt>(file.string(), bytesPerFile, olderFiles);
+}
+
+std::shared_ptr<spdlog::logger> makeLogger(const std::string& bufferName) {
+    const char* const chosen = std::getenv("NERIX_HOST_LOG");
+    try {
+        auto logger = std::make_shared<spdlog::logger>(
+            bufferName, makeSink(chosen == nullptr || *chosen == '\0' ? "file" : chosen, bufferName));
+        logger->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %v");
+        logger->set_level(spdlog::level::trace);
+        logger->flush_on(spdlog::level::trace);
+        logger->set_error_handler([](const std::string& failure) {
+            writingFailed = true;
+            tellOnce(failure);
+        });
+        return logger;
+    } catch (const std::exception& failure) {
+        tellOnce(failure.what());
+        return nullptr;
+    }
+}
+
+/// For sinks that have levels of their own; a line of ours carries the priority itself.
+spdlog::level::level_enum levelOf(int priority) {
+    switch (priority) {
+    case DLOG_PRIORITY_VERBOSE:
+        return spdlog::level::trace;
+    case DLOG_PRIORITY_DEBUG:
+        return spdlog::level::debug;
+    case DLOG_PRIORITY_INFO:
+        return spdlog::level::info;
+    case DLOG_PRIORITY_WARNING:
+        return spdlog::level::warn;
+    case DLOG_PRIORITY_FATAL:
+        return spdlog::level::critical;
+    default:
+        return spdlog::level::err;
+    }
+}
+
+char letterOf(int priority) {
+    constexpr std::string_view letters = "??VDIWEF";
+    return priority >= 0 && static_cast<std::size_t>(priority) < letters.size()
+               ? letters[static_cast<std::size_t>(priority)]
+               : '?';
+}
+
+} // namespace
+
+SystemLog& SystemLog::instance() {
+    // Never destroyed: other static objects may log while the process ends.
+    static SystemLog& log = *new SystemLog();
+    return log;
+}
+
+SystemLog::SystemLog() : m_main(makeLogger("main")), m_system(makeLogger("system")) {}
+
+bool SystemLog::write(int buffer, int priority, const char* tag, const std::string& text) {
+    const auto& logger = buffer == DLOG_BUFFER_MAIN ? m_main : m_system;
+    if (!logger) {
+        return false;
+    }
+    std::string line;
+    line.reserve(text.size() + 64);
+    line += letterOf(priority);
+    line += ' ';
+    line += tag;
+    line += ' ';
+    line += escaped(text);
+    writingFailed = false;
+    logger->log(levelOf(priority), spdlog::string_view_t(line));
+    return !writingFailed;
+}
+
+std::string SystemLog::escaped(const std::string& text) {
+    std::string result;
+    result.reserve(text.size());
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (character == '\\') {
+            result += "\\\\";
+        } else if (character == '\n') {
+            result += "\\n";
+        } else if (character == '\r') {
+            result += "\\r";
+        } else if (character == '\t') {
+            result += "\\t";
+        } else if (byte < 0x20 || byte == 0x7F) {
+            char code[5];
+            std::snprintf(code, sizeof code, "\\x%02x", byte);
+            result += code;
+        } else {
+            result += character;
+        }
+    }
+    return result;
+}
+
+} // namespace Nerix::Platform::Host

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace spdlog {
+class logger;
+}
+
+namespace Nerix::Platform::Host {
+
+/// The host's system log. NERIX_HOST_LOG chooses where records go:
+///
+///     file (default)  log/main.log and log/system.log below the durable directory, each with four older ones
+///     syslog          the machine's own log
+///     stderr          standard error
+///
+/// A record is one line: time, priority, tag, text. Each line is written at once and whole, so that processes
+/// that share the files do not mix theirs, and an abort loses none. Line breaks and other control characters
+/// in a record are written as \n, \r, \t or \xHH, and a backslash as \\. Any thread may call.
+class SystemLog {
+public:
+    static SystemLog& instance();
+
+    /// False when the record could not be written. The first such failure is told on standard error.
+    bool write(int buffer, int priority, const char* tag, const std::string& text);
+
+    /// A text as it stands in a line of the log.
+    static std::string escaped(const std::string& text);
+
+private:
+    SystemLog();
+
+    std::shared_ptr<spdlog::logger> m_main; ///< null when it could not be opened, as below
+    std::shared_ptr<spdlog::logger> m_system;
+};
+
+} // namespace Nerix::Platform::Host

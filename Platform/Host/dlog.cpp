@@ -1,0 +1,46 @@
+#include "Platform/Interfaces/dlog.h"
+
+#include "Platform/Host/SystemLog.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <string>
+
+namespace {
+
+std::string formatted(const char* format, std::va_list arguments) __attribute__((format(printf, 1, 0)));
+
+std::string formatted(const char* format, std::va_list arguments) {
+    std::va_list again;
+    va_copy(again, arguments);
+    char shortText[1024];
+    const int length = std::vsnprintf(shortText, sizeof shortText, format, arguments);
+    std::string text;
+    if (length >= 0 && static_cast<std::size_t>(length) < sizeof shortText) {
+        text = shortText;
+    } else if (length >= 0) {
+        text.resize(static_cast<std::size_t>(length));
+        std::vsnprintf(text.data(), text.size() + 1, format, again);
+    } else {
+        text = format; // an encoding error: the format alone still tells which record this was
+    }
+    va_end(again);
+    return text;
+}
+
+} // namespace
+
+int __dlog_print(int buffer, int priority, const char* tag, const char* format, ...) {
+    std::va_list arguments;
+    va_start(arguments, format);
+    int result = -1;
+    try {
+        const std::string text = formatted(format, arguments);
+        if (Nerix::Platform::Host::SystemLog::instance().write(buffer, priority, tag, text)) {
+            result = static_cast<int>(text.size());
+        }
+    } catch (...) { // NOLINT(bugprone-empty-catch): the negative result tells, C callers take nothing else
+    }
+    va_end(arguments);
+    return result;
+}

@@ -1,0 +1,103 @@
+#include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
+
+#include "Common/Logging/Log.h"
+#include "Common/Utils/Errors.h"
+#include "Platform/Interfaces/vconf.h"
+
+#include <cstdlib>
+#include <memory>
+
+namespace Nerix::Platform {
+
+using Common::Utils::errinfo_errorcode;
+using Common::Utils::errinfo_stream;
+
+namespace {
+
+/// Logged before the exception is built: so the log has the failure even if nobody catches it.
+auto logFailure(const char* call, const std::string& key) {
+    const std::string text = std::string(call) + " failed while trying to access key: " + key;
+    NERIX_LOG(WRN, "%s", text.c_str());
+    return errinfo_stream(text);
+}
+
+struct FreeDeleter {
+    void operator()(char* text) const { std::free(text); } // the store's malloc
+};
+
+} // namespace
+
+// Each operation throws for itself, so that the exception names the operation and its line.
+
+int IVConf::getInt(const std::string& key) {
+    int value = 0;
+    const int code = vconf_get_int(key.c_str(), &value);
+    if (code != 0) {
+        const auto failure = logFailure("vconf_get_int", key);
+        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    }
+    return value;
+}
+
+void IVConf::setInt(const std::string& key, int value) {
+    const int code = vconf_set_int(key.c_str(), value);
+    if (code != 0) {
+        const auto failure = logFailure("vconf_set_int", key);
+        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    }
+}
+
+double IVConf::getDouble(const std::string& key) {
+    double value = 0.0;
+    const int code = vconf_get_dbl(key.c_str(), &value);
+    if (code != 0) {
+        const auto failure = logFailure("vconf_get_dbl", key);
+        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    }
+    return value;
+}
+
+void IVConf::setDouble(const std::string& key, double value) {
+    const int code = vconf_set_dbl(key.c_str(), value);
+    if (code != 0) {
+        const auto failure = logFailure("vconf_set_dbl", key);
+        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    }
+}
+
+std::string IVConf::getString(const std::string& key) {
+    const std::unique_ptr<char, FreeDeleter> text(vconf_get_str(key.c_str()));
+    if (!text) {
+        const auto failure = logFailure("vconf_get_str", key);
+        BOOST_THROW_EXCEPTION(VConfException() << failure);
+    }
+    return text.get();
+}
+
+void IVConf::setString(const std::string& key, const std::string& value) {
+    const int code = vconf_set_str(key.c_str(), value.c_str());
+    if (code != 0) {
+        const auto failure = logFailure("vconf_set_str", key);
+        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    }
+}
+
+bool IVConf::getBool(const std::string& key) {
+    int value = 0;
+    const int code = vconf_get_bool(key.c_str(), &value);
+    if (code != 0) {
+        const auto failure = logFailure("vconf_get_bool", key);
+        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    }
+    return value != 0;
+}
+
+void IVConf::setBool(const std::string& key, bool value) {
+    const int code = vconf_set_bool(key.c_str(), value ? 1 : 0);
+    if (code != 0) {
+        const auto failure = logFailure("vconf_set_bool", key);
+        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    }
+}
+
+} // namespace Nerix::Platform

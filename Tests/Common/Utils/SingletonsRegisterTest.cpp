@@ -1,0 +1,132 @@
+#include "Common/Utils/SRegisterItem.h"
+#include "Common/Utils/SingletonServiceGuard.h"
+#include "Tests/Fakes/FakePlatform.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace Nerix::Tests {
+namespace {
+
+using namespace Common::Utils; // NOLINT(google-build-using-namespace)
+
+std::vector<std::string> lifeEvents;
+
+struct Service : RegisterableSingleton {
+    Service() { lifeEvents.emplace_back("service made"); }
+    ~Service() override { lifeEvents.emplace_back("service gone"); }
+    int answer() const { return 42; }
+};
+
+struct Dependent : RegisterableSingleton {
+    static std::list<SingletonsID> requirements() { return {DUMMY_SINGLETON}; }
+    ~Dependent() override { lifeEvents.emplace_back("dependent gone"); }
+};
+
+struct Unmakeable : RegisterableSingleton {
+    Unmakeable() { throw std::runtime_error("cannot be made"); }
+};
+
+using ServiceGuard = SingletonServiceGuard<Service>;
+using DependentGuard = SingletonServiceGuard<Dependent>;
+
+SingletonsRegister& theRegister() {
+    return SingletonsRegister::getSingletonsRegister();
+}
+
+class SingletonsRegisterTest : public testing::Test {
+protected:
+    SingletonsRegisterTest() {
+        lifeEvents.clear();
+        FakePlatform::instance().reset();
+    }
+
+    static std::vector<std::string> logged() {
+        std::vector<std::string> messages;
+        for (const LogRecord& record : FakePlatform::instance().log()) {
+            messages.push_back(record.text.substr(record.text.find('>') + 1));
+        }
+        return messages;
+    }
+};
+using SingletonsRegisterDeathTest = SingletonsRegisterTest;
+
+TEST_F(SingletonsRegisterTest, GuardsShareOneInstance) {
+    {
+        const ServiceGuard first(DUMMY_SINGLETON);
+        {
+            const ServiceGuard second(DUMMY_SINGLETON);
+            EXPECT_EQ(theRegister().getService<Service>("user", DUMMY_SINGLETON)->answer(), 42);
+        }
+        EXPECT_EQ(lifeEvents, std::vector<std::string>{"service made"});
+    }
+    EXPECT_EQ(lifeEvents.back(), "service gone");
+    EXPECT_EQ(logged(), (std::vector<std::string>{"Needed: singleton id: DUMMY_SINGLETON",
+                                                  "Creating : singleton id: DUMMY_SINGLETON",
+                                                  "Needed: singleton id: DUMMY_SINGLETON",
+                                                  "Unmarking needed: singleton id: DUMMY_SINGLETON",
+                                                  "Unmarking needed: singleton id: DUMMY_SINGLETON",
+                                                  "Singleton: DUMMY_SINGLETON will be deleted."}));
+}
+
+TEST_F(SingletonsRegisterTest, RequiredServiceOutlivesItsDependent) {
+    auto service = std::make_unique<ServiceGuard>(DUMMY_SINGLETON);
+    auto dependent = std::make_unique<DependentGuard>(DEPENDENT_DUMMY_SINGLETON);
+    service.reset();
+    EXPECT_EQ(lifeEvents, std::vector<std::string>{"service made"});
+    dependent.reset();
+    EXPECT_EQ(lifeEvents, (std::vector<std::string>{"service made", "dependent gone", "service gone"}));
+}
+
+TEST_F(SingletonsRegisterTest, FailedServiceIsNotRegistered) {
+    EXPECT_THROW(SingletonServiceGuard<Unmakeable>{DUMMY_SINGLETON}, std::runtime_error);
+    EXPECT_THROW(theRegister().markNeeded<Service>(DUMMY_SINGLETON, SingletonsRegister::Factory()),
+                 std::bad_function_call);
+    const ServiceGuard working(DUMMY_SINGLETON);
+    EXPECT_EQ(lifeEvents, std::vector<std::string>{"service made"});
+}
+
+TEST_F(SingletonsRegisterTest, NamesOfIds) {
+    EXPECT_EQ(singletonsIdToString(SINGLETON_OPENSSL_INITIALIZER), "SINGLETON_OPENSSL_INITIALIZER");
+    EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(22)),
+              "Error: singleton identifier not recognized (22)");
+}
+
+TEST_F(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
+    const ServiceGuard guard(DUMMY_SINGLETON);
+    auto shortLived = std::make_unique<SingletonServiceGuard<Service>>(G_MAIN_LOOP);
+    const auto kept = std::make_unique<SingletonPointer<Service>>("a", boost::shared_ptr<SRegisterItem>());
+    EXPECT_DEATH(
+        DependentGuard{TVS_SIGNAL_DISTRIBUTOR}; theRegister().unmarkNeeded(DUMMY_SINGLETON);
+        DependentGuard{TVS_SIGNAL_DISTRIBUTOR},
+        "0, .*checkRequirements.*\nMESSAGE: Cannot meet requirements of given singleton. Cannot find "
+        "singletons required by given singleton.");
+    EXPECT_DEATH(theRegister().getService<Service>("u", POWER_OFF_CB_DISTRIBUTOR),
+                 "MESSAGE: Singleton POWER_OFF_CB_DISTRIBUTOR does not exist.");
+    EXPECT_DEATH(theRegister().getService<Dependent>("u", DUMMY_SINGLETON),
+                 "MESSAGE: Singleton's type probably doesn't match with its id");
+    EXPECT_DEATH(theRegister().unmarkNeeded(POWER_OFF_CB_DISTRIBUTOR),
+                 "ASSERTION FAILED: 0, .*internalUnmarkNeeded");
+    EXPECT_DEATH((*kept)->answer(),
+                 "MESSAGE: You are trying to use non-existent singleton! It has been probably "
+                 "destroyed since your getService.");
+    EXPECT_DEATH(
+        {
+            const auto first = theRegister().getService<Service>("<unknown>", G_MAIN_LOOP);
+            const auto second = theRegister().getService<Service>("b", G_MAIN_LOOP);
+            shortLived.reset();
+        },
+        "MESSAGE: Singleton \\(G_MAIN_LOOP=G_MAIN_LOOP\\) is still used by: \\[<unknown>\\] \\[b\\]");
+    SRegisterItem item(boost::make_shared<Service>(), DUMMY_SINGLETON, {});
+    item.incrementUsage("a");
+    item.incrementUsage("a");
+    item.decrementUsage("a");
+    item.decrementUsage("a");
+    EXPECT_DEATH(item.decrementUsage("a"), "MESSAGE: User 'a' is not registered as user of this singleton "
+                                           "\\(DUMMY_SINGLETON=DUMMY_SINGLETON\\)");
+}
+
+} // namespace
+} // namespace Nerix::Tests

@@ -1,0 +1,93 @@
+"""Runs the built programs and tells ctest how it went.
+
+A script is started as: SCRIPT BUILD_DIRECTORY [TEST...]. Skipped scenarios are printed with their reason, and a script
+of which nothing could run ends with status 77, which ctest shows as skipped.
+"""
+
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+BUILD = os.path.abspath(sys.argv[1])
+PROGRAM = os.path.join(BUILD, "Executables/NerixVerifierHash/NerixVerifierHash")
+SETTINGS = os.path.join(BUILD, "Executables/NerixHostSettings/NerixHostSettings")
+SANITIZED = not BUILD.endswith("release")
+PREFIX = "menu/support/softwareupdate/hashverifier_"
+REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog for details\n", re.DOTALL)
+RECORD = re.compile(rb"\[INF\] HashWorker\.cpp:\d+>([0-9a-f]{16} \".*)")
+
+
+class SystemTest(unittest.TestCase):
+    """Each case gets a work directory and a platform home of its own, in memory where the machine has that."""
+
+    def setUp(self):
+        shared = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
+        self.home = tempfile.mkdtemp(prefix="nerix-home-", dir=shared)
+        self.work = tempfile.mkdtemp(prefix="nerix-work-", dir=self.work_parent())
+        self.addCleanup(shutil.rmtree, self.home, ignore_errors=True)
+        self.addCleanup(shutil.rmtree, os.fsencode(self.work), ignore_errors=True)
+        self.environment = {"PATH": os.environ["PATH"], "NERIX_PLATFORM_HOME": self.home}
+        for name in ("ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"):
+            if name in os.environ:
+                self.environment[name] = os.environ[name]
+
+    def work_parent(self):
+        return None
+
+    def run_program(self, *arguments, **options):
+        options.setdefault("env", self.environment)
+        options.setdefault("timeout", 600)
+        if "stdout" not in options:
+            options["stdout"] = subprocess.PIPE
+        return subprocess.run([PROGRAM, *arguments], stderr=subprocess.PIPE, check=False, **options)
+
+    def value(self, path, method="md5", **options):
+        run = self.run_program("--path", path, "--hash", method, **options)
+        self.assertEqual((run.returncode, run.stderr), (0, b""), run.stdout)
+        return run.stdout.decode().rstrip("\n")
+
+    def settings(self):
+        """status, progress and result as they stand in the store; None for what is not there."""
+        listing = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True, text=True)
+        held = dict(line.split(" = ", 1) for line in listing.stdout.splitlines())
+        return (held.get(f"memory/{PREFIX}status"), held.get(f"memory/{PREFIX}progress"),
+                held.get(f"db/{PREFIX}result"))
+
+    def log_lines(self, buffer):
+        try:
+            with open(os.path.join(self.home, "log", f"{buffer}.log"), "rb") as log:
+                return log.read().splitlines()
+        except FileNotFoundError:
+            return []
+
+    def scan_records(self):
+        """The scan records in the system log, as the program wrote them."""
+        found = (RECORD.search(line) for line in self.log_lines("main"))
+        return [unescape(record.group(1)) for record in found if record]
+
+    def assert_one_report(self, run, reason):
+        self.assertEqual(run.returncode, 1)
+        self.assertRegex(run.stdout, REPORT)
+        self.assertEqual(run.stdout.count(b"Exception caught"), 1)
+        self.assertIn(reason, run.stdout)
+        self.assertNotEqual(self.settings()[0], "active")
+
+
+def unescape(line):
+    plain = {b"n": b"\n", b"r": b"\r", b"t": b"\t", b"\\": b"\\"}
+    return re.sub(rb"\\(x[0-9a-f]{2}|.)",
+                  lambda m: plain.get(m.group(1)) or bytes.fromhex(m.group(1)[1:].decode()), line)
+
+
+def main():
+    program = unittest.main(argv=[sys.argv[0], *sys.argv[2:]], exit=False, verbosity=2)
+    result = program.result
+    for test, reason in result.skipped:
+        print(f"SKIPPED {test.id()}: {reason}")
+    if not result.wasSuccessful():
+        sys.exit(1)
+    sys.exit(77 if result.testsRun and len(result.skipped) == result.testsRun else 0)

@@ -1,0 +1,79 @@
+"""Makes random trees with every kind of entry that the machine allows."""
+
+import os
+import socket
+import stat
+
+NAMES = [b"plain", b"with blank", b'quo"te', b"amp&ersand", b"new\nline", b"\xff\xfe raw", b"back\\slash", b"UPPER",
+         b"a", b"a.txt", b"ab", b"B", b"-dash", b"'", b"%s {}", b"long" * 30, "\u00e4".encode(), b"~", b" "]
+SIZES = [0, 1, 100, 4095, 4096, 4097, 8192, 12345]
+MODES = [0o644, 0o600, 0o755, 0o4755, 0o2755, 0o1755, 0o6711, 0o444, 0o000]
+TARGETS = [b"nowhere", b"/", b".", b"..", b"a", b"/etc/passwd", b"x" * 2000, b'"&\n']
+ATTRIBUTES = [b"user.b", b"user.a", b"user.\xc3\xa4", b"trusted.t", b"security.s"]
+VALUES = [b"", b"text", bytes(range(256)), b"\0"]
+
+
+def make(directory, random, entries=12, depth=3):
+    """Fills the existing directory (bytes). random is a random.Random: the same seed gives the same tree."""
+    files = []
+    for name in random.sample(NAMES, min(entries, len(NAMES))):
+        path = os.path.join(directory, name)
+        kind = random.choice("ffffflldddhpsnoe")
+        if kind == "d":
+            os.mkdir(path)
+            if depth:
+                make(path, random, random.randrange(8), depth - 1)
+        elif kind == "l":
+            os.symlink(random.choice(TARGETS), path)
+        elif kind == "h" and files:
+            os.link(random.choice(files), path)
+        elif kind == "p":
+            os.mkfifo(path)
+        elif kind == "s":
+            _socket(path)
+        elif kind == "n":
+            _device(path)
+        else:
+            _file(path, random, sparse=kind == "o")
+            files.append(path)
+        _dress(path, random)
+
+
+def _file(path, random, sparse):
+    with open(path, "wb") as file:
+        if sparse:
+            file.seek(random.choice((5000, 100_000)))
+            file.write(b"end")
+        elif random.random() < 0.02:
+            file.write(random.randbytes(1_000_000))
+        else:
+            file.write(random.randbytes(random.choice(SIZES)))
+
+
+def _socket(path):
+    # By a short name: the path of a socket is limited to 108 bytes.
+    here = os.open(os.path.dirname(path), os.O_RDONLY)
+    with socket.socket(socket.AF_UNIX) as made:
+        try:
+            made.bind(b"/proc/self/fd/%d/" % here + os.path.basename(path)[:60])
+        finally:
+            os.close(here)
+
+
+def _device(path):
+    try:
+        os.mknod(path, 0o600 | stat.S_IFCHR, os.makedev(1, 3))
+    except PermissionError:
+        os.mkfifo(path)
+
+
+def _dress(path, random):
+    if not os.path.lexists(path):
+        return  # a socket under its shortened name
+    if not os.path.islink(path):
+        os.chmod(path, random.choice(MODES) | (0o700 if os.path.isdir(path) else 0o400))
+    for attribute in random.sample(ATTRIBUTES, random.choice((0, 0, 0, 1, 2, 5))):
+        try:
+            os.setxattr(path, attribute, random.choice(VALUES), follow_symlinks=False)
+        except OSError:
+            pass  # not allowed here: user.* on links and special files, trusted.* without privilege

@@ -1,0 +1,104 @@
+"""The value and the scan records of real trees equal the reference model's."""
+
+import os
+import random
+import socket
+
+from harness import SystemTest, main
+from tree_value import STEPS, Model
+import random_tree
+
+TREES = int(os.environ.get("NERIX_RANDOM_TREES", "200"))
+SEED = int(os.environ.get("NERIX_RANDOM_SEED", "1"))
+
+
+class Values(SystemTest):
+    def assert_agrees(self, path, method):
+        before = len(self.scan_records())
+        model = Model(method)
+        expected = model.value(path)
+        self.assertEqual(self.value(path, method), expected)
+        records = self.scan_records()[before:]
+        # A record of more than 768 bytes would come in pieces: the names of random trees are chosen shorter.
+        self.assertEqual(records, model.record_lines())
+
+    def test_random_trees(self):
+        seen = set()
+        for number in range(TREES):
+            method = list(STEPS)[number % len(STEPS)]
+            with self.subTest(seed=SEED, tree=number, method=method):
+                tree = os.fsencode(os.path.join(self.work, str(number)))
+                os.mkdir(tree)
+                random_tree.make(tree, random.Random(SEED * 100_000 + number))
+                self.assert_agrees(tree, method)
+                seen.update(os.lstat(os.path.join(directory, name)).st_mode >> 12
+                            for directory, directories, files in os.walk(tree) for name in directories + files)
+        if TREES >= 50:
+            self.assertLessEqual({1, 4, 8, 10, 12}, seen, "fifo, directory, file, link, socket")
+
+    def test_usr_share_doc(self):
+        for method in STEPS:
+            self.assert_agrees("/usr/share/doc", method)
+
+    def test_roots_of_each_kind(self):
+        path = lambda name: os.path.join(self.work, name)
+        with open(path("file"), "wb") as file:
+            file.write(b"x" * 5000)
+        os.mkdir(path("directory"))
+        os.symlink("directory", path("link"))
+        os.mkfifo(path("fifo"))
+        with socket.socket(socket.AF_UNIX) as made:
+            made.bind(path("socket"))
+        for name in ("file", "directory", "link"):
+            with self.subTest(name):
+                self.assert_agrees(path(name), "md5")
+                self.assert_agrees(path(name), "sha1")
+        for special in (path("fifo"), path("socket"), "/dev/null"):
+            with self.subTest(special):
+                before = len(self.scan_records())
+                self.assertEqual(self.value(special), "0" * 16)
+                self.assertEqual(len(self.scan_records()), before)
+
+    def test_names_and_kinds_of_path(self):
+        for name in [*random_tree.NAMES, b"n" * 255]:
+            tree = os.path.join(os.fsencode(self.work), name)
+            os.mkdir(tree)
+            self.assert_agrees(tree, "md5")
+        # Relative to the current directory, and with defaults for what is not given.
+        run = self.run_program("--hash", "sha1", cwd=self.work)
+        self.assertEqual(run.stdout.decode().strip(), Model("sha1").value(self.work))
+        run = self.run_program("-P", "a/..", cwd=self.work)
+        self.assertEqual(run.stdout.decode().strip(), Model("md5").value(self.work))
+
+    def test_missing_locale_changes_nothing(self):
+        tree = os.path.join(os.fsencode(self.work), b"\xff")
+        os.mkdir(tree)
+        self.environment["LC_ALL"] = "xx_YY.UTF-8"
+        self.assertEqual(self.value(tree), Model("md5").value(tree))
+
+    def test_what_changes_a_value(self):
+        file = os.path.join(self.work, "file")
+        with open(file, "w", encoding="ascii") as made:
+            made.write("content")
+        changes = {
+            "mode": lambda: os.chmod(file, 0o611),
+            "link count": lambda: os.link(file, file + "2"),
+            "target": lambda: os.symlink("x", file + "3"),
+            "attribute": lambda: os.setxattr(file, "user.x", b"1"),
+            "attribute value": lambda: os.setxattr(file, "user.x", b"2"),
+            "name": lambda: os.rename(file + "2", file + "4"),
+            "owner": lambda: os.chown(file, 12, -1) if os.geteuid() == 0 else os.chmod(file, 0o622),
+        }
+        values = {self.value(self.work)}
+        for what, change in changes.items():
+            change()
+            value = self.value(self.work)
+            self.assertNotIn(value, values, what)
+            values.add(value)
+        os.utime(file, (1, 1))
+        os.mkfifo(file + "5")
+        self.assertEqual(self.value(self.work), value, "times and special files do not count")
+
+
+if __name__ == "__main__":
+    main()

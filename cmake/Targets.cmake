@@ -1,0 +1,22 @@
+# One target a folder, named for its path: Common/Utils is Common_Utils.
+
+# nerix_library(NAME SOURCES file... [LINKS target...])
+# A folder's library. It never links the platform: programs link Platform/Host (or the device's libraries),
+# unit tests link Tests/Fakes in its place.
+function(nerix_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC nerix_settings ${ARG_LINKS} PRIVATE nerix_warnings)
+endfunction()
+
+# nerix_program(NAME SOURCES file... [LINKS target...])
+function(nerix_program name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE nerix_settings nerix_warnings ${ARG_LINKS})
+  if(NERIX_HOST_PLATFORM)
+    target_link_libraries(${name} PRIVATE Platform_Host)
+  else()
+    target_link_libraries(${name} PRIVATE ${NERIX_PLATFORM_LIBRARIES})
+  endif()
+endfunction()
