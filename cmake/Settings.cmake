@@ -6,7 +6,7 @@ set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(Boost_USE_STATIC_LIBS OFF)
 find_package(Threads REQUIRED)
-find_package(Boost REQUIRED CONFIG COMPONENTS headers chrono filesystem thread program_options)
+find_package(Boost REQUIRED CONFIG COMPONENTS headers chrono filesystem program_options serialization thread)
 find_package(OpenSSL 3 REQUIRED COMPONENTS Crypto)
 
 add_library(nerix_settings INTERFACE)
@@ -28,6 +28,8 @@ if(EXISTS ${PROJECT_SOURCE_DIR}/.git)
 endif()
 
 if(NERIX_SANITIZE)
+  # GCC takes the sanitizers' own instrumentation of std::function for a use before initialisation.
+  target_compile_options(nerix_warnings INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
   target_compile_options(nerix_settings INTERFACE
     -fsanitize=${NERIX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(nerix_settings INTERFACE -fsanitize=${NERIX_SANITIZE})

@@ -1,10 +1,12 @@
+#include "Executables/NerixHostSettings/Watch.h"
 #include "Platform/Host/SettingsStore.h"
 
-#include <cstdio>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -15,7 +17,8 @@ using Nerix::Platform::Host::SettingType;
 namespace {
 
 constexpr const char* usage = "usage: NerixHostSettings list\n"
-                              "       NerixHostSettings get KEY\n";
+                              "       NerixHostSettings get KEY\n"
+                              "       NerixHostSettings watch\n";
 
 template <class Value>
 Value numberIn(const std::string& bytes) {
@@ -74,6 +77,10 @@ int main(int argc, char* argv[]) {
         }
         if (words.size() == 2 && words[0] == "get") {
             return get(words[1]);
+        }
+        if (words.size() == 1 && words[0] == "watch") {
+            Nerix::watch();
+            return EXIT_SUCCESS;
         }
     } catch (const std::exception& failure) {
         std::cerr << "NerixHostSettings: " << failure.what() << '\n';

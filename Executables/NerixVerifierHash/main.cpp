@@ -1,15 +1,19 @@
+#include "Common/Debug/ThreadDebug.h"
 #include "Common/IO/OpenSSLInit.h"
 #include "Common/Logging/Log.h"
 #include "Common/Logging/PackageVersion.h"
 #include "Common/Utils/SingletonServiceGuard.h"
+#include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Executables/NerixVerifierHash/StandardStreams.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
+#include "Platform/Product/IProductInfo.h"
 
 #include <boost/exception/diagnostic_information.hpp>
 #include <boost/program_options/options_description.hpp>
 #include <boost/program_options/parsers.hpp>
 #include <boost/program_options/value_semantic.hpp>
 #include <boost/program_options/variables_map.hpp>
+#include <boost/thread/thread_only.hpp>
 
 #include <cstdlib>
 #include <sstream>
@@ -45,6 +49,8 @@ std::string valueOr(const options::variables_map& map, const char* name, const c
 }
 
 void run(int argc, char* argv[], const options::options_description& outer) {
+    Nerix::Platform::IProductInfo::initializeProduct(Nerix::Platform::DEFAULT_PRODUCT);
+    Nerix::Common::DebugAndTestParameters::loadDebugAndTestParameters(programName);
     options::variables_map map;
     options::store(options::parse_command_line(argc, argv, outer), map);
     options::notify(map);
@@ -69,6 +75,7 @@ void reportCurrentException() {
 int main(int argc, char* argv[]) {
     Nerix::secureStandardStreams();
     LoggingClass::init(programName);
+    Nerix::Common::Debug::ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
     options::options_description outer(options::options_description::m_default_line_length,
                                        minimumDescriptionLength);
     addMainOptions(outer);

@@ -1,6 +1,8 @@
 #include "Tests/Fakes/FakePlatform.h"
 
 #include "Platform/Interfaces/dlog.h"
+#include "Platform/Interfaces/path_config.h"
+#include "Platform/Interfaces/system_info.h"
 #include "Platform/Interfaces/vconf.h"
 
 #include <cstdarg>
@@ -32,6 +34,8 @@ void FakePlatform::reset() {
     m_writes.clear();
     m_failures.clear();
     onWrite = nullptr;
+    systemInfo.clear();
+    pathVariables.clear();
 }
 
 std::vector<LogRecord> FakePlatform::log() const {
@@ -132,6 +136,17 @@ int getAs(const char* key, Out* out) {
     return code;
 }
 
+template <class Value, class Out>
+int answerAs(int key, Out* out) {
+    const auto& answers = FakePlatform::instance().systemInfo;
+    const auto answer = answers.find(key);
+    if (answer == answers.end() || !std::holds_alternative<Value>(answer->second)) {
+        return -1;
+    }
+    *out = std::get<Value>(answer->second);
+    return 0;
+}
+
 } // namespace
 
 } // namespace Nerix::Tests
@@ -162,6 +177,25 @@ int vconf_set_str(const char* key, const char* value) {
 char* vconf_get_str(const char* key) {
     std::string text;
     return Nerix::Tests::getAs<std::string>(key, &text) == 0 ? ::strdup(text.c_str()) : nullptr;
+}
+
+int system_info_get_value_string(int key, char** value) {
+    std::string text;
+    const int code = Nerix::Tests::answerAs<std::string>(key, &text);
+    *value = code == 0 ? ::strdup(text.c_str()) : nullptr;
+    return code;
+}
+int system_info_get_value_int(int key, int* value) {
+    return Nerix::Tests::answerAs<int>(key, value);
+}
+int system_info_get_value_bool(int key, bool* value) {
+    return Nerix::Tests::answerAs<bool>(key, value);
+}
+
+const char* path_config_get(int variable) {
+    const auto& directories = FakePlatform::instance().pathVariables;
+    const auto directory = directories.find(variable);
+    return directory == directories.end() ? nullptr : directory->second.c_str();
 }
 
 int __dlog_print(int buffer, int priority, const char* tag, const char* format, ...) {

@@ -49,6 +49,10 @@ public:
     /// Called with key and text in place of a write's return, without a lock held.
     std::function<void(const std::string&, const std::string&)> onWrite;
 
+    /// Answers of the system-information service and of the path configuration; what is not there fails.
+    std::map<int, Value> systemInfo;
+    std::map<int, std::string> pathVariables;
+
     int get(const char* key, Value& value);
     int set(const char* key, const Value& value);
     void addLogRecord(LogRecord record);

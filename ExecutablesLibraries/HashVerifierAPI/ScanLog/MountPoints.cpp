@@ -1,5 +1,8 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/MountPoints.h"
 
+#include "Common/Utils/Filesystem.h"
+#include "Platform/Product/IProductInfo.h"
+
 #include <fstream>
 #include <sstream>
 
@@ -24,6 +27,21 @@ MountPoints::MountPoints(std::istream& table) {
             m_mountPoints[directory] = device;
         }
     }
+}
+
+std::string MountPoints::findUSB() const {
+    using Common::Utils::filesystem::pathStartsWith;
+    using Platform::IProductInfo;
+    const boost::filesystem::path media =
+        boost::filesystem::path(IProductInfo::getFileSystemRootPath()) / "media/";
+    const boost::filesystem::path usb = IProductInfo::getUSBMountPath();
+    std::string found;
+    for (const std::string& directory : m_mountOrder) {
+        if (pathStartsWith(directory, media) || pathStartsWith(directory, usb)) {
+            found = directory;
+        }
+    }
+    return found;
 }
 
 } // namespace Nerix

@@ -24,6 +24,11 @@ public:
     /// Whether something is mounted on the directory, spelled exactly as in the table.
     bool isMountPoint(const std::string& directory) const { return m_mountPoints.count(directory) != 0; }
 
+    /// The mount directory of the USB drive: the last in the table that lies below the product's USB mount
+    /// path or the file-system root's "media", the paths themselves included. Empty when there is none. Needs
+    /// the product to be initialised.
+    std::string findUSB() const;
+
 private:
     std::map<std::string, std::string> m_mountPoints; ///< mount directory to mounted device
     std::vector<std::string> m_mountOrder; ///< as in the table; a directory mounted twice stands twice

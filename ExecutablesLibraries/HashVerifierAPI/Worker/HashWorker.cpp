@@ -6,6 +6,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/Progress.h"
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
@@ -79,6 +80,7 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
 
     IVConf::setString(resultKey, "00000111");
     IVConf::setString(progressKey, "0.0");
+    openScanLog(m_logFile);
     launch();
     return *this;
 }

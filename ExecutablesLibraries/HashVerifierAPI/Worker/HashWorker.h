@@ -45,7 +45,8 @@ public:
     ~HashWorker();
 
     /// Launches a verification of root with the hash method of that name and returns once its status "active"
-    /// is published. An unknown name is not found here: that run ends with "ERROR". Throws, with nothing
+    /// is published. An unknown name is not found here: that run ends with "ERROR". The product must be
+    /// initialised. Throws, with nothing
     /// changed: GenericException "verification is already started" or "can't read filesystem statistics".
     /// Throws, with no worker running: VConfException when the settings store refuses,
     /// boost::thread_resource_error when there is no thread to be had.

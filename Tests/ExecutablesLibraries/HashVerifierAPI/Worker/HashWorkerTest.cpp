@@ -4,6 +4,7 @@
 #include "Common/IO/OpenSSLInit.h"
 #include "Common/Utils/Errors.h"
 #include "Common/Utils/SingletonServiceGuard.h"
+#include "Platform/Product/IProductInfo.h"
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
@@ -30,6 +31,15 @@ using Texts = std::vector<std::string>;
 
 class HashWorkerTest : public testing::Test {
 protected:
+    static void SetUpTestSuite() {
+        try {
+            Platform::IProductInfo::throwIfUninitialized();
+        } catch (const Platform::ProductUninitializedException&) {
+            platform().pathVariables[43] = "/no/drive/is/mounted/here";
+            Platform::IProductInfo::initializeProduct(Platform::DEFAULT_PRODUCT);
+        }
+    }
+
     HashWorkerTest() { platform().reset(); }
     ~HashWorkerTest() override {
         HashWorker::getInstance().wait();

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <boost/exception/error_info.hpp>
+#include <boost/exception/exception.hpp>
+#include <boost/exception/info.hpp>
+
+#include <exception>
+
+/// Failures of the package's binary number format.
+namespace Nerix::Common::IO::binary_format {
+
+class serialization_exception : public virtual std::exception, public virtual boost::exception {};
+
+/// A value does not fit the bytes that it is to be stored in; carries their number.
+class lossy_conversion : public virtual serialization_exception {};
+
+namespace detail {
+using errinfo_cant_store_type_in_this_number_of_bytes =
+    boost::error_info<struct tag_cant_store_type_in_this_number_of_bytes, int>;
+}
+
+} // namespace Nerix::Common::IO::binary_format

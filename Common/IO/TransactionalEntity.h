@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Nerix::Common::IO {
+
+class ITransaction;
+
+/// A byte stream with a 64-bit position that a state is stored into, or restored from.
+class ISerializer {
+public:
+    virtual ~ISerializer() = default;
+
+    /// Whether data is written (true) or read.
+    virtual bool isStoring() const = 0;
+
+    /// Transfers length bytes at the current position, from data when storing and into it when restoring, and
+    /// advances the position by length. Throws what the transfer throws; the position is then unchanged.
+    void serializeData(std::uint8_t* data, unsigned int length) {
+        transfer(m_position, data, length);
+        m_position += length;
+    }
+
+protected:
+    ISerializer() = default;
+    ISerializer(const ISerializer&) = default;
+    ISerializer& operator=(const ISerializer&) = default;
+
+    virtual void transfer(std::uint64_t position, std::uint8_t* data, unsigned int length) = 0;
+
+private:
+    std::uint64_t m_position = 0;
+};
+
+/// A storage transaction under way.
+class IStoreTransaction {
+public:
+    virtual ~IStoreTransaction() = default;
+
+    /// Owned by the transaction.
+    virtual ISerializer& serializer() = 0;
+
+protected:
+    IStoreTransaction() = default;
+    IStoreTransaction(const IStoreTransaction&) = default;
+    IStoreTransaction& operator=(const IStoreTransaction&) = default;
+};
+
+/// An object whose state takes part in a storage transaction, so that work can be taken up after an
+/// interruption.
+class ITransactionalEntity {
+public:
+    virtual ~ITransactionalEntity() = default;
+
+    /// Called after a transaction was saved.
+    virtual void transactionSaved(ITransaction* transaction) = 0;
+
+    /// Stores or restores the state through the transaction's serializer.
+    virtual void transactionSerialize(IStoreTransaction* transaction) = 0;
+
+protected:
+    ITransactionalEntity() = default;
+    ITransactionalEntity(const ITransactionalEntity&) = default;
+    ITransactionalEntity& operator=(const ITransactionalEntity&) = default;
+};
+
+} // namespace Nerix::Common::IO

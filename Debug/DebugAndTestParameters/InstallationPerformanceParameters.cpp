@@ -1,0 +1,41 @@
+#include "Debug/DebugAndTestParameters/InstallationPerformanceParameters.h"
+
+#include "Common/Logging/Log.h"
+#include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
+#include "Debug/DebugAndTestParameters/ParametersArchive.h"
+
+#include <exception>
+#include <fstream>
+
+namespace Nerix {
+
+const InstallationPerformanceParameters& InstallationPerformanceParameters::getDefaultParameters() {
+    static const InstallationPerformanceParameters defaults;
+    return defaults;
+}
+
+void InstallationPerformanceParameters::load(const std::string& path) {
+    try {
+        std::ifstream file(path);
+        ParametersArchive::read(file, *this);
+    } catch (const std::exception&) {
+        NERIX_LOG(WRN, "Failed to load InstallationPerformanceParameters from %s", path.c_str());
+    }
+}
+
+void InstallationPerformanceParameters::save(const std::string& path) const {
+    try {
+        std::ofstream file(path);
+        file.exceptions(std::ios_base::badbit | std::ios_base::failbit);
+        ParametersArchive::write(file, *this);
+        file.close();
+    } catch (const std::exception&) {
+        NERIX_LOG(WRN, "Failed to save InstallationPerformanceParameters to %s", path.c_str());
+    }
+}
+
+InstallationPerformanceParameters& getInstallationPerformanceParameters() {
+    return Common::getDebugAndTestParameters().getInstallationPerformanceParameters();
+}
+
+} // namespace Nerix

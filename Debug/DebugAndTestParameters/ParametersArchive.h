@@ -1,0 +1,38 @@
+#pragma once
+
+#include <iosfwd>
+
+namespace Nerix {
+
+class InstallationPerformanceParameters;
+
+namespace Common {
+class DebugAndTestParameters;
+}
+
+/// The XML form of the parameters: an archive of Boost.Serialization with its default flags, one object
+/// element, and in it one element a field, each in its place: reading is strict in order. Class versions are
+/// 0.
+///
+/// Booleans are 0 or 1, enumerations their number, the custom parameters a map as the library writes it. An
+/// optional value holds "initialized" and, when that is 1, "item_version" (0) and "value". Today's library
+/// leaves "item_version" out and counts the class of optional values as version 1; both forms are read, the
+/// former written.
+///
+/// Reading throws when an element is missing, out of place or malformed; fields before it keep what was read.
+/// Both throw boost::archive::archive_exception, a std::exception.
+class ParametersArchive {
+public:
+    static void read(std::istream& stream, Common::DebugAndTestParameters& parameters);
+    static void read(std::istream& stream, InstallationPerformanceParameters& parameters);
+    static void write(std::ostream& stream, const Common::DebugAndTestParameters& parameters);
+    static void write(std::ostream& stream, const InstallationPerformanceParameters& parameters);
+
+    /// For the archive library: hands each field of parameters, with the name of its element, to the visitor.
+    template <class Parameters, class Visitor>
+    static void visit(Parameters& parameters, Visitor& visitor) {
+        Parameters::visit(parameters, visitor);
+    }
+};
+
+} // namespace Nerix

@@ -1,0 +1,94 @@
+#include "Executables/NerixHostSettings/Watch.h"
+
+#include "Platform/Host/SettingsStore.h"
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+
+#include <unistd.h>
+
+namespace Nerix {
+
+namespace {
+
+using Platform::Host::SettingsStore;
+using Platform::Host::SettingType;
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void interrupt(int) {
+    interrupted = 1;
+}
+
+struct Shown {
+    std::string status;
+    std::string progress;
+    std::string result;
+
+    bool operator!=(const Shown& other) const {
+        return status != other.status || progress != other.progress || result != other.result;
+    }
+};
+
+std::string read(const char* key) {
+    std::string text;
+    const int code = SettingsStore::instance().read(key, SettingType::Text, text);
+    if (code != 0 && code != MDB_NOTFOUND) {
+        throw std::runtime_error(std::string("cannot read ") + key + ": " + SettingsStore::describe(code));
+    }
+    return text;
+}
+
+Shown readAll() {
+    return {read("memory/menu/support/softwareupdate/hashverifier_status"),
+            read("memory/menu/support/softwareupdate/hashverifier_progress"),
+            read("db/menu/support/softwareupdate/hashverifier_result")};
+}
+
+std::string bar(const std::string& progress) {
+    constexpr std::size_t width = 40;
+    const double percent = std::clamp(std::strtod(progress.c_str(), nullptr), 0.0, 100.0);
+    const auto done = static_cast<std::size_t>(percent * width / 100.0);
+    return "[" + std::string(done, '#') + std::string(width - done, ' ') + "]";
+}
+
+void draw(const Shown& shown, bool isTerminal) {
+    const std::string padding(shown.progress.size() < 6 ? 6 - shown.progress.size() : 0, ' ');
+    std::cout << (isTerminal ? "\r" : "") << (shown.status.empty() ? "no run yet" : shown.status) << ' '
+              << padding << shown.progress << " % " << bar(shown.progress) << ' ' << shown.result
+              << (isTerminal ? "\x1b[K" : "\n") << std::flush;
+}
+
+} // namespace
+
+void watch() {
+    struct sigaction action {};
+    action.sa_handler = &interrupt; // without SA_RESTART: the pause ends at once
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
+    const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
+
+    Shown shown = readAll();
+    draw(shown, isTerminal);
+    bool hasSeenRun = shown.status == "active";
+    while (interrupted == 0 && !(hasSeenRun && shown.status != "active")) {
+        const std::timespec pause{0, 50'000'000};
+        ::nanosleep(&pause, nullptr);
+        const Shown now = readAll();
+        if (now != shown) {
+            hasSeenRun = true; // also a run too short to be met while it was active
+            shown = now;
+            draw(shown, isTerminal);
+        }
+    }
+    if (isTerminal) {
+        std::cout << std::endl;
+    }
+}
+
+} // namespace Nerix

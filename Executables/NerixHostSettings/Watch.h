@@ -1,0 +1,11 @@
+#pragma once
+
+namespace Nerix {
+
+/// Draws status, progress and result of the verification in the settings store as they change, and ends when
+/// a run ends; waits for one when none is active. On a terminal everything is one line drawn anew, elsewhere
+/// each change is a line of its own. Ctrl-C ends it at once. Throws std::runtime_error when the store cannot
+/// be read.
+void watch();
+
+} // namespace Nerix

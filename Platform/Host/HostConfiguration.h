@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <string>
+
+namespace Nerix::Platform::Host {
+
+/// The answers of an ordinary machine to the device's questions, and the file that overrides them:
+///
+///     ; platform.ini in the durable directory
+///     [system_info]
+///     128 = T-MYMODELH-1234.5
+///     358 = true
+///     [path]
+///     43 = /media
+///
+/// A key that is given but cannot be used is a failure, never a silent default: when the file cannot be read
+/// or is malformed, that goes for every key. Each failure is one line in the system log, naming file and
+/// line. Immutable; any thread may ask.
+class HostConfiguration {
+public:
+    /// The configuration of this process, read when first asked for.
+    static const HostConfiguration& instance();
+
+    /// A file that does not exist overrides nothing.
+    explicit HostConfiguration(std::filesystem::path file);
+
+    /// All return 0, or an errno with value unchanged: ENOENT for a key that nobody answers, EINVAL for an
+    /// answer that is empty or of another type.
+    int text(const std::string& section, int key, std::string& value) const;
+    int integer(const std::string& section, int key, int& value) const;
+    int boolean(const std::string& section, int key, bool& value) const;
+
+private:
+    struct Answer {
+        std::string text;
+        std::size_t line; ///< 0: built in
+    };
+    using Name = std::pair<std::string, std::string>; ///< section and key
+
+    void read();
+    int find(const std::string& section, int key, const Answer*& answer) const;
+    int refuse(const std::string& section, int key, const Answer& answer, const char* wanted) const;
+
+    std::filesystem::path m_file;
+    std::string m_fault; ///< why the file cannot be used, with its line; empty when it can
+    std::map<Name, Answer> m_answers;
+};
+
+} // namespace Nerix::Platform::Host

@@ -1,0 +1,23 @@
+#include "Platform/Interfaces/path_config.h"
+
+#include "Platform/Host/HostConfiguration.h"
+
+#include <map>
+#include <mutex>
+#include <string>
+
+const char* path_config_get(int variable) {
+    // Kept for the life of the process, as callers hold on to the texts.
+    static std::mutex mutex;
+    static std::map<int, std::string> answers;
+    try {
+        const std::lock_guard<std::mutex> lock(mutex);
+        std::string text;
+        if (Nerix::Platform::Host::HostConfiguration::instance().text("path", variable, text) != 0) {
+            return nullptr;
+        }
+        return answers.emplace(variable, text).first->second.c_str();
+    } catch (...) {
+        return nullptr; // out of memory
+    }
+}

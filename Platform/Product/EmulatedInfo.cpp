@@ -1,0 +1,140 @@
+#include "Platform/Product/EmulatedInfo.h"
+
+#include "Common/Logging/Log.h"
+#include "Common/Utils/Errors.h"
+#include "Platform/Product/IProductInfo.h"
+
+#include <boost/filesystem/fstream.hpp>
+#include <boost/filesystem/operations.hpp>
+
+#include <string>
+
+namespace Nerix::Platform {
+
+using boost::filesystem::path;
+using Common::Utils::errinfo_description;
+using Common::Utils::errinfo_path;
+using Common::Utils::errinfo_string;
+using Common::Utils::GenericException;
+
+namespace {
+
+struct Entry {
+    std::string key;
+    std::string value;
+};
+
+/// The next entry of the file; false at its end.
+bool readEntry(std::istream& file, Entry& entry) {
+    std::string line;
+    if (!std::getline(file, line)) {
+        return false;
+    }
+    const std::size_t colon = line.find(':');
+    entry.key = line.substr(0, colon);
+    if (entry.key.empty()) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoKey."));
+    }
+    entry.value.clear();
+    if (colon != std::string::npos) {
+        entry.value = line.substr(colon + 1, line.find(':', colon + 1) - colon - 1);
+    }
+    if (entry.value.empty()) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoValue."));
+    }
+    return true;
+}
+
+void writeEntry(std::ostream& file, const Entry& entry) {
+    file << entry.key << ':' << entry.value << '\n';
+}
+
+/// A text that an entry could not give back is refused before the file is touched.
+void throwIfUnreadable(const std::string& text, const char* failure) {
+    if (text.empty() || text.find_first_of(":\n") != std::string::npos) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description(failure) << errinfo_string(text));
+    }
+}
+
+/// Writes the file's entries without those of key, and the new one at the end.
+void writeAnew(const path& from, const path& to, const Entry& added) {
+    boost::filesystem::ifstream old(from);
+    boost::filesystem::ofstream anew(to);
+    if (!old.is_open() || !anew.is_open()) {
+        BOOST_THROW_EXCEPTION(GenericException()
+                              << errinfo_description("Couldn't open file.") << errinfo_path(from));
+    }
+    for (Entry entry; readEntry(old, entry);) {
+        if (entry.key != added.key) {
+            writeEntry(anew, entry);
+        }
+    }
+    writeEntry(anew, added);
+    anew.close();
+    if (!anew || old.bad()) { // a full disk must not cost the entries that were there
+        BOOST_THROW_EXCEPTION(GenericException()
+                              << errinfo_description("Couldn't write file.") << errinfo_path(to));
+    }
+}
+
+} // namespace
+
+void breakIfProductionAndNotDebug() {
+    NERIX_LOG_STREAM(WRN)
+        << "Function which uses breakIfProductionAndNotDebug() should be used only in Debug mode";
+}
+
+boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
+    breakIfProductionAndNotDebug();
+    const path file = IProductInfo::getEmulatedInfoPath();
+    if (!boost::filesystem::exists(file)) {
+        NERIX_LOG_STREAM(INF) << "emulated info file " << file.native() << " does not exist";
+        return boost::none;
+    }
+    boost::filesystem::ifstream stream(file);
+    if (!stream.is_open()) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Opening EmulatedInfo.txt failed.")
+                                                 << errinfo_path(file));
+    }
+    for (Entry entry; readEntry(stream, entry);) {
+        if (entry.key == key) {
+            return entry.value;
+        }
+    }
+    BOOST_THROW_EXCEPTION(GenericException()
+                          << errinfo_string("Requested key doesn't exist in EmulatedInfo.txt. Key: " + key));
+}
+
+void setEmulatedInfoValue(const std::string& key, const std::string& value) {
+    breakIfProductionAndNotDebug();
+    throwIfUnreadable(key, "Failed getting emulatedInfoKey.");
+    throwIfUnreadable(value, "Failed getting emulatedInfoValue.");
+    ensureEmulatedInfoFileExists();
+    const path file = IProductInfo::getEmulatedInfoPath();
+    if (!boost::filesystem::exists(file)) {
+        BOOST_THROW_EXCEPTION(GenericException()
+                              << errinfo_description("File doesn't exist.") << errinfo_path(file));
+    }
+    const path helper = file.parent_path() / "helper.txt";
+    writeAnew(file, helper, {key, value});
+    boost::system::error_code error;
+    if (!boost::filesystem::remove(file, error) || (boost::filesystem::rename(helper, file, error), error)) {
+        BOOST_THROW_EXCEPTION(GenericException()
+                              << errinfo_description(
+                                     "Error during removing/changing file containing emulated "
+                                     "information. Is this file read only?")
+                              << errinfo_path(file));
+    }
+}
+
+void ensureEmulatedInfoFileExists() {
+    breakIfProductionAndNotDebug();
+    const path file = IProductInfo::getEmulatedInfoPath();
+    if (!boost::filesystem::exists(file)) {
+        boost::system::error_code ignored; // a directory that is missing still shows when the file is opened
+        boost::filesystem::create_directory(file.parent_path(), ignored);
+        boost::filesystem::ofstream make(file);
+    }
+}
+
+} // namespace Nerix::Platform

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Nerix::Platform {
+
+/// What kind of device this is.
+enum ProductType : std::int32_t {
+    UNDEFINED_PRODUCT = 0, ///< not initialised
+    TV_PRODUCT = 1,
+    ZEB_PRODUCT = 2,
+    DEFAULT_PRODUCT = 3 ///< for initializeProduct alone, which takes it for TV_PRODUCT
+};
+
+} // namespace Nerix::Platform

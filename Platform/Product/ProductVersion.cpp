@@ -1,0 +1,168 @@
+#include "Platform/Product/IProductInfo.h"
+
+#include "Common/Logging/Log.h"
+#include "Common/Utils/Errors.h"
+#include "NerixCommon/NerixCommonUtils.h"
+#include "Platform/Product/SystemInformation.h"
+
+namespace Nerix::Platform {
+
+using Common::Utils::errinfo_description;
+using Common::Utils::errinfo_stream;
+using Common::Utils::errinfo_string;
+using Common::Utils::GenericException;
+
+namespace {
+
+struct ModelAndVersion {
+    std::string model;
+    std::uint16_t major = 0;
+    std::uint16_t minor = 0;
+};
+
+ModelAndVersion parsedModelAndVersion() {
+    ModelAndVersion parsed;
+    getParsedModelAndVersion(parsed.model, parsed.major, parsed.minor);
+    return parsed;
+}
+
+/// The answer to a question about the software.
+std::string readVersion(SystemInformation::Key key) {
+    const boost::optional<std::string> version = SystemInformation::readString(key);
+    if (!version) {
+        const char* const failure = "Unable to read SW version from system-info";
+        NERIX_LOG(ERR, "%s", failure);
+        BOOST_THROW_EXCEPTION(SystemInfoAPIInternalProblemException() << errinfo_description(failure));
+    }
+    return *version;
+}
+
+/// Where the last dash is; who asks is named in the failure.
+std::size_t lastDash(const std::string& version, const std::string& asker) {
+    const std::size_t dash = version.rfind('-');
+    if (dash == std::string::npos) {
+        const std::string failure = asker + ": Wrong string format - lack of dash";
+        NERIX_LOG(ERR, "%s: %s", failure.c_str(), version.c_str());
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description(failure) << errinfo_string(version));
+    }
+    return dash;
+}
+
+} // namespace
+
+std::string getSWVersionString() {
+    return readVersion(IProductInfo::getDeviceType() == ZEB_PRODUCT ? SystemInformation::ZEB_SOFTWARE_VERSION
+                                                                    : SystemInformation::TV_SOFTWARE_VERSION);
+}
+
+void getParsedModelAndVersion(std::string& model, std::uint16_t& major, std::uint16_t& minor) {
+    const std::string text = getSWVersionString();
+    NERIX_LOG_STREAM(DBG) << "getParsedModelAndVersion got version string '" << text << "'";
+    const std::size_t dash = lastDash(text, "getParsedModelAndVersion");
+    model = text.substr(0, dash);
+    const std::string version = text.substr(dash + 1);
+    NERIX_LOG_STREAM(DBG) << "version string: " << version;
+    int wholeMajor = 0;
+    int wholeMinor = 0;
+    NerixCommon::NerixCommonUtils::parseVersion(version, wholeMajor, wholeMinor);
+    major = static_cast<std::uint16_t>(wholeMajor);
+    minor = static_cast<std::uint16_t>(wholeMinor);
+    NERIX_LOG_STREAM(DBG) << "version:" << major << "." << minor;
+}
+
+std::string IProductInfo::getModelString() {
+    throwIfUninitialized();
+    const std::string model = parsedModelAndVersion().model;
+    NERIX_LOG(INF, "Model string: %s.", model.c_str());
+    return model;
+}
+
+std::uint16_t IProductInfo::getMainSoftwareVersionMajor() {
+    throwIfUninitialized();
+    const std::uint16_t major = parsedModelAndVersion().major;
+    NERIX_LOG(INF, "MAJOR SW VERSION: %d", major);
+    return major;
+}
+
+std::uint16_t IProductInfo::getMainSoftwareVersionMinor() {
+    throwIfUninitialized();
+    const std::uint16_t minor = parsedModelAndVersion().minor;
+    NERIX_LOG(INF, "MINOR SW VERSION: %d", minor);
+    return minor;
+}
+
+std::string IProductInfo::getVersionString() {
+    throwIfUninitialized();
+    const std::string text = getSWVersionString();
+    const std::string version = text.substr(lastDash(text, "getVersionString") + 1);
+    NERIX_LOG(INF, "Version string: %s.", version.c_str());
+    return version;
+}
+
+std::string IProductInfo::getMainSoftwareVersionDate() {
+    throwIfUninitialized();
+    return readVersion(SystemInformation::SOFTWARE_DATE);
+}
+
+std::string IProductInfo::getSubmicomVersion() {
+    throwIfUninitialized();
+    return readVersion(SystemInformation::SUBMICOM_VERSION);
+}
+
+boost::filesystem::path IProductInfo::getPartitionTxtFilePath() {
+    throwIfUninitialized();
+    const boost::optional<std::string> path =
+        SystemInformation::readString(SystemInformation::PARTITION_FILE_PATH);
+    if (!path) {
+        const char* const failure = "Unable to read partition file path from system-info";
+        NERIX_LOG(ERR, "%s", failure);
+        BOOST_THROW_EXCEPTION(SystemInfoAPIInternalProblemException() << errinfo_description(failure));
+    }
+    NERIX_LOG(INF, "Partition.txt file path is: %s", path->c_str());
+    return *path;
+}
+
+namespace {
+
+/// For the facts that only a television has.
+void throwIfZeb() {
+    if (IProductInfo::getDeviceType() == ZEB_PRODUCT) {
+        BOOST_THROW_EXCEPTION(UnproperProductException());
+    }
+}
+
+} // namespace
+
+std::string IProductInfo::getVarikModelString() {
+    throwIfZeb();
+    return getVarikModelFromCorvanModel(getModelString());
+}
+
+std::string IProductInfo::getVarikModelFromCorvanModel(const std::string& model) {
+    const std::size_t place = model.rfind('H');
+    if (place == std::string::npos) {
+        BOOST_THROW_EXCEPTION(
+            GenericException() << errinfo_stream(
+                "Can't figure out Varik model string. Corvan model string does not have 'H': ", model));
+    }
+    std::string varikModel = model;
+    varikModel[place] = 'B';
+    return varikModel;
+}
+
+std::string IProductInfo::getVarikSoftwareVersionDate() {
+    throwIfZeb();
+    return "0000-00-00";
+}
+
+std::uint16_t IProductInfo::getVarikSoftwareVersionMajor() {
+    throwIfZeb();
+    return 1000;
+}
+
+std::uint16_t IProductInfo::getVarikSoftwareVersionMinor() {
+    throwIfZeb();
+    return 0;
+}
+
+} // namespace Nerix::Platform

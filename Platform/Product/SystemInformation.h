@@ -1,0 +1,26 @@
+#pragma once
+
+#include <boost/optional/optional.hpp>
+
+#include <string>
+
+/// The facts that the package asks the platform's system-information service for. Each call asks; nothing is
+/// cached. Empty when the service fails.
+namespace Nerix::Platform::SystemInformation {
+
+enum Key {
+    SOFTWARE_DATE = 8,
+    TV_SOFTWARE_VERSION = 128,
+    SUBMICOM_VERSION = 133,
+    SCREEN_LINES = 203,
+    PARTITION_FILE_PATH = 301,
+    GENUINE_TV = 358,
+    GENUINE_ZEB = 359,
+    ZEB_SOFTWARE_VERSION = 378
+};
+
+boost::optional<std::string> readString(Key key);
+boost::optional<int> readInt(Key key);
+boost::optional<bool> readBool(Key key);
+
+} // namespace Nerix::Platform::SystemInformation

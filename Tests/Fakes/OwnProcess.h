@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Tests/Fakes/PrivateMounts.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <string>
+
+#include <sys/wait.h>
+
+namespace Nerix::Tests {
+
+/// Runs the body of a case in a process of its own, for state that a process can have only once. Its failures
+/// become one of the case.
+inline void inOwnProcess(const std::function<void()>& body) {
+    constexpr int skipped = 77;
+    bool isSkipped = false;
+    const auto endedWell = [&](int status) {
+        isSkipped = WIFEXITED(status) && WEXITSTATUS(status) == skipped;
+        return isSkipped || (WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    };
+    EXPECT_EXIT(
+        {
+            body();
+            std::exit(testing::Test::IsSkipped() ? skipped : testing::Test::HasFailure() ? 1 : 0);
+        },
+        endedWell, "");
+    if (isSkipped) {
+        GTEST_SKIP() << "no private mounts on this machine";
+    }
+}
+
+/// The same, with an empty /mnt in memory, where the product's data lives on a device.
+inline void withOwnMnt(const std::function<void()>& body) {
+    inOwnProcess([&] {
+        std::string reason;
+        if (!mountPrivately("/mnt", reason)) {
+            GTEST_SKIP() << reason;
+        }
+        body();
+    });
+}
+
+} // namespace Nerix::Tests

@@ -1,0 +1,30 @@
+#include "Tests/Fakes/PrivateMounts.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include <sched.h>
+#include <sys/mount.h>
+#include <unistd.h>
+
+namespace Nerix::Tests {
+
+bool mountPrivately(const std::string& path, std::string& reason) {
+    const uid_t user = ::geteuid();
+    if (::unshare(user == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) != 0) {
+        reason = std::string("unshare: ") + std::strerror(errno);
+        return false;
+    }
+    if (user != 0) {
+        std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+    }
+    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        ::mount("tmpfs", path.c_str(), "tmpfs", 0, nullptr) != 0) {
+        reason = "mount on " + path + ": " + std::strerror(errno);
+        return false;
+    }
+    return true;
+}
+
+} // namespace Nerix::Tests
