@@ -15,7 +15,7 @@ namespace {
 
 /// Whether it is the main thread, which keeps its name; says so in the log.
 bool isMainThread(boost::thread::id thread, boost::thread::id mainThread, const char* name) {
-    if (thread != mainThread) {
+    if (thread != mainThread || thread == boost::thread::id()) {
         return false;
     }
     NERIX_LOG(WRN, "Main thread name: %s.", name);
@@ -56,7 +56,8 @@ void ThreadDebug::SetThreadName(boost::thread& thread, const char* name) {
         return;
     }
     const std::string sanitized = sanitizeThreadName(name);
-    if (::pthread_setname_np(thread.native_handle(), sanitized.c_str()) != 0) {
+    const bool isThread = thread.get_id() != boost::thread::id(); // and not one that was joined or detached
+    if (!isThread || ::pthread_setname_np(thread.native_handle(), sanitized.c_str()) != 0) {
         NERIX_LOG(ERR, "pthread_setname_np Failed to give the name to thread: %s", sanitized.c_str());
         return;
     }

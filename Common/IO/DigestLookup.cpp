@@ -1,7 +1,5 @@
 #include "Common/IO/DigestLookup.h"
 
-#include <openssl/crypto.h>
-
 #include <map>
 #include <memory>
 #include <mutex>
@@ -15,17 +13,13 @@ struct DigestDeleter {
 };
 
 struct FetchedDigests {
-    // The library cleans up at exit in reverse order of start: started here, it outlives this object.
-    FetchedDigests() { OPENSSL_init_crypto(0, nullptr); }
-
     std::mutex mutex;
     std::map<std::string, std::unique_ptr<EVP_MD, DigestDeleter>> byName;
 };
 
-} // namespace
-
-const EVP_MD* lookUpDigest(const std::string& name) {
-    static FetchedDigests fetched;
+const EVP_MD* fetchOnce(const std::string& name) {
+    // Never destroyed: a thread may still be hashing while static objects go.
+    static FetchedDigests& fetched = *new FetchedDigests();
     const std::lock_guard<std::mutex> lock(fetched.mutex);
     const auto known = fetched.byName.find(name);
     if (known != fetched.byName.end()) {
@@ -33,6 +27,21 @@ const EVP_MD* lookUpDigest(const std::string& name) {
     }
     std::unique_ptr<EVP_MD, DigestDeleter> digest(EVP_MD_fetch(nullptr, name.c_str(), nullptr));
     return digest ? fetched.byName.emplace(name, std::move(digest)).first->second.get() : nullptr;
+}
+
+} // namespace
+
+const EVP_MD* lookUpDigest(const std::string& name) {
+    // A thread asks for the same digest over and over: its last answer saves the lock and the search.
+    struct Answer {
+        std::string name;
+        const EVP_MD* digest = nullptr;
+    };
+    thread_local Answer last;
+    if (last.digest == nullptr || last.name != name) {
+        last = {name, fetchOnce(name)};
+    }
+    return last.digest;
 }
 
 } // namespace Nerix::Common::IO

@@ -19,7 +19,7 @@ HashSink::HashSink(const std::string& digestName)
       m_digestName(digestName) {
     OpenSSLCompat::useStandardAllocation();
     OpenSSL_add_all_digests();
-    m_context.reset(EVP_MD_CTX_new());
+    m_context = OpenSSLCompat::makeDigestContext();
     const EVP_MD* const digest = lookUpDigest(m_digestName);
     if (!m_context || digest == nullptr || EVP_DigestInit_ex(m_context.get(), digest, nullptr) != 1) {
         m_context.reset();

@@ -23,7 +23,20 @@ void release(void* block, const char*, int) {
     std::free(block);
 }
 
+struct ContextDeleter {
+    void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
+};
+thread_local std::unique_ptr<EVP_MD_CTX, ContextDeleter> spareContext;
+
 } // namespace
+
+void DigestContextRecycler::operator()(EVP_MD_CTX* context) const {
+    spareContext.reset(context);
+}
+
+DigestContext makeDigestContext() {
+    return DigestContext(spareContext ? spareContext.release() : EVP_MD_CTX_new());
+}
 
 int numLocks() {
     return CRYPTO_num_locks();

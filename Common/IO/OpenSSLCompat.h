@@ -35,9 +35,15 @@ ThreadIdCallback getThreadIdCallback();
 /// later calls change nothing.
 void useStandardAllocation();
 
-struct DigestContextDeleter {
-    void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
+/// Gives a context back: the calling thread keeps one spare for its next digest, as making the library's part
+/// of a /// context costs about as much as hashing a short text. It holds on to the digest until it is used again or the thread
+/// ends; so no digest context may live longer than its thread.
+struct DigestContextRecycler {
+    void operator()(EVP_MD_CTX* context) const;
 };
-using DigestContext = std::unique_ptr<EVP_MD_CTX, DigestContextDeleter>;
+using DigestContext = std::unique_ptr<EVP_MD_CTX, DigestContextRecycler>;
+
+/// A context to start a digest with, whatever was in it before; null when there is no memory.
+DigestContext makeDigestContext();
 
 } // namespace Nerix::Common::IO::OpenSSLCompat

@@ -1,12 +1,18 @@
 #include "Common/Logging/LoggingStream.h"
 
+#include <exception>
+
 namespace Nerix::Common::Logging {
 
 LoggingStream::LoggingStream(const char* tag, LoggingClass::Level level, const char* fileName, int line)
-    : m_tag(tag), m_fileName(fileName), m_line(line), m_level(level) {}
+    : m_tag(tag),
+      m_fileName(fileName),
+      m_line(line),
+      m_level(level),
+      m_uncaughtAtStart(std::uncaught_exceptions()) {}
 
-LoggingStream::~LoggingStream() {
-    if (m_level == LoggingClass::NONE) {
+LoggingStream::~LoggingStream() noexcept(false) {
+    if (m_level == LoggingClass::NONE || std::uncaught_exceptions() > m_uncaughtAtStart) {
         return;
     }
     LoggingClass::print(&LoggingClass::printLines, m_tag, m_level, "%s:%d>%s", m_fileName, m_line,

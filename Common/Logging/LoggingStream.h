@@ -14,7 +14,10 @@ namespace Nerix::Common::Logging {
 class LoggingStream {
 public:
     LoggingStream(const char* tag, LoggingClass::Level level, const char* fileName, int line);
-    ~LoggingStream();
+
+    /// Throws when there is no memory for the message, unless another exception is on its way already.
+    ~LoggingStream() noexcept(false);
+
     LoggingStream(const LoggingStream&) = delete;
     LoggingStream& operator=(const LoggingStream&) = delete;
 
@@ -25,6 +28,7 @@ private:
     const char* m_fileName;
     int m_line;
     LoggingClass::Level m_level;
+    int m_uncaughtAtStart; ///< tells leaving by an exception of the message from leaving normally
     std::ostringstream m_stream;
     Utils::nullostream m_nullStream;
 };

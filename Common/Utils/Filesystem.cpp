@@ -118,8 +118,8 @@ boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
 bool waitForFile(const boost::filesystem::path& p, std::int64_t timeoutSeconds) {
     // Some thirty years: long enough for any caller, and short enough for the clock's arithmetic.
     constexpr std::int64_t longest = 1'000'000'000;
-    const auto deadline =
-        std::chrono::steady_clock::now() + std::chrono::seconds(std::min(timeoutSeconds, longest));
+    const auto deadline = std::chrono::steady_clock::now() +
+                          std::chrono::seconds(std::clamp<std::int64_t>(timeoutSeconds, -1, longest));
     while (!exists_any(p)) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;

@@ -24,7 +24,8 @@ public:
     /// Destroys the service. Asserts that nobody needs it and nobody holds a SingletonPointer to it.
     ~SRegisterItem();
 
-    boost::shared_ptr<RegisterableSingleton> getRegisterable() const { return m_registerable; }
+    /// The only owning pointer; it lives as long as the item.
+    const boost::shared_ptr<RegisterableSingleton>& getRegisterable() const { return m_registerable; }
     const std::list<SingletonsID>& getRequirements() const { return m_requirements; }
 
     void incrementNeeded();

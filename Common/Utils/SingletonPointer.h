@@ -8,6 +8,7 @@
 #include <boost/smart_ptr/weak_ptr.hpp>
 
 #include <string>
+#include <utility>
 
 namespace Nerix::Common::Utils {
 
@@ -18,7 +19,7 @@ namespace detail {
 /// What does not depend on the service's type in a SingletonPointer: a named entry among an item's users.
 class SingletonUsage : private boost::noncopyable {
 public:
-    SingletonUsage(std::string user, const boost::shared_ptr<SRegisterItem>& item);
+    SingletonUsage(std::string user, boost::weak_ptr<SRegisterItem> item);
     ~SingletonUsage();
 
     /// The service, alive at this moment. Asserts that it still exists.
@@ -38,15 +39,17 @@ private:
 template <class T>
 class SingletonPointer : private boost::noncopyable {
 public:
-    SingletonPointer(std::string user, const boost::shared_ptr<SRegisterItem>& item)
-        : m_usage(std::move(user), item) {}
+    SingletonPointer(std::string user, boost::weak_ptr<SRegisterItem> item)
+        : m_usage(std::move(user), std::move(item)) {}
 
     /// The service; the raw pointer is valid only while the service lives. Asserts that it does.
     T* operator->() const {
         T* const service = dynamic_cast<T*>(m_usage.registerable().get());
-        NerixAssertMsg(service != nullptr,
-                       "It should never happen! Is was checked in getService, but Singleton's "
-                       "type probably doesn't match with it's id");
+        if (service == nullptr) {
+            NerixAssertMsg(
+                0, "It should never happen! Is was checked in getService, but Singleton's type probably "
+                   "doesn't match with it's id");
+        }
         return service;
     }
 

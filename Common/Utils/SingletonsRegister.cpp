@@ -112,14 +112,16 @@ SingletonsRegister::Item SingletonsRegister::find(SingletonsID id) const {
     return entry == m_items.end() ? Item() : entry->second;
 }
 
-SingletonsRegister::Item SingletonsRegister::addUser(const std::string& user, SingletonsID id,
-                                                     bool (*isRightType)(const RegisterableSingleton&)) {
+boost::weak_ptr<SRegisterItem>
+SingletonsRegister::addUser(const std::string& user, SingletonsID id,
+                            bool (*isRightType)(const RegisterableSingleton&)) {
     const Lock map(m_mapMutex);
-    Item item = find(id);
-    if (!item) {
+    const auto entry = m_items.find(id);
+    if (entry == m_items.end()) {
         const std::string message = "Singleton " + singletonsIdToString(id) + " does not exist.";
         NerixAssertMsg(0, message.c_str());
     }
+    const Item& item = entry->second;
     if (!isRightType(*item->getRegisterable())) {
         NerixAssertMsg(0, "Singleton's type probably doesn't match with its id");
     }
@@ -129,8 +131,8 @@ SingletonsRegister::Item SingletonsRegister::addUser(const std::string& user, Si
 
 namespace detail {
 
-SingletonUsage::SingletonUsage(std::string user, const boost::shared_ptr<SRegisterItem>& item)
-    : m_user(std::move(user)), m_item(item) {}
+SingletonUsage::SingletonUsage(std::string user, boost::weak_ptr<SRegisterItem> item)
+    : m_user(std::move(user)), m_item(std::move(item)) {}
 
 SingletonUsage::~SingletonUsage() {
     if (const boost::shared_ptr<SRegisterItem> item = m_item.lock()) {

@@ -13,6 +13,7 @@
 #include <list>
 #include <map>
 #include <string>
+#include <typeinfo>
 
 namespace Nerix::Common::Utils {
 
@@ -55,7 +56,9 @@ public:
     template <class T>
     SingletonPointer<T> getService(const std::string& user, SingletonsID id) {
         return SingletonPointer<T>(user, addUser(user, id, [](const RegisterableSingleton& service) {
-                                       return dynamic_cast<const T*>(&service) != nullptr;
+                                       // The exact type first: a cast costs more, and services are asked for at every step.
+                                       return typeid(service) == typeid(T) ||
+                                              dynamic_cast<const T*>(&service) != nullptr;
                                    }));
     }
 
@@ -71,7 +74,8 @@ private:
     void checkRequirements(SingletonsID id, const std::list<SingletonsID>& requirements) const;
     Item find(SingletonsID id) const;
     Item create(SingletonsID id, const std::list<SingletonsID>& requirements, const Factory& factory);
-    Item addUser(const std::string& user, SingletonsID id, bool (*isRightType)(const RegisterableSingleton&));
+    boost::weak_ptr<SRegisterItem> addUser(const std::string& user, SingletonsID id,
+                                           bool (*isRightType)(const RegisterableSingleton&));
 
     static SingletonsRegister instance;
 

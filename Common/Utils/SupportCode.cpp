@@ -42,8 +42,9 @@ std::string get_combined_supportcode(const boost::exception& exception) {
     try {
         boost::rethrow_exception(*nested);
     } catch (const boost::exception& inner) {
-        // Whatever an exception pointer captured comes out as a boost::exception.
         return joined(own, get_combined_supportcode(inner));
+    } catch (...) {
+        return own; // an exception that was thrown without entries comes out as it was, and has no code
     }
 }
 

@@ -3,10 +3,10 @@
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors.h"
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
+#include "Debug/DebugAndTestParameters/ParametersFile.h"
 #include "Platform/Product/IProductInfo.h"
 
 #include <exception>
-#include <fstream>
 
 namespace Nerix::Common {
 
@@ -52,7 +52,7 @@ bool DebugAndTestParameters::reload() {
 bool DebugAndTestParameters::load() {
     const std::string path = getConfigFilePath();
     NERIX_LOG(INF, "Opening config from %s", path.c_str());
-    std::ifstream file(path);
+    std::ifstream file = ParametersFile::open(path);
     if (!file.is_open()) {
         NERIX_LOG(WRN, "Failed to open DebugAndTestParameters from %s", path.c_str());
         return false;
@@ -69,10 +69,7 @@ bool DebugAndTestParameters::load() {
 void DebugAndTestParameters::save() const {
     const std::string path = getConfigFilePath();
     try {
-        std::ofstream file(path);
-        file.exceptions(std::ios_base::badbit | std::ios_base::failbit);
-        ParametersArchive::write(file, *this);
-        file.close();
+        ParametersFile::save(path, *this);
     } catch (const std::exception& failure) {
         NERIX_LOG(WRN, "Failed to save DebugAndTestParameters to %s: %s", path.c_str(), failure.what());
     }

@@ -3,9 +3,9 @@
 #include "Common/Logging/Log.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
+#include "Debug/DebugAndTestParameters/ParametersFile.h"
 
 #include <exception>
-#include <fstream>
 
 namespace Nerix {
 
@@ -16,7 +16,7 @@ const InstallationPerformanceParameters& InstallationPerformanceParameters::getD
 
 void InstallationPerformanceParameters::load(const std::string& path) {
     try {
-        std::ifstream file(path);
+        std::ifstream file = ParametersFile::open(path);
         ParametersArchive::read(file, *this);
     } catch (const std::exception&) {
         NERIX_LOG(WRN, "Failed to load InstallationPerformanceParameters from %s", path.c_str());
@@ -25,10 +25,7 @@ void InstallationPerformanceParameters::load(const std::string& path) {
 
 void InstallationPerformanceParameters::save(const std::string& path) const {
     try {
-        std::ofstream file(path);
-        file.exceptions(std::ios_base::badbit | std::ios_base::failbit);
-        ParametersArchive::write(file, *this);
-        file.close();
+        ParametersFile::save(path, *this);
     } catch (const std::exception&) {
         NERIX_LOG(WRN, "Failed to save InstallationPerformanceParameters to %s", path.c_str());
     }

@@ -3,6 +3,7 @@
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Debug/DebugAndTestParameters/InstallationPerformanceParameters.h"
 
+#include <boost/archive/xml_archive_exception.hpp>
 #include <boost/archive/xml_iarchive.hpp>
 #include <boost/archive/xml_oarchive.hpp>
 #include <boost/serialization/map.hpp>
@@ -10,9 +11,12 @@
 #include <boost/serialization/string.hpp>
 #include <boost/serialization/version.hpp>
 
+#include <cstdint>
 #include <istream>
+#include <map>
 #include <ostream>
 #include <string>
+#include <utility>
 
 namespace Nerix {
 
@@ -22,22 +26,52 @@ using boost::archive::xml_iarchive;
 using boost::archive::xml_oarchive;
 using boost::serialization::make_nvp;
 
-/// The stream below an archive being read, for looking at the next element: the archive itself cannot tell
-/// which one it is before it has taken it.
+constexpr const char* debugAndTestElement = "DebugAndTestParameters";
+constexpr const char* installationElement = "InstallationPerformanceParameters";
+
+/// The stream below an archive that is being read: the archive itself cannot tell which element comes next.
 struct StreamBelow {
     std::istream* stream = nullptr;
 };
 
-/// Whether the next element has this name; leaves the stream where it was.
-bool isNext(std::istream& stream, const std::string& name) {
+[[noreturn]] void throwMismatch(const std::string& name) {
+    boost::serialization::throw_exception(boost::archive::xml_archive_exception(
+        boost::archive::xml_archive_exception::xml_archive_tag_mismatch, name.c_str()));
+}
+
+/// The next characters, at most count; leaves the stream where it was.
+std::string peek(std::istream& stream, std::size_t count) {
     const std::istream::pos_type here = stream.tellg();
-    std::string start(name.size() + 1, '\0');
+    std::string text(count, '\0');
     stream >> std::ws;
-    stream.read(start.data(), static_cast<std::streamsize>(start.size()));
-    const bool found = stream.gcount() == static_cast<std::streamsize>(start.size()) && start == "<" + name;
+    stream.read(text.data(), static_cast<std::streamsize>(count));
+    text.resize(static_cast<std::size_t>(stream.gcount()));
     stream.clear();
     stream.seekg(here);
-    return found;
+    return text;
+}
+
+/// Whether the next element has this name.
+bool isNext(std::istream& stream, const std::string& name) {
+    const std::string start = peek(stream, name.size() + 2);
+    return start == "<" + name + ">" || start == "<" + name + " ";
+}
+
+/// Reads one element, and only if it has this name. The library's own check is switched off: for a name
+/// longer than the one expected it reads past the end of the latter, by as much as the file likes.
+template <class Archive, class Value>
+void readElement(Archive& archive, const char* name, Value& value) {
+    std::istream& stream = *archive.template get_helper<StreamBelow>().stream;
+    if (!isNext(stream, name)) {
+        throwMismatch(name);
+    }
+    archive >> make_nvp(name, value);
+    const std::string end = "</" + std::string(name) + ">";
+    stream.seekg(-static_cast<std::streamoff>(end.size()), std::ios_base::cur);
+    std::string found(end.size(), '\0');
+    if (!stream.read(found.data(), static_cast<std::streamsize>(found.size())) || found != end) {
+        throwMismatch(name);
+    }
 }
 
 } // namespace
@@ -47,23 +81,51 @@ bool isNext(std::istream& stream, const std::string& name) {
 
 template <class Value>
 struct OptionalRead {
-    boost::optional<Value>& value;
+    boost::optional<Value> value;
 
     template <class Archive>
     void serialize(Archive& archive, unsigned int) {
         bool initialized = false;
-        archive >> make_nvp("initialized", initialized);
+        readElement(archive, "initialized", initialized);
         if (!initialized) {
-            value = boost::none;
             return;
         }
         if (isNext(*archive.template get_helper<StreamBelow>().stream, "item_version")) {
             unsigned int itemVersion = 0;
-            archive >> make_nvp("item_version", itemVersion);
+            readElement(archive, "item_version", itemVersion);
         }
         Value read{};
-        archive >> make_nvp("value", read);
+        readElement(archive, "value", read);
         value = read;
+    }
+};
+
+/// An entry of the custom parameters, and all of them, in the library's layout of a map.
+struct ItemRead {
+    std::string first;
+    std::int32_t second = 0;
+
+    template <class Archive>
+    void serialize(Archive& archive, unsigned int) {
+        readElement(archive, "first", first);
+        readElement(archive, "second", second);
+    }
+};
+
+struct MapRead {
+    std::map<std::string, std::int32_t> value;
+
+    template <class Archive>
+    void serialize(Archive& archive, unsigned int) {
+        std::size_t count = 0;
+        unsigned int itemVersion = 0;
+        readElement(archive, "count", count);
+        readElement(archive, "item_version", itemVersion);
+        for (; count > 0; --count) {
+            ItemRead item;
+            readElement(archive, "item", item);
+            value[item.first] = item.second;
+        }
     }
 };
 
@@ -98,18 +160,27 @@ class FieldReader {
 public:
     explicit FieldReader(Archive& archive) : m_archive(archive) {}
 
+    // A field gets its value when its element was read whole; until then it keeps the one it had.
     template <class Field>
     void operator()(const char* name, Field& field) {
-        m_archive >> make_nvp(name, field);
+        Field read{};
+        readElement(m_archive, name, read);
+        field = std::move(read);
     }
     template <class Value>
     void operator()(const char* name, boost::optional<Value>& field) {
-        OptionalRead<Value> optional{field};
-        m_archive >> make_nvp(name, optional);
+        OptionalRead<Value> read;
+        readElement(m_archive, name, read);
+        field = read.value;
+    }
+    void operator()(const char* name, std::map<std::string, std::int32_t>& field) {
+        MapRead read;
+        readElement(m_archive, name, read);
+        field = std::move(read.value);
     }
     void operator()(const char* name, InstallationPerformanceParameters& field) {
         Object<InstallationPerformanceParameters> object{field};
-        m_archive >> make_nvp(name, object);
+        readElement(m_archive, name, object);
     }
 
 private:
@@ -141,10 +212,14 @@ private:
 
 template <class Parameters>
 void readObject(std::istream& stream, const char* name, Parameters& parameters) {
-    xml_iarchive archive(stream);
+    xml_iarchive archive(stream, boost::archive::no_xml_tag_checking); // see readElement
     archive.get_helper<StreamBelow>().stream = &stream;
     Object<Parameters> object{parameters};
-    archive >> make_nvp(name, object);
+    readElement(archive, name, object);
+    if (!isNext(stream, "/boost_serialization")) {
+        // Found out here: the archive's destructor would, and cannot throw.
+        throwMismatch("/boost_serialization");
+    }
 }
 
 template <class Parameters>
@@ -169,19 +244,19 @@ void Object<Parameters>::serialize(Archive& archive, unsigned int) {
 }
 
 void ParametersArchive::read(std::istream& stream, Common::DebugAndTestParameters& parameters) {
-    readObject(stream, "DebugAndTestParameters", parameters);
+    readObject(stream, debugAndTestElement, parameters);
 }
 
 void ParametersArchive::read(std::istream& stream, InstallationPerformanceParameters& parameters) {
-    readObject(stream, "InstallationPerformanceParameters", parameters);
+    readObject(stream, installationElement, parameters);
 }
 
 void ParametersArchive::write(std::ostream& stream, const Common::DebugAndTestParameters& parameters) {
-    writeObject(stream, "DebugAndTestParameters", parameters);
+    writeObject(stream, debugAndTestElement, parameters);
 }
 
 void ParametersArchive::write(std::ostream& stream, const InstallationPerformanceParameters& parameters) {
-    writeObject(stream, "InstallationPerformanceParameters", parameters);
+    writeObject(stream, installationElement, parameters);
 }
 
 } // namespace Nerix

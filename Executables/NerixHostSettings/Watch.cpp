@@ -30,6 +30,9 @@ struct Shown {
     std::string progress;
     std::string result;
 
+    /// The result is published as this before the status, so a run is under way from then on.
+    bool isRunning() const { return status == "active" || result == "00000111"; }
+
     bool operator!=(const Shown& other) const {
         return status != other.status || progress != other.progress || result != other.result;
     }
@@ -52,8 +55,9 @@ Shown readAll() {
 
 std::string bar(const std::string& progress) {
     constexpr std::size_t width = 40;
-    const double percent = std::clamp(std::strtod(progress.c_str(), nullptr), 0.0, 100.0);
-    const auto done = static_cast<std::size_t>(percent * width / 100.0);
+    const double percent = std::strtod(progress.c_str(), nullptr);
+    const auto done =
+        percent > 0 ? static_cast<std::size_t>(std::min(percent, 100.0) * width / 100.0) : 0; // also "nan"
     return "[" + std::string(done, '#') + std::string(width - done, ' ') + "]";
 }
 
@@ -75,8 +79,8 @@ void watch() {
 
     Shown shown = readAll();
     draw(shown, isTerminal);
-    bool hasSeenRun = shown.status == "active";
-    while (interrupted == 0 && !(hasSeenRun && shown.status != "active")) {
+    bool hasSeenRun = shown.isRunning();
+    while (interrupted == 0 && !(hasSeenRun && !shown.isRunning())) {
         const std::timespec pause{0, 50'000'000};
         ::nanosleep(&pause, nullptr);
         const Shown now = readAll();

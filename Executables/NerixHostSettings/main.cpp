@@ -53,13 +53,14 @@ int list() {
     for (const Setting& setting : allSettings()) {
         std::cout << setting.key << " = " << valueText(setting) << '\n';
     }
+    std::cout << std::flush;
     return EXIT_SUCCESS;
 }
 
 int get(const std::string& key) {
     for (const Setting& setting : allSettings()) {
         if (setting.key == key) {
-            std::cout << valueText(setting) << '\n';
+            std::cout << valueText(setting) << std::endl;
             return EXIT_SUCCESS;
         }
     }
@@ -71,6 +72,7 @@ int get(const std::string& key) {
 
 int main(int argc, char* argv[]) {
     const std::vector<std::string> words(argv + 1, argv + argc);
+    std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // output that is lost is a failure
     try {
         if (words.size() == 1 && words[0] == "list") {
             return list();

@@ -25,7 +25,7 @@ std::string nerixVerifyPath(const std::string& path, const std::string& hashMeth
 /// nerixVerifyPath("/", "md5").
 std::string nerixVerifyFileSystem();
 
-/// The last published percentage of the running or last verification, two decimals.
+/// The percentage of the running or last verification as of its last report, two decimals, below 100.
 std::string getProgress();
 
 /// The value of the last verification. Only valid after it has finished: asserted.

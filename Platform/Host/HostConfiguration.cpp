@@ -64,6 +64,28 @@ std::map<std::pair<std::string, std::string>, std::size_t> linesOfKeys(const std
     return lines;
 }
 
+/// The first line that begins with text, or with text in brackets.
+std::size_t lineOf(const std::string& content, const std::string& text) {
+    std::istringstream stream(content);
+    std::size_t number = 0;
+    for (std::string line; std::getline(stream, line);) {
+        ++number;
+        const std::string trimmedLine = trimmed(line);
+        if (trimmedLine.rfind(text, 0) == 0 || trimmedLine.rfind("[" + text, 0) == 0) {
+            break;
+        }
+    }
+    return number;
+}
+
+bool readInto(std::stringstream& content, const std::filesystem::path& file) {
+    std::ifstream stream(file);
+    for (std::string line; std::getline(stream, line);) {
+        content << line << '\n';
+    }
+    return stream.eof();
+}
+
 } // namespace
 
 const HostConfiguration& HostConfiguration::instance() {
@@ -90,15 +112,14 @@ HostConfiguration::HostConfiguration(std::filesystem::path file) : m_file(std::m
 
 void HostConfiguration::read() {
     std::error_code error;
-    if (m_file.empty() || !std::filesystem::exists(std::filesystem::symlink_status(m_file, error))) {
+    if (m_file.empty() ||
+        std::filesystem::symlink_status(m_file, error).type() == std::filesystem::file_type::not_found) {
         return;
     }
-    std::ifstream stream(m_file);
+    // Looked at before it is opened: a pipe of that name would wait for its writer for ever.
     std::stringstream content;
-    if (!std::filesystem::is_regular_file(m_file, error) || !stream || !(content << stream.rdbuf())) {
-        if (std::filesystem::file_size(m_file, error) != 0) {
-            m_fault = m_file.string() + ": cannot be read";
-        }
+    if (!std::filesystem::is_regular_file(m_file, error) || !readInto(content, m_file)) {
+        m_fault = m_file.string() + ": cannot be read";
         return;
     }
     try {
@@ -106,6 +127,11 @@ void HostConfiguration::read() {
         const auto lines = linesOfKeys(content.str());
         boost::property_tree::read_ini(content, tree);
         for (const auto& [section, keys] : tree) {
+            if (section != "system_info" && section != "path") {
+                m_fault = m_file.string() + ":" + std::to_string(lineOf(content.str(), section)) + ": '" +
+                          section + "' is neither [system_info] nor [path]";
+                return;
+            }
             for (const auto& [key, value] : keys) {
                 const auto line = lines.find({section, key});
                 m_answers[{section, key}] = {value.data(), line == lines.end() ? 0 : line->second};

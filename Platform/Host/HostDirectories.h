@@ -8,8 +8,8 @@
 ///     volatile   $NERIX_PLATFORM_HOME, else $XDG_RUNTIME_DIR/nerix, else /dev/shm/nerix-<uid>
 ///
 /// Variables that are empty count as unset, and so do relative XDG ones. Both functions make the directory
-/// and throw std::system_error naming it when it cannot be made or belongs to another user. Any thread may
-/// call.
+/// and /// throw std::system_error naming it when it cannot be made, or when the one in /dev/shm, where everybody may write,
+/// belongs to another user. Any thread may call.
 namespace Nerix::Platform::Host {
 
 std::filesystem::path durableDirectory();

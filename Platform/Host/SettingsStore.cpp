@@ -56,7 +56,8 @@ std::string_view toView(const MDB_val& value) {
 } // namespace
 
 SettingsStore& SettingsStore::instance() {
-    static SettingsStore store;
+    // Never destroyed: other static objects may still publish while the process ends.
+    static SettingsStore& store = *new SettingsStore();
     return store;
 }
 
@@ -116,8 +117,10 @@ int SettingsStore::attempt(Shelf& shelf, const char* what, std::string_view key,
         reason = error.what();
     }
     if (code != 0 && code != MDB_NOTFOUND && code != MDB_INCOMPATIBLE) {
-        // After a failed write LMDB may refuse everything until the environment is opened anew.
-        shelf.environment.reset();
+        if (code != MDB_BAD_VALSIZE) {
+            // After a failed write LMDB may refuse everything until the environment is opened anew.
+            shelf.environment.reset();
+        }
         __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host",
                      "settings store %s: cannot %s '%.*s': %s", shelf.fileName, what,
                      static_cast<int>(key.size()), key.data(),
@@ -187,6 +190,9 @@ int SettingsStore::list(std::vector<Setting>& settings) {
             int code = mdb_cursor_get(cursor.get(), &name, &value, MDB_FIRST);
             for (; code == 0; code = mdb_cursor_get(cursor.get(), &name, &value, MDB_NEXT)) {
                 const std::string_view stored = toView(value);
+                if (stored.empty()) {
+                    continue; // nothing of ours
+                }
                 found.push_back({std::string(toView(name)), static_cast<SettingType>(stored.front()),
                                  std::string(stored.substr(1))});
             }

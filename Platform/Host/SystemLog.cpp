@@ -46,11 +46,20 @@ spdlog::sink_ptr makeSink(const std::string& kind, const std::string& bufferName
     return std::make_shared<spdlog::sinks::rotating_file_sink_mt>(file.string(), bytesPerFile, olderFiles);
 }
 
-std::shared_ptr<spdlog::logger> makeLogger(const std::string& bufferName) {
+std::string chosenKind() {
     const char* const chosen = std::getenv("NERIX_HOST_LOG");
+    const std::string kind = chosen == nullptr || *chosen == '\0' ? "file" : chosen;
+    if (kind != "file" && kind != "syslog" && kind != "stderr") {
+        std::fprintf(stderr,
+                     "nerix host log: NERIX_HOST_LOG is '%s', not file, syslog or stderr; using file\n",
+                     kind.c_str());
+    }
+    return kind;
+}
+
+std::shared_ptr<spdlog::logger> makeLogger(const std::string& kind, const std::string& bufferName) {
     try {
-        auto logger = std::make_shared<spdlog::logger>(
-            bufferName, makeSink(chosen == nullptr || *chosen == '\0' ? "file" : chosen, bufferName));
+        auto logger = std::make_shared<spdlog::logger>(bufferName, makeSink(kind, bufferName));
         logger->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %v");
         logger->set_level(spdlog::level::trace);
         logger->flush_on(spdlog::level::trace);
@@ -98,7 +107,11 @@ SystemLog& SystemLog::instance() {
     return log;
 }
 
-SystemLog::SystemLog() : m_main(makeLogger("main")), m_system(makeLogger("system")) {}
+SystemLog::SystemLog() {
+    const std::string kind = chosenKind();
+    m_main = makeLogger(kind, "main");
+    m_system = makeLogger(kind, "system");
+}
 
 bool SystemLog::write(int buffer, int priority, const char* tag, const std::string& text) {
     const auto& logger = buffer == DLOG_BUFFER_MAIN ? m_main : m_system;

@@ -28,10 +28,15 @@ int system_info_get_value_string(int key, char** value) {
     return ask([&](const HostConfiguration& host) {
         std::string text;
         const int code = host.text(section, key, text);
-        if (code == 0) {
-            *value = ::strdup(text.c_str());
+        if (code != 0) {
+            return code;
         }
-        return code;
+        char* const copy = ::strdup(text.c_str());
+        if (copy == nullptr) {
+            return ENOMEM;
+        }
+        *value = copy;
+        return 0;
     });
 }
 

@@ -19,6 +19,18 @@ using Common::Utils::GenericException;
 
 namespace {
 
+/// Whether there is no such file. What else is wrong with it shows when it is opened.
+bool isMissing(const path& file) {
+    boost::system::error_code error;
+    return boost::filesystem::status(file, error).type() == boost::filesystem::file_not_found;
+}
+
+/// Whether the file can be read without waiting for somebody to write it.
+bool isRegular(const path& file) {
+    boost::system::error_code error;
+    return boost::filesystem::is_regular_file(file, error);
+}
+
 struct Entry {
     std::string key;
     std::string value;
@@ -58,7 +70,10 @@ void throwIfUnreadable(const std::string& text, const char* failure) {
 
 /// Writes the file's entries without those of key, and the new one at the end.
 void writeAnew(const path& from, const path& to, const Entry& added) {
-    boost::filesystem::ifstream old(from);
+    boost::filesystem::ifstream old;
+    if (isRegular(from)) {
+        old.open(from);
+    }
     boost::filesystem::ofstream anew(to);
     if (!old.is_open() || !anew.is_open()) {
         BOOST_THROW_EXCEPTION(GenericException()
@@ -87,11 +102,14 @@ void breakIfProductionAndNotDebug() {
 boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
     breakIfProductionAndNotDebug();
     const path file = IProductInfo::getEmulatedInfoPath();
-    if (!boost::filesystem::exists(file)) {
+    if (isMissing(file)) {
         NERIX_LOG_STREAM(INF) << "emulated info file " << file.native() << " does not exist";
         return boost::none;
     }
-    boost::filesystem::ifstream stream(file);
+    boost::filesystem::ifstream stream;
+    if (isRegular(file)) {
+        stream.open(file);
+    }
     if (!stream.is_open()) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Opening EmulatedInfo.txt failed.")
                                                  << errinfo_path(file));
@@ -100,6 +118,10 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
         if (entry.key == key) {
             return entry.value;
         }
+    }
+    if (stream.bad()) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Reading EmulatedInfo.txt failed.")
+                                                 << errinfo_path(file));
     }
     BOOST_THROW_EXCEPTION(GenericException()
                           << errinfo_string("Requested key doesn't exist in EmulatedInfo.txt. Key: " + key));
@@ -111,7 +133,7 @@ void setEmulatedInfoValue(const std::string& key, const std::string& value) {
     throwIfUnreadable(value, "Failed getting emulatedInfoValue.");
     ensureEmulatedInfoFileExists();
     const path file = IProductInfo::getEmulatedInfoPath();
-    if (!boost::filesystem::exists(file)) {
+    if (isMissing(file)) {
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description("File doesn't exist.") << errinfo_path(file));
     }
@@ -130,7 +152,7 @@ void setEmulatedInfoValue(const std::string& key, const std::string& value) {
 void ensureEmulatedInfoFileExists() {
     breakIfProductionAndNotDebug();
     const path file = IProductInfo::getEmulatedInfoPath();
-    if (!boost::filesystem::exists(file)) {
+    if (isMissing(file)) {
         boost::system::error_code ignored; // a directory that is missing still shows when the file is opened
         boost::filesystem::create_directory(file.parent_path(), ignored);
         boost::filesystem::ofstream make(file);

@@ -32,12 +32,12 @@ MountPoints::MountPoints(std::istream& table) {
 std::string MountPoints::findUSB() const {
     using Common::Utils::filesystem::pathStartsWith;
     using Platform::IProductInfo;
-    const boost::filesystem::path media =
-        boost::filesystem::path(IProductInfo::getFileSystemRootPath()) / "media/";
+    const std::string root = IProductInfo::getFileSystemRootPath();
+    const boost::filesystem::path media = boost::filesystem::path(root.empty() ? "/" : root) / "media/";
     const boost::filesystem::path usb = IProductInfo::getUSBMountPath();
     std::string found;
     for (const std::string& directory : m_mountOrder) {
-        if (pathStartsWith(directory, media) || pathStartsWith(directory, usb)) {
+        if (pathStartsWith(directory, media) || (!usb.empty() && pathStartsWith(directory, usb))) {
             found = directory;
         }
     }

@@ -31,6 +31,9 @@ std::string fileName() {
 } // namespace
 
 void openScanLog(std::fstream& file) {
+    if (file.is_open()) {
+        file.close(); // opening an open file fails without a sign, and its records would be lost
+    }
     const std::string usb = MountPoints::getInstance().findUSB();
     if (usb.empty()) {
         return;

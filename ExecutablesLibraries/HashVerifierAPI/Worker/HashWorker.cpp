@@ -6,6 +6,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/MountPoints.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/Progress.h"
@@ -51,7 +52,11 @@ HashWorker& HashWorker::getInstance() {
     return instance;
 }
 
-HashWorker::HashWorker() : m_root("/") {}
+HashWorker::HashWorker() : m_root("/") {
+    // What the worker's thread uses has to be made before this object, so that it is still there while the destructor
+    // waits for that thread.
+    MountPoints::getInstance();
+}
 
 HashWorker::~HashWorker() {
     if (m_startedThread && m_startedThread->joinable()) {
@@ -80,8 +85,13 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
 
     IVConf::setString(resultKey, "00000111");
     IVConf::setString(progressKey, "0.0");
-    openScanLog(m_logFile);
-    launch();
+    try {
+        openScanLog(m_logFile);
+        launch();
+    } catch (...) {
+        shutdown();
+        throw;
+    }
     return *this;
 }
 

@@ -44,12 +44,12 @@ public:
     /// Joins a worker that still runs.
     ~HashWorker();
 
-    /// Launches a verification of root with the hash method of that name and returns once its status "active"
-    /// is published. An unknown name is not found here: that run ends with "ERROR". The product must be
-    /// initialised. Throws, with nothing
-    /// changed: GenericException "verification is already started" or "can't read filesystem statistics".
-    /// Throws, with no worker running: VConfException when the settings store refuses,
-    /// boost::thread_resource_error when there is no thread to be had.
+    /// Launches a verification of root with the hash method of that name and returns once its status "active" is
+    /// published. An unknown name is not found here: that run ends with "ERROR". The product must be initialised.
+    ///
+    /// Throws with nothing changed: GenericException "verification is already started" or "can't read filesystem
+    /// statistics". Throws with no worker running, though result and progress may be published as for a run:
+    /// VConfException when the settings store refuses, boost::thread_resource_error when there is no thread to be had.
     HashWorker& start(const FileInput& root, const std::string& hashName);
 
     /// Blocks until the last run has written its last setting and its thread has ended; at once when there is
@@ -59,7 +59,7 @@ public:
     /// 16 hexadecimal digits, or "ERROR", of the last finished run. Asserts that a run has finished.
     std::string getResult();
 
-    /// The percentage last published, see Progress::text.
+    /// The percentage as of the last report, see Progress::text; never 100.
     std::string getProgress() const;
 
     /// The root entry of the current verification; "/" before the first.

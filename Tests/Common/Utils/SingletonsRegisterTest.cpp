@@ -97,7 +97,7 @@ TEST_F(SingletonsRegisterTest, NamesOfIds) {
 TEST_F(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
     const ServiceGuard guard(DUMMY_SINGLETON);
     auto shortLived = std::make_unique<SingletonServiceGuard<Service>>(G_MAIN_LOOP);
-    const auto kept = std::make_unique<SingletonPointer<Service>>("a", boost::shared_ptr<SRegisterItem>());
+    const auto kept = std::make_unique<SingletonPointer<Service>>("a", boost::weak_ptr<SRegisterItem>());
     EXPECT_DEATH(
         DependentGuard{TVS_SIGNAL_DISTRIBUTOR}; theRegister().unmarkNeeded(DUMMY_SINGLETON);
         DependentGuard{TVS_SIGNAL_DISTRIBUTOR},

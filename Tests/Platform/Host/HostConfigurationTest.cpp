@@ -48,7 +48,8 @@ TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswers) {
         {"[path]\n43 = /x\nnonsense\n", invalid + "|" + invalid + "|" + invalid},
         {"[path\n", invalid + "|" + invalid + "|" + invalid},
         {"[path]\n43=/a\n43=/b\n", invalid + "|" + invalid + "|" + invalid},
-        {"[other]\nkey=value\n", builtIn},
+        {"[systeminfo]\n203=1\n", invalid + "|" + invalid + "|" + invalid},
+        {"203=1\n", invalid + "|" + invalid + "|" + invalid},
     };
     for (const auto& [content, expected] : cases) {
         EXPECT_EQ(answers(read(content)), expected) << content;
