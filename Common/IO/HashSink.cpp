@@ -13,9 +13,15 @@ using Utils::errinfo_description;
 using Utils::errinfo_subject;
 using Utils::Encoding::OpenSSLException;
 
+namespace {
+
+const std::string userName = "<unknown>";
+
+} // namespace
+
 HashSink::HashSink(const std::string& digestName)
     : m_openSSL(Utils::SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>(
-          "<unknown>", Utils::SINGLETON_OPENSSL_INITIALIZER)),
+          userName, Utils::SINGLETON_OPENSSL_INITIALIZER)),
       m_digestName(digestName) {
     OpenSSLCompat::useStandardAllocation();
     OpenSSL_add_all_digests();

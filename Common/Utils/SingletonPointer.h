@@ -19,7 +19,7 @@ namespace detail {
 /// What does not depend on the service's type in a SingletonPointer: a named entry among an item's users.
 class SingletonUsage : private boost::noncopyable {
 public:
-    SingletonUsage(std::string user, boost::weak_ptr<SRegisterItem> item);
+    SingletonUsage(const std::string& user, boost::weak_ptr<SRegisterItem> item);
     ~SingletonUsage();
 
     /// The service, alive at this moment. Asserts that it still exists.
@@ -39,8 +39,8 @@ private:
 template <class T>
 class SingletonPointer : private boost::noncopyable {
 public:
-    SingletonPointer(std::string user, boost::weak_ptr<SRegisterItem> item)
-        : m_usage(std::move(user), std::move(item)) {}
+    SingletonPointer(const std::string& user, boost::weak_ptr<SRegisterItem> item)
+        : m_usage(user, std::move(item)) {}
 
     /// The service; the raw pointer is valid only while the service lives. Asserts that it does.
     T* operator->() const {

@@ -131,8 +131,8 @@ SingletonsRegister::addUser(const std::string& user, SingletonsID id,
 
 namespace detail {
 
-SingletonUsage::SingletonUsage(std::string user, boost::weak_ptr<SRegisterItem> item)
-    : m_user(std::move(user)), m_item(std::move(item)) {}
+SingletonUsage::SingletonUsage(const std::string& user, boost::weak_ptr<SRegisterItem> item)
+    : m_user(user), m_item(std::move(item)) {}
 
 SingletonUsage::~SingletonUsage() {
     if (const boost::shared_ptr<SRegisterItem> item = m_item.lock()) {

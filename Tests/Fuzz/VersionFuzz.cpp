@@ -1,0 +1,42 @@
+#include "NerixCommon/NerixCommonUtils.h"
+#include "Platform/Product/IProductInfo.h"
+
+#include "Common/Utils/Errors.h"
+#include "Tests/Fakes/FakePlatform.h"
+
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
+
+#include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
+    using Nerix::NerixCommon::NerixCommonUtils;
+    using Nerix::Platform::IProductInfo;
+    static const bool isReady = [] {
+        IProductInfo::initializeProduct(Nerix::Platform::TV_PRODUCT);
+        return true;
+    }();
+    static_cast<void>(isReady);
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    Nerix::Tests::FakePlatform::instance().reset();
+    Nerix::Tests::FakePlatform::instance().systemInfo[128] = std::string(text.c_str());
+    try {
+        int major = 0;
+        int minor = 0;
+        NerixCommonUtils::parseVersion(text, major, minor);
+        if (NerixCommonUtils::versionStringForUI(text) != std::to_string(major)) {
+            __builtin_trap();
+        }
+    } catch (const boost::bad_lexical_cast&) {
+        if (NerixCommonUtils::versionStringForUI(text) != text) {
+            __builtin_trap();
+        }
+    }
+    try {
+        IProductInfo::getMainSoftwareVersionMajor();
+        IProductInfo::getVarikModelString();
+    } catch (const boost::bad_lexical_cast&) { // NOLINT(bugprone-empty-catch): no version, which is an answer
+    } catch (
+        const Nerix::Common::Utils::GenericException&) { // NOLINT(bugprone-empty-catch): no dash, or no 'H'
+    }
+    return 0;
+}

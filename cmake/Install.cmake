@@ -1,0 +1,21 @@
+# cmake --install puts the programs and their manual in place; cpack makes a Debian package of them.
+
+include(GNUInstallDirs)
+install(TARGETS NerixVerifierHash RUNTIME)
+if(NERIX_HOST_PLATFORM)
+  install(TARGETS NerixHostSettings RUNTIME)
+endif()
+install(FILES docs/NerixVerifierHash.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME nerix-verifier-hash)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Fold a file tree into one 64-bit value")
+set(CPACK_PACKAGE_DESCRIPTION "Compares two installations by one value and, when they differ, entry by entry.")
+set(CPACK_PACKAGE_CONTACT "Nerix developers <nerix@localhost>")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+# Read off the programs: which packages their libraries come from.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+include(CPack)
