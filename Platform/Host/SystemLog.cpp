@@ -48,7 +48,7 @@ spdlog::sink_ptr makeSink(const std::string& kind, const std::string& bufferName
 
 std::string chosenKind() {
     const char* const chosen = std::getenv("NERIX_HOST_LOG");
-    const std::string kind = chosen == nullptr || *chosen == '\0' ? "file" : chosen;
+    std::string kind = chosen == nullptr || *chosen == '\0' ? "file" : chosen;
     if (kind != "file" && kind != "syslog" && kind != "stderr") {
         std::fprintf(stderr,
                      "nerix host log: NERIX_HOST_LOG is '%s', not file, syslog or stderr; using file\n",

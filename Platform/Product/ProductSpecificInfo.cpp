@@ -9,7 +9,7 @@ namespace {
 const std::string packageDirectory = "/org.corvan.tv.nerix";
 const std::string commonDataDirectory = packageDirectory + "/data";
 
-constexpr std::uint64_t mebibyte = 1024 * 1024;
+constexpr std::uint64_t mebibyte = 1ULL << 20U;
 
 } // namespace
 

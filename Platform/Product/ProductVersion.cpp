@@ -72,7 +72,7 @@ void getParsedModelAndVersion(std::string& model, std::uint16_t& major, std::uin
 
 std::string IProductInfo::getModelString() {
     throwIfUninitialized();
-    const std::string model = parsedModelAndVersion().model;
+    std::string model = parsedModelAndVersion().model;
     NERIX_LOG(INF, "Model string: %s.", model.c_str());
     return model;
 }
@@ -94,7 +94,7 @@ std::uint16_t IProductInfo::getMainSoftwareVersionMinor() {
 std::string IProductInfo::getVersionString() {
     throwIfUninitialized();
     const std::string text = getSWVersionString();
-    const std::string version = text.substr(lastDash(text, "getVersionString") + 1);
+    std::string version = text.substr(lastDash(text, "getVersionString") + 1);
     NERIX_LOG(INF, "Version string: %s.", version.c_str());
     return version;
 }

@@ -289,7 +289,9 @@ TEST(DebugAndTestParameters, SavedFileReadsBackAndFaultsAreLogged) {
         EXPECT_TRUE(parameters.reload());
         EXPECT_EQ(parameters.getPanelServiceName(), "saved");
 
-        boost::filesystem::ofstream(path) << std::string(100'000'000, 'x');
+        std::string huge;
+        huge.resize(100'000'000, 'x');
+        boost::filesystem::ofstream(path) << huge;
         EXPECT_FALSE(parameters.reload());
         EXPECT_EQ(FakePlatform::instance().logHolding(">Failed to load DebugAndTestParameters from ").size(),
                   1U);

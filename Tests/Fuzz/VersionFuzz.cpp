@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     static_cast<void>(isReady);
     const std::string text(reinterpret_cast<const char*>(data), size);
     Nerix::Tests::FakePlatform::instance().reset();
-    Nerix::Tests::FakePlatform::instance().systemInfo[128] = std::string(text.c_str());
+    Nerix::Tests::FakePlatform::instance().systemInfo[128] = text.substr(0, text.find('\0'));
     try {
         int major = 0;
         int minor = 0;
