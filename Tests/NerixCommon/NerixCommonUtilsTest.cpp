@@ -63,12 +63,5 @@ TEST(NerixCommonUtils, TransactionIdsAreChecksums) {
     EXPECT_EQ(Utils::getTransactionIdForUpgrade({}), "00000000");
 }
 
-TEST(NerixCommonUtilsDeathTest, UpgradeTypesHaveNames) {
-    EXPECT_EQ(Utils::upgradeTypeToString(UpgradeType::OTA), "OTA");
-    EXPECT_EQ(Utils::upgradeTypeToString(UpgradeType::OTN), "OTN");
-    EXPECT_EQ(Utils::upgradeTypeToString(UpgradeType::USB), "USB");
-    EXPECT_DEATH(Utils::upgradeTypeToString(static_cast<UpgradeType>(4)), "ASSERTION FAILED: false, ");
-}
-
 } // namespace
 } // namespace Nerix::Tests

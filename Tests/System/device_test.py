@@ -78,15 +78,6 @@ class Device(SystemTest):
         self.assertEqual(os.listdir("/media/second"), [])
         self.assertEqual(self.only_log("/media/first"), records)
 
-    def test_configured_place_of_drives(self):
-        os.umask(0o077)
-        with open(os.path.join(self.home, "platform.ini"), "w", encoding="ascii") as ini:
-            ini.write("[path]\n43 = /mnt/drives\n")
-        self.mount("/mnt/drives/one")
-        value, records = self.expected()
-        self.assertEqual(self.value(self.work), value)
-        self.assertEqual(self.only_log("/mnt/drives/one"), records)
-
     def test_unusable_drives(self):
         value, records = self.expected()
         for number, options in enumerate((["-o", "ro"], ["-o", "nr_inodes=1"])):

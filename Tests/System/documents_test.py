@@ -50,19 +50,6 @@ class Documents(SystemTest):
         command = re.search(r"^    \$ (.*)\n    ([0-9a-f]{16})$", text, re.MULTILINE)
         self.assertEqual(self.run_shell(command.group(1)).strip(), command.group(2))
 
-    def test_manual_formats(self):
-        page = subprocess.run(["man", "--warnings", "-l", os.path.join(ROOT, "docs/NerixVerifierHash.1")], check=False,
-                              capture_output=True, text=True) if self.has_man() else None
-        if page is None:
-            self.skipTest("no man on this machine")
-        self.assertEqual((page.returncode, page.stderr), (0, ""))
-        for option in ("--path", "--hash", "--help"):
-            self.assertIn(option, page.stdout)
-
-    @staticmethod
-    def has_man():
-        return subprocess.run(["bash", "-c", "command -v man"], check=False, capture_output=True).returncode == 0
-
 
 if __name__ == "__main__":
     main()

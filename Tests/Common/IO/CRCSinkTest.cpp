@@ -1,9 +1,5 @@
 #include "Common/IO/CRCSink.h"
 
-#include "Common/IO/IOExceptions.h"
-#include "Common/Utils/Errors.h"
-
-#include <boost/exception/get_error_info.hpp>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -73,25 +69,6 @@ TEST(CRCSink, StateIsFiveBytesAndGoesOnElsewhere) {
     EXPECT_FALSE(second.endOfDataMarked());
     write(second, "56789");
     EXPECT_EQ(second.checksum(), 0xCBF43926U);
-}
-
-TEST(CRCSink, EndIsStoredAndRefusesData) {
-    CRC32Sink ended;
-    ended.markEndOfData();
-    Bytes record;
-    MemoryTransaction store(record, true);
-    ended.transactionSerialize(&store);
-    EXPECT_EQ(record.at(0), 1);
-    CRC32Sink restored;
-    MemoryTransaction restore(record, false);
-    restored.transactionSerialize(&restore);
-    try {
-        write(restored, "x");
-        FAIL();
-    } catch (const Common::IO::IOExceptions::EndOfDataMarkedException& exception) {
-        using Subject = boost::error_info<Common::Utils::tag_errinfo_subject, std::string>;
-        EXPECT_EQ(*boost::get_error_info<Subject>(exception), "CRCSink");
-    }
 }
 
 } // namespace

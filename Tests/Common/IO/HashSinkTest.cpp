@@ -87,16 +87,5 @@ TEST_F(HashSinkDeathTest, WithoutTheSetUpTheRegisterAsserts) {
     EXPECT_DEATH(HashSink("md5"), "MESSAGE: Singleton SINGLETON_OPENSSL_INITIALIZER does not exist.");
 }
 
-TEST_F(HashSinkDeathTest, SetUpMustOutliveTheSink) {
-    auto guard = std::make_unique<Common::Utils::SingletonServiceGuard<OpenSSLInit>>(
-        Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
-    EXPECT_DEATH(
-        {
-            HashSink sink("md5");
-            guard.reset();
-        },
-        "is still used by: \\[<unknown>\\]");
-}
-
 } // namespace
 } // namespace Nerix::Tests

@@ -78,14 +78,6 @@ TEST(Rethrow, ExceptionWithoutEntriesIsUnchangedAndLogged) {
     EXPECT_NE(records[0].text.find("frame X"), std::string::npos);
 }
 
-TEST(Rethrow, StoredExceptionIsRethrown) {
-    const boost::exception_ptr stored = boost::copy_exception(GenericException() << errinfo_string("stored"));
-    const auto rethrow = [&] { RethrowExceptionStream(stored).getStream() << "line"; };
-    EXPECT_THROW(rethrow(), GenericException);
-    const boost::exception_ptr empty;
-    EXPECT_DEATH(RethrowExceptionStream stream(empty), "ASSERTION FAILED: excPtr, ");
-}
-
 struct ThrowsWhenWritten {};
 std::ostream& operator<<(std::ostream&, const ThrowsWhenWritten&) {
     throw std::bad_alloc();

@@ -15,13 +15,6 @@ namespace {
 
 namespace filesystem = Common::Utils::filesystem;
 
-TEST(Filesystem, TrailingSlashesAreStripped) {
-    for (const auto& [path, stripped] : std::vector<std::pair<const char*, const char*>>{
-             {"/a/b/", "/a/b"}, {"/a/b//", "/a/b"}, {"/", "/"}, {"/a/b", "/a/b"}, {"a/", "a"}, {"", ""}}) {
-        EXPECT_EQ(filesystem::stripTrailingSlashes(path).native(), stripped) << path;
-    }
-}
-
 TEST(Filesystem, PrefixesMatchWholeElements) {
     const struct {
         const char* path;
@@ -51,15 +44,6 @@ TEST(Filesystem, PrefixesMatchWholeElements) {
         using Stream = boost::error_info<Common::Utils::tag_errinfo_stream, std::string>;
         EXPECT_EQ(*boost::get_error_info<Stream>(exception),
                   "Path '\"/a/b\"' doesn't start with prefix '\"/c/\"'.");
-    }
-}
-
-TEST(Filesystem, AbsoluteIsDecidedByTheFirstCharacter) {
-    for (const char* const path : {"/", "/x", "\\x"}) {
-        EXPECT_TRUE(filesystem::is_unix_absolute(path)) << path;
-    }
-    for (const char* const path : {"", "x/", "."}) {
-        EXPECT_FALSE(filesystem::is_unix_absolute(path)) << path;
     }
 }
 
@@ -98,15 +82,6 @@ TEST(Filesystem, FailuresLeaveAContextLineInTheLog) {
          {") Path: \"missing\", base: \"/base\"", ") Old path: \"/missing/a\", new path: \"/missing/b\""}) {
         EXPECT_EQ(FakePlatform::instance().logHolding(line).size(), 1U) << line;
     }
-}
-
-TEST(Filesystem, WaitingEndsWhenTheFileComesOrTimeIsUp) {
-    const TemporaryDirectory directory;
-    EXPECT_FALSE(filesystem::waitForFile(directory.path() / "never", 0));
-    EXPECT_TRUE(filesystem::waitForFile(directory.path(), 0));
-    std::thread maker([&] { boost::filesystem::create_directory(directory.path() / "late"); });
-    EXPECT_TRUE(filesystem::waitForFile(directory.path() / "late"));
-    maker.join();
 }
 
 } // namespace

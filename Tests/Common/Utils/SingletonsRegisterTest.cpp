@@ -88,12 +88,6 @@ TEST_F(SingletonsRegisterTest, FailedServiceIsNotRegistered) {
     EXPECT_EQ(lifeEvents, std::vector<std::string>{"service made"});
 }
 
-TEST_F(SingletonsRegisterTest, NamesOfIds) {
-    EXPECT_EQ(singletonsIdToString(SINGLETON_OPENSSL_INITIALIZER), "SINGLETON_OPENSSL_INITIALIZER");
-    EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(22)),
-              "Error: singleton identifier not recognized (22)");
-}
-
 TEST_F(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
     const ServiceGuard guard(DUMMY_SINGLETON);
     auto shortLived = std::make_unique<SingletonServiceGuard<Service>>(G_MAIN_LOOP);

@@ -64,21 +64,6 @@ TEST_F(SettingsStoreTest, BadKeysAreRefused) {
     }
 }
 
-TEST_F(SettingsStoreTest, KeysAreShelvedByPrefixInAPrivateDirectory) {
-    vconf_set_str("db/shelf", "d");
-    vconf_set_str("memory/shelf", "m");
-    std::vector<Setting> settings;
-    ASSERT_EQ(SettingsStore::instance().list(settings), 0);
-    EXPECT_TRUE(std::is_sorted(settings.begin(), settings.end(),
-                               [](const Setting& a, const Setting& b) { return a.key < b.key; }));
-    struct stat status {};
-    ASSERT_EQ(::stat(home.c_str(), &status), 0);
-    EXPECT_EQ(status.st_mode & 07777U, 0700U);
-    for (const char* const file : {"/settings.mdb", "/settings-volatile.mdb"}) {
-        EXPECT_EQ(::stat((home + file).c_str(), &status), 0) << file;
-    }
-}
-
 TEST_F(SettingsStoreTest, ThreadsWriteAndReadAtOnce) {
     const auto work = [](const char* key) {
         for (int i = 0; i < 200; ++i) {

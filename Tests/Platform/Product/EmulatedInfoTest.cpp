@@ -8,7 +8,6 @@
 #include <boost/exception/get_error_info.hpp>
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
-#include <boost/lexical_cast/bad_lexical_cast.hpp>
 #include <boost/optional/optional_io.hpp>
 #include <gtest/gtest.h>
 
@@ -82,24 +81,6 @@ TEST_F(EmulatedInfoTest, EntriesComeBackAndMoveToTheEnd) {
     });
 }
 
-TEST_F(EmulatedInfoTest, ForeignTextIsReadAsFarAsItIsGood) {
-    inDevice([] {
-        write("Date:2016-01-01:extra\nSubmicom:1\nSubmicom:2\nVersionMajor:-1\nVersionMinor:12x\nOTNZone:EU\n"
-              "PartitionTxtFilePath:/p q\nServiceID:s");
-        EXPECT_EQ(Info::getEmulatedMainSoftwareVersionDate(), std::string("2016-01-01"));
-        EXPECT_EQ(Info::getEmulatedSubmicomVersion(), std::string("1"));
-        EXPECT_EQ(Info::getEmulatedQorlServiceID(), std::string("s"));
-        EXPECT_EQ(*Info::getEmulatedPartitionTxtFilePath(), "/p q");
-        EXPECT_THROW(Info::getEmulatedMainSoftwareVersionMajor(), boost::bad_lexical_cast);
-        EXPECT_THROW(Info::getEmulatedMainSoftwareVersionMinor(), boost::bad_lexical_cast);
-        EXPECT_THROW(Info::getEmulatedOTNZone(), boost::bad_lexical_cast);
-        EXPECT_EQ(failureOf([] { Info::getEmulatedModelString(); }),
-                  "Requested key doesn't exist in EmulatedInfo.txt. Key: ModelString");
-        Info::setEmulatedModelString("m");
-        EXPECT_EQ(content().substr(0, 16), "Date:2016-01-01\n");
-    });
-}
-
 TEST_F(EmulatedInfoTest, BadLinesFailAndLoseNothing) {
     inDevice([] {
         for (const auto& [bad, failure] : std::vector<std::pair<std::string, std::string>>{
@@ -120,23 +101,6 @@ TEST_F(EmulatedInfoTest, BadLinesFailAndLoseNothing) {
                       "Failed getting emulatedInfoValue.");
         }
         EXPECT_EQ(content(), "A:1\n");
-    });
-}
-
-TEST_F(EmulatedInfoTest, LargeFilesAndUnusablePlaces) {
-    inDevice([] {
-        std::string lines;
-        for (int i = 0; i < 1'000'000; ++i) {
-            lines += "k:v\n";
-        }
-        write(lines + "ModelString:last\n");
-        EXPECT_EQ(Info::getEmulatedModelString(), std::string("last"));
-        Info::setEmulatedModelString("set");
-        EXPECT_EQ(Info::getEmulatedModelString(), std::string("set"));
-
-        boost::filesystem::remove_all(Info::getNerixPartitionPath());
-        boost::filesystem::ofstream(Info::getNerixPartitionPath()) << "a file where the directory should be";
-        EXPECT_EQ(failureOf([] { Info::setEmulatedModelString("x"); }), "File doesn't exist.");
     });
 }
 

@@ -4,7 +4,6 @@
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"
 
-#include <boost/exception/get_error_info.hpp>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -13,7 +12,6 @@ namespace Nerix::Tests {
 namespace {
 
 using Info = Platform::IProductInfo;
-using Common::Utils::errinfo_description;
 
 void inProcessOf(Platform::ProductType product, const std::function<void()>& body) {
     inOwnProcess([&] {
@@ -40,13 +38,8 @@ TEST(ProductInfo, TelevisionByDefault) {
         EXPECT_EQ(FakePlatform::instance().logHolding(">Product type set to TV_PRODUCT").size(), 1U);
         EXPECT_EQ(Info::getDeviceType(), Platform::TV_PRODUCT);
         EXPECT_EQ(Info::getListOfCores(), std::vector<std::string>{"TV"});
-        EXPECT_EQ(Info::getListOfVerifiers(), Info::getListOfCores());
-        EXPECT_FALSE(Info::isSecondDeviceConnected());
         EXPECT_TRUE(Info::isMasterDevice());
         EXPECT_FALSE(Info::isGuestCore());
-        EXPECT_EQ(Info::getMasterDeviceType(), Platform::TV_PRODUCT);
-        EXPECT_TRUE(Info::isGenuineTV());
-        EXPECT_FALSE(Info::isGenuineZeb());
         EXPECT_TRUE(Info::isScreenRatioFitNeeded());
         EXPECT_EQ(Info::getModelString(), "T-ABHCHD");
         EXPECT_EQ(Info::getVersionString(), "1234.5");
@@ -56,9 +49,16 @@ TEST(ProductInfo, TelevisionByDefault) {
         EXPECT_EQ(Info::getSubmicomVersion(), "0.7");
         EXPECT_EQ(Info::getPartitionTxtFilePath(), "/p.txt");
         EXPECT_EQ(Info::getVarikModelString(), "T-ABHCBD");
-        EXPECT_EQ(Info::getVarikSoftwareVersionDate(), "0000-00-00");
-        EXPECT_EQ(Info::getVarikSoftwareVersionMajor(), 1000);
-        EXPECT_EQ(Info::getVarikSoftwareVersionMinor(), 0);
+        FakePlatform::instance().systemInfo[128] = std::string("no.dash");
+        EXPECT_THROW(Info::getModelString(), Common::Utils::GenericException);
+        EXPECT_EQ(FakePlatform::instance()
+                      .logHolding(">getParsedModelAndVersion: Wrong string format - lack of dash: no.dash")
+                      .size(),
+                  1U);
+        FakePlatform::instance().systemInfo.clear();
+        EXPECT_THROW(Info::getVersionString(), Platform::SystemInfoAPIInternalProblemException);
+        EXPECT_THROW(Info::isGenuineTV(), Platform::SystemInfoAPIInternalProblemException);
+        EXPECT_FALSE(Info::isScreenRatioFitNeeded());
     });
 }
 
@@ -69,9 +69,6 @@ TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
         EXPECT_EQ(Info::getMainSoftwareVersionMajor(), 70000 - 65536);
         EXPECT_EQ(Info::getMainSoftwareVersionMinor(), 0);
         EXPECT_THROW(Info::getVarikModelString(), Platform::UnproperProductException);
-        EXPECT_THROW(Info::getVarikSoftwareVersionDate(), Platform::UnproperProductException);
-        EXPECT_THROW(Info::getVarikSoftwareVersionMajor(), Platform::UnproperProductException);
-        EXPECT_THROW(Info::getVarikSoftwareVersionMinor(), Platform::UnproperProductException);
         EXPECT_EQ(Info::getNerixPartitionPath(), "/mnt/systemrw/org.corvan.tv.nerix/data/zeb");
         EXPECT_EQ(Info::getKPIDescriptionFilePath(), "/mnt/systemrw/org.corvan.tv.nerix/datakpi");
     });
@@ -111,69 +108,16 @@ TEST(ProductInfo, PathsOfATelevision) {
 
 TEST(ProductInfo, NothingIsKnownBeforeInitialisation) {
     inProcessOf(Platform::UNDEFINED_PRODUCT, [] {
-        const std::vector<std::function<void()>> questions = {[] { Info::getDeviceType(); },
-                                                              [] { Info::isMasterDevice(); },
-                                                              [] { Info::getListOfCores(); },
-                                                              [] { Info::isGuestCore(); },
-                                                              [] { Info::getModelString(); },
-                                                              [] { Info::getVersionString(); },
-                                                              [] { Info::getVarikSoftwareVersionMinor(); },
-                                                              [] { Info::getPartitionTxtFilePath(); },
-                                                              [] { Info::getNerixPartitionPath(); },
-                                                              [] { Info::getNerixBigTempStorageMaxSize(); },
-                                                              [] { Info::getSystemUsrBinPath(); },
-                                                              [] { Info::getEmulatedOTNZone(); }};
-        for (const auto& question : questions) {
-            EXPECT_THROW(question(), Platform::ProductUninitializedException);
-        }
+        EXPECT_THROW(Info::getDeviceType(), Platform::ProductUninitializedException);
+        EXPECT_THROW(Info::getModelString(), Platform::ProductUninitializedException);
+        EXPECT_THROW(Info::getNerixPartitionPath(), Platform::ProductUninitializedException);
+        EXPECT_THROW(Info::getSystemUsrBinPath(), Platform::ProductUninitializedException);
+        EXPECT_THROW(Info::getEmulatedOTNZone(), Platform::ProductUninitializedException);
         EXPECT_EQ(Info::getBoardType(), "emulator32");
         EXPECT_TRUE(Info::checkBoardType("emulator32"));
         EXPECT_FALSE(Info::checkBoardType("Emulator32"));
         EXPECT_FALSE(Info::isPreCorvanBoard());
         EXPECT_EQ(Info::getCoreName(Platform::ZEB_PRODUCT), "Zeb");
-    });
-}
-
-TEST(ProductInfo, FailuresOfThePlatformAreLoggedAndThrown) {
-    inProcessOf(Platform::TV_PRODUCT, [] {
-        FakePlatform::instance().systemInfo.clear();
-        const std::vector<std::pair<std::function<void()>, std::string>> cases = {
-            {[] { Info::getModelString(); }, "Unable to read SW version from system-info"},
-            {[] { Info::getSubmicomVersion(); }, "Unable to read SW version from system-info"},
-            {[] { Info::getPartitionTxtFilePath(); }, "Unable to read partition file path from system-info"},
-            {[] { Info::isGenuineTV(); }, "Unable to get product type configuration - TV"},
-            {[] { Info::isGenuineZeb(); }, "Unable to get product type configuration - Zeb"},
-        };
-        for (const auto& [question, failure] : cases) {
-            try {
-                question();
-                ADD_FAILURE() << failure;
-            } catch (const Platform::SystemInfoAPIInternalProblemException& exception) {
-                EXPECT_EQ(*boost::get_error_info<errinfo_description>(exception), failure);
-            }
-            EXPECT_FALSE(FakePlatform::instance().logHolding(">" + failure).empty());
-        }
-        EXPECT_FALSE(Info::isScreenRatioFitNeeded());
-    });
-}
-
-TEST(ProductInfo, VersionTextsThatCannotBeUnderstood) {
-    inProcessOf(Platform::TV_PRODUCT, [] {
-        FakePlatform::instance().systemInfo[128] = std::string("no.dash");
-        for (const auto& [name, question] : std::vector<std::pair<std::string, std::function<void()>>>{
-                 {"getParsedModelAndVersion", [] { Info::getModelString(); }},
-                 {"getVersionString", [] { Info::getVersionString(); }}}) {
-            const std::string failure = name + ": Wrong string format - lack of dash";
-            try {
-                question();
-                ADD_FAILURE() << name;
-            } catch (const Common::Utils::GenericException& exception) {
-                EXPECT_EQ(*boost::get_error_info<errinfo_description>(exception), failure);
-                EXPECT_EQ(*boost::get_error_info<Common::Utils::errinfo_string>(exception), "no.dash");
-            }
-            EXPECT_EQ(FakePlatform::instance().logHolding(">" + failure + ": no.dash").size(), 1U);
-        }
-        EXPECT_THROW(Info::getVarikModelFromCorvanModel("ABC"), Common::Utils::GenericException);
     });
 }
 

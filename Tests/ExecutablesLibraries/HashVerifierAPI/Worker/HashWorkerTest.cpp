@@ -72,57 +72,6 @@ TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
     EXPECT_EQ(verify("none"), "0000000000000000");
 }
 
-TEST_F(HashWorkerTest, ProgressMovesInsideALongFileAndNeverReachesAHundred) {
-    makeFile("long", 5U << 20U);
-    verify("sha1");
-    const Texts progress = platform().written(progressKey);
-    ASSERT_GE(progress.size(), 6U);
-    EXPECT_EQ(progress.front(), "0.0");
-    EXPECT_EQ(progress.back(), "100.0");
-    for (std::size_t i = 1; i + 1 < progress.size(); ++i) {
-        EXPECT_TRUE(std::regex_match(progress[i], std::regex("[0-9]{1,2}\\.[0-9]{2}"))) << progress[i];
-    }
-}
-
-TEST_F(HashWorkerTest, EachEntryLeavesARecord) {
-    makeFile("b", 1);
-    makeFile("a", 1);
-    const std::string result = verify();
-    const auto records = platform().logHolding(m_tree.path().native());
-    ASSERT_EQ(records.size(), 3U);
-    EXPECT_NE(records[0].text.find("/a\""), std::string::npos);
-    EXPECT_NE(records[1].text.find("/b\""), std::string::npos);
-    EXPECT_EQ(records[2].text.substr(records[2].text.find('>') + 1),
-              result + " \"" + m_tree.path().native() + "\"");
-}
-
-TEST_F(HashWorkerTest, FailedScansPublishError) {
-    EXPECT_EQ(verify("md6"), "ERROR");
-    EXPECT_EQ(platform().written(resultKey), (Texts{"00000111", "ERROR"}));
-    EXPECT_EQ(platform().written(progressKey), (Texts{"0.0"}));
-    EXPECT_EQ(platform().written(statusKey), (Texts{"active", "inactive"}));
-    EXPECT_EQ(platform().logHolding("unknown hash function: md6").size(), 1U);
-}
-
-TEST_F(HashWorkerTest, AFailureIsLoggedAtEachLevelThatItPasses) {
-    boost::filesystem::create_directories(m_tree.path() / "c/d");
-    makeFile("a", 1);
-    makeFile("c/d/big", 3U << 20U);
-    makeFile("e", 1);
-    platform().onWrite = [](const std::string& key, const std::string& text) {
-        if (key == progressKey && text == "0.0") {
-            platform().failSetting(progressKey, 1);
-        }
-    };
-    EXPECT_EQ(verify(), "ERROR");
-    EXPECT_EQ(platform().logHolding(">Exception when scanning filesystem: ").size(), 3U)
-        << "d, c and the root";
-    EXPECT_EQ(platform().logHolding("[ERR]  -> virtual").size(), 1U)
-        << "the root's message shows the trail of d and c";
-    EXPECT_EQ(platform().logHolding("/a\"").size(), 1U);
-    EXPECT_TRUE(platform().logHolding("/e\"").empty()) << "nothing after the failure is hashed";
-}
-
 TEST_F(HashWorkerTest, RefusalsOfTheStoreNeverEndTheProcess) {
     const struct {
         const std::string& key;
@@ -184,12 +133,6 @@ TEST_F(HashWorkerTest, SecondStartIsRefusedAndChangesNothing) {
     EXPECT_EQ(HashWorker::getInstance().getRoot().path, boost::filesystem::canonical(m_tree.path()));
     platform().onWrite = nullptr;
     EXPECT_NE(verify(), "ERROR") << "a later start is accepted";
-}
-
-TEST_F(HashWorkerTest, MissingPathTouchesNothing) {
-    EXPECT_THROW(HashVerifierAPI::startVerifyPath((m_tree.path() / "missing").native(), "md5"),
-                 boost::filesystem::filesystem_error);
-    EXPECT_TRUE(platform().allWritten().empty());
 }
 
 TEST_F(HashWorkerTest, ProgressMayBeAskedFromAnyThread) {
