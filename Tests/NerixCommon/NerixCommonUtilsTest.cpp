@@ -11,7 +11,6 @@ namespace Nerix::Tests {
 namespace {
 
 using Utils = NerixCommon::NerixCommonUtils;
-using NerixCommon::UpgradeType;
 
 TEST(NerixCommonUtils, VersionsSplitAtTheFirstDot) {
     const struct {

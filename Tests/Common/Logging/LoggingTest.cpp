@@ -12,7 +12,6 @@ namespace Nerix::Tests {
 namespace {
 
 using Common::Logging::LoggingClass;
-using Common::Logging::LoggingStream;
 
 class LoggingTest : public testing::Test {
 protected:

@@ -13,8 +13,6 @@
 namespace Nerix::Tests {
 namespace {
 
-using Platform::Host::Setting;
-using Platform::Host::SettingsStore;
 
 /// One home for all cases: the store of a process stays where it first was.
 class SettingsStoreTest : public testing::Test {
