@@ -13,7 +13,6 @@
 namespace Nerix::Tests {
 namespace {
 
-
 /// One home for all cases: the store of a process stays where it first was.
 class SettingsStoreTest : public testing::Test {
 protected:
