@@ -8,6 +8,7 @@
 #include <boost/exception/get_error_info.hpp>
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
 #include <boost/optional/optional_io.hpp>
 #include <gtest/gtest.h>
 
@@ -78,6 +79,24 @@ TEST_F(EmulatedInfoTest, EntriesComeBackAndMoveToTheEnd) {
         EXPECT_FALSE(boost::filesystem::exists(Info::getNerixPartitionPath() + "/helper.txt"));
         Info::removeEmulationInfo();
         EXPECT_FALSE(Info::getEmulatedModelString());
+    });
+}
+
+TEST_F(EmulatedInfoTest, ForeignTextIsReadAsFarAsItIsGood) {
+    inDevice([] {
+        std::string lines = "Date:2016-01-01:extra\nVersionMajor:-1\nOTNZone:EU\n";
+        for (int i = 0; i < 1'000'000; ++i) {
+            lines += "k:v\n";
+        }
+        write(lines + "Submicom:1\nSubmicom:2");
+        EXPECT_EQ(Info::getEmulatedMainSoftwareVersionDate(), std::string("2016-01-01"));
+        EXPECT_EQ(Info::getEmulatedSubmicomVersion(), std::string("1"));
+        EXPECT_THROW(Info::getEmulatedMainSoftwareVersionMajor(), boost::bad_lexical_cast);
+        EXPECT_THROW(Info::getEmulatedOTNZone(), boost::bad_lexical_cast);
+        EXPECT_EQ(failureOf([] { Info::getEmulatedModelString(); }),
+                  "Requested key doesn't exist in EmulatedInfo.txt. Key: ModelString");
+        Info::setEmulatedModelString("m");
+        EXPECT_EQ(content().substr(0, 16), "Date:2016-01-01\n");
     });
 }
 
