@@ -30,7 +30,8 @@ constexpr hash_t mountPointMarker = 0x444;
 std::vector<std::string> sortedNames(const boost::filesystem::path& directory) {
     std::vector<std::string> names;
     for (const boost::filesystem::directory_entry& entry : boost::filesystem::directory_iterator(directory)) {
-        names.push_back(entry.path().filename().native());
+        const std::string& path = entry.path().native();
+        names.push_back(path.substr(path.rfind('/') + 1));
     }
     std::sort(names.begin(), names.end());
     return names;
@@ -60,10 +61,11 @@ hash_t Directory::process(const FileInput& entry, hash_t value, const IHashFunct
     value = hashstat(entry, value, function);
     value = hashxtattr(entry, value, function);
 
+    const std::string inside = entry.path.native() + (entry.path.native().back() == '/' ? "" : "/");
     std::string list;
     for (const std::string& name : sortedNames(entry.path)) {
         try {
-            const FileInput child(entry.path / name);
+            const FileInput child(inside + name);
             const IFileScanner& scanner = getInstance(child);
             if (scanner.accept(child)) {
                 list += std::to_string(scanner.process(child, 0, function));

@@ -4,6 +4,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
 
 #include <algorithm>
+#include <string_view>
 #include <vector>
 
 #include <sys/xattr.h>
@@ -18,8 +19,8 @@ namespace {
 
 struct ModeToken {
     mode_t bit;
-    const char* whenSet;
-    const char* whenClear;
+    std::string_view whenSet;
+    std::string_view whenClear;
 };
 
 constexpr ModeToken permissionTokens[] = {

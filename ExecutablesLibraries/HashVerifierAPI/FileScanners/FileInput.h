@@ -17,4 +17,7 @@ struct FileInput {
     struct stat status;
 };
 
+/// What lstat says of path now. Throws like the constructor of FileInput.
+struct stat statusOf(const boost::filesystem::path& path);
+
 } // namespace Nerix

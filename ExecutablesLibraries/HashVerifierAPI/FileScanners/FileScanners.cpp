@@ -22,8 +22,7 @@ const Unknown SCANNER_UNKNOWN;
 } // namespace
 
 const IFileScanner& getInstance(const FileInput& entry) {
-    const FileInput now(entry.path);
-    switch (now.status.st_mode & S_IFMT) {
+    switch (statusOf(entry.path).st_mode & S_IFMT) {
     case S_IFREG:
         return SCANNER_REGULAR;
     case S_IFDIR:

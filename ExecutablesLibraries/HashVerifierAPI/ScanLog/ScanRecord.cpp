@@ -15,12 +15,13 @@ std::string scanRecord(std::uint64_t value, const std::string& path) {
     std::string record = hexadecimal16(value);
     record.reserve(record.size() + path.size() + 3);
     record += " \"";
-    for (const char character : path) {
-        if (character == '"' || character == '&') {
-            record += '&';
-        }
-        record += character;
+    std::size_t plain = 0;
+    for (std::size_t at = 0; (at = path.find_first_of("\"&", at)) != std::string::npos; ++at) {
+        record.append(path, plain, at - plain);
+        record += '&';
+        plain = at;
     }
+    record.append(path, plain);
     record += '"';
     return record;
 }
