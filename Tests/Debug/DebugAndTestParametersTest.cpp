@@ -6,13 +6,13 @@
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"
 
+#include <boost/algorithm/string/replace.hpp>
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <gtest/gtest.h>
 
 #include <exception>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <regex>
 #include <sstream>
@@ -20,6 +20,7 @@
 namespace Nerix::Tests {
 namespace {
 
+using boost::algorithm::replace_all_copy;
 using Common::DebugAndTestParameters;
 
 /// As an older library wrote it; every field differs from its default.
@@ -28,180 +29,113 @@ const std::string golden = [] {
     return std::string(std::istreambuf_iterator<char>(file), {});
 }();
 
-template <class Parameters>
-Parameters fromText(const std::string& text) {
-    Parameters parameters;
+/// What could be read, and whether that was everything.
+std::pair<DebugAndTestParameters, bool> readFrom(const std::string& text) {
+    DebugAndTestParameters parameters;
     std::istringstream stream(text);
-    ParametersArchive::read(stream, parameters);
-    return parameters;
-}
-
-template <class Parameters>
-std::string toText(const Parameters& parameters) {
-    std::ostringstream stream;
-    ParametersArchive::write(stream, parameters);
-    return stream.str();
-}
-
-std::string replaced(std::string text, const std::string& what, const std::string& with) {
-    for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
-        text.replace(at, what.size(), with);
+    try {
+        ParametersArchive::read(stream, parameters);
+        return {parameters, true};
+    } catch (const std::exception&) {
+        return {parameters, false};
     }
-    return text;
 }
 
-/// Everything of the form that is not free for the library to choose: the elements and what stands between
-/// them.
-std::string withoutAttributes(const std::string& text) {
+/// The elements and what stands between them: attributes are the library's own, and so is its notation of
+/// numbers, in which those of the golden file are exact.
+std::string elementsOf(std::string text) {
     const std::size_t begin = text.find("<DebugAndTestParameters");
-    const std::string object = text.substr(begin, text.find("</DebugAndTestParameters>") - begin);
-    return std::regex_replace(object, std::regex("<(\\w+)( \\w+=\"\\d+\")+>"), "<$1>");
-}
-
-TEST(ParametersArchive, GoldenFileIsReadFieldByField) {
-    const auto parameters = fromText<DebugAndTestParameters>(golden);
-    EXPECT_TRUE(parameters.isNoRebootFlag());
-    EXPECT_EQ(parameters.getNumberOfFailures(), 4294967295U);
-    EXPECT_EQ(parameters.getCustomIntParam("a", 9), -1);
-    EXPECT_FALSE(parameters.getCustomIntParam("testParam0"));
-    const InstallationPerformanceParameters& installation = parameters.getInstallationPerformanceParameters();
-    EXPECT_EQ(installation.getFlashStreamBufferSize().value_or(0), 11U);
-    EXPECT_FALSE(installation.getFlashSinkBufferSize());
-    EXPECT_EQ(installation.getMBUProcessedCommandsPerSecond(), 20.5F);
-    EXPECT_EQ(installation.getDecompressorInputChunkSize(), 262144U) << "not in the file";
-    // And every field, through the form: the numbers of the golden file are exact in the library's notation,
-    // too.
-    std::string written = withoutAttributes(toText(parameters));
+    text = text.substr(begin, text.find("</DebugAndTestParameters>") - begin);
+    text = std::regex_replace(text, std::regex("<(\\w+)( \\w+=\"\\d+\")+>"), "<$1>");
     for (const auto& [exact, shown] :
-         std::vector<std::pair<std::string, std::string>>{{"2.050000000e+01", "20.5"},
+         std::vector<std::pair<const char*, const char*>>{{"2.050000000e+01", "20.5"},
                                                           {"2.150000000e+01", "21.5"},
                                                           {"3.000000000e+08", "3e+08"},
                                                           {"2.250000000e+01", "22.5"},
                                                           {"2.500000000e-01", "0.25"}}) {
-        written = replaced(written, exact, shown);
+        boost::algorithm::replace_all(text, exact, shown);
     }
-    EXPECT_EQ(written, withoutAttributes(golden));
+    return text;
 }
 
-TEST(ParametersArchive, TodaysLayoutOfOptionalValuesIsReadToo) {
+std::string written(const DebugAndTestParameters& parameters) {
+    std::ostringstream stream;
+    ParametersArchive::write(stream, parameters);
+    return elementsOf(stream.str());
+}
+
+TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
     std::string todays =
-        replaced(golden, "\t\t\t<item_version>0</item_version>\n\t\t\t<value>", "\t\t\t<value>");
-    todays = replaced(todays, "class_id=\"2\" tracking_level=\"0\" version=\"0\"",
-                      "class_id=\"2\" tracking_level=\"0\" version=\"1\"");
-    todays = replaced(todays, "version=\"12\"", "version=\"18\"");
+        replace_all_copy(golden, "\t\t\t<item_version>0</item_version>\n\t\t\t<value>", "\t\t\t<value>");
+    boost::algorithm::replace_all(todays, "class_id=\"2\" tracking_level=\"0\" version=\"0\"",
+                                  "class_id=\"2\" tracking_level=\"0\" version=\"1\"");
     ASSERT_NE(todays, golden);
-    EXPECT_EQ(toText(fromText<DebugAndTestParameters>(todays)),
-              toText(fromText<DebugAndTestParameters>(golden)));
-}
-
-TEST(ParametersArchive, DefaultsComeBackUnset) {
-    const std::string text = toText(InstallationPerformanceParameters::getDefaultParameters());
-    EXPECT_NE(
-        text.find("<InstallationPerformanceParameters class_id=\"0\" tracking_level=\"0\" version=\"0\">"),
-        std::string::npos);
-    EXPECT_EQ(text.find("item_version"), std::string::npos);
-    EXPECT_EQ(text.find("<value>"), std::string::npos);
-    EXPECT_EQ(text.find("decompressor"), std::string::npos);
-    auto parameters = fromText<InstallationPerformanceParameters>(text);
-    EXPECT_FALSE(parameters.getFlashStreamBufferSize());
-    EXPECT_EQ(parameters.getVerificationScale(), 0.2F);
-    parameters.setDecompressorInputChunkSize(1);
-    EXPECT_EQ(toText(parameters), text);
-    parameters.setFlashStreamBufferSize(5U);
-    EXPECT_TRUE(fromText<InstallationPerformanceParameters>(toText(parameters)).getFlashStreamBufferSize() ==
-                5U);
+    for (const std::string& text : {golden, replace_all_copy(todays, "version=\"12\"", "version=\"18\"")}) {
+        const auto [parameters, isWhole] = readFrom(text);
+        EXPECT_TRUE(isWhole);
+        EXPECT_EQ(written(parameters), elementsOf(golden));
+        EXPECT_EQ(parameters.getNumberOfFailures(), 4294967295U);
+        EXPECT_EQ(parameters.getInstallationPerformanceParameters().getFlashStreamBufferSize().get(), 11U);
+        EXPECT_FALSE(parameters.getInstallationPerformanceParameters().getFlashSinkBufferSize());
+    }
 }
 
 TEST(ParametersArchive, DamagedFilesFailAndKeepWhatWasRead) {
-    const auto survives = [](const std::string& text) {
-        DebugAndTestParameters parameters;
-        std::istringstream stream(text);
-        bool isWhole = true;
-        try {
-            ParametersArchive::read(stream, parameters);
-        } catch (const std::exception&) {
-            isWhole = false;
-        }
-        return std::make_pair(isWhole, parameters.isNoRebootFlag());
-    };
     const std::size_t end = golden.find("</boost_serialization>") + 20;
     const std::size_t flagRead = golden.find("<skipCompatibilityChecker>");
     for (std::size_t length = 0; length < end; length += 7) {
-        const auto [isWhole, flag] = survives(golden.substr(0, length));
+        const auto [parameters, isWhole] = readFrom(golden.substr(0, length));
         ASSERT_FALSE(isWhole) << length;
-        ASSERT_TRUE(flag || length < flagRead) << length;
+        ASSERT_TRUE(parameters.isNoRebootFlag() || length < flagRead) << length;
     }
-    for (const char* const element : {"panelServiceName", "noRebootFlag", "value", "item", "initialized"}) {
-        EXPECT_FALSE(survives(replaced(golden, element, "renamed")).first) << element;
+    for (const auto& [good, bad] : std::vector<std::pair<const char*, std::string>>{
+             {"panelServiceName", "renamed"},
+             {"initialized", "renamed"},
+             {"item", "renamed"},
+             {"noRebootFlag", std::string(1 << 20, 'n')},
+             {"<numberOfFailures>4294967295", "<numberOfFailures>x"},
+             {"<initialized>1", "<initialized>7"},
+             {"<count>2", "<count>4000000000"},
+             {"<noRebootFlag>1", "<noRebootFlag>2"},
+             {"<?xml", std::string("\x00\x01\xff\xfe", 4)}}) {
+        EXPECT_FALSE(readFrom(replace_all_copy(golden, good, bad)).second) << good;
     }
-    EXPECT_FALSE(survives(replaced(golden, "<numberOfFailures>4294967295", "<numberOfFailures>x")).first);
-    EXPECT_FALSE(survives(replaced(golden, "<initialized>1", "<initialized>7")).first);
-    EXPECT_FALSE(survives(replaced(golden, "<count>2", "<count>4000000000")).first);
-    EXPECT_FALSE(survives(replaced(golden, "noRebootFlag", std::string(1 << 20, 'n'))).first);
-    EXPECT_FALSE(survives(replaced(golden, "</boost_serialization>", "")).first);
-    EXPECT_FALSE(survives(replaced(golden, "<noRebootFlag>1", "<noRebootFlag>2")).second) << "not read whole";
-    EXPECT_FALSE(survives(std::string("\x00\x01\xff\xfe", 4) + golden).first);
-    EXPECT_FALSE(survives(std::string(1 << 20, '\0')).first);
 }
 
-void inDevice(const std::function<void()>& body) {
-    withOwnMnt([&] {
+TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
+    withOwnMnt([] {
         Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
-        boost::filesystem::create_directories(Platform::IProductInfo::getNerixPartitionPath());
-        body();
-    });
-}
-
-TEST(DebugAndTestParameters, DefaultsHoldWithoutAFile) {
-    inDevice([] {
         EXPECT_THROW(Common::getDebugAndTestParameters(), Common::Utils::GenericException);
-        EXPECT_FALSE(DebugAndTestParameters::loaded());
         DebugAndTestParameters::loadDebugAndTestParameters("test");
-        EXPECT_TRUE(DebugAndTestParameters::loaded());
-        EXPECT_EQ(
-            FakePlatform::instance().logHolding(">Failed to open DebugAndTestParameters from /mnt/").size(),
-            1U);
-        Common::loadDebugAndTestParameters("/x");
-        EXPECT_EQ(FakePlatform::instance().logHolding(">DebugAndTestParameters were already loaded.").size(),
-                  1U);
-
+        Common::loadDebugAndTestParameters("again");
         DebugAndTestParameters& parameters = Common::getDebugAndTestParameters();
-        EXPECT_FALSE(parameters.isNoRebootFlag());
         EXPECT_EQ(parameters.getNumberOfFailures(), 0U);
         EXPECT_TRUE(parameters.getCustomIntParam("testParam1") == 1);
-        EXPECT_FALSE(parameters.getCustomBoolParam("testParam0", true));
         EXPECT_TRUE(parameters.getCustomBoolParam("unset", true));
-        EXPECT_EQ(FakePlatform::instance().logHolding("parameter unset: parameter not set.").size(), 1U);
-    });
-}
 
-TEST(DebugAndTestParameters, SavedFileReadsBackAndFaultsAreLogged) {
-    inDevice([] {
-        const std::string path = DebugAndTestParameters::getConfigFilePath();
+        const boost::filesystem::path path = DebugAndTestParameters::getConfigFilePath();
         EXPECT_EQ(path, "/mnt/systemrw/org.corvan.tv.nerix/data/tv/DebugAndTestParameters.xml");
+        boost::filesystem::create_directories(path.parent_path());
         boost::filesystem::ofstream(path) << golden;
-        DebugAndTestParameters::loadDebugAndTestParameters("test");
-        DebugAndTestParameters& parameters = Common::getDebugAndTestParameters();
-        EXPECT_TRUE(parameters.isNoRebootFlag());
+        EXPECT_TRUE(parameters.reload());
         parameters.setPanelServiceName("saved");
         parameters.save();
         parameters.setPanelServiceName("forgotten");
         EXPECT_TRUE(parameters.reload());
         EXPECT_EQ(parameters.getPanelServiceName(), "saved");
 
-        std::string huge;
-        huge.resize(100'000'000, 'x');
-        boost::filesystem::ofstream(path) << huge;
+        boost::filesystem::ofstream(path) << std::string(100'000'000, 'x');
         EXPECT_FALSE(parameters.reload());
-        EXPECT_EQ(FakePlatform::instance().logHolding(">Failed to load DebugAndTestParameters from ").size(),
-                  1U);
-        EXPECT_EQ(parameters.getPanelServiceName(), "saved");
         boost::filesystem::remove(path);
         boost::filesystem::create_directory(path);
-        EXPECT_FALSE(parameters.reload());
         parameters.save();
-        EXPECT_EQ(FakePlatform::instance().logHolding(">Failed to save DebugAndTestParameters to ").size(),
-                  1U);
+        EXPECT_EQ(parameters.getPanelServiceName(), "saved");
+        for (const char* const record :
+             {">Failed to open DebugAndTestParameters from /mnt/",
+              ">DebugAndTestParameters were already loaded.", "parameter unset: parameter not set.",
+              ">Failed to load DebugAndTestParameters from ", ">Failed to save DebugAndTestParameters to "}) {
+            EXPECT_EQ(FakePlatform::instance().logged(record), 1U) << record;
+        }
     });
 }
 

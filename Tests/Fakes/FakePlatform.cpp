@@ -5,10 +5,10 @@
 #include "Platform/Interfaces/system_info.h"
 #include "Platform/Interfaces/vconf.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 
 namespace Nerix::Tests {
 
@@ -30,7 +30,6 @@ FakePlatform& FakePlatform::instance() {
 void FakePlatform::reset() {
     const Lock lock(m_mutex);
     m_log.clear();
-    m_settings.clear();
     m_writes.clear();
     m_failures.clear();
     onWrite = nullptr;
@@ -43,75 +42,34 @@ std::vector<LogRecord> FakePlatform::log() const {
     return m_log;
 }
 
-std::vector<LogRecord> FakePlatform::logHolding(const std::string& part) const {
-    std::vector<LogRecord> found;
-    for (const LogRecord& record : log()) {
-        if (record.text.find(part) != std::string::npos) {
-            found.push_back(record);
-        }
-    }
-    return found;
+std::size_t FakePlatform::logged(const std::string& part) const {
+    const std::vector<LogRecord> records = log();
+    return std::count_if(records.begin(), records.end(), [&](const LogRecord& record) {
+        return record.text.find(part) != std::string::npos;
+    });
 }
 
-std::vector<std::string> FakePlatform::written(const std::string& key) const {
-    std::vector<std::string> texts;
-    for (const auto& [writtenKey, text] : allWritten()) {
-        if (writtenKey == key) {
-            texts.push_back(text);
-        }
-    }
-    return texts;
-}
-
-std::vector<std::pair<std::string, std::string>> FakePlatform::allWritten() const {
+std::vector<std::pair<std::string, FakePlatform::Value>> FakePlatform::written() const {
     const Lock lock(m_mutex);
     return m_writes;
 }
 
-void FakePlatform::failSetting(const std::string& key, int times, int code) {
+void FakePlatform::failSetting(const std::string& key, int times) {
     const Lock lock(m_mutex);
-    m_failures[key] = {times, code};
-}
-
-bool FakePlatform::takeFailure(const std::string& key, int& code) {
-    const auto failure = m_failures.find(key);
-    if (failure == m_failures.end() || failure->second.first == 0) {
-        return false;
-    }
-    --failure->second.first;
-    code = failure->second.second;
-    return true;
-}
-
-int FakePlatform::get(const char* key, Value& value) {
-    const Lock lock(m_mutex);
-    int code = 0;
-    if (takeFailure(key, code)) {
-        return code;
-    }
-    const auto setting = m_settings.find(key);
-    if (setting == m_settings.end() || setting->second.index() != value.index()) {
-        return -1;
-    }
-    value = setting->second;
-    return 0;
+    m_failures[key] = times;
 }
 
 int FakePlatform::set(const char* key, const Value& value) {
-    const auto* const text = std::get_if<std::string>(&value);
     {
         const Lock lock(m_mutex);
-        int code = 0;
-        if (takeFailure(key, code)) {
-            return code;
+        if (m_failures[key] > 0) {
+            --m_failures[key];
+            return failure;
         }
-        m_settings[key] = value;
-        if (text != nullptr) {
-            m_writes.emplace_back(key, *text);
-        }
+        m_writes.emplace_back(key, value);
     }
-    if (text != nullptr && onWrite) {
-        onWrite(key, *text);
+    if (onWrite) {
+        onWrite(key, value);
     }
     return 0;
 }
@@ -127,40 +85,33 @@ void FakePlatform::addLogRecord(LogRecord record) {
 namespace {
 
 template <class Value, class Out>
-int getAs(const char* key, Out* out) {
-    FakePlatform::Value value = Value();
-    const int code = FakePlatform::instance().get(key, value);
-    if (code == 0) {
-        *out = std::get<Value>(value);
-    }
-    return code;
-}
-
-template <class Value, class Out>
-int answerAs(int key, Out* out) {
+int systemInfo(int key, Out* out) {
     const auto& answers = FakePlatform::instance().systemInfo;
     const auto answer = answers.find(key);
     if (answer == answers.end() || !std::holds_alternative<Value>(answer->second)) {
-        return -1;
+        return FakePlatform::failure;
     }
     *out = std::get<Value>(answer->second);
     return 0;
 }
 
 } // namespace
-
 } // namespace Nerix::Tests
 
-using Nerix::Tests::FakePlatform;
+using namespace Nerix::Tests; // NOLINT(google-build-using-namespace)
 
-int vconf_get_int(const char* key, int* value) {
-    return Nerix::Tests::getAs<int>(key, value);
+// Nothing that runs here reads settings back.
+int vconf_get_int(const char*, int*) {
+    return FakePlatform::failure;
 }
-int vconf_get_dbl(const char* key, double* value) {
-    return Nerix::Tests::getAs<double>(key, value);
+int vconf_get_dbl(const char*, double*) {
+    return FakePlatform::failure;
 }
-int vconf_get_bool(const char* key, int* value) {
-    return Nerix::Tests::getAs<bool>(key, value);
+int vconf_get_bool(const char*, int*) {
+    return FakePlatform::failure;
+}
+char* vconf_get_str(const char*) {
+    return nullptr;
 }
 int vconf_set_int(const char* key, int value) {
     return FakePlatform::instance().set(key, value);
@@ -174,22 +125,18 @@ int vconf_set_bool(const char* key, int value) {
 int vconf_set_str(const char* key, const char* value) {
     return FakePlatform::instance().set(key, std::string(value));
 }
-char* vconf_get_str(const char* key) {
-    std::string text;
-    return Nerix::Tests::getAs<std::string>(key, &text) == 0 ? ::strdup(text.c_str()) : nullptr;
-}
 
 int system_info_get_value_string(int key, char** value) {
     std::string text;
-    const int code = Nerix::Tests::answerAs<std::string>(key, &text);
+    const int code = systemInfo<std::string>(key, &text);
     *value = code == 0 ? ::strdup(text.c_str()) : nullptr;
     return code;
 }
 int system_info_get_value_int(int key, int* value) {
-    return Nerix::Tests::answerAs<int>(key, value);
+    return systemInfo<int>(key, value);
 }
 int system_info_get_value_bool(int key, bool* value) {
-    return Nerix::Tests::answerAs<bool>(key, value);
+    return systemInfo<bool>(key, value);
 }
 
 const char* path_config_get(int variable) {

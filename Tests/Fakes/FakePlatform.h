@@ -20,12 +20,15 @@ struct LogRecord {
     std::string withoutHeader() const;
 };
 
-/// The platform in memory: it remembers what it is told and fails on demand. Functions may be called from any
+/// The platform in memory: it remembers what it is told, fails on demand and gives no setting back. Functions may be called from any
 /// thread; what a test sets up, it sets up before it starts one. Fatal log records also go to standard error,
 /// where death tests look.
 class FakePlatform {
 public:
     using Value = std::variant<int, double, bool, std::string>;
+
+    /// What a failing call returns.
+    static constexpr int failure = -13;
 
     static FakePlatform& instance();
 
@@ -34,37 +37,30 @@ public:
 
     std::vector<LogRecord> log() const;
 
-    /// The records whose text holds part.
-    std::vector<LogRecord> logHolding(const std::string& part) const;
+    /// How many records hold part.
+    std::size_t logged(const std::string& part) const;
 
-    /// The texts written under a key, oldest first.
-    std::vector<std::string> written(const std::string& key) const;
+    /// All settings written, oldest first.
+    std::vector<std::pair<std::string, Value>> written() const;
 
-    /// All writes of texts, oldest first.
-    std::vector<std::pair<std::string, std::string>> allWritten() const;
+    /// The next writes of this key fail.
+    void failSetting(const std::string& key, int times);
 
-    /// The calls to come for this key that fail, with code.
-    void failSetting(const std::string& key, int times, int code = -7);
-
-    /// Called with key and text in place of a write's return, without a lock held.
-    std::function<void(const std::string&, const std::string&)> onWrite;
+    /// Called after a setting was written, without a lock held.
+    std::function<void(const std::string& key, const Value& value)> onWrite;
 
     /// Answers of the system-information service and of the path configuration; what is not there fails.
     std::map<int, Value> systemInfo;
     std::map<int, std::string> pathVariables;
 
-    int get(const char* key, Value& value);
     int set(const char* key, const Value& value);
     void addLogRecord(LogRecord record);
 
 private:
-    bool takeFailure(const std::string& key, int& code);
-
     mutable std::mutex m_mutex;
     std::vector<LogRecord> m_log;
-    std::map<std::string, Value> m_settings;
-    std::vector<std::pair<std::string, std::string>> m_writes;
-    std::map<std::string, std::pair<int, int>> m_failures; ///< key to times and code
+    std::vector<std::pair<std::string, Value>> m_writes;
+    std::map<std::string, int> m_failures; ///< how often the writes of a key still fail
 };
 
 } // namespace Nerix::Tests

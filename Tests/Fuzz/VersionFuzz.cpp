@@ -8,28 +8,16 @@
 
 #include <string>
 
+using Nerix::Platform::IProductInfo;
+
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
-    using Nerix::NerixCommon::NerixCommonUtils;
-    using Nerix::Platform::IProductInfo;
-    static const bool isReady = [] {
-        IProductInfo::initializeProduct(Nerix::Platform::TV_PRODUCT);
-        return true;
-    }();
+    static const bool isReady = (IProductInfo::initializeProduct(Nerix::Platform::TV_PRODUCT), true);
     static_cast<void>(isReady);
     const std::string text(reinterpret_cast<const char*>(data), size);
     Nerix::Tests::FakePlatform::instance().reset();
     Nerix::Tests::FakePlatform::instance().systemInfo[128] = text.substr(0, text.find('\0'));
-    try {
-        int major = 0;
-        int minor = 0;
-        NerixCommonUtils::parseVersion(text, major, minor);
-        if (NerixCommonUtils::versionStringForUI(text) != std::to_string(major)) {
-            __builtin_trap();
-        }
-    } catch (const boost::bad_lexical_cast&) {
-        if (NerixCommonUtils::versionStringForUI(text) != text) {
-            __builtin_trap();
-        }
+    if (Nerix::NerixCommon::NerixCommonUtils::versionStringForUI(text).empty() != text.empty()) {
+        __builtin_trap();
     }
     try {
         IProductInfo::getMainSoftwareVersionMajor();

@@ -12,7 +12,7 @@ PATH_MAX = 4096
 
 
 class Extremes(SystemTest):
-    def chain(self, length):
+    def make_chain(self, length):
         """A chain of directories whose last path has this many bytes."""
         here = os.open(self.work, os.O_RDONLY)
         left = length - len(self.work)
@@ -23,22 +23,18 @@ class Extremes(SystemTest):
             os.close(here)
             here = following
             left -= 1 + len(name)
-        return here
-
-    def remove_chain(self):
-        subprocess.run(["rm", "-rf", self.work], check=True)
-        os.mkdir(self.work)
+        os.close(here)
 
     def test_chain_as_deep_as_a_path_can_be(self):
         sys.setrecursionlimit(20_000)
-        os.close(self.chain(PATH_MAX - 1))
+        self.make_chain(PATH_MAX - 1)
         self.assertEqual(self.value(self.work), Model("md5").value(self.work))
-        self.remove_chain()
-        os.close(self.chain(PATH_MAX))
+        subprocess.run(["rm", "-rf", os.path.join(self.work, "d"), os.path.join(self.work, "dd")], check=True)
+        self.make_chain(PATH_MAX)
         self.assertEqual(self.value(self.work), "ERROR", "the last path is too long for the system")
         status, _, result = self.settings()
         self.assertEqual((status, result), ("inactive", "ERROR"))
-        self.remove_chain()
+        subprocess.run(["rm", "-rf", self.work], check=True)
 
     def test_directory_of_200000_entries(self):
         for number in range(200_000 if ALL else 50_000):
@@ -49,9 +45,9 @@ class Extremes(SystemTest):
             while run.poll() is None:
                 peak = max(peak, self.resident(run.pid))
             self.assertEqual(run.stdout.read().decode().strip(), expected)
-        if not SANITIZED:
-            # The names of the one open directory (a string object each) and its list text, beside the program itself.
-            self.assertLess(peak, 16 * 1024 + 200, "KiB") if not ALL else self.assertLess(peak, 40 * 1024, "KiB")
+        self.assertGreater(peak, 0)
+        if not SANITIZED and not ALL:  # the names of one open directory and its list stand in memory
+            self.assertLess(peak, 16 * 1024, "KiB")
 
     @staticmethod
     def resident(pid):

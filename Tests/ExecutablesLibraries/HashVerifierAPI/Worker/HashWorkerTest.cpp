@@ -9,10 +9,7 @@
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
-#include <boost/exception/get_error_info.hpp>
-#include <boost/filesystem/exception.hpp>
-#include <boost/filesystem/fstream.hpp>
-#include <boost/thread/exceptions.hpp>
+#include <boost/filesystem/operations.hpp>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -27,33 +24,25 @@ const std::string statusKey = "memory/menu/support/softwareupdate/hashverifier_s
 const std::string progressKey = "memory/menu/support/softwareupdate/hashverifier_progress";
 const std::string resultKey = "db/menu/support/softwareupdate/hashverifier_result";
 
-using Texts = std::vector<std::string>;
+using Value = FakePlatform::Value;
+using Writes = std::vector<std::pair<std::string, Value>>;
 
 class HashWorkerTest : public testing::Test {
 protected:
-    static void SetUpTestSuite() {
-        try {
-            Platform::IProductInfo::throwIfUninitialized();
-        } catch (const Platform::ProductUninitializedException&) {
+    HashWorkerTest() {
+        static const bool isInitialized = [] {
             platform().pathVariables[43] = "/no/drive/is/mounted/here";
             Platform::IProductInfo::initializeProduct(Platform::DEFAULT_PRODUCT);
-        }
-    }
-
-    HashWorkerTest() { platform().reset(); }
-    ~HashWorkerTest() override {
-        HashWorker::getInstance().wait();
+            return true;
+        }();
+        static_cast<void>(isInitialized);
         platform().reset();
     }
+    ~HashWorkerTest() override { HashWorker::getInstance().wait(); }
 
     static FakePlatform& platform() { return FakePlatform::instance(); }
 
-    std::string verify(const std::string& hash = "md5") const {
-        return HashVerifierAPI::nerixVerifyPath(m_tree.path().native(), hash);
-    }
-    void makeFile(const std::string& name, std::size_t size) const {
-        boost::filesystem::ofstream(m_tree.path() / name) << std::string(size, 'x');
-    }
+    std::string verify() const { return HashVerifierAPI::nerixVerifyPath(m_tree.path().native(), "md5"); }
 
     const TemporaryDirectory m_tree;
     const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> m_openSSL{
@@ -64,105 +53,68 @@ using HashWorkerDeathTest = HashWorkerTest;
 TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
     const std::string result = verify();
     EXPECT_TRUE(std::regex_match(result, std::regex("[0-9a-f]{16}"))) << result;
-    const std::vector<std::pair<std::string, std::string>> expected = {
-        {resultKey, "00000111"},          {progressKey, "0.0"},   {statusKey, "active"},
-        {resultKey, result.substr(0, 8)}, {progressKey, "100.0"}, {statusKey, "inactive"}};
-    EXPECT_EQ(platform().allWritten(), expected);
+    const Writes expected = {{resultKey, "00000111"}, {progressKey, "0.0"},
+                             {statusKey, "active"},   {resultKey, result.substr(0, 8)},
+                             {progressKey, "100.0"},  {statusKey, "inactive"}};
+    EXPECT_EQ(platform().written(), expected);
     EXPECT_EQ(HashVerifierAPI::getResult(), result);
-    EXPECT_EQ(verify("none"), "0000000000000000");
 }
 
-TEST_F(HashWorkerTest, RefusalsOfTheStoreNeverEndTheProcess) {
+TEST_F(HashWorkerTest, StoreThatRefusesBeforeTheRunStopsIt) {
+    for (const std::string& key : {resultKey, progressKey, statusKey}) {
+        platform().reset();
+        platform().failSetting(key, 1);
+        EXPECT_THROW(verify(), Platform::IVConf::VConfException) << key;
+        const bool isStatus = key == statusKey;
+        EXPECT_EQ(!platform().written().empty() && platform().written().back().second == Value("inactive"),
+                  isStatus);
+    }
+}
+
+TEST_F(HashWorkerTest, StoreThatRefusesDuringTheRunNeverEndsTheProcess) {
     const struct {
         const std::string& key;
         int times;
-        const char* result; ///< null: start throws
-        Texts status;
+        bool hasResult;
+        Writes last; ///< what was written last
     } cases[] = {
-        {resultKey, 1, nullptr, {}},
-        {progressKey, 1, nullptr, {}},
-        {statusKey, 1, nullptr, {"inactive"}},
+        {resultKey, 1, false, {{resultKey, "ERROR"}, {statusKey, "inactive"}}},
+        {resultKey, 2, false, {{statusKey, "inactive"}}},
+        {statusKey, 2, true, {{statusKey, "inactive"}}}, // taken at the third try
+        {statusKey, 100, true, {{progressKey, "100.0"}}},
     };
     for (const auto& refusal : cases) {
         platform().reset();
-        platform().failSetting(refusal.key, refusal.times);
-        EXPECT_THROW(verify(), Platform::IVConf::VConfException) << refusal.key;
-        EXPECT_EQ(platform().written(statusKey), refusal.status) << refusal.key;
-    }
-    const auto failAfter = [](const std::string& after, const std::string& key, int times) {
-        platform().reset();
-        platform().onWrite = [=](const std::string&, const std::string& text) {
-            if (text == after) {
-                platform().failSetting(key, times);
+        platform().onWrite = [&](const std::string& key, const Value& value) {
+            if (key == statusKey && value == Value("active")) {
+                platform().failSetting(refusal.key, refusal.times);
             }
         };
-    };
-    failAfter("active", resultKey, 1); // the value is refused, "ERROR" is taken
-    EXPECT_EQ(verify(), "ERROR");
-    EXPECT_EQ(platform().written(resultKey).back(), "ERROR");
-    failAfter("active", resultKey, 2); // "ERROR" is refused, too
-    EXPECT_EQ(verify(), "ERROR");
-    EXPECT_EQ(platform().logHolding("Exception when setting scan result: ").size(), 1U);
-    EXPECT_EQ(platform().written(statusKey).back(), "inactive");
-    failAfter("active", statusKey, 2); // "inactive" is taken at the third try
-    EXPECT_NE(verify(), "ERROR");
-    EXPECT_EQ(platform().written(statusKey).back(), "inactive");
-    failAfter("active", statusKey, 100);
-    EXPECT_NE(verify(), "ERROR");
+        EXPECT_EQ(verify() != "ERROR", refusal.hasResult) << refusal.key << refusal.times;
+        const Writes writes = platform().written();
+        ASSERT_GE(writes.size(), refusal.last.size());
+        EXPECT_TRUE(std::equal(refusal.last.rbegin(), refusal.last.rend(), writes.rbegin()))
+            << refusal.key << refusal.times;
+    }
 }
 
-TEST_F(HashWorkerTest, SecondStartIsRefusedAndChangesNothing) {
+TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefusedAndProgressMayBeAsked) {
     std::promise<void> release;
     std::shared_future<void> released = release.get_future().share();
-    platform().onWrite = [&](const std::string& key, const std::string& text) {
-        if (key == progressKey && text == "100.0") {
+    platform().onWrite = [&](const std::string& key, const Value& value) {
+        if (key == progressKey && value == Value("100.0")) {
             released.wait();
         }
     };
     HashVerifierAPI::startVerifyPath(m_tree.path().native(), "md5");
-    try {
-        HashVerifierAPI::startVerifyPath("/", "md5");
-        ADD_FAILURE();
-    } catch (const Common::Utils::GenericException& exception) {
-        using Stream = boost::error_info<Common::Utils::tag_errinfo_stream, std::string>;
-        EXPECT_EQ(*boost::get_error_info<Stream>(exception), "verification is already started");
-    }
+    std::thread asking([] { EXPECT_EQ(HashVerifierAPI::getProgress().size(), 4U); });
+    EXPECT_THROW(HashVerifierAPI::startVerifyPath("/", "md5"), Common::Utils::GenericException);
+    asking.join();
     release.set_value();
     HashWorker::getInstance().wait();
-    EXPECT_EQ(platform().written(resultKey).size(), 2U);
+    EXPECT_EQ(platform().written().size(), 6U) << "the second start changed nothing";
     EXPECT_EQ(HashWorker::getInstance().getRoot().path, boost::filesystem::canonical(m_tree.path()));
-    platform().onWrite = nullptr;
     EXPECT_NE(verify(), "ERROR") << "a later start is accepted";
-}
-
-TEST_F(HashWorkerTest, ProgressMayBeAskedFromAnyThread) {
-    makeFile("long", 5U << 20U);
-    std::atomic<bool> done{false};
-    std::thread asking([&] {
-        while (!done) {
-            const std::string progress = HashVerifierAPI::getProgress();
-            ASSERT_TRUE(std::regex_match(progress, std::regex("[0-9]{1,2}\\.[0-9]{2}"))) << progress;
-        }
-    });
-    verify("none");
-    verify("md5");
-    done = true;
-    asking.join();
-}
-
-TEST_F(HashWorkerTest, TheWorkerCannotWaitForItself) {
-    std::string failure;
-    platform().onWrite = [&](const std::string& key, const std::string& text) {
-        if (key == progressKey && text == "100.0") {
-            try {
-                HashWorker::getInstance().wait();
-            } catch (const boost::thread_resource_error& error) {
-                failure = error.what();
-            }
-        }
-    };
-    EXPECT_NE(verify(), "ERROR");
-    EXPECT_NE(failure.find("boost thread: trying joining itself"), std::string::npos) << failure;
 }
 
 TEST_F(HashWorkerDeathTest, ResultBeforeTheEndIsAnAssertion) {

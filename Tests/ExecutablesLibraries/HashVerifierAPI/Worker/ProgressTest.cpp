@@ -20,13 +20,6 @@ TEST(Progress, WorkIsRoundedUpToBlocks) {
     }
 }
 
-TEST(Progress, ReportsAreMoreThanOneMebibyteApart) {
-    EXPECT_FALSE(Progress::isWorthReporting(0x100000, 0));
-    EXPECT_TRUE(Progress::isWorthReporting(0x100001, 0));
-    EXPECT_FALSE(Progress::isWorthReporting(5, 5));
-    EXPECT_TRUE(Progress::isWorthReporting(4, 5)) << "fallen below the last report";
-}
-
 TEST(Progress, TextHasTwoDecimalsAndStaysBelowAHundred) {
     const std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
     const struct {
