@@ -45,7 +45,7 @@ void HashSink::writeChunk(const std::uint8_t* data, std::size_t length) {
 void HashSink::markEndOfData() {
     throwIfEndOfDataMarked();
     m_endOfData = true;
-    m_hash.resize(static_cast<std::size_t>(EVP_MD_CTX_get_size(m_context.get())));
+    m_hash.resize(EVP_MAX_MD_SIZE);
     unsigned int length = 0;
     if (EVP_DigestFinal_ex(m_context.get(), m_hash.data(), &length) != 1) {
         BOOST_THROW_EXCEPTION(OpenSSLException() << errinfo_description("Digest finalization failed.")

@@ -124,7 +124,9 @@ TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
         EXPECT_TRUE(parameters.reload());
         EXPECT_EQ(parameters.getPanelServiceName(), "saved");
 
-        boost::filesystem::ofstream(path) << std::string(100'000'000, 'x');
+        std::string huge;
+        huge.resize(100'000'000, 'x');
+        boost::filesystem::ofstream(path) << huge;
         EXPECT_FALSE(parameters.reload());
         boost::filesystem::remove(path);
         boost::filesystem::create_directory(path);

@@ -12,8 +12,8 @@
 #include <boost/filesystem/directory.hpp>
 
 #include <algorithm>
+#include <deque>
 #include <string>
-#include <vector>
 
 namespace Nerix::FileScanners {
 
@@ -26,9 +26,9 @@ constexpr hash_t mountPointMarker = 0x444;
 
 /// The names of the directory's entries, sorted by their bytes. Names, not paths: the directory's own path
 /// before each would change nothing in the order, but multiply the time to compare and the memory to hold
-/// them.
-std::vector<std::string> sortedNames(const boost::filesystem::path& directory) {
-    std::vector<std::string> names;
+/// them. In a deque, which needs no room of twice its size to grow.
+std::deque<std::string> sortedNames(const boost::filesystem::path& directory) {
+    std::deque<std::string> names;
     for (const boost::filesystem::directory_entry& entry : boost::filesystem::directory_iterator(directory)) {
         const std::string& path = entry.path().native();
         names.push_back(path.substr(path.rfind('/') + 1));
@@ -62,8 +62,11 @@ hash_t Directory::process(const FileInput& entry, hash_t value, const IHashFunct
     value = hashxtattr(entry, value, function);
 
     const std::string inside = entry.path.native() + (entry.path.native().back() == '/' ? "" : "/");
+    const std::deque<std::string> names = sortedNames(entry.path);
+    constexpr std::size_t longestLine = 21; // twenty digits and the line feed
     std::string list;
-    for (const std::string& name : sortedNames(entry.path)) {
+    list.reserve(names.size() * longestLine);
+    for (const std::string& name : names) {
         try {
             const FileInput child(inside + name);
             const IFileScanner& scanner = getInstance(child);
