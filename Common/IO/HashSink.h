@@ -15,7 +15,8 @@
 namespace Nerix::Common::IO {
 
 /// Computes one message digest of the data pushed into it, with the crypto library.
-/// Needs the set-up of OpenSSLInit in the singletons register for all of its life, and is one of its users.
+/// Needs the set-up of OpenSSLInit in the singletons register for all of its life, and is one of its users: asserts that
+/// it is there. To be destroyed before its thread ends.
 class HashSink final : public ISink, private boost::noncopyable, public Utils::IDebugName {
 public:
     /// Ready to receive data for the digest called digestName, as the crypto library names it ("md5", "sha1",
@@ -29,7 +30,8 @@ public:
     void markEndOfData() override;
     bool endOfDataMarked() override { return m_endOfData; }
 
-    /// The digest: 16 bytes for md5, 20 for sha1. Marks the end of the data if that has not happened.
+    /// The digest: 16 bytes for md5, 20 for sha1; it lives as long as the sink. Marks the end of the data if that has
+    /// not happened, and throws like markEndOfData; after such a failure further calls give zeros, which are no digest.
     const std::vector<std::uint8_t>& getHash();
 
     /// "HashSink(" + name + ")".

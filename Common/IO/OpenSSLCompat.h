@@ -35,9 +35,8 @@ ThreadIdCallback getThreadIdCallback();
 /// later calls change nothing.
 void useStandardAllocation();
 
-/// Gives a context back: the calling thread keeps one spare for its next digest, as making the library's part
-/// of a /// context costs about as much as hashing a short text. It holds on to the digest until it is used again or the thread
-/// ends; so no digest context may live longer than its thread.
+/// Gives a context back for the calling thread's next digest: making one costs about as much as hashing a short text.
+/// A digest context has to go before the thread that lets it go ends: none may be static or thread_local.
 struct DigestContextRecycler {
     void operator()(EVP_MD_CTX* context) const;
 };

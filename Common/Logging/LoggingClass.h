@@ -50,7 +50,8 @@ public:
     static void printLines(const char* tag, Level level, char* text);
 
     /// Sink of the assertion handlers: one line on the system console. Standard output stays on the console
-    /// afterwards, so this is for a process that is about to end.
+    /// afterwards, so this is for a process that is about to end. Without a console the line goes to standard
+    /// error, and standard output is closed.
     static void printDirect(const char* tag, Level level, char* text);
 
     /// "VERBOSE" to "FTL", or "UNKNOWN LEVEL". The text is static.

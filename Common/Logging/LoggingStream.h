@@ -9,7 +9,8 @@
 namespace Nerix::Common::Logging {
 
 /// Collects one message with operator<< and logs it when destroyed, at the end of the statement that made it.
-/// '%' characters in the message are safe. At level NONE everything is discarded.
+/// '%' characters in the message are safe. At level NONE everything is discarded, and so is a message whose making
+/// throws.
 /// The tag and the file name are not owned and must outlive the object.
 class LoggingStream {
 public:

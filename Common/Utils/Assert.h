@@ -1,7 +1,8 @@
 #pragma once
 
 /// Assertions, active in every build. A failed one, ours or one inside Boost, is reported on the system
-/// console and in the system log and aborts the process: nothing is unwound.
+/// console, or standard error when there is none, and in the system log, and aborts the process: nothing is
+/// unwound.
 ///
 ///     NerixAssert(excPtr);
 ///     NerixAssertMsg(lock->try_lock(), "Destroying object when mutex is still locked!");

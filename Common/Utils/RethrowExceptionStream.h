@@ -28,8 +28,8 @@ public:
     RethrowExceptionStream(const RethrowExceptionStream&) = delete;
     RethrowExceptionStream& operator=(const RethrowExceptionStream&) = delete;
 
-    /// Always throws, with one exception: when writing the context line itself threw, that exception is
-    /// already on its way and replaces the one to be rethrown.
+    /// Throws the exception with its context. When writing the context line threw, does nothing: that exception is
+    /// already on its way, in place of the other.
     ~RethrowExceptionStream() noexcept(false);
 
     /// Where the context line is written.

@@ -24,7 +24,7 @@ namespace Nerix::Common {
 class DebugAndTestParameters {
 public:
     /// The first call reads the file; later ones only log a warning. callerName is for telemetry and changes
-    /// nothing. Needs the product to be initialised.
+    /// nothing. Throws ProductUninitializedException before IProductInfo::initializeProduct.
     static void loadDebugAndTestParameters(const std::string& callerName);
 
     /// Whether the first attempt was made, successful or not.
@@ -37,10 +37,10 @@ public:
     /// load.
     bool reload();
 
-    /// Writes the file. A failure is logged.
+    /// Writes the file. Throws ProductUninitializedException as above; any other failure is logged.
     void save() const;
 
-    /// Where the file is.
+    /// Where the file is. Throws ProductUninitializedException as above.
     static std::string getConfigFilePath();
 
     bool isNoRebootFlag() const { return m_noRebootFlag; }
@@ -156,8 +156,8 @@ private:
 /// The same as the members of these names.
 DebugAndTestParameters& getDebugAndTestParameters();
 
-/// Loads under the caller name "Generic."; asks for the loaded set first, and so throws before the first
-/// load. The path is not used.
+/// Loads nothing: throws GenericException before the first load, and only logs a warning after it. The path is not
+/// used.
 void loadDebugAndTestParameters(const boost::filesystem::path& path);
 
 } // namespace Nerix::Common

@@ -20,7 +20,8 @@ class DebugAndTestParameters;
 /// former written.
 ///
 /// Reading throws when an element is missing, out of place or malformed; fields before it keep what was read.
-/// Both throw boost::archive::archive_exception, a std::exception.
+/// Both throw boost::archive::archive_exception, a std::exception. A stream to read from must be seekable; one to
+/// write to must not fail, as that would end the process: write into a text first, as ParametersFile::save does.
 class ParametersArchive {
 public:
     static void read(std::istream& stream, Common::DebugAndTestParameters& parameters);

@@ -64,7 +64,7 @@ int get(const std::string& key) {
             return EXIT_SUCCESS;
         }
     }
-    std::cerr << "no setting " << key << '\n';
+    std::cerr << "NerixHostSettings: no setting '" << key << "' in the settings store\n";
     return EXIT_FAILURE;
 }
 
@@ -84,6 +84,10 @@ int main(int argc, char* argv[]) {
             Nerix::watch();
             return EXIT_SUCCESS;
         }
+    } catch (const std::ios_base::failure&) {
+        std::cout.exceptions(std::ios_base::goodbit); // it is flushed once more at the end, where nobody catches
+        std::cerr << "NerixHostSettings: cannot write to standard output\n";
+        return EXIT_FAILURE;
     } catch (const std::exception& failure) {
         std::cerr << "NerixHostSettings: " << failure.what() << '\n';
         return EXIT_FAILURE;

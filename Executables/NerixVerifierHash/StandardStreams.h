@@ -14,7 +14,7 @@ void secureStandardStreams();
 /// Throws GenericException with the system's reason when it could not all be written.
 void writeToStandardOutput(const std::string& text);
 
-/// Writes text to standard output or, when that takes nothing, to standard error.
+/// Writes text to standard output or, when it could not all be written there, once more and whole to standard error.
 void writeReport(const std::string& text) noexcept;
 
 } // namespace Nerix

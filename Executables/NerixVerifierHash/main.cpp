@@ -39,7 +39,8 @@ void addMainOptions(options::options_description& outer) {
 std::string helpText(const options::options_description& outer) {
     std::ostringstream text;
     text << programName << ' ' << Nerix::Common::packageVersion << '\n'
-         << "Folds everything that identifies the tree below PATH into one 64-bit value and prints it.\n"
+         << "Prints one 64-bit value of the tree at PATH (default: .), folded with HASH: md5 (default), "
+            "sha1, trivial or none.\n"
          << outer << '\n';
     return text.str();
 }

@@ -6,7 +6,8 @@
 /// drives them, getProgress alone may be called from any thread.
 ///
 /// hashMethod is "none", "trivial", "sha1" or "md5". The crypto set-up (SINGLETON_OPENSSL_INITIALIZER) must
-/// be registered for as long as a verification runs.
+/// be registered for as long as a verification runs, and the product be initialised: if it is not,
+/// ProductUninitializedException is thrown when result and progress were already published as for a run.
 namespace Nerix::HashVerifierAPI {
 
 /// Starts hashing the tree at path and returns while it runs. A relative path is taken from the current
@@ -19,7 +20,8 @@ void startVerifyPath(const std::string& path, const std::string& hashMethod);
 void startVerifyFileSystem();
 
 /// Hashes the tree at path and returns its value, 16 lower-case hexadecimal digits, or "ERROR" when the scan
-/// failed. Throws what startVerifyPath throws.
+/// failed, hashMethod is unknown, or the settings store refused during the run. Throws what startVerifyPath
+/// throws.
 std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod);
 
 /// nerixVerifyPath("/", "md5").
@@ -28,7 +30,8 @@ std::string nerixVerifyFileSystem();
 /// The percentage of the running or last verification as of its last report, two decimals, below 100.
 std::string getProgress();
 
-/// The value of the last verification. Only valid after it has finished: asserted.
+/// The value of the last verification, or "ERROR". To be asked after HashWorker::wait: during a run the call
+/// would race with the worker. Asserts that some run has finished.
 std::string getResult();
 
 } // namespace Nerix::HashVerifierAPI

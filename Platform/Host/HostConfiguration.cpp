@@ -118,8 +118,12 @@ void HostConfiguration::read() {
     }
     // Looked at before it is opened: a pipe of that name would wait for its writer for ever.
     std::stringstream content;
-    if (!std::filesystem::is_regular_file(m_file, error) || !readInto(content, m_file)) {
-        m_fault = m_file.string() + ": cannot be read";
+    if (!std::filesystem::is_regular_file(m_file, error)) {
+        m_fault = m_file.string() + ": " + (error ? error.message() : "is not a regular file");
+        return;
+    }
+    if (!readInto(content, m_file)) {
+        m_fault = m_file.string() + ": cannot be read: " + std::generic_category().message(errno);
         return;
     }
     try {
@@ -159,8 +163,10 @@ int HostConfiguration::find(const std::string& section, int key, const Answer*& 
 
 int HostConfiguration::refuse(const std::string& section, int key, const Answer& answer,
                               const char* wanted) const {
-    logFailure(m_file.string() + ":" + std::to_string(answer.line) + ": [" + section + "] " +
-               std::to_string(key) + " is '" + answer.text + "', not " + wanted);
+    const std::string where =
+        answer.line == 0 ? "built-in answer" : m_file.string() + ":" + std::to_string(answer.line);
+    logFailure(where + ": [" + section + "] " + std::to_string(key) + " is '" + answer.text + "', not " +
+               wanted);
     return EINVAL;
 }
 

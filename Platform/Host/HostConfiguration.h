@@ -14,7 +14,7 @@ namespace Nerix::Platform::Host {
 ///     128 = T-MYMODELH-1234.5
 ///     358 = true
 ///     [path]
-///     43 = /media
+///     43 = /run/media
 ///
 /// A key that is given but cannot be used is a failure, never a silent default: when the file cannot be read
 /// or is malformed, that goes for every key. Each failure is one line in the system log, naming file and
@@ -27,8 +27,9 @@ public:
     /// A file that does not exist overrides nothing.
     explicit HostConfiguration(std::filesystem::path file);
 
-    /// All return 0, or an errno with value unchanged: ENOENT for a key that nobody answers, EINVAL for an
-    /// answer that is empty or of another type.
+    /// section is "system_info" or "path". All return 0, or an errno with value unchanged: ENOENT for a key that
+    /// nobody answers, EINVAL for an answer that is empty or of another type, and for every key when the file
+    /// cannot be used.
     int text(const std::string& section, int key, std::string& value) const;
     int integer(const std::string& section, int key, int& value) const;
     int boolean(const std::string& section, int key, bool& value) const;

@@ -37,7 +37,7 @@ fs::path homeOfUser() {
     const int error = ::getpwuid_r(::geteuid(), &entry, buffer.data(), buffer.size(), &found);
     if (found == nullptr) {
         throw std::system_error(error != 0 ? error : ENOENT, std::generic_category(),
-                                "HOME is not set and the user has no home directory");
+                                "HOME is not set to an absolute path and the user has no home directory");
     }
     return found->pw_dir;
 }

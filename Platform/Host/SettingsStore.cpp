@@ -75,6 +75,7 @@ int SettingsStore::open(Shelf& shelf) {
     }
     const std::filesystem::path file =
         (shelf.isVolatile ? volatileDirectory() : durableDirectory()) / shelf.fileName;
+    shelf.place = file.string();
     MDB_env* created = nullptr;
     if (const int code = mdb_env_create(&created)) {
         return code;
@@ -121,9 +122,9 @@ int SettingsStore::attempt(Shelf& shelf, const char* what, std::string_view key,
             // After a failed write LMDB may refuse everything until the environment is opened anew.
             shelf.environment.reset();
         }
+        const std::string which = key.empty() ? "" : " '" + std::string(key) + "'";
         __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host",
-                     "settings store %s: cannot %s '%.*s': %s", shelf.fileName, what,
-                     static_cast<int>(key.size()), key.data(),
+                     "settings store %s: cannot %s%s: %s", shelf.place.c_str(), what, which.c_str(),
                      reason.empty() ? describe(code).c_str() : reason.c_str());
     }
     return code;
@@ -175,7 +176,7 @@ int SettingsStore::list(std::vector<Setting>& settings) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     std::vector<Setting> found;
     for (Shelf* const shelf : {&m_durable, &m_volatile}) {
-        const int result = attempt(*shelf, "list", "", [&](Shelf& opened) {
+        const int result = attempt(*shelf, "list its settings", "", [&](Shelf& opened) {
             const Transaction transaction(opened.environment.get(), MDB_RDONLY);
             if (transaction.code() != 0) {
                 return transaction.code();

@@ -24,7 +24,9 @@ struct Setting {
 /// Keys under "memory/" are kept in an environment that is never synced to disk, all others in a durable one.
 /// A process killed at any instant leaves both readable and writable, with either the old or the new value of
 /// the key that it was writing. Codes: 0 for success, an errno, or one of LMDB's own (negative); describe()
-/// tells what they mean. A failing call is logged and changes nothing. Any thread may call.
+/// tells what they mean. A failing call changes nothing and is logged, unless the key is missing or holds another
+/// type. Keys have 1 to 511 bytes; others give MDB_BAD_VALSIZE. Throws only when out of memory. Any thread may
+/// call.
 class SettingsStore {
 public:
     static SettingsStore& instance();
@@ -48,6 +50,7 @@ private:
     struct Shelf {
         const char* fileName;
         bool isVolatile;
+        std::string place; ///< what messages call it: the whole path once it is known
         Environment environment;
         MDB_dbi table = 0;
     };
@@ -62,8 +65,8 @@ private:
     static int attempt(Shelf& shelf, const char* what, std::string_view key, Step step);
 
     std::mutex m_mutex; ///< guards the shelves: no thread may use an environment that another closes
-    Shelf m_durable{"settings.mdb", false, nullptr};
-    Shelf m_volatile{"settings-volatile.mdb", true, nullptr};
+    Shelf m_durable{"settings.mdb", false, "settings.mdb", nullptr};
+    Shelf m_volatile{"settings-volatile.mdb", true, "settings-volatile.mdb", nullptr};
 };
 
 } // namespace Nerix::Platform::Host

@@ -35,11 +35,6 @@ spdlog::sink_ptr makeSink(const std::string& kind, const std::string& bufferName
     if (kind == "stderr") {
         return std::make_shared<spdlog::sinks::stderr_sink_mt>();
     }
-    if (kind != "file") {
-        std::fprintf(stderr,
-                     "nerix host log: NERIX_HOST_LOG is '%s', not file, syslog or stderr; using file\n",
-                     kind.c_str());
-    }
     constexpr std::size_t bytesPerFile = 16UL * 1024 * 1024;
     constexpr std::size_t olderFiles = 4;
     const auto file = durableDirectory() / "log" / (bufferName + ".log");

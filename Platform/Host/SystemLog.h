@@ -11,7 +11,8 @@ namespace Nerix::Platform::Host {
 
 /// The host's system log. NERIX_HOST_LOG chooses where records go:
 ///
-///     file (default)  log/main.log and log/system.log below the durable directory, each with four older ones
+///     file (default)  log/main.log and log/system.log below the durable directory, each of up to 16 MiB,
+///                     with four older ones
 ///     syslog          the machine's own log
 ///     stderr          standard error
 ///
@@ -23,7 +24,8 @@ class SystemLog {
 public:
     static SystemLog& instance();
 
-    /// False when the record could not be written. The first such failure is told on standard error.
+    /// buffer and priority are those of Platform/Interfaces/dlog.h; any buffer but DLOG_BUFFER_MAIN counts as the
+    /// system buffer. False when the record could not be written. The first such failure is told on standard error.
     bool write(int buffer, int priority, const char* tag, const std::string& text);
 
     /// A text as it stands in a line of the log.

@@ -36,8 +36,8 @@ struct Entry {
     std::string value;
 };
 
-/// The next entry of the file; false at its end.
-bool readEntry(std::istream& file, Entry& entry) {
+/// The next entry of the file at that place; false at its end.
+bool readEntry(std::istream& file, const path& place, Entry& entry) {
     std::string line;
     if (!std::getline(file, line)) {
         return false;
@@ -45,14 +45,16 @@ bool readEntry(std::istream& file, Entry& entry) {
     const std::size_t colon = line.find(':');
     entry.key = line.substr(0, colon);
     if (entry.key.empty()) {
-        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoKey."));
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoKey.")
+                                                 << errinfo_path(place));
     }
     entry.value.clear();
     if (colon != std::string::npos) {
         entry.value = line.substr(colon + 1, line.find(':', colon + 1) - colon - 1);
     }
     if (entry.value.empty()) {
-        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoValue."));
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoValue.")
+                                                 << errinfo_path(place));
     }
     return true;
 }
@@ -79,7 +81,7 @@ void writeAnew(const path& from, const path& to, const Entry& added) {
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description("Couldn't open file.") << errinfo_path(from));
     }
-    for (Entry entry; readEntry(old, entry);) {
+    for (Entry entry; readEntry(old, from, entry);) {
         if (entry.key != added.key) {
             writeEntry(anew, entry);
         }
@@ -114,7 +116,7 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Opening EmulatedInfo.txt failed.")
                                                  << errinfo_path(file));
     }
-    for (Entry entry; readEntry(stream, entry);) {
+    for (Entry entry; readEntry(stream, file, entry);) {
         if (entry.key == key) {
             return entry.value;
         }
@@ -124,7 +126,8 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
                                                  << errinfo_path(file));
     }
     BOOST_THROW_EXCEPTION(GenericException()
-                          << errinfo_string("Requested key doesn't exist in EmulatedInfo.txt. Key: " + key));
+                          << errinfo_string("Requested key doesn't exist in EmulatedInfo.txt. Key: " + key)
+                          << errinfo_path(file));
 }
 
 void setEmulatedInfoValue(const std::string& key, const std::string& value) {

@@ -8,16 +8,18 @@
 /// second ':' is ignored, and dropped when the file is written anew. Meant for one tester process at a time.
 ///
 /// All functions need the product to be initialised and log a warning that they are for debugging. They throw
-/// GenericException, with a text for the entry concerned or a description and the path of the file.
+/// GenericException, with a description and the path of a file that cannot be used or has a bad line, or with a text
+/// for a key or value that is bad or missing.
 namespace Nerix::Platform {
 
 /// The value of the first entry with this key; nothing when there is no file. Throws when an existing file
 /// has no such entry, and for a line without key or value that stands before it.
 boost::optional<std::string> getEmulatedInfoValue(const std::string& key);
 
-/// Makes the entry the last of the file, in place of an earlier one; makes the file when there is none. The file is
-/// replaced as a whole; a failure may leave "helper.txt" beside it. Throws for a key or value that is empty or holds
-/// a ':' or a line break.
+/// Makes the entry the last of the file, in place of an earlier one; makes the file when there is none. It is written to
+/// "helper.txt" beside it, which takes the file's place when it is complete; a failure may leave that file, and when only
+/// the last renaming fails, the entries are in it alone. Throws for a key or value that is empty or holds a ':' or a
+/// line break, and for a line of the file without key or value.
 void setEmulatedInfoValue(const std::string& key, const std::string& value);
 
 /// Makes an empty file, and its directory when only that is missing. What cannot be made shows when it is

@@ -21,6 +21,7 @@ namespace Nerix::Platform {
 /// ERR line is logged and SystemInfoAPIInternalProblemException is thrown, unless said otherwise.
 class IProductInfo {
 public:
+    /// The names of the two devices ("cores"), "TV" and "Zeb".
     static const std::string CORE_ID_TV;
     static const std::string CORE_ID_ZEB;
 
@@ -35,13 +36,13 @@ public:
 
     /// The board that the software was built for.
     static std::string getBoardType();
-    static bool checkBoardType(const std::string& boardType);
+    static bool checkBoardType(const std::string& boardType); ///< whether it is exactly that, case included
     static bool isPostTovin();
     static bool isPostPask();
     static bool isPostMirel();
     static bool isPreCorvanBoard();
 
-    /// Asserts that type is TV_PRODUCT or ZEB_PRODUCT.
+    /// One of the two names above. Asserts that type is TV_PRODUCT or ZEB_PRODUCT.
     static std::string getCoreName(ProductType type);
 
     static ProductType getDeviceType();       ///< initialised
@@ -50,7 +51,7 @@ public:
     static bool isGuestCore();                ///< initialised; asks the platform when a Zeb box is connected
     static std::vector<std::string>
     getListOfCores(); ///< initialised; the devices that take part in an update
-    static std::vector<std::string> getListOfVerifiers(); ///< initialised
+    static std::vector<std::string> getListOfVerifiers(); ///< initialised; the same
     static bool isSecondDeviceConnected();                ///< initialised
     static bool isGenuineTV();
     static bool isGenuineZeb();
@@ -58,7 +59,9 @@ public:
     /// Whether the screen has 540 lines. Does not throw: false when the platform does not answer.
     static bool isScreenRatioFitNeeded();
 
-    // Software, in ProductVersion.cpp. Texts that cannot be understood throw GenericException.
+    // Software, in ProductVersion.cpp. A text without '-' throws GenericException; a version that is no number
+    // throws boost::bad_lexical_cast, except from getVersionString, which does not look at it. Major and minor
+    // are modulo 65536.
 
     static std::string getModelString();                      ///< initialised
     static std::string getVersionString();                    ///< initialised; "major.minor"
@@ -77,7 +80,9 @@ public:
     /// model with its last 'H' replaced by 'B'. Throws GenericException when there is none.
     static std::string getVarikModelFromCorvanModel(const std::string& model);
 
-    // Paths and sizes (bytes), in ProductPaths.cpp; all initialised. Nothing tells whether a path exists.
+    // Paths and sizes (bytes), in ProductPaths.cpp; all initialised. A path may name nothing that exists. The
+    // flash-device and file-system roots are empty texts: paths are absolute without them. A directory that the
+    // platform does not know leaves its part of a path out; getUSBMountPath is then empty.
 
     static std::string getFlashDeviceRootPath();
     static std::string getNerixPartitionPath();
@@ -119,7 +124,8 @@ public:
     static boost::optional<std::string> getEmulatedSubmicomVersion();
     static boost::optional<std::string> getEmulatedQorlServiceID();
 
-    /// Deletes the file.
+    /// Deletes the file; no failure when there is none. Throws boost::filesystem::filesystem_error when it cannot
+    /// be deleted.
     static void removeEmulationInfo();
 
 private:
@@ -128,11 +134,11 @@ private:
     static bool m_isZebConnected; ///< nothing sets it yet: how a Zeb box would be detected is open
 };
 
-/// The text that the platform reports for the software of this device: "model-major.minor".
+/// The text that the platform reports for the software of this device: "model-major.minor". Initialised.
 std::string getSWVersionString();
 
 /// The parts of getSWVersionString(), split at its last '-'; major and minor modulo 65536. Throws
-/// GenericException when there is no '-', and what NerixCommonUtils::parseVersion throws.
+/// GenericException when there is no '-', and what NerixCommonUtils::parseVersion throws. Initialised.
 void getParsedModelAndVersion(std::string& model, std::uint16_t& major, std::uint16_t& minor);
 
 } // namespace Nerix::Platform

@@ -167,6 +167,10 @@ class Device(SystemTest):
             get = subprocess.run([SETTINGS, *arguments], env=self.environment, check=False, capture_output=True,
                                  text=True)
             self.assertEqual((get.returncode, get.stdout), (status, output))
+        with open("/dev/full", "wb") as full:
+            lost = subprocess.run([SETTINGS, "list"], env=self.environment, check=False, stdout=full,
+                                  stderr=subprocess.PIPE)
+        self.assertEqual((lost.returncode, lost.stderr), (1, b"NerixHostSettings: cannot write to standard output\n"))
 
 
 if __name__ == "__main__":

@@ -15,7 +15,8 @@ public:
 
     using HashFunctionBase::apply;
 
-    /// Needs the crypto set-up in the singletons register. Throws what HashSink throws.
+    /// Asserts that the crypto set-up is in the singletons register. Throws what HashSink throws, and
+    /// VConfException when the HashWorker cannot publish progress.
     hash_t apply(hash_t value, unsigned int length, const char* data) const override;
 
 private:

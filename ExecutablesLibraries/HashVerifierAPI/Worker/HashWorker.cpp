@@ -16,11 +16,15 @@
 #include <boost/smart_ptr/make_shared.hpp>
 #include <boost/thread/thread.hpp>
 
+#include <cerrno>
+
 #include <sys/statvfs.h>
 
 namespace Nerix {
 
 using Common::Logging::LoggingClass;
+using Common::Utils::errinfo_description;
+using Common::Utils::errinfo_path;
 using Common::Utils::errinfo_stream;
 using Common::Utils::GenericException;
 using Platform::IVConf;
@@ -73,7 +77,11 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
 
     struct statvfs statistics {};
     if (::statvfs(root.path.c_str(), &statistics) != 0) {
-        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("can't read filesystem statistics"));
+        const int error = errno;
+        BOOST_THROW_EXCEPTION(GenericException()
+                              << errinfo_stream("can't read filesystem statistics") << errinfo_path(root.path)
+                              << errinfo_description("statvfs:" +
+                                                     Common::Utils::get_string_from_errno(error)));
     }
     m_root = root;
     m_hashName = hashName;

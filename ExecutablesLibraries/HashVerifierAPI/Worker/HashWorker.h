@@ -53,10 +53,12 @@ public:
     HashWorker& start(const FileInput& root, const std::string& hashName);
 
     /// Blocks until the last run has written its last setting and its thread has ended; at once when there is
-    /// none. Throws boost::thread_resource_error on the worker's own thread.
+    /// none. Throws boost::thread_resource_error on the worker's own thread; an interruption of the calling thread
+    /// leaves as boost::thread_interrupted, and wait may be called again.
     HashWorker& wait();
 
-    /// 16 hexadecimal digits, or "ERROR", of the last finished run. Asserts that a run has finished.
+    /// 16 hexadecimal digits, or "ERROR", of the last finished run. To be asked after wait: during a run the call
+    /// would race with the worker. Asserts that some run has finished.
     std::string getResult();
 
     /// The percentage as of the last report, see Progress::text; never 100.
