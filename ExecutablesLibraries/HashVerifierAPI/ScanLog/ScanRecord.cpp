@@ -2,26 +2,38 @@
 
 namespace Nerix {
 
-std::string hexadecimal16(std::uint64_t value) {
-    std::string text(16, '0');
-    for (auto digit = text.rbegin(); digit != text.rend(); ++digit) {
-        *digit = "0123456789abcdef"[value & 0xFU];
-        value >>= 4U;
+namespace {
+
+void appendHexadecimal16(std::string& text, std::uint64_t value) {
+    for (unsigned int shift = 64; shift != 0;) {
+        shift -= 4;
+        text += "0123456789abcdef"[value >> shift & 0xFU];
     }
+}
+
+} // namespace
+
+std::string hexadecimal16(std::uint64_t value) {
+    std::string text;
+    appendHexadecimal16(text, value);
     return text;
 }
 
 std::string scanRecord(std::uint64_t value, const std::string& path) {
-    std::string record = hexadecimal16(value);
-    record.reserve(record.size() + path.size() + 3);
+    std::string record;
+    record.reserve(16 + path.size() + 3);
+    appendHexadecimal16(record, value);
     record += " \"";
-    std::size_t plain = 0;
-    for (std::size_t at = 0; (at = path.find_first_of("\"&", at)) != std::string::npos; ++at) {
-        record.append(path, plain, at - plain);
-        record += '&';
-        plain = at;
+    if (path.find('"') == std::string::npos && path.find('&') == std::string::npos) {
+        record += path; // nearly always: at once
+    } else {
+        for (const char character : path) {
+            if (character == '"' || character == '&') {
+                record += '&';
+            }
+            record += character;
+        }
     }
-    record.append(path, plain);
     record += '"';
     return record;
 }
