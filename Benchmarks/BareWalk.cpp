@@ -64,7 +64,7 @@ void walk(const std::string& path) {
         hashContent(path);
     } else if (S_ISDIR(entry.st_mode)) {
         for (const std::string& name : sortedNames(path)) {
-            walk(path + '/' + name);
+            walk(std::string(path).append("/").append(name));
         }
     }
 }

@@ -85,8 +85,8 @@ int main(int argc, char* argv[]) {
             return EXIT_SUCCESS;
         }
     } catch (const std::ios_base::failure&) {
-        std::cout.exceptions(
-            std::ios_base::goodbit); // it is flushed once more at the end, where nobody catches
+        // Standard output is flushed once more when the program ends, where nobody catches.
+        std::cout.exceptions(std::ios_base::goodbit);
         std::cerr << "NerixHostSettings: cannot write to standard output\n";
         return EXIT_FAILURE;
     } catch (const std::exception& failure) {
