@@ -116,17 +116,6 @@ class Device(SystemTest):
         self.assertIn(f'0000000000000222 "{other}"'.encode(), records)
         self.assertIn(f'0000000000000444 "{plain}"'.encode(), records)
 
-    def test_parameters_file_never_stops_a_run(self):
-        value, _ = self.expected()
-        directory = "/mnt/systemrw/org.corvan.tv.nerix/data/tv"
-        os.makedirs(directory)
-        self.assertEqual(self.value(self.work), value)
-        with open(os.path.join(directory, "DebugAndTestParameters.xml"), "wb") as file:
-            file.write(b"<boost_serialization")
-        self.assertEqual(self.value(self.work), value)
-        for message in (b">Failed to open DebugAndTestParameters from ", b">Failed to load DebugAndTestParameters from "):
-            self.assertEqual(sum(message in line for line in self.log_lines("main")), 1)
-
     def test_places_that_cannot_be_used(self):
         value, _ = self.expected()
         self.mount("/mnt/read-only", "-o", "ro")

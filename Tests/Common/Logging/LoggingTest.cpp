@@ -1,12 +1,8 @@
 #include "Common/Logging/Log.h"
-#include "Common/Logging/MaxElapsed.h"
 #include "Platform/Interfaces/dlog.h"
 #include "Tests/Fakes/FakePlatform.h"
 
 #include <gtest/gtest.h>
-
-#include <set>
-#include <thread>
 
 namespace Nerix::Tests {
 namespace {
@@ -77,31 +73,6 @@ TEST_F(LoggingTest, LongTextsAreCutIntoRecords) {
         }
         EXPECT_EQ(texts, expected) << message.size() << " bytes";
     }
-}
-
-TEST_F(LoggingTest, ThreadsNeverShareARecordNumber) {
-    FakePlatform::instance().reset();
-    const auto logMany = [] {
-        for (int i = 0; i < 500; ++i) {
-            NERIX_LOG(DBG, "%d", i);
-        }
-    };
-    std::thread other(logMany);
-    logMany();
-    other.join();
-    std::set<std::string> numbers;
-    for (const LogRecord& record : FakePlatform::instance().log()) {
-        const std::size_t begin = record.text.rfind('[', record.text.find("][DBG]"));
-        numbers.insert(record.text.substr(begin, record.text.find(']', begin) - begin));
-    }
-    EXPECT_EQ(numbers.size(), 1000U);
-}
-
-TEST(MaxElapsed, FirstCallFixesTheLimit) {
-    const auto minuteAgo = std::chrono::steady_clock::now() - std::chrono::minutes(1);
-    EXPECT_FALSE(Common::Logging::maxElapsed(minuteAgo, 90'000));
-    EXPECT_FALSE(Common::Logging::maxElapsed(minuteAgo, 0));
-    EXPECT_TRUE(Common::Logging::maxElapsed(minuteAgo - std::chrono::minutes(1), 1'000'000));
 }
 
 } // namespace

@@ -79,22 +79,6 @@ TEST(SupportCode, CodesStackOutermostFirst) {
     EXPECT_EQ(get_combined_supportcode(target), "D-C-B-Y");
 }
 
-struct Base {
-    virtual ~Base() = default;
-};
-struct Named : Base, IDebugName {
-    std::string debugName() const override { return "Named(1)"; }
-};
-
-TEST(ErrorInfo, SubjectIsNameOrTypeAndAddress) {
-    const Base plain;
-    std::ostringstream expected;
-    expected << typeid(Base).name() << "=" << static_cast<const void*>(&plain);
-    EXPECT_EQ(errinfo_subject(plain).value(), expected.str());
-    const Named named;
-    EXPECT_EQ(errinfo_subject(static_cast<const Base&>(named)).value(), "Named(1)");
-}
-
 TEST(ErrorInfo, StreamEntryQuotesPathsAndIsReplacedByErrno) {
     EXPECT_EQ(errinfo_stream(boost::filesystem::path("/a \"b\"&")).value(), "\"/a &\"b&\"&&\"");
     GenericException exception;

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <memory>
-#include <stdexcept>
 
 namespace Nerix::Tests {
 namespace {
@@ -23,10 +22,6 @@ struct Service : RegisterableSingleton {
 struct Dependent : RegisterableSingleton {
     static std::list<SingletonsID> requirements() { return {DUMMY_SINGLETON}; }
     ~Dependent() override { lifeEvents.emplace_back("dependent gone"); }
-};
-
-struct Unmakeable : RegisterableSingleton {
-    Unmakeable() { throw std::runtime_error("cannot be made"); }
 };
 
 using ServiceGuard = SingletonServiceGuard<Service>;
@@ -65,12 +60,6 @@ TEST(SingletonsRegister, RequiredServiceOutlivesItsDependent) {
     service.reset();
     dependent.reset();
     EXPECT_EQ(lifeEvents, (std::vector<std::string>{"service made", "dependent gone", "service gone"}));
-}
-
-TEST(SingletonsRegister, FailedServiceIsNotRegistered) {
-    EXPECT_THROW(SingletonServiceGuard<Unmakeable>{DUMMY_SINGLETON}, std::runtime_error);
-    const ServiceGuard working(DUMMY_SINGLETON);
-    EXPECT_EQ(theRegister().getService<Service>("user", DUMMY_SINGLETON)->answer(), 42);
 }
 
 TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {

@@ -6,7 +6,6 @@
 #include <boost/exception/get_error_info.hpp>
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
-#include <boost/lexical_cast/bad_lexical_cast.hpp>
 #include <boost/optional/optional_io.hpp>
 #include <gtest/gtest.h>
 
@@ -59,19 +58,6 @@ TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {
         EXPECT_EQ(Info::getEmulatedOTNZone(), 'E');
         Info::removeEmulationInfo();
         EXPECT_FALSE(Info::getEmulatedModelString());
-    });
-}
-
-TEST(EmulatedInfo, ForeignTextIsReadAsFarAsItIsGood) {
-    inDevice([](const boost::filesystem::path& file) {
-        boost::filesystem::ofstream(file)
-            << "Date:2016-01-01:extra\nVersionMajor:-1\nOTNZone:EU\nSubmicom:1\nSubmicom:2";
-        EXPECT_EQ(Info::getEmulatedMainSoftwareVersionDate(), std::string("2016-01-01"));
-        EXPECT_EQ(Info::getEmulatedSubmicomVersion(), std::string("1"));
-        EXPECT_THROW(Info::getEmulatedMainSoftwareVersionMajor(), boost::bad_lexical_cast);
-        EXPECT_THROW(Info::getEmulatedOTNZone(), boost::bad_lexical_cast);
-        EXPECT_EQ(failureOf([] { Info::getEmulatedModelString(); }),
-                  "Requested key doesn't exist in EmulatedInfo.txt. Key: ModelString");
     });
 }
 

@@ -56,29 +56,6 @@ TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
     });
 }
 
-TEST(ProductInfo, PathsOfATelevision) {
-    inProcessOf(Platform::TV_PRODUCT, [](FakePlatform&) {
-        const std::string partition = "/mnt/systemrw/org.corvan.tv.nerix/data/tv";
-        const std::vector<std::pair<std::string, std::string>> paths = {
-            {Info::getNerixPartitionPath(), partition},
-            {Info::getNerixBigTempPath(), "/v31/org.corvan.tv.nerix/data/tv"},
-            {Info::getFileSystemRootPath(), ""},
-            {Info::getMBUPartitionMountPath(), partition + "/mbu_mount_point"},
-            {Info::getUSBMountPath(), "/v43"},
-            {Info::getEmulatedInfoPath(), partition + "/EmulatedInfo.txt"},
-            {Info::getLastPluginFailureFlagFilePath(), partition + "/plugin_failure_flags"},
-            {Info::getKrafsScriptsDirectory(), "/v20/org.corvan.tv.nerix"},
-            {Info::getLibraryKeyPath(), "/v25/org.corvan.tv.nerix/libnerixprodkeys.so"},
-            {Info::getKPIDescriptionFilePath(), "/mnt/systemrw/org.corvan.tv.nerix/datakpi"},
-            {Info::getSystemUsrAppsROPath().native(), "/v20"},
-            {Info::getSystemUsrBinPath().native(), "/v6"},
-        };
-        for (const auto& [path, expected] : paths) {
-            EXPECT_EQ(path, expected);
-        }
-    });
-}
-
 TEST(ProductInfoDeathTest, IsInitialisedOnceAndKnowsNothingBefore) {
     EXPECT_THROW(Info::getModelString(), Platform::ProductUninitializedException);
     EXPECT_THROW(Info::getSystemUsrBinPath(), Platform::ProductUninitializedException);
