@@ -44,9 +44,10 @@ std::vector<LogRecord> FakePlatform::log() const {
 
 std::size_t FakePlatform::logged(const std::string& part) const {
     const std::vector<LogRecord> records = log();
-    return std::count_if(records.begin(), records.end(), [&](const LogRecord& record) {
+    const auto count = std::count_if(records.begin(), records.end(), [&](const LogRecord& record) {
         return record.text.find(part) != std::string::npos;
     });
+    return static_cast<std::size_t>(count);
 }
 
 std::vector<std::pair<std::string, FakePlatform::Value>> FakePlatform::written() const {
