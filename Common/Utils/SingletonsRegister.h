@@ -58,7 +58,7 @@ public:
     template <class T>
     SingletonPointer<T> getService(const std::string& user, SingletonsID id) {
         return SingletonPointer<T>(user, addUser(user, id, [](const RegisterableSingleton& service) {
-                                       // The exact type first: a cast costs more, and services are asked for at every step.
+                                       // The exact type first: a cast costs more, and every step asks.
                                        return typeid(service) == typeid(T) ||
                                               dynamic_cast<const T*>(&service) != nullptr;
                                    }));

@@ -17,9 +17,9 @@ namespace Nerix::Platform::Host {
 ///     stderr          standard error
 ///
 /// A record is one line: time, priority, tag, text. Each line is written at once and whole, so that processes
-/// that share the files do not mix theirs, and an abort loses none. When one of several processes starts a new file, the
-/// others go on in the old one. Line breaks and other control characters
-/// in a record are written as \n, \r, \t or \xHH, and a backslash as \\. Any thread may call.
+/// that share the files do not mix theirs, and an abort loses none. When one of several processes starts a
+/// new file, the others go on in the old one. Line breaks and other control characters in a record are
+/// written as \n, \r, \t or \xHH, and a backslash as \\. Any thread may call.
 class SystemLog {
 public:
     static SystemLog& instance();

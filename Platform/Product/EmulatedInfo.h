@@ -16,10 +16,10 @@ namespace Nerix::Platform {
 /// has no such entry, and for a line without key or value that stands before it.
 boost::optional<std::string> getEmulatedInfoValue(const std::string& key);
 
-/// Makes the entry the last of the file, in place of an earlier one; makes the file when there is none. It is written to
-/// "helper.txt" beside it, which takes the file's place when it is complete; a failure may leave that file, and when only
-/// the last renaming fails, the entries are in it alone. Throws for a key or value that is empty or holds a ':' or a
-/// line break, and for a line of the file without key or value.
+/// Makes the entry the last of the file, in place of an earlier one; makes the file when there is none. It is
+/// written to "helper.txt" beside it, which takes the file's place when it is complete; a failure may leave
+/// that file, and when only the last renaming fails, the entries are in it alone. Throws for a key or value
+/// that is empty or holds a ':' or a line break, and for a line of the file without key or value.
 void setEmulatedInfoValue(const std::string& key, const std::string& value);
 
 /// Makes an empty file, and its directory when only that is missing. What cannot be made shows when it is

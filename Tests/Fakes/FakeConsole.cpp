@@ -1,5 +1,5 @@
-// No unit test may write on the machine's console, nor lose its standard output to it: in a program that links the fakes
-// /dev/console cannot be opened. Linked with --wrap=freopen.
+// No unit test may write on the machine's console, nor lose its standard output to it: in a program that
+// links the fakes /dev/console cannot be opened. Linked with --wrap=freopen.
 
 #include <cstdio>
 #include <cstring>

@@ -20,9 +20,9 @@ struct LogRecord {
     std::string withoutHeader() const;
 };
 
-/// The platform in memory: it remembers what it is told, fails on demand and gives no setting back. Functions may be called from any
-/// thread; what a test sets up, it sets up before it starts one. Fatal log records also go to standard error,
-/// where death tests look.
+/// The platform in memory: it remembers what it is told, fails on demand and gives no setting back. Functions
+/// may be called from any thread; what a test sets up, it sets up before it starts one. Fatal log records
+/// also go to standard error, where death tests look.
 class FakePlatform {
 public:
     using Value = std::variant<int, double, bool, std::string>;

@@ -25,9 +25,9 @@ public:
     bool isMountPoint(const std::string& directory) const { return m_mountPoints.count(directory) != 0; }
 
     /// The mount directory of the USB drive: the last in the table that lies below the product's USB mount
-    /// path or the file-system root's "media", the paths themselves included. Empty when there is none. A platform without a
-    /// USB mount path has no drives there; an empty prefix would make every mount one. Throws
-    /// ProductUninitializedException before IProductInfo::initializeProduct.
+    /// path or the file-system root's "media", the paths themselves included. Empty when there is none. A
+    /// platform without a USB mount path has no drives there; an empty prefix would make every mount one.
+    /// Throws ProductUninitializedException before IProductInfo::initializeProduct.
     std::string findUSB() const;
 
 private:
