@@ -1,7 +1,4 @@
-"""The device around a run: drives, mount points, product data, places that cannot be written.
-
-Everything happens in a mount name space of the script's own: it starts itself anew in one.
-"""
+"""The device around a run: drives, mount points, product data, places that cannot be written."""
 
 import os
 import re
@@ -9,29 +6,18 @@ import subprocess
 import sys
 import time
 
-if "NERIX_OWN_MOUNTS" not in os.environ:
-    flags = ["-m"] if os.geteuid() == 0 else ["-Urm"]
-    probe = subprocess.run(["unshare", *flags, "mount", "-t", "tmpfs", "none", "/media"], check=False,
-                           capture_output=True, text=True)
-    if probe.returncode != 0:
-        print(f"SKIPPED device_test: no private mounts on this machine: {probe.stderr.strip()}")
-        sys.exit(77)
-    os.environ["NERIX_OWN_MOUNTS"] = "yes"
-    os.execvp("unshare", ["unshare", *flags, sys.executable, *sys.argv])
+from harness import PREFIX, PROGRAM, REPORT, SETTINGS, SystemTest, enter_own_mounts, main
+from tree_value import Model
 
-from harness import PREFIX, PROGRAM, REPORT, SETTINGS, SystemTest, main  # noqa: E402  (the name space comes first)
-from tree_value import Model  # noqa: E402
+NO_MOUNTS = enter_own_mounts()
+if NO_MOUNTS:
+    print(f"SKIPPED device_test: {NO_MOUNTS}")
+    sys.exit(77)
 
 LOG_NAME = re.compile(r"NerixVerifierHash-\d{8}-\d{6}\.log")
 
 
 class Device(SystemTest):
-    def mount(self, where, *options, kind="tmpfs"):
-        os.makedirs(where, exist_ok=True)
-        arguments = ["--bind", options[0]] if kind == "bind" else ["-t", kind, *options, "none"]
-        subprocess.run(["mount", *arguments, where], check=True)
-        self.addCleanup(subprocess.run, ["umount", "-l", where], check=False, stderr=subprocess.DEVNULL)
-
     def setUp(self):
         super().setUp()
         for place in ("/media", "/mnt"):

@@ -15,10 +15,26 @@ import unittest
 BUILD = os.path.abspath(sys.argv[1])
 PROGRAM = os.path.join(BUILD, "Executables/NerixVerifierHash/NerixVerifierHash")
 SETTINGS = os.path.join(BUILD, "Executables/NerixHostSettings/NerixHostSettings")
-SANITIZED = not BUILD.endswith("release")
+SANITIZED = BUILD.endswith(("asan", "tsan"))
 PREFIX = "menu/support/softwareupdate/hashverifier_"
 REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog for details\n", re.DOTALL)
 RECORD = re.compile(rb"\[INF\] HashWorker\.cpp:\d+>([0-9a-f]{16} \".*)")
+
+
+def enter_own_mounts():
+    """Starts the script anew in a mount name space of its own. Returns only there, or with the reason why it cannot."""
+    if "NERIX_OWN_MOUNTS" in os.environ:
+        return None
+    flags = ["-m"] if os.geteuid() == 0 else ["-Urm"]
+    try:
+        probe = subprocess.run(["unshare", *flags, "mount", "-t", "tmpfs", "none", "/media"], check=False,
+                               capture_output=True, text=True)
+    except OSError as failure:
+        return f"no private mounts on this machine: {failure}"
+    if probe.returncode != 0:
+        return f"no private mounts on this machine: {probe.stderr.strip()}"
+    os.environ["NERIX_OWN_MOUNTS"] = "yes"
+    return os.execvp("unshare", ["unshare", *flags, sys.executable, *sys.argv])
 
 
 class SystemTest(unittest.TestCase):
@@ -37,6 +53,13 @@ class SystemTest(unittest.TestCase):
 
     def work_parent(self):
         return None
+
+    def mount(self, where, *options, kind="tmpfs"):
+        """Until the end of the case; only after enter_own_mounts()."""
+        os.makedirs(where, exist_ok=True)
+        arguments = ["--bind", options[0]] if kind == "bind" else ["-t", kind, *options, "none"]
+        subprocess.run(["mount", *arguments, where], check=True)
+        self.addCleanup(subprocess.run, ["umount", "-l", where], check=False, stderr=subprocess.DEVNULL)
 
     def run_program(self, *arguments, **options):
         options.setdefault("env", self.environment)
