@@ -78,7 +78,8 @@ class Model:
                 while chunk := content.read(CHUNK):
                     value = self.step(value, chunk)
         elif stat.S_ISLNK(status.st_mode):
-            value = self.step(self._common(path, status), os.readlink(path))
+            target = os.readlink(path)[:status.st_size].ljust(status.st_size, b"\0")
+            value = self.step(self._common(path, status), target)
         else:
             return 0
         self.records.append((value, path))
