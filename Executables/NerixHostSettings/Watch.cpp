@@ -42,7 +42,7 @@ std::string read(const char* key) {
     std::string text;
     const int code = SettingsStore::instance().read(key, SettingType::Text, text);
     if (code != 0 && code != MDB_NOTFOUND) {
-        throw std::runtime_error(std::string("cannot read ") + key + ": " + SettingsStore::describe(code));
+        throw std::runtime_error(SettingsStore::instance().lastFailure());
     }
     return text;
 }

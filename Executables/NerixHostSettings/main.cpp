@@ -43,8 +43,8 @@ std::string valueText(const Setting& setting) {
 
 std::vector<Setting> allSettings() {
     std::vector<Setting> settings;
-    if (const int code = SettingsStore::instance().list(settings)) {
-        throw std::runtime_error("cannot read the settings store: " + SettingsStore::describe(code));
+    if (SettingsStore::instance().list(settings) != 0) {
+        throw std::runtime_error(SettingsStore::instance().lastFailure());
     }
     return settings;
 }

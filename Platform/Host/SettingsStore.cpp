@@ -61,8 +61,9 @@ SettingsStore& SettingsStore::instance() {
     return store;
 }
 
-std::string SettingsStore::describe(int code) {
-    return mdb_strerror(code);
+std::string SettingsStore::lastFailure() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_lastFailure;
 }
 
 SettingsStore::Shelf& SettingsStore::shelfOf(std::string_view key) {
@@ -117,15 +118,18 @@ int SettingsStore::attempt(Shelf& shelf, const char* what, std::string_view key,
         code = error.code().value();
         reason = error.what();
     }
-    if (code != 0 && code != MDB_NOTFOUND && code != MDB_INCOMPATIBLE) {
+    if (code == 0) {
+        return 0;
+    }
+    const std::string which = key.empty() ? "" : " '" + std::string(key) + "'";
+    m_lastFailure = "settings store " + shelf.place + ": cannot " + what + which + ": " +
+                    (reason.empty() ? mdb_strerror(code) : reason);
+    if (code != MDB_NOTFOUND && code != MDB_INCOMPATIBLE) {
         if (code != MDB_BAD_VALSIZE) {
             // After a failed write LMDB may refuse everything until the environment is opened anew.
             shelf.environment.reset();
         }
-        const std::string which = key.empty() ? "" : " '" + std::string(key) + "'";
-        __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host",
-                     "settings store %s: cannot %s%s: %s", shelf.place.c_str(), what, which.c_str(),
-                     reason.empty() ? describe(code).c_str() : reason.c_str());
+        __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", m_lastFailure.c_str());
     }
     return code;
 }

@@ -23,22 +23,24 @@ struct Setting {
 ///
 /// Keys under "memory/" are kept in an environment that is never synced to disk, all others in a durable one.
 /// A process killed at any instant leaves both readable and writable, with either the old or the new value of
-/// the key that it was writing. Codes: 0 for success, an errno, or one of LMDB's own (negative); describe()
-/// tells what they mean. A failing call changes nothing and is logged, unless the key is missing or holds another
-/// type. Keys have 1 to 511 bytes; others give MDB_BAD_VALSIZE. Throws only when out of memory. Any thread may
-/// call.
+/// the key that it was writing. Codes: 0 for success, an errno, or one of LMDB's own (negative); lastFailure()
+/// tells what happened. A failing call changes nothing and is logged, unless the key is missing or holds
+/// another type. Keys have 1 to 511 bytes; others give MDB_BAD_VALSIZE. Throws only when out of memory. Any
+/// thread may call.
 class SettingsStore {
 public:
-    static SettingsStore& instance();
+    static SettingsStore& instance(); ///< lives until the process is gone
 
     /// MDB_NOTFOUND when the key is missing, MDB_INCOMPATIBLE when it holds another type.
     int read(std::string_view key, SettingType type, std::string& bytes);
-    int write(std::string_view key, SettingType type, std::string_view bytes);
+    int write(std::string_view key, SettingType type, std::string_view bytes); ///< whatever type the key held
 
     /// All settings, in the byte order of their keys.
     int list(std::vector<Setting>& settings);
 
-    static std::string describe(int code);
+    /// What was tried on which file and why it failed, at the last call of any thread that gave a code other
+    /// than 0.
+    std::string lastFailure() const;
 
 private:
     struct EnvironmentCloser {
@@ -62,11 +64,12 @@ private:
 
     /// Runs one step on an open shelf; a failure of the shelf itself is logged, and closes it.
     template <class Step>
-    static int attempt(Shelf& shelf, const char* what, std::string_view key, Step step);
+    int attempt(Shelf& shelf, const char* what, std::string_view key, Step step);
 
-    std::mutex m_mutex; ///< guards the shelves: no thread may use an environment that another closes
+    mutable std::mutex m_mutex; ///< guards the rest: no thread may use an environment that another closes
     Shelf m_durable{"settings.mdb", false, "settings.mdb", nullptr};
     Shelf m_volatile{"settings-volatile.mdb", true, "settings-volatile.mdb", nullptr};
+    std::string m_lastFailure;
 };
 
 } // namespace Nerix::Platform::Host
