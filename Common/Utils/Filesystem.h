@@ -33,6 +33,7 @@ bool is_symlink(const boost::filesystem::path& p);
 /// Removes a file or an empty directory. False when there was none.
 bool remove(const boost::filesystem::path& p);
 
+/// Replaces a file at to, as one step; both have to be on one file system.
 void rename(const boost::filesystem::path& from, const boost::filesystem::path& to);
 
 /// The absolute path without links, "." and "..", a relative p taken from base. The entry must exist.

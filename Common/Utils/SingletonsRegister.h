@@ -29,8 +29,8 @@ boost::shared_ptr<RegisterableSingleton> standardFactoryFunction() {
 /// least one such declaration is in force, and is destroyed before the services that it requires.
 ///
 /// Scopes declare need with a SingletonServiceGuard; users reach a service with getService. Any thread may
-/// call. Misuse is a fatal assertion, never an exception; only a service's factory and running out of memory
-/// throw.
+/// call. Misuse is a fatal assertion, an empty factory aside; only a service's factory and running out of
+/// memory throw.
 class SingletonsRegister : private boost::noncopyable {
 public:
     using Factory = std::function<boost::shared_ptr<RegisterableSingleton>()>;

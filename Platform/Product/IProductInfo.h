@@ -30,17 +30,17 @@ public:
     /// Fixes the product for the life of the process. Asserts that this happens once and that type is
     /// TV_PRODUCT, ZEB_PRODUCT or DEFAULT_PRODUCT, which stands for TV_PRODUCT.
     static void initializeProduct(ProductType type);
-    static void throwIfUninitialized();
+    static void throwIfUninitialized(); ///< ProductUninitializedException before initializeProduct
 
     // Identity, in ProductIdentity.cpp.
 
     /// The board that the software was built for.
     static std::string getBoardType();
     static bool checkBoardType(const std::string& boardType); ///< whether it is exactly that, case included
-    static bool isPostTovin();
-    static bool isPostPask();
-    static bool isPostMirel();
-    static bool isPreCorvanBoard();
+    static bool isPostTovin();                                ///< the board "Post_TovinP"
+    static bool isPostPask();                                 ///< the board "Post_PaskP"
+    static bool isPostMirel();                                ///< the board "Post_MirelP"
+    static bool isPreCorvanBoard();                           ///< any of the three
 
     /// One of the two names above. Asserts that type is TV_PRODUCT or ZEB_PRODUCT.
     static std::string getCoreName(ProductType type);
@@ -53,8 +53,8 @@ public:
     getListOfCores(); ///< initialised; the devices that take part in an update
     static std::vector<std::string> getListOfVerifiers(); ///< initialised; the same
     static bool isSecondDeviceConnected();                ///< initialised
-    static bool isGenuineTV();
-    static bool isGenuineZeb();
+    static bool isGenuineTV();                            ///< as the platform says
+    static bool isGenuineZeb();                           ///< as the platform says
 
     /// Whether the screen has 540 lines. Does not throw: false when the platform does not answer.
     static bool isScreenRatioFitNeeded();

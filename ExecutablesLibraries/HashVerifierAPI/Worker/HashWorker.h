@@ -34,8 +34,8 @@ private:
 ///
 /// Threads: start, wait and getResult are for one thread at a time, the one that drives the verification;
 /// getProgress may be called from any thread at any time; the rest is called by the worker's own thread while
-/// it runs. No lock is taken: the counters and the result are written by the worker's thread alone, those
-/// that others read are atomic.
+/// it runs. No lock is taken: while it runs, the counters and the result are written by the worker's thread
+/// alone; those that others read are atomic.
 class HashWorker : private boost::noncopyable {
 public:
     /// Created on the first call, when it examines "/" and throws GenericException if it cannot.
