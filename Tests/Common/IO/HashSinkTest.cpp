@@ -1,7 +1,6 @@
 #include "Common/IO/HashSink.h"
 
 #include "Common/IO/IOExceptions.h"
-#include "Common/IO/OpenSSLException.h"
 #include "Common/Utils/Encoding.h"
 #include "Common/Utils/Errors.h"
 #include "Common/Utils/SingletonServiceGuard.h"
@@ -34,19 +33,6 @@ TEST(HashSink, EndedSinkKeepsItsDigestAndRefusesData) {
         EXPECT_EQ((*boost::get_error_info<boost::error_info<tag_errinfo_subject, std::string>>(exception)),
                   "HashSink(md5)");
     }
-}
-
-TEST(HashSink, UnknownDigestIsReportedWithTheLibrarysText) {
-    const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
-    try {
-        const HashSink unknown("md6");
-        FAIL();
-    } catch (const Encoding::OpenSSLException& exception) {
-        EXPECT_EQ(*boost::get_error_info<errinfo_description>(exception), "Can't initialize digest.");
-        EXPECT_NE(exception.getErrors().find("unsupported"), std::string::npos) << exception.getErrors();
-    }
-    EXPECT_STREQ(Encoding::OpenSSLException().what(), "No error info provided by OpenSSL.")
-        << "the queue is emptied";
 }
 
 TEST(HashSinkDeathTest, WithoutTheSetUpTheRegisterAsserts) {

@@ -1,11 +1,9 @@
 #include "Common/Utils/Errors.h"
 #include "Common/Utils/RethrowExceptionStream.h"
-#include "Common/Utils/SupportCode.h"
 #include "Common/Utils/ThreadInterrupted.h"
 #include "Tests/Fakes/FakePlatform.h"
 
 #include <boost/exception/diagnostic_information.hpp>
-#include <boost/exception/errinfo_nested_exception.hpp>
 #include <boost/exception/get_error_info.hpp>
 #include <gtest/gtest.h>
 
@@ -62,21 +60,6 @@ TEST(Rethrow, WhatCarriesNoEntriesIsWrappedOrLogged) {
     EXPECT_THROW(throughFrame("X", [] { throw std::runtime_error("plain"); }), std::runtime_error);
     EXPECT_EQ(FakePlatform::instance().logged(">Rethrowing unknown exception:  -> void"), 1U);
     EXPECT_EQ(FakePlatform::instance().logged("frame X"), 1U);
-}
-
-TEST(SupportCode, CodesStackOutermostFirst) {
-    GenericException exception;
-    EXPECT_EQ(get_combined_supportcode(exception), "");
-    add_supportcode_context(exception, "B");
-    add_supportcode_context(exception, "C");
-    EXPECT_EQ(get_combined_supportcode(exception), "C-B");
-    GenericException target;
-    add_supportcode_context(target, exception, "D");
-    EXPECT_EQ(entryOf<errinfo_supportcode>(target), "D-C-B");
-
-    target << boost::errinfo_nested_exception(
-        boost::copy_exception(GenericException() << errinfo_supportcode("Y")));
-    EXPECT_EQ(get_combined_supportcode(target), "D-C-B-Y");
 }
 
 TEST(ErrorInfo, StreamEntryQuotesPathsAndIsReplacedByErrno) {

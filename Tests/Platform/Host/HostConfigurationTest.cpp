@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 
 namespace Nerix::Tests {
 namespace {
@@ -48,17 +47,6 @@ TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswers) {
     };
     for (const auto& [content, expected] : cases) {
         EXPECT_EQ(answersOf(content), expected) << content;
-    }
-}
-
-TEST_F(HostConfigurationTest, FailuresNameFileAndLine) {
-    for (const auto& [content, where] : std::vector<std::pair<std::string, std::string>>{
-             {"[system_info]\n\n203 = many\n", ":3: [system_info] 203 is 'many', not an integer\n"},
-             {"[path]\nnonsense\n", ":2: "}}) {
-        testing::internal::CaptureStderr();
-        answersOf(content);
-        const std::string logged = testing::internal::GetCapturedStderr();
-        EXPECT_NE(logged.find(m_file.native() + where), std::string::npos) << logged;
     }
 }
 

@@ -6,32 +6,23 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-
 namespace Nerix::Tests {
 namespace {
 
 using Info = Platform::IProductInfo;
 
-void inProcessOf(Platform::ProductType product, const std::function<void(FakePlatform&)>& body) {
-    inOwnProcess([&] {
-        FakePlatform& platform = FakePlatform::instance();
-        platform.pathVariables = {{6, "/v6"}, {20, "/v20"}, {25, "/v25"}, {31, "/v31"}, {43, "/v43"}};
-        platform.systemInfo = {{128, "T-ABHCHD-1234.5"}, {378, "Z-X-70000"}, {8, "2026-01-02"}, {133, "0.7"},
-                               {301, "/p.txt"},          {203, 540},         {358, true},       {359, false}};
-        Info::initializeProduct(product);
-        body(platform);
-    });
-}
-
 TEST(ProductInfo, TelevisionByDefault) {
-    inProcessOf(Platform::DEFAULT_PRODUCT, [](FakePlatform& platform) {
+    inOwnProcess([] {
+        FakePlatform& platform = FakePlatform::instance();
+        platform.systemInfo = {
+            {128, "T-ABHCHD-66770.5"}, {8, "2026-01-02"}, {133, "0.7"}, {301, "/p.txt"}, {203, 540}};
+        Info::initializeProduct(Platform::DEFAULT_PRODUCT);
         EXPECT_EQ(platform.logged(">Product type set to TV_PRODUCT"), 1U);
         EXPECT_EQ(Info::getListOfCores(), std::vector<std::string>{"TV"});
         EXPECT_TRUE(Info::isScreenRatioFitNeeded());
         EXPECT_EQ(Info::getModelString(), "T-ABHCHD");
-        EXPECT_EQ(Info::getVersionString(), "1234.5");
-        EXPECT_EQ(Info::getMainSoftwareVersionMajor(), 1234);
+        EXPECT_EQ(Info::getVersionString(), "66770.5");
+        EXPECT_EQ(Info::getMainSoftwareVersionMajor(), 66770 - 65536);
         EXPECT_EQ(Info::getMainSoftwareVersionMinor(), 5);
         EXPECT_EQ(Info::getMainSoftwareVersionDate(), "2026-01-02");
         EXPECT_EQ(Info::getSubmicomVersion(), "0.7");
@@ -43,16 +34,6 @@ TEST(ProductInfo, TelevisionByDefault) {
                   1U);
         EXPECT_THROW(Info::getSubmicomVersion(), Platform::SystemInfoAPIInternalProblemException);
         EXPECT_FALSE(Info::isScreenRatioFitNeeded());
-    });
-}
-
-TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
-    inProcessOf(Platform::ZEB_PRODUCT, [](FakePlatform&) {
-        EXPECT_EQ(Info::getModelString(), "Z-X");
-        EXPECT_EQ(Info::getMainSoftwareVersionMajor(), 70000 - 65536);
-        EXPECT_EQ(Info::getMainSoftwareVersionMinor(), 0);
-        EXPECT_THROW(Info::getVarikModelString(), Platform::UnproperProductException);
-        EXPECT_EQ(Info::getNerixPartitionPath(), "/mnt/systemrw/org.corvan.tv.nerix/data/zeb");
     });
 }
 
