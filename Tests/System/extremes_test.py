@@ -1,6 +1,7 @@
 """Trees as deep, as wide and as large as they come. NERIX_ALL_FAULTS=1 adds those that take minutes."""
 
 import os
+import resource
 import subprocess
 import sys
 
@@ -28,7 +29,11 @@ class Extremes(SystemTest):
     def test_chain_as_deep_as_a_path_can_be(self):
         sys.setrecursionlimit(20_000)
         self.make_chain(PATH_MAX - 1)
-        self.assertEqual(self.value(self.work), Model("md5").value(self.work))
+        expected = Model("md5").value(self.work)
+        for limit in (resource.RLIM_INFINITY, 2 << 20):  # both give threads small stacks by default
+            stack = (limit, resource.getrlimit(resource.RLIMIT_STACK)[1])
+            self.assertEqual(self.value(self.work, preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_STACK, stack)),
+                             expected)
         subprocess.run(["rm", "-rf", os.path.join(self.work, "d"), os.path.join(self.work, "dd")], check=True)
         self.make_chain(PATH_MAX)
         self.assertEqual(self.value(self.work), "ERROR", "the last path is too long for the system")

@@ -35,6 +35,10 @@ const std::string statusKey = "memory/menu/support/softwareupdate/hashverifier_s
 const std::string progressKey = "memory/menu/support/softwareupdate/hashverifier_progress";
 const std::string resultKey = "db/menu/support/softwareupdate/hashverifier_result";
 
+/// Bytes for the worker's thread. Every directory on the way down takes a frame, and a path has room for two
+/// thousand; the default hangs on the limits of whoever starts the process, and may be too small.
+constexpr std::size_t stackSize = std::size_t{8} << 20U;
+
 /// For handlers on the worker's thread, which must not end the process.
 void logCurrentException(LoggingClass::Level level, const char* what) noexcept {
     try {
@@ -105,7 +109,9 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
 
 void HashWorker::launch() {
     m_activePublished = std::promise<bool>();
-    m_startedThread = boost::make_shared<boost::thread>(HashLoggerExecutor(this));
+    boost::thread::attributes attributes;
+    attributes.set_stack_size(stackSize);
+    m_startedThread = boost::make_shared<boost::thread>(attributes, HashLoggerExecutor(this));
     boost::atomic_store(&m_thread, m_startedThread);
     try {
         IVConf::setString(statusKey, "active");
