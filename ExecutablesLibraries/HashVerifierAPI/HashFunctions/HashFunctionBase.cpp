@@ -8,13 +8,9 @@ IHashFunction::hash_t HashFunctionBase::apply(hash_t value, const std::string& t
 
 IHashFunction::hash_t HashFunctionBase::apply(hash_t value, std::FILE* stream) const {
     char buffer[4096];
-    std::size_t count = 0;
-    do {
-        count = std::fread(buffer, 1, sizeof buffer, stream);
-        if (count != 0) {
-            value = apply(value, static_cast<unsigned int>(count), buffer);
-        }
-    } while (count == sizeof buffer); // less is the end: asking again would cost every file a system call
+    while (const std::size_t count = std::fread(buffer, 1, sizeof buffer, stream)) {
+        value = apply(value, static_cast<unsigned int>(count), buffer);
+    }
     return value;
 }
 
