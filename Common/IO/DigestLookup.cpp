@@ -1,5 +1,7 @@
 #include "Common/IO/DigestLookup.h"
 
+#include <openssl/err.h>
+
 #include <map>
 #include <memory>
 #include <mutex>
@@ -25,7 +27,13 @@ const EVP_MD* fetchOnce(const std::string& name) {
     if (known != fetched.byName.end()) {
         return known->second.get();
     }
-    std::unique_ptr<EVP_MD, DigestDeleter> digest(EVP_MD_fetch(nullptr, name.c_str(), nullptr));
+    // By name first: that knows more spellings than a fetch, and not the digest "null".
+    const EVP_MD* const named = EVP_get_digestbyname(name.c_str());
+    if (named == nullptr) {
+        ERR_raise(ERR_LIB_EVP, EVP_R_UNSUPPORTED_ALGORITHM); // the look-up leaves no reason
+        return nullptr;
+    }
+    std::unique_ptr<EVP_MD, DigestDeleter> digest(EVP_MD_fetch(nullptr, EVP_MD_get0_name(named), nullptr));
     return digest ? fetched.byName.emplace(name, std::move(digest)).first->second.get() : nullptr;
 }
 
