@@ -96,12 +96,12 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
     m_currentBytes = 0;
 
     IVConf::setString(resultKey, "00000111");
-    IVConf::setString(progressKey, "0.0");
     try {
+        IVConf::setString(progressKey, "0.0");
         openScanLog(m_logFile);
         launch();
     } catch (...) {
-        shutdown();
+        shutdown("ERROR"); // who waits for the end of the run would wait for ever
         throw;
     }
     return *this;

@@ -48,8 +48,9 @@ public:
     /// published. An unknown name is not found here: that run ends with "ERROR". The product must be initialised.
     ///
     /// Throws with nothing changed: GenericException "verification is already started" or "can't read filesystem
-    /// statistics". Throws with no worker running, though result and progress may be published as for a run:
-    /// VConfException when the settings store refuses, boost::thread_resource_error when there is no thread to be had.
+    /// statistics". Throws with no worker running, and with "ERROR" for the result if it was already published as that
+    /// of a run: VConfException when the settings store refuses, boost::thread_resource_error when there is no thread to
+    /// be had.
     HashWorker& start(const FileInput& root, const std::string& hashName);
 
     /// Blocks until the last run has written its last setting and its thread has ended; at once when there is
