@@ -37,6 +37,23 @@ std::deque<std::string> sortedNames(const boost::filesystem::path& directory) {
     return names;
 }
 
+/// In one string of its exact size: on the way into a deep tree one of them lives at every level.
+std::string pathInside(const std::string& directory, const std::string& name) {
+    const std::size_t separator = directory.back() == '/' ? 0 : 1;
+    std::string path;
+    path.reserve(directory.size() + separator + name.size());
+    path.append(directory).append(separator, '/').append(name);
+    return path;
+}
+
+/// Logs the exception being handled and rethrows it with its context. Apart from the walk, so that its streams take no
+/// room on the stack at every level of a deep tree.
+[[noreturn, gnu::noinline]] void passOnFailure() {
+    NERIX_LOG_STREAM(ERR) << "Exception when scanning filesystem: "
+                          << boost::current_exception_diagnostic_information(true);
+    NERIX_RETHROW_WITH_CONTEXT("");
+}
+
 } // namespace
 
 bool Directory::accept(const FileInput& entry) const {
@@ -61,23 +78,20 @@ hash_t Directory::process(const FileInput& entry, hash_t value, const IHashFunct
     value = hashstat(entry, value, function);
     value = hashxtattr(entry, value, function);
 
-    const std::string inside = entry.path.native() + (entry.path.native().back() == '/' ? "" : "/");
     const std::deque<std::string> names = sortedNames(entry.path);
     constexpr std::size_t longestLine = 21; // twenty digits and the line feed
     std::string list;
     list.reserve(names.size() * longestLine);
     for (const std::string& name : names) {
         try {
-            const FileInput child(inside + name);
+            const FileInput child(pathInside(entry.path.native(), name));
             const IFileScanner& scanner = getInstance(child);
             if (scanner.accept(child)) {
                 list += std::to_string(scanner.process(child, 0, function));
                 list += '\n';
             }
         } catch (...) {
-            NERIX_LOG_STREAM(ERR) << "Exception when scanning filesystem: "
-                                  << boost::current_exception_diagnostic_information(true);
-            NERIX_RETHROW_WITH_CONTEXT("");
+            passOnFailure();
         }
     }
     value = function.apply(value, list);
