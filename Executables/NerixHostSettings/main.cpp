@@ -1,11 +1,14 @@
+#include "Common/Utils/StandardStreams.h"
 #include "Executables/NerixHostSettings/Watch.h"
 #include "Platform/Host/SettingsStore.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <iostream>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -27,12 +30,18 @@ Value numberIn(const std::string& bytes) {
     return value;
 }
 
+/// The shortest text that reads back as the same number.
+std::string shortest(double value) {
+    char text[32];
+    return {text, std::to_chars(std::begin(text), std::end(text), value).ptr};
+}
+
 std::string valueText(const Setting& setting) {
     switch (setting.type) {
     case SettingType::Integer:
         return std::to_string(numberIn<int>(setting.bytes));
     case SettingType::Double:
-        return std::to_string(numberIn<double>(setting.bytes));
+        return shortest(numberIn<double>(setting.bytes));
     case SettingType::Boolean:
         return numberIn<int>(setting.bytes) != 0 ? "true" : "false";
     case SettingType::Text:
@@ -71,6 +80,7 @@ int get(const std::string& key) {
 } // namespace
 
 int main(int argc, char* argv[]) {
+    Nerix::Common::Utils::secureStandardStreams();
     const std::vector<std::string> words(argv + 1, argv + argc);
     std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // output that is lost is a failure
     try {

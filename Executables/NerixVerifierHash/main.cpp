@@ -3,8 +3,8 @@
 #include "Common/Logging/Log.h"
 #include "Common/Logging/PackageVersion.h"
 #include "Common/Utils/SingletonServiceGuard.h"
+#include "Common/Utils/StandardStreams.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
-#include "Executables/NerixVerifierHash/StandardStreams.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 #include "Platform/Product/IProductInfo.h"
 
@@ -56,25 +56,25 @@ void run(int argc, char* argv[], const options::options_description& outer) {
     options::store(options::parse_command_line(argc, argv, outer), map);
     options::notify(map);
     if (map.count("help") != 0 || map.empty()) {
-        Nerix::writeToStandardOutput(helpText(outer));
+        Nerix::Common::Utils::writeToStandardOutput(helpText(outer));
         return;
     }
     const std::string result =
         Nerix::HashVerifierAPI::nerixVerifyPath(valueOr(map, "path", "."), valueOr(map, "hash", "md5"));
-    Nerix::writeToStandardOutput(result + '\n');
+    Nerix::Common::Utils::writeToStandardOutput(result + '\n');
 }
 
 void reportCurrentException() {
     const std::string diagnostic = boost::current_exception_diagnostic_information(true);
     NERIX_LOG(FTL, "Exception caught in NerixVerifierHash: %s", diagnostic.c_str());
-    Nerix::writeReport("Exception caught in NerixVerifierHash: " + diagnostic +
-                       "\n  -- see dlog for details\n");
+    Nerix::Common::Utils::writeReport("Exception caught in NerixVerifierHash: " + diagnostic +
+                                      "\n  -- see dlog for details\n");
 }
 
 } // namespace
 
 int main(int argc, char* argv[]) {
-    Nerix::secureStandardStreams();
+    Nerix::Common::Utils::secureStandardStreams();
     LoggingClass::init(programName);
     Nerix::Common::Debug::ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
     options::options_description outer(options::options_description::m_default_line_length,

@@ -1,4 +1,4 @@
-#include "Executables/NerixVerifierHash/StandardStreams.h"
+#include "Common/Utils/StandardStreams.h"
 
 #include "Common/Utils/Errors.h"
 
@@ -9,7 +9,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace Nerix {
+namespace Nerix::Common::Utils {
 
 namespace {
 
@@ -39,9 +39,8 @@ void secureStandardStreams() {
 void writeToStandardOutput(const std::string& text) {
     int cause = 0;
     if (!tryWrite(text, cause)) {
-        BOOST_THROW_EXCEPTION(Common::Utils::GenericException()
-                              << Common::Utils::errinfo_stream("can't write to standard output:",
-                                                               Common::Utils::get_string_from_errno(cause)));
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("can't write to standard output:",
+                                                                   get_string_from_errno(cause)));
     }
 }
 
@@ -55,4 +54,4 @@ void writeReport(const std::string& text) noexcept {
     }
 }
 
-} // namespace Nerix
+} // namespace Nerix::Common::Utils

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace Nerix {
+namespace Nerix::Common::Utils {
 
 /// To be called before anything opens a file. A standard descriptor that the caller closed would be given to
 /// the first file opened, and the result would be written into that file: each closed one is filled, standard
@@ -17,4 +17,4 @@ void writeToStandardOutput(const std::string& text);
 /// Writes text to standard output or, when it could not all be written there, once more and whole to standard error.
 void writeReport(const std::string& text) noexcept;
 
-} // namespace Nerix
+} // namespace Nerix::Common::Utils
