@@ -101,7 +101,7 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
         openScanLog(m_logFile);
         launch();
     } catch (...) {
-        shutdown("ERROR"); // who waits for the end of the run would wait for ever
+        shutdown("ERROR"); // whoever waits for the end of the run would wait for ever
         throw;
     }
     return *this;
