@@ -61,13 +61,17 @@ TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
 }
 
 TEST_F(HashWorkerTest, StoreThatRefusesBeforeTheRunStopsIt) {
-    for (const std::string& key : {resultKey, progressKey, statusKey}) {
+    const std::pair<std::string, Writes> cases[] = {
+        {resultKey, {}},
+        {progressKey, {{resultKey, "00000111"}, {resultKey, "ERROR"}}},
+        {statusKey,
+         {{resultKey, "00000111"}, {progressKey, "0.0"}, {statusKey, "inactive"}, {resultKey, "ERROR"}}},
+    };
+    for (const auto& [refused, expected] : cases) {
         platform().reset();
-        platform().failSetting(key, 1);
-        EXPECT_THROW(verify(), Platform::IVConf::VConfException) << key;
-        // Nobody is left waiting: the first refusal leaves the result of the last run, later ones an error.
-        EXPECT_EQ(!platform().written().empty() && platform().written().back().second == Value("ERROR"),
-                  key != resultKey);
+        platform().failSetting(refused, 1);
+        EXPECT_THROW(verify(), Platform::IVConf::VConfException) << refused;
+        EXPECT_EQ(platform().written(), expected) << refused;
     }
 }
 
