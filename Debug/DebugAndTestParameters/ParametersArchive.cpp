@@ -3,144 +3,99 @@
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Debug/DebugAndTestParameters/InstallationPerformanceParameters.h"
 
+#include <boost/archive/impl/archive_serializer_map.ipp>
+#include <boost/archive/impl/basic_xml_grammar.hpp>
+#include <boost/archive/impl/basic_xml_iarchive.ipp>
+#include <boost/archive/impl/xml_iarchive_impl.ipp>
 #include <boost/archive/xml_archive_exception.hpp>
 #include <boost/archive/xml_iarchive.hpp>
 #include <boost/archive/xml_oarchive.hpp>
 #include <boost/serialization/map.hpp>
 #include <boost/serialization/nvp.hpp>
 #include <boost/serialization/string.hpp>
-#include <boost/serialization/version.hpp>
 
-#include <cstdint>
 #include <istream>
-#include <map>
 #include <ostream>
-#include <string>
 #include <utility>
 
 namespace Nerix {
 
-namespace {
+/// The library's reader, with a comparison of its own for the names of elements: the library's reads past the end of the
+/// expected name, by as much as the file likes, when the one in the file is longer.
+class XmlReader : public boost::archive::xml_iarchive_impl<XmlReader> {
+public:
+    explicit XmlReader(std::istream& stream)
+        : boost::archive::xml_iarchive_impl<XmlReader>(stream, boost::archive::no_header) {
+        init(); // the header after all: the flag is for the end, see finish
+    }
 
-using boost::archive::xml_iarchive;
-using boost::archive::xml_oarchive;
-using boost::serialization::make_nvp;
+    /// Reads the end of the root element. The library would do so in the destructor, which cannot throw.
+    void finish() { load_end("boost_serialization"); }
 
-constexpr const char* debugAndTestElement = "DebugAndTestParameters";
-constexpr const char* installationElement = "InstallationPerformanceParameters";
+private:
+    friend class boost::archive::detail::interface_iarchive<XmlReader>;
+    friend class boost::archive::basic_xml_iarchive<XmlReader>;
+    friend class boost::archive::load_access;
 
-/// The stream below an archive that is being read: the archive itself cannot tell which element comes next.
-struct StreamBelow {
-    std::istream* stream = nullptr;
+    // The hooks that the library calls around each value. A value without a name has no element.
+    void load_start(const char* name) {
+        if (name != nullptr) {
+            require(gimpl->parse_start_tag(get_is()), name);
+        }
+    }
+    void load_end(const char* name) {
+        if (name != nullptr) {
+            require(gimpl->parse_end_tag(get_is()), name);
+        }
+    }
+
+    void require(bool isTag, const char* name) const {
+        using boost::archive::xml_archive_exception;
+        if (!isTag || gimpl->rv.object_name != name) {
+            boost::serialization::throw_exception(
+                xml_archive_exception(xml_archive_exception::xml_archive_tag_mismatch, name));
+        }
+    }
 };
 
-[[noreturn]] void throwMismatch(const std::string& name) {
-    boost::serialization::throw_exception(boost::archive::xml_archive_exception(
-        boost::archive::xml_archive_exception::xml_archive_tag_mismatch, name.c_str()));
-}
+} // namespace Nerix
 
-/// The next characters, at most count; leaves the stream where it was.
-std::string peek(std::istream& stream, std::size_t count) {
-    const std::istream::pos_type here = stream.tellg();
-    std::string text(count, '\0');
-    stream >> std::ws;
-    stream.read(text.data(), static_cast<std::streamsize>(count));
-    text.resize(static_cast<std::size_t>(stream.gcount()));
-    stream.clear();
-    stream.seekg(here);
-    return text;
-}
+namespace boost::archive {
 
-/// Whether the next element has this name.
-bool isNext(std::istream& stream, const std::string& name) {
-    const std::string start = peek(stream, name.size() + 2);
-    return start == "<" + name + ">" || start == "<" + name + " ";
-}
+template class detail::archive_serializer_map<Nerix::XmlReader>;
+template class basic_xml_iarchive<Nerix::XmlReader>;
+template class xml_iarchive_impl<Nerix::XmlReader>;
 
-/// Reads one element, and only if it has this name. The library's own check is switched off: for a name
-/// longer than the one expected it reads past the end of the latter, by as much as the file likes.
-template <class Archive, class Value>
-void readElement(Archive& archive, const char* name, Value& value) {
-    std::istream& stream = *archive.template get_helper<StreamBelow>().stream;
-    if (!isNext(stream, name)) {
-        throwMismatch(name);
-    }
-    archive >> make_nvp(name, value);
-    const std::string end = "</" + std::string(name) + ">";
-    stream.seekg(-static_cast<std::streamoff>(end.size()), std::ios_base::cur);
-    std::string found(end.size(), '\0');
-    if (!stream.read(found.data(), static_cast<std::streamsize>(found.size())) || found != end) {
-        throwMismatch(name);
-    }
-}
+} // namespace boost::archive
 
-} // namespace
+namespace Nerix {
 
-// The library finds a type's functions and version by the type: reading and writing an optional value need
-// two, as they count class versions differently.
+using boost::serialization::make_nvp;
 
+/// An optional value as it is stored. Class version 0, which is written, has an item version; version 1 has none.
 template <class Value>
-struct OptionalRead {
+struct StoredOptional {
     boost::optional<Value> value;
 
     template <class Archive>
-    void serialize(Archive& archive, unsigned int) {
-        bool initialized = false;
-        readElement(archive, "initialized", initialized);
+    void serialize(Archive& archive, unsigned int classVersion) {
+        using boost::archive::archive_exception;
+        if (classVersion > 1) {
+            boost::serialization::throw_exception(
+                archive_exception(archive_exception::unsupported_class_version, "an optional value"));
+        }
+        bool initialized = value.is_initialized();
+        archive& make_nvp("initialized", initialized);
         if (!initialized) {
             return;
         }
-        if (isNext(*archive.template get_helper<StreamBelow>().stream, "item_version")) {
+        if (classVersion == 0) {
             unsigned int itemVersion = 0;
-            readElement(archive, "item_version", itemVersion);
+            archive& make_nvp("item_version", itemVersion);
         }
-        Value read{};
-        readElement(archive, "value", read);
-        value = read;
-    }
-};
-
-/// An entry of the custom parameters, and all of them, in the library's layout of a map.
-struct ItemRead {
-    std::string first;
-    std::int32_t second = 0;
-
-    template <class Archive>
-    void serialize(Archive& archive, unsigned int) {
-        readElement(archive, "first", first);
-        readElement(archive, "second", second);
-    }
-};
-
-struct MapRead {
-    std::map<std::string, std::int32_t> value;
-
-    template <class Archive>
-    void serialize(Archive& archive, unsigned int) {
-        std::size_t count = 0;
-        unsigned int itemVersion = 0;
-        readElement(archive, "count", count);
-        readElement(archive, "item_version", itemVersion);
-        for (; count > 0; --count) {
-            ItemRead item;
-            readElement(archive, "item", item);
-            value[item.first] = item.second;
-        }
-    }
-};
-
-template <class Value>
-struct OptionalWritten {
-    const boost::optional<Value>& value;
-
-    template <class Archive>
-    void serialize(Archive& archive, unsigned int) {
-        const bool initialized = value.is_initialized();
-        archive << make_nvp("initialized", initialized);
-        if (initialized) {
-            const unsigned int itemVersion = 0;
-            archive << make_nvp("item_version", itemVersion) << make_nvp("value", *value);
-        }
+        Value held = value.get_value_or(Value{});
+        archive& make_nvp("value", held);
+        value = held;
     }
 };
 
@@ -155,42 +110,40 @@ struct Object {
 
 namespace {
 
-template <class Archive>
+using boost::archive::xml_oarchive;
+
+constexpr const char* debugAndTestElement = "DebugAndTestParameters";
+constexpr const char* installationElement = "InstallationPerformanceParameters";
+
 class FieldReader {
 public:
-    explicit FieldReader(Archive& archive) : m_archive(archive) {}
+    explicit FieldReader(XmlReader& archive) : m_archive(archive) {}
 
     // A field gets its value when its element was read whole; until then it keeps the one it had.
     template <class Field>
     void operator()(const char* name, Field& field) {
         Field read{};
-        readElement(m_archive, name, read);
+        m_archive >> make_nvp(name, read);
         field = std::move(read);
     }
     template <class Value>
     void operator()(const char* name, boost::optional<Value>& field) {
-        OptionalRead<Value> read;
-        readElement(m_archive, name, read);
+        StoredOptional<Value> read;
+        m_archive >> make_nvp(name, read);
         field = read.value;
-    }
-    void operator()(const char* name, std::map<std::string, std::int32_t>& field) {
-        MapRead read;
-        readElement(m_archive, name, read);
-        field = std::move(read.value);
     }
     void operator()(const char* name, InstallationPerformanceParameters& field) {
         Object<InstallationPerformanceParameters> object{field};
-        readElement(m_archive, name, object);
+        m_archive >> make_nvp(name, object);
     }
 
 private:
-    Archive& m_archive;
+    XmlReader& m_archive;
 };
 
-template <class Archive>
 class FieldWriter {
 public:
-    explicit FieldWriter(Archive& archive) : m_archive(archive) {}
+    explicit FieldWriter(xml_oarchive& archive) : m_archive(archive) {}
 
     template <class Field>
     void operator()(const char* name, const Field& field) {
@@ -198,8 +151,8 @@ public:
     }
     template <class Value>
     void operator()(const char* name, const boost::optional<Value>& field) {
-        const OptionalWritten<Value> optional{field};
-        m_archive << make_nvp(name, optional);
+        const StoredOptional<Value> stored{field};
+        m_archive << make_nvp(name, stored);
     }
     void operator()(const char* name, const InstallationPerformanceParameters& field) {
         const Object<const InstallationPerformanceParameters> object{field};
@@ -207,19 +160,15 @@ public:
     }
 
 private:
-    Archive& m_archive;
+    xml_oarchive& m_archive;
 };
 
 template <class Parameters>
 void readObject(std::istream& stream, const char* name, Parameters& parameters) {
-    xml_iarchive archive(stream, boost::archive::no_xml_tag_checking); // see readElement
-    archive.get_helper<StreamBelow>().stream = &stream;
+    XmlReader archive(stream);
     Object<Parameters> object{parameters};
-    readElement(archive, name, object);
-    if (!isNext(stream, "/boost_serialization")) {
-        // Found out here: the archive's destructor would, and cannot throw.
-        throwMismatch("/boost_serialization");
-    }
+    archive >> make_nvp(name, object);
+    archive.finish();
 }
 
 template <class Parameters>
@@ -235,10 +184,10 @@ template <class Parameters>
 template <class Archive>
 void Object<Parameters>::serialize(Archive& archive, unsigned int) {
     if constexpr (Archive::is_loading::value) {
-        FieldReader<Archive> reader(archive);
+        FieldReader reader(archive);
         ParametersArchive::visit(parameters, reader);
     } else {
-        FieldWriter<Archive> writer(archive);
+        FieldWriter writer(archive);
         ParametersArchive::visit(parameters, writer);
     }
 }
@@ -260,15 +209,3 @@ void ParametersArchive::write(std::ostream& stream, const InstallationPerformanc
 }
 
 } // namespace Nerix
-
-namespace boost::serialization {
-
-/// The class version that today's library gives to optional values.
-template <class Value>
-struct version<Nerix::OptionalRead<Value>> {
-    using type = mpl::int_<1>;
-    using tag = mpl::integral_c_tag;
-    static constexpr int value = 1;
-};
-
-} // namespace boost::serialization

@@ -16,11 +16,11 @@ class DebugAndTestParameters;
 ///
 /// Booleans are 0 or 1, enumerations their number, the custom parameters a map as the library writes it. An
 /// optional value holds "initialized" and, when that is 1, "item_version" (0) and "value". Today's library
-/// leaves "item_version" out and counts the class of optional values as version 1; both forms are read, the
-/// former written.
+/// leaves "item_version" out and counts the class of optional values as version 1; both forms are read, each with
+/// its version, and the former is written.
 ///
 /// Reading throws when an element is missing, out of place or malformed; fields before it keep what was read.
-/// Both throw boost::archive::archive_exception, a std::exception. A stream to read from must be seekable; one to
+/// Both throw boost::archive::archive_exception, a std::exception. A stream to
 /// write to must not fail, as that would end the process: write into a text first, as ParametersFile::save does.
 class ParametersArchive {
 public:

@@ -3,7 +3,6 @@
 #include <boost/filesystem/operations.hpp>
 
 #include <cerrno>
-#include <cstdio>
 #include <system_error>
 
 namespace Nerix::ParametersFile {
@@ -13,16 +12,13 @@ std::ifstream open(const std::string& path) {
     return boost::filesystem::is_regular_file(path, error) ? std::ifstream(path) : std::ifstream();
 }
 
-void replace(const std::string& path, const std::string& text) {
-    const std::string anew = path + ".new";
+void write(const std::string& path, const std::string& text) {
     errno = 0;
-    std::ofstream file(anew);
+    std::ofstream file(path);
     file << text;
     file.close();
-    if (!file || std::rename(anew.c_str(), path.c_str()) != 0) {
-        const int error = errno;
-        std::remove(anew.c_str());
-        throw std::system_error(error, std::generic_category(), "cannot write");
+    if (!file) {
+        throw std::system_error(errno, std::generic_category(), "cannot write");
     }
 }
 
