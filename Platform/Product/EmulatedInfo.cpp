@@ -63,10 +63,14 @@ void writeEntry(std::ostream& file, const Entry& entry) {
     file << entry.key << ':' << entry.value << '\n';
 }
 
-/// A text that an entry could not give back is refused before the file is touched.
-void throwIfUnreadable(const std::string& text, const char* failure) {
-    if (text.empty() || text.find_first_of(":\n") != std::string::npos) {
-        BOOST_THROW_EXCEPTION(GenericException() << errinfo_description(failure) << errinfo_string(text));
+/// A text that would not make one entry is refused before the file is changed.
+void throwIfNoEntry(const std::string& text) {
+    if (text.empty() || text.find('\n') != std::string::npos) {
+        BOOST_THROW_EXCEPTION(
+            GenericException()
+            << errinfo_description(
+                   "Can't store an empty text, or one with a line break, in EmulatedInfo.txt.")
+            << errinfo_string(text));
     }
 }
 
@@ -132,9 +136,9 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
 
 void setEmulatedInfoValue(const std::string& key, const std::string& value) {
     breakIfProductionAndNotDebug();
-    throwIfUnreadable(key, "Failed getting emulatedInfoKey.");
-    throwIfUnreadable(value, "Failed getting emulatedInfoValue.");
     ensureEmulatedInfoFileExists();
+    throwIfNoEntry(key);
+    throwIfNoEntry(value);
     const path file = IProductInfo::getEmulatedInfoPath();
     if (isMissing(file)) {
         BOOST_THROW_EXCEPTION(GenericException()

@@ -19,7 +19,10 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key);
 /// Makes the entry the last of the file, in place of an earlier one; makes the file when there is none. It is
 /// written to "helper.txt" beside it, which takes the file's place when it is complete; a failure may leave
 /// that file, and when only the last renaming fails, the entries are in it alone. Throws for a key or value
-/// that is empty or holds a ':' or a line break, and for a line of the file without key or value.
+/// that is empty or holds a line break, and for a line of the file without key or value.
+///
+/// A ':' is stored like any character, but ends the value for whoever reads it; a value that begins with it
+/// makes a line without value, which every later call refuses.
 void setEmulatedInfoValue(const std::string& key, const std::string& value);
 
 /// Makes an empty file, and its directory when only that is missing. What cannot be made shows when it is

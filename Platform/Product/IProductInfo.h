@@ -109,6 +109,16 @@ public:
     // EmulatedInfo.h, which also tells what they throw. A getter gives nothing when there is no file; numbers
     // and the zone throw boost::bad_lexical_cast when the entry is none.
 
+    /// The keys of the entries.
+    static constexpr const char* EMULATED_MODEL_STRING_KEY = "ModelString";
+    static constexpr const char* EMULATED_VERSION_MAJOR_KEY = "VersionMajor";
+    static constexpr const char* EMULATED_VERSION_MINOR_KEY = "VersionMinor";
+    static constexpr const char* EMULATED_DATE_KEY = "Date";
+    static constexpr const char* EMULATED_PARTITION_TXT_FILE_PATH = "PartitionTxtFilePath";
+    static constexpr const char* EMULATED_OTN_ZONE = "OTNZone";
+    static constexpr const char* EMULATED_SUBMICOM_VERSION = "Submicom";
+    static constexpr const char* EMULATED_QORL_SERVICE_ID = "ServiceID";
+
     static void setEmulatedModelString(const std::string& model);
     static boost::optional<std::string> getEmulatedModelString();
     static void setEmulatedMainSoftwareVersionMajor(std::uint16_t major);

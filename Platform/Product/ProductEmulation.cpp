@@ -14,15 +14,6 @@ namespace Nerix::Platform {
 
 namespace {
 
-const char* const EMULATED_MODEL_STRING_KEY = "ModelString";
-const char* const EMULATED_VERSION_MAJOR_KEY = "VersionMajor";
-const char* const EMULATED_VERSION_MINOR_KEY = "VersionMinor";
-const char* const EMULATED_DATE_KEY = "Date";
-const char* const EMULATED_PARTITION_TXT_FILE_PATH = "PartitionTxtFilePath";
-const char* const EMULATED_OTN_ZONE = "OTNZone";
-const char* const EMULATED_SUBMICOM_VERSION = "Submicom";
-const char* const EMULATED_QORL_SERVICE_ID = "ServiceID";
-
 boost::optional<std::uint16_t> getNumber(const char* key) {
     const boost::optional<std::string> text = getEmulatedInfoValue(key);
     if (!text) {

@@ -74,10 +74,16 @@ TEST(EmulatedInfo, BadLinesFailAndLoseNothing) {
             EXPECT_EQ(contentOf(file), content);
         }
         boost::filesystem::ofstream(file) << "A:1\n";
-        for (const char* const value : {"", "two\nlines", "a:b"}) {
-            EXPECT_EQ(failureOf([&] { Info::setEmulatedModelString(value); }), noValue) << value;
+        for (const char* const value : {"", "two\nlines"}) {
+            EXPECT_EQ(failureOf([&] { Info::setEmulatedModelString(value); }),
+                      "Can't store an empty text, or one with a line break, in EmulatedInfo.txt.")
+                << value;
         }
         EXPECT_EQ(contentOf(file), "A:1\n");
+        Info::setEmulatedMainSoftwareVersionDate("2016-01-01:extra");
+        EXPECT_EQ(Info::getEmulatedMainSoftwareVersionDate(), std::string("2016-01-01"));
+        Info::setEmulatedOTNZone(':');
+        EXPECT_EQ(contentOf(file), "A:1\nDate:2016-01-01\nOTNZone::\n");
     });
 }
 
