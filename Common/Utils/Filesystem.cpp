@@ -43,7 +43,7 @@ bool exists_any(const boost::filesystem::path& p) {
         const boost::filesystem::file_type type = boost::filesystem::symlink_status(p).type();
         return type != boost::filesystem::status_error && type != boost::filesystem::file_not_found;
     } catch (...) {
-        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+        NERIX_RETHROW_WITH_CONTEXT("Path: ", p);
     }
 }
 
@@ -51,7 +51,7 @@ bool is_directory(const boost::filesystem::path& p) {
     try {
         return boost::filesystem::symlink_status(p).type() == boost::filesystem::directory_file;
     } catch (...) {
-        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+        NERIX_RETHROW_WITH_CONTEXT("Path: ", p);
     }
 }
 
@@ -59,7 +59,7 @@ bool is_regular_file(const boost::filesystem::path& p) {
     try {
         return boost::filesystem::symlink_status(p).type() == boost::filesystem::regular_file;
     } catch (...) {
-        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+        NERIX_RETHROW_WITH_CONTEXT("Path: ", p);
     }
 }
 
@@ -67,7 +67,7 @@ bool is_symlink(const boost::filesystem::path& p) {
     try {
         return boost::filesystem::symlink_status(p).type() == boost::filesystem::symlink_file;
     } catch (...) {
-        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+        NERIX_RETHROW_WITH_CONTEXT("Path: ", p);
     }
 }
 
@@ -75,7 +75,7 @@ bool remove(const boost::filesystem::path& p) {
     try {
         return boost::filesystem::remove(p);
     } catch (...) {
-        NERIX_RETHROW_WITH_CONTEXT("Path: " << p);
+        NERIX_RETHROW_WITH_CONTEXT("Path: ", p);
     }
 }
 
@@ -83,7 +83,7 @@ void rename(const boost::filesystem::path& from, const boost::filesystem::path& 
     try {
         boost::filesystem::rename(from, to);
     } catch (...) {
-        NERIX_RETHROW_WITH_CONTEXT("Old path: " << from << ", new path: " << to);
+        NERIX_RETHROW_WITH_CONTEXT("Old path: ", from, ", new path: ", to);
     }
 }
 
@@ -91,7 +91,7 @@ boost::filesystem::path canonical(const boost::filesystem::path& p, const boost:
     try {
         return boost::filesystem::canonical(p, base);
     } catch (...) {
-        NERIX_RETHROW_WITH_CONTEXT("Path: " << p << ", base: " << base);
+        NERIX_RETHROW_WITH_CONTEXT("Path: ", p, ", base: ", base);
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Assert.h"
-#include "Common/Utils/Errors.h"
 #include "Common/Utils/ThreadInterrupted.h"
 
 #include <boost/exception/get_error_info.hpp>
@@ -47,6 +46,14 @@ void RethrowExceptionStream::rethrow() const {
         boost::rethrow_exception(m_exception);
     }
     throw;
+}
+
+void rethrowWithContext(const char* function, const char* file, int line, const std::string& details) {
+    {
+        RethrowExceptionStream stream;
+        stream.getStream() << " -> " << function << " (" << file << ":" << line << ") " << details;
+    }
+    __builtin_unreachable(); // the stream leaves by throwing
 }
 
 } // namespace Nerix::Common::Utils

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "Common/Utils/Errors.h"
+
 #include <boost/exception_ptr.hpp>
 
 #include <ostream>
 #include <sstream>
+#include <string>
 
 namespace Nerix::Common::Utils {
 
@@ -11,7 +14,7 @@ namespace Nerix::Common::Utils {
 /// handles the exception, and leaves it by throwing:
 ///
 ///     } catch (...) {
-///         NERIX_RETHROW_WITH_CONTEXT("Path: " << path);
+///         NERIX_RETHROW_WITH_CONTEXT("Path: ", path);
 ///     }
 ///
 /// The line goes in front of the exception's errinfo_rethrows entry. A boost::thread_interrupted, which has
@@ -43,17 +46,14 @@ private:
     int m_uncaughtAtStart; ///< tells leaving by an exception of the context line from leaving normally
 };
 
+/// Rethrows the exception being handled with the context line " -> function (file:line) details". What the macro below
+/// calls; called by itself where the handler of a function stands in another one.
+[[noreturn]] void rethrowWithContext(const char* function, const char* file, int line,
+                                     const std::string& details);
+
 } // namespace Nerix::Common::Utils
 
-/// Ends a catch-all handler: rethrows with " -> function (file:line) " and the details, which are written as
-/// by stream << details.
-#define NERIX_RETHROW_WITH_CONTEXT(details)                                                                  \
-    do {                                                                                                     \
-        {                                                                                                    \
-            ::Nerix::Common::Utils::RethrowExceptionStream rethrowStream_;                                   \
-            rethrowStream_.getStream()                                                                       \
-                << " -> " << __PRETTY_FUNCTION__ << " (" << __FILE__ << ":" << __LINE__ << ") "              \
-                << details; /* NOLINT(bugprone-macro-parentheses) */                                         \
-        }                                                                                                    \
-        __builtin_unreachable();                                                                             \
-    } while (false)
+/// Ends a catch-all handler: rethrows with " -> function (file:line) " and the details, composed as by errinfo_stream.
+#define NERIX_RETHROW_WITH_CONTEXT(...)                                                                      \
+    ::Nerix::Common::Utils::rethrowWithContext(__PRETTY_FUNCTION__, __FILE__, __LINE__,                      \
+                                               ::Nerix::Common::Utils::errinfo_stream(__VA_ARGS__).value())

@@ -6,8 +6,8 @@
 /// drives them, getProgress alone may be called from any thread.
 ///
 /// hashMethod is "none", "trivial", "sha1" or "md5". The crypto set-up (SINGLETON_OPENSSL_INITIALIZER) must
-/// be registered for as long as a verification runs, and the product be initialised: if it is not,
-/// ProductUninitializedException is thrown when result and progress were already published as for a run.
+/// be registered for as long as a verification runs, and the product be initialised: if it is not, a start throws
+/// ProductUninitializedException, with "ERROR" published as its result.
 namespace Nerix::HashVerifierAPI {
 
 /// Starts hashing the tree at path and returns while it runs. A relative path is taken from the current

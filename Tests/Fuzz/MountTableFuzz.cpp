@@ -12,8 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
         return true;
     }();
     static_cast<void>(isReady);
-    std::istringstream table(std::string(reinterpret_cast<const char*>(data), size));
-    const Nerix::MountPoints mounts(table);
+    const Nerix::MountPoints mounts(
+        std::istringstream(std::string(reinterpret_cast<const char*>(data), size)));
     const std::string usb = mounts.findUSB();
     if (!usb.empty() && !mounts.isMountPoint(usb)) {
         __builtin_trap();

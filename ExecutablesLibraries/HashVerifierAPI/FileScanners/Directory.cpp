@@ -46,12 +46,12 @@ std::string pathInside(const std::string& directory, const std::string& name) {
     return path;
 }
 
-/// Logs the exception being handled and rethrows it with its context. Apart from the walk, so that its streams take no
-/// room on the stack at every level of a deep tree.
-[[noreturn, gnu::noinline]] void passOnFailure() {
+/// Logs the exception being handled and rethrows it with the walk's own function and line as context. Apart from the
+/// walk, so that its streams take no room on the stack at every level of a deep tree.
+[[noreturn, gnu::noinline]] void passOnFailure(const char* function, int line) {
     NERIX_LOG_STREAM(ERR) << "Exception when scanning filesystem: "
                           << boost::current_exception_diagnostic_information(true);
-    NERIX_RETHROW_WITH_CONTEXT("");
+    Common::Utils::rethrowWithContext(function, __FILE__, line, "");
 }
 
 } // namespace
@@ -91,7 +91,7 @@ hash_t Directory::process(const FileInput& entry, hash_t value, const IHashFunct
                 list += '\n';
             }
         } catch (...) {
-            passOnFailure();
+            passOnFailure(__PRETTY_FUNCTION__, __LINE__);
         }
     }
     value = function.apply(value, list);

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <sys/xattr.h>
@@ -38,26 +39,46 @@ void appendTokens(std::string& text, const ModeToken (&tokens)[count], mode_t mo
     text += '\n';
 }
 
+/// The list of an entry's attribute names: how many bytes the system announced, and those that it delivered.
+struct NameList {
+    std::size_t announced = 0;
+    std::vector<char> delivered;
+
+    bool isAsAnnounced() const { return delivered.size() == announced; }
+};
+
+NameList readNameList(const FileInput& entry) {
+    NameList list;
+    const auto checked = [&](ssize_t size) {
+        if (size < 0) {
+            BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream(
+                                      "access error: can't read xattrs for file: ", entry.path));
+        }
+        return static_cast<std::size_t>(size);
+    };
+    list.announced = checked(::llistxattr(entry.path.c_str(), nullptr, 0));
+    if (list.announced != 0) {
+        list.delivered.resize(list.announced);
+        list.delivered.resize(
+            checked(::llistxattr(entry.path.c_str(), list.delivered.data(), list.announced)));
+    }
+    return list;
+}
+
 /// Fills names with the names of the entry's attributes, sorted by their bytes.
 void listxattr(const FileInput& entry, std::vector<std::string>& names) {
-    const ssize_t size = ::llistxattr(entry.path.c_str(), nullptr, 0);
-    if (size < 0) {
-        BOOST_THROW_EXCEPTION(GenericException()
-                              << errinfo_stream("access error: can't read xattrs for file: ", entry.path));
+    NameList list = readNameList(entry);
+    if (!list.isAsAnnounced()) {
+        // An overlay file system announces the names that it hides, each time. What differs twice alike is the file
+        // system's way; anything else is a change.
+        const NameList first = std::move(list);
+        list = readNameList(entry);
+        if (list.announced != first.announced || list.delivered.size() != first.delivered.size()) {
+            BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream(
+                                      "concurrent access: can't read xattrs for file: ", entry.path));
+        }
     }
-    if (size == 0) {
-        return;
-    }
-    std::vector<char> buffer(static_cast<std::size_t>(size));
-    const ssize_t read = ::llistxattr(entry.path.c_str(), buffer.data(), buffer.size());
-    if (read < 0) {
-        BOOST_THROW_EXCEPTION(GenericException()
-                              << errinfo_stream("access error: can't read xattrs for file: ", entry.path));
-    }
-    if (read != size) {
-        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream(
-                                  "concurrent access: can't read xattrs for file: ", entry.path));
-    }
+    const std::vector<char>& buffer = list.delivered;
     for (auto name = buffer.begin(); name != buffer.end();) {
         const auto end = std::find(name, buffer.end(), '\0');
         names.emplace_back(name, end);

@@ -3,25 +3,36 @@
 #include "Common/Utils/Filesystem.h"
 #include "Platform/Product/IProductInfo.h"
 
+#include <algorithm>
 #include <fstream>
-#include <sstream>
 
 namespace Nerix {
 
+namespace {
+
+/// Takes the first word off line. Blanks alone separate words: a name may hold any other white space, and the kernel
+/// escapes only blank, tab, line feed and backslash.
+std::string takeWord(std::string& line) {
+    const std::size_t begin = std::min(line.find_first_not_of(" \t"), line.size());
+    const std::size_t end = std::min(line.find_first_of(" \t", begin), line.size());
+    std::string word = line.substr(begin, end - begin);
+    line.erase(0, end);
+    return word;
+}
+
+} // namespace
+
 MountPoints& MountPoints::getInstance() {
-    static MountPoints instance = [] {
-        std::ifstream table("/proc/mounts");
-        return MountPoints(table);
-    }();
+    static MountPoints instance;
     return instance;
 }
 
-MountPoints::MountPoints(std::istream& table) {
+MountPoints::MountPoints() : MountPoints(std::ifstream("/proc/mounts")) {}
+
+MountPoints::MountPoints(std::istream&& table) {
     for (std::string line; std::getline(table, line);) {
-        std::istringstream words(line);
-        std::string device;
-        std::string directory;
-        words >> device >> directory;
+        const std::string device = takeWord(line);
+        const std::string directory = takeWord(line);
         if (directory != "/") {
             m_mountOrder.push_back(directory);
             m_mountPoints[directory] = device;
@@ -33,6 +44,7 @@ std::string MountPoints::findUSB() const {
     using Common::Utils::filesystem::pathStartsWith;
     using Platform::IProductInfo;
     const std::string root = IProductInfo::getFileSystemRootPath();
+    // An empty root stands for "/": joined to nothing, "media/" would be a relative path and match no mount directory.
     const boost::filesystem::path media = boost::filesystem::path(root.empty() ? "/" : root) / "media/";
     const boost::filesystem::path usb = IProductInfo::getUSBMountPath();
     std::string found;

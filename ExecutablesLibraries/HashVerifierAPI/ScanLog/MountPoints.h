@@ -13,13 +13,15 @@ namespace Nerix {
 /// out, so that a walk of "/" does not stop at once. Immutable after creation; any thread may ask.
 class MountPoints : private boost::noncopyable {
 public:
-    /// The table of this process, read from /proc/mounts when first asked for; empty when that cannot be
-    /// read.
+    /// The table of this process, read when first asked for.
     static MountPoints& getInstance();
 
-    /// Reads lines whose first two words are device and mount directory; the rest of a line does not matter.
-    /// Escapes such as \040 are not decoded.
-    explicit MountPoints(std::istream& table);
+    /// Reads /proc/mounts; the table is empty when that cannot be read.
+    MountPoints();
+
+    /// Reads lines whose first two words, separated by blanks, are device and mount directory; the rest of a line does
+    /// not matter. Escapes such as \040 are not decoded.
+    explicit MountPoints(std::istream&& table);
 
     /// Whether something is mounted on the directory, spelled exactly as in the table.
     bool isMountPoint(const std::string& directory) const { return m_mountPoints.count(directory) != 0; }

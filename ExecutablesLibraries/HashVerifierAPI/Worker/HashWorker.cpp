@@ -3,6 +3,7 @@
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Assert.h"
 #include "Common/Utils/Errors.h"
+#include "Common/Utils/TerminationSignals.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
@@ -38,6 +39,13 @@ const std::string resultKey = "db/menu/support/softwareupdate/hashverifier_resul
 /// Bytes for the worker's thread. Every directory on the way down takes a frame, and a path has room for two
 /// thousand; the default hangs on the limits of whoever starts the process, and may be too small.
 constexpr std::size_t stackSize = std::size_t{8} << 20U;
+
+/// A signal that ends the process ends the run first, as a failure at the next step or entry.
+void throwIfProcessEnds() {
+    if (const int signal = Common::Utils::terminationSignal()) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("ended by signal ", signal));
+    }
+}
 
 /// For handlers on the worker's thread, which must not end the process.
 void logCurrentException(LoggingClass::Level level, const char* what) noexcept {
@@ -141,11 +149,13 @@ std::string HashWorker::getProgress() const {
 }
 
 void HashWorker::log(unsigned long long bytes) {
+    throwIfProcessEnds();
     m_currentBytes += bytes;
     onProgress();
 }
 
 void HashWorker::log(const FileInput& entry, unsigned long long value) {
+    throwIfProcessEnds();
     const std::string record = scanRecord(value, entry.path.native());
     if (m_logFile.is_open()) {
         m_logFile << record << '\n';

@@ -49,8 +49,9 @@ public:
     ///
     /// Throws with nothing changed: GenericException "verification is already started" or "can't read filesystem
     /// statistics". Throws with no worker running, and with "ERROR" for the result if it was already published as that
-    /// of a run: VConfException when the settings store refuses, boost::thread_resource_error when there is no thread to
-    /// be had.
+    /// of a run: VConfException when the settings store refuses, ProductUninitializedException before
+    /// IProductInfo::initializeProduct, boost::thread_resource_error when there is no thread to be had. Waits for a
+    /// former worker's last setting first, and throws boost::thread_interrupted when interrupted there.
     HashWorker& start(const FileInput& root, const std::string& hashName);
 
     /// Blocks until the last run has written its last setting and its thread has ended; at once when there is
@@ -69,11 +70,12 @@ public:
     const FileInput& getRoot() const { return m_root; }
 
     /// Hash functions report the bytes of each step; this moves progress inside a long file.
-    /// Throws VConfException when progress cannot be published.
+    /// Throws VConfException when progress cannot be published, GenericException when a signal ends the process
+    /// (see TerminationSignals.h).
     void log(unsigned long long bytes);
 
     /// Scanners report each entry, finished or skipped, with its value: one record of the scan log, and its
-    /// rounded size as work done in place of the bytes reported so far. Throws VConfException as above.
+    /// rounded size as work done in place of the bytes reported so far. Throws as above.
     void log(const FileInput& entry, unsigned long long value);
 
     /// Publishes progress when more than 1 MiB of work was done since the last time.

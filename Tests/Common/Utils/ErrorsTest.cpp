@@ -20,7 +20,7 @@ void throughFrame(const char* name, const std::function<void()>& inner) {
     try {
         inner();
     } catch (...) {
-        NERIX_RETHROW_WITH_CONTEXT("frame " << name);
+        NERIX_RETHROW_WITH_CONTEXT("frame ", name);
     }
 }
 

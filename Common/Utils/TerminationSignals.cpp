@@ -1,0 +1,67 @@
+#include "Common/Utils/TerminationSignals.h"
+
+#include <algorithm>
+#include <atomic>
+#include <csignal>
+#include <ctime>
+
+namespace Nerix::Common::Utils {
+
+namespace {
+
+constexpr int caught[] = {SIGINT, SIGTERM, SIGHUP};
+
+std::atomic<int> remembered{0};
+std::atomic<unsigned int> firstTime{0}; ///< in milliseconds, of a clock that wraps; 0 until a signal came
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<unsigned int>::is_always_lock_free,
+              "a signal handler writes them");
+
+unsigned int milliseconds() {
+    std::timespec now{};
+    ::clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<unsigned int>(now.tv_sec) * 1000U + static_cast<unsigned int>(now.tv_nsec / 1'000'000);
+}
+
+/// Calls nothing but what a signal handler may.
+void remember(int signal) {
+    constexpr unsigned int sameSignal = 200;
+    const unsigned int now = std::max(milliseconds(), 1U);
+    unsigned int first = 0;
+    if (firstTime.compare_exchange_strong(first, now)) {
+        remembered = signal;
+    } else if (now - first > sameSignal) {
+        std::signal(signal, SIG_DFL);
+        ::raise(signal); // delivered when the handler returns
+    }
+}
+
+} // namespace
+
+void catchTerminationSignals() {
+    struct sigaction action {};
+    action.sa_handler = &remember;
+    action.sa_flags = SA_RESTART; // a call that was interrupted would look like one that failed
+    for (const int signal : caught) {
+        ::sigaddset(&action.sa_mask, signal);
+    }
+    for (const int signal : caught) {
+        struct sigaction before {};
+        ::sigaction(signal, nullptr, &before);
+        if (before.sa_handler != SIG_IGN) {
+            ::sigaction(signal, &action, nullptr);
+        }
+    }
+}
+
+int terminationSignal() noexcept {
+    return remembered.load(std::memory_order_relaxed);
+}
+
+void endByTerminationSignal() {
+    if (const int signal = terminationSignal()) {
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+    }
+}
+
+} // namespace Nerix::Common::Utils
