@@ -58,10 +58,13 @@ RecordLayout layoutOf(LoggingClass::Level level) {
 
 } // namespace
 
-std::string LoggingClass::m_processName;
+std::string& LoggingClass::processName() {
+    static std::string& m_processName = *new std::string;
+    return m_processName;
+}
 
 void LoggingClass::init(const char* programName) {
-    m_processName = std::string(programName) + "-" + packageVersion;
+    processName() = std::string(programName) + "-" + packageVersion;
 }
 
 const char* LoggingClass::shortenPath(const char* path) {
@@ -137,7 +140,7 @@ void LoggingClass::printImpl(const char* tag, const char* thread, std::uint32_t 
     // A record that the platform does not take is lost: there is no other place to report it.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral" // every format of layoutOf takes these four arguments
-    __dlog_print(layout.buffer, layout.priority, tag, layout.format, m_processName.c_str(), thread,
+    __dlog_print(layout.buffer, layout.priority, tag, layout.format, processName().c_str(), thread,
                  recordNumber, text);
 #pragma GCC diagnostic pop
 }

@@ -57,14 +57,25 @@ public:
     /// "VERBOSE" to "FTL", or "UNKNOWN LEVEL". The text is static.
     static const char* logLevelToString(Level level);
 
-private:
+    // The steps of printLines.
+
+    /// A line, as consecutive records of at most maxMessageLength bytes; an empty line is one empty record. end is where
+    /// its terminator stands, or will stand while the line is cut off there.
     static void printChunked(const char* tag, Level level, char* begin, char* end);
+
+    /// One record: takes the next record number and names the calling thread.
     static void smartPrintImpl(const char* tag, Level level, const char* text);
+
+    /// One record as given. A record that the platform does not take is lost.
     static void printImpl(const char* tag, const char* thread, std::uint32_t recordNumber, Level level,
                           const char* text);
+
+    /// The calling thread's kernel id, a blank and its kernel name, cut to size - 1 characters and terminated.
     static void getThreadId(char* buffer, std::size_t size);
 
-    static std::string m_processName;
+private:
+    /// Empty until init. Never destroyed: objects of static storage log before and after all others.
+    static std::string& processName();
 };
 
 } // namespace Nerix::Common::Logging

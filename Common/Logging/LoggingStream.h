@@ -9,8 +9,8 @@
 namespace Nerix::Common::Logging {
 
 /// Collects one message with operator<< and logs it when destroyed, at the end of the statement that made it.
-/// '%' characters in the message are safe. At level NONE everything is discarded, and so is a message whose making
-/// throws.
+/// '%' characters in the message are safe. At level NONE everything is discarded. Of a message whose making throws, what
+/// was collected is logged.
 /// The tag and the file name are not owned and must outlive the object.
 class LoggingStream {
 public:
@@ -25,6 +25,8 @@ public:
     std::ostream& getStream();
 
 private:
+    void print() const;
+
     const char* m_tag;
     const char* m_fileName;
     int m_line;

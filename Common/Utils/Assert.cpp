@@ -4,21 +4,23 @@
 
 #include <boost/assert.hpp>
 
+#include <cstdio>
 #include <cstdlib>
-#include <string>
 
 using Nerix::Common::Logging::LoggingClass;
 
 namespace {
 
-std::string report(const char* expression, const char* function, const char* file, long line) {
-    return std::string("ASSERTION FAILED: ") + expression + ", " + function + ", " +
-           LoggingClass::shortenPath(file) + ":" + std::to_string(line);
-}
-
-[[noreturn]] void reportAndAbort(const std::string& text) {
-    LoggingClass::print(&LoggingClass::printDirect, NERIX_LOG_TAG, LoggingClass::FTL, "%s", text.c_str());
-    NERIX_LOG(FTL, "%s", text.c_str());
+/// noexcept: whatever fails on the way, the process ends. message may be null.
+[[noreturn]] void reportAndAbort(const char* expression, const char* message, const char* function,
+                                 const char* file, long line) noexcept {
+    // On the stack and as long as a message of the log can be: there may be no memory left.
+    char text[16384];
+    std::snprintf(text, sizeof text, "ASSERTION FAILED: %s, %s, %s:%ld%s%s", expression, function,
+                  LoggingClass::shortenPath(file), line,
+                  message == nullptr ? "" : "\nMESSAGE: ", message == nullptr ? "" : message);
+    LoggingClass::print(&LoggingClass::printDirect, NERIX_LOG_TAG, LoggingClass::FTL, "%s", text);
+    NERIX_LOG(FTL, "%s", text);
     std::abort();
 }
 
@@ -29,12 +31,12 @@ namespace boost {
 // Where BOOST_ASSERT and its kin end, as every target is built with BOOST_ENABLE_ASSERT_HANDLER.
 
 void assertion_failed(const char* expr, const char* function, const char* file, long line) {
-    reportAndAbort(report(expr, function, file, line));
+    reportAndAbort(expr, nullptr, function, file, line);
 }
 
 void assertion_failed_msg(const char* expr, const char* msg, const char* function, const char* file,
                           long line) {
-    reportAndAbort(report(expr, function, file, line) + "\nMESSAGE: " + msg);
+    reportAndAbort(expr, msg, function, file, line);
 }
 
 } // namespace boost

@@ -2,7 +2,7 @@
 
 /// Assertions, active in every build. A failed one, ours or one inside Boost, is reported on the system
 /// console, or standard error when there is none, and in the system log, and aborts the process: nothing is
-/// unwound.
+/// unwound, and no failure of the report lets the program go on.
 ///
 ///     NerixAssert(excPtr);
 ///     NerixAssertMsg(lock->try_lock(), "Destroying object when mutex is still locked!");

@@ -1,11 +1,16 @@
 #include "Common/Utils/SingletonsID.h"
 
-#include <map>
+#include <algorithm>
+#include <iterator>
 
 namespace Nerix::Common::Utils {
 
 std::string singletonsIdToString(SingletonsID id) {
-    static const std::map<SingletonsID, std::string> names{
+    // Constants: the register asks for names until the process is gone.
+    static constexpr struct {
+        SingletonsID id;
+        const char* text;
+    } names[] = {
         {USER_DATA_REGISTER, "USER_DATA_REGISTER"},
         {TVS_SIGNAL_DISTRIBUTOR, "TVS_SIGNAL_DISTRIBUTOR"},
         {POWER_OFF_CB_DISTRIBUTOR, "POWER_OFF_CB_DISTRIBUTOR"},
@@ -29,9 +34,11 @@ std::string singletonsIdToString(SingletonsID id) {
         {DUMMY_SINGLETON, "DUMMY_SINGLETON"},
         {DEPENDENT_DUMMY_SINGLETON, "DEPENDENT_DUMMY_SINGLETON"},
     };
-    const auto name = names.find(id);
-    return name != names.end() ? name->second
-                               : "Error: singleton identifier not recognized (" + std::to_string(id) + ")";
+    const auto* const name =
+        std::find_if(std::begin(names), std::end(names), [&](const auto& known) { return known.id == id; });
+    return name != std::end(names)
+               ? name->text
+               : "Error: singleton identifier not recognized (" + std::to_string(id) + ")";
 }
 
 std::ostream& operator<<(std::ostream& stream, SingletonsID id) {

@@ -4,10 +4,18 @@
 
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 namespace Nerix::Tests {
 namespace {
 
 using Common::Logging::LoggingClass;
+
+/// What an object of static storage logs before main, when the logging's own objects may not be there yet.
+const std::string recordOfAGlobal = [] {
+    NERIX_LOG_STREAM(INF) << "global";
+    return FakePlatform::instance().log().back().text;
+}();
 
 class LoggingTest : public testing::Test {
 protected:
@@ -22,17 +30,20 @@ protected:
 TEST_F(LoggingTest, RecordCarriesProcessThreadNumberAndPosition) {
     FakePlatform::instance().reset();
     NERIX_LOG(ERR, "before %d", 1);
+    const auto throwing = []() -> int { throw std::runtime_error("cause"); };
+    EXPECT_THROW(NERIX_LOG_STREAM(WRN) << "half-made " << throwing(), std::runtime_error);
     LoggingClass::init("Program");
     const int line = __LINE__ + 1;
     NERIX_LOG_STREAM(INF) << "100% of " << 2;
     const std::vector<LogRecord> records = FakePlatform::instance().log();
-    ASSERT_EQ(records.size(), 2U);
-    EXPECT_EQ(records[0].text.substr(0, 3), "[][");
+    ASSERT_EQ(records.size(), 3U);
+    EXPECT_EQ(recordOfAGlobal.substr(0, 3), "[][");
     EXPECT_EQ(records[0].buffer, DLOG_BUFFER_SYSTEM);
     EXPECT_EQ(records[0].priority, DLOG_PRIORITY_WARNING) << "ERROR stands for unknown levels";
     EXPECT_EQ(records[0].tag, "org.corvan.tv.nerix.NERIX");
-    EXPECT_EQ(records[1].text.find("[Program-0.348.0][" + std::to_string(::gettid()) + " "), 0U);
-    EXPECT_EQ(records[1].withoutHeader(), "[INF] LoggingTest.cpp:" + std::to_string(line) + ">100% of 2");
+    EXPECT_EQ(records[1].withoutHeader().substr(records[1].withoutHeader().find('>')), ">half-made ");
+    EXPECT_EQ(records[2].text.find("[Program-0.348.0][" + std::to_string(::gettid()) + " "), 0U);
+    EXPECT_EQ(records[2].withoutHeader(), "[INF] LoggingTest.cpp:" + std::to_string(line) + ">100% of 2");
 }
 
 TEST_F(LoggingTest, LongTextsAreCutIntoRecords) {

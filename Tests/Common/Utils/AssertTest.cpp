@@ -4,7 +4,26 @@
 #include <boost/smart_ptr/shared_ptr.hpp>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <new>
 #include <string>
+
+namespace {
+bool isMemoryGone = false;
+}
+
+void* operator new(std::size_t size) {
+    if (void* const memory = isMemoryGone ? nullptr : std::malloc(size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
 
 namespace Nerix::Tests {
 namespace {
@@ -18,6 +37,16 @@ TEST(AssertDeathTest, WithoutConsoleTheReportGoesToStandardErrorAndTheLog) {
                      "one == 2, .*TestBody\\(\\), AssertTest.cpp:[0-9]+\n"
                      "dlog fatal: .*\\[FTL\\] Assert.cpp:[0-9]+>ASSERTION FAILED: one == 2");
     EXPECT_DEATH(NerixAssertMsg(false, "why"), header + "false, .*\nMESSAGE: why\n");
+    EXPECT_DEATH(
+        {
+            isMemoryGone = true;
+            try {
+                NerixAssertMsg(false, "why");
+            } catch (...) {
+                std::_Exit(0);
+            }
+        },
+        header + "false, .*\nMESSAGE: why\n");
 }
 
 TEST(AssertDeathTest, AssertionsInsideBoostEndInTheSameReport) {
