@@ -25,6 +25,8 @@ SRegisterItem::~SRegisterItem() {
         }
         NerixAssertMsg(false, message.c_str());
     }
+    // Not left to the member's own destructor, which runs when interruption is possible again.
+    m_registerable.reset();
 }
 
 void SRegisterItem::incrementNeeded() {

@@ -21,7 +21,7 @@ public:
     SRegisterItem(boost::shared_ptr<RegisterableSingleton> registerable, SingletonsID id,
                   std::list<SingletonsID> requirements);
 
-    /// Destroys the service. Asserts that nobody needs it and nobody holds a SingletonPointer to it.
+    /// Destroys the service, with thread interruption disabled. Asserts that nobody needs it and nobody holds a SingletonPointer to it.
     ~SRegisterItem();
 
     /// The only owning pointer; it lives as long as the item.

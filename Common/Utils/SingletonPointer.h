@@ -8,7 +8,6 @@
 #include <boost/smart_ptr/weak_ptr.hpp>
 
 #include <string>
-#include <utility>
 
 namespace Nerix::Common::Utils {
 
@@ -19,7 +18,10 @@ namespace detail {
 /// What does not depend on the service's type in a SingletonPointer: a named entry among an item's users.
 class SingletonUsage : private boost::noncopyable {
 public:
-    SingletonUsage(const std::string& user, boost::weak_ptr<SRegisterItem> item);
+    /// Adds user to the item's users. A null item has none, and no service.
+    SingletonUsage(const std::string& user, const boost::shared_ptr<SRegisterItem>& item);
+
+    /// Removes user again, if the item still exists.
     ~SingletonUsage();
 
     /// The service, alive at this moment. Asserts that it still exists.
@@ -39,8 +41,9 @@ private:
 template <class T>
 class SingletonPointer : private boost::noncopyable {
 public:
-    SingletonPointer(const std::string& user, boost::weak_ptr<SRegisterItem> item)
-        : m_usage(user, std::move(item)) {}
+    /// For the register, under its lock.
+    SingletonPointer(const std::string& user, const boost::shared_ptr<SRegisterItem>& item)
+        : m_usage(user, item) {}
 
     /// The service; the raw pointer is valid only while the service lives. Asserts that it does.
     T* operator->() const {

@@ -12,9 +12,8 @@ namespace Nerix::Common::Utils {
 template <class T>
 class SingletonServiceGuard : private boost::noncopyable {
 public:
-    explicit SingletonServiceGuard(SingletonsID id) {
+    explicit SingletonServiceGuard(SingletonsID id) : m_id(id) {
         SingletonsRegister::getSingletonsRegister().markNeeded<T>(id);
-        m_id = id; // only now: a guard whose service could not be created has nothing to take back
     }
 
     ~SingletonServiceGuard() {

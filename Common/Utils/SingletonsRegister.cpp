@@ -4,10 +4,6 @@
 #include "Common/Utils/Assert.h"
 #include "Common/Utils/SRegisterItem.h"
 
-#include <boost/thread/lock_guard.hpp>
-
-#include <utility>
-
 namespace Nerix::Common::Utils {
 
 using Lock = boost::lock_guard<boost::recursive_mutex>;
@@ -112,10 +108,8 @@ SingletonsRegister::Item SingletonsRegister::find(SingletonsID id) const {
     return entry == m_items.end() ? Item() : entry->second;
 }
 
-boost::weak_ptr<SRegisterItem>
-SingletonsRegister::addUser(const std::string& user, SingletonsID id,
-                            bool (*isRightType)(const RegisterableSingleton&)) {
-    const Lock map(m_mapMutex);
+const SingletonsRegister::Item&
+SingletonsRegister::require(SingletonsID id, bool (*isRightType)(const RegisterableSingleton&)) const {
     const auto entry = m_items.find(id);
     if (entry == m_items.end()) {
         const std::string message = "Singleton " + singletonsIdToString(id) + " does not exist.";
@@ -125,14 +119,17 @@ SingletonsRegister::addUser(const std::string& user, SingletonsID id,
     if (!isRightType(*item->getRegisterable())) {
         NerixAssertMsg(0, "Singleton's type probably doesn't match with its id");
     }
-    item->incrementUsage(user);
     return item;
 }
 
 namespace detail {
 
-SingletonUsage::SingletonUsage(const std::string& user, boost::weak_ptr<SRegisterItem> item)
-    : m_user(user), m_item(std::move(item)) {}
+SingletonUsage::SingletonUsage(const std::string& user, const boost::shared_ptr<SRegisterItem>& item)
+    : m_user(user), m_item(item) {
+    if (item) {
+        item->incrementUsage(m_user);
+    }
+}
 
 SingletonUsage::~SingletonUsage() {
     if (const boost::shared_ptr<SRegisterItem> item = m_item.lock()) {

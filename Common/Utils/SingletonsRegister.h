@@ -7,6 +7,7 @@
 #include <boost/core/noncopyable.hpp>
 #include <boost/smart_ptr/make_shared.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
+#include <boost/thread/lock_guard.hpp>
 #include <boost/thread/recursive_mutex.hpp>
 
 #include <functional>
@@ -57,7 +58,8 @@ public:
     /// A handle for user to the service registered under id. Asserts that there is one and that it is a T.
     template <class T>
     SingletonPointer<T> getService(const std::string& user, SingletonsID id) {
-        return SingletonPointer<T>(user, addUser(user, id, [](const RegisterableSingleton& service) {
+        const boost::lock_guard<boost::recursive_mutex> map(m_mapMutex);
+        return SingletonPointer<T>(user, require(id, [](const RegisterableSingleton& service) {
                                        // The exact type first: a cast costs more, and every step asks.
                                        return typeid(service) == typeid(T) ||
                                               dynamic_cast<const T*>(&service) != nullptr;
@@ -76,8 +78,9 @@ private:
     void checkRequirements(SingletonsID id, const std::list<SingletonsID>& requirements) const;
     Item find(SingletonsID id) const;
     Item create(SingletonsID id, const std::list<SingletonsID>& requirements, const Factory& factory);
-    boost::weak_ptr<SRegisterItem> addUser(const std::string& user, SingletonsID id,
-                                           bool (*isRightType)(const RegisterableSingleton&));
+
+    /// To be called under the map mutex, which guards the result.
+    const Item& require(SingletonsID id, bool (*isRightType)(const RegisterableSingleton&)) const;
 
     static SingletonsRegister instance;
 

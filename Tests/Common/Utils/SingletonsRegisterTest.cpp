@@ -1,8 +1,10 @@
 #include "Common/Utils/SRegisterItem.h"
 #include "Common/Utils/SingletonServiceGuard.h"
 
+#include <boost/thread/thread.hpp>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <memory>
 
 namespace Nerix::Tests {
@@ -14,7 +16,10 @@ std::vector<std::string> lifeEvents;
 
 struct Service : RegisterableSingleton {
     Service() { lifeEvents.emplace_back("service made"); }
-    ~Service() override { lifeEvents.emplace_back("service gone"); }
+    ~Service() override {
+        lifeEvents.emplace_back("service gone");
+        boost::this_thread::interruption_point(); // of no effect here, and an exception would end the process
+    }
     int answer() const { return 42; }
 };
 
@@ -39,6 +44,14 @@ TEST(SingletonsRegister, GuardsShareOneInstance) {
         EXPECT_EQ(lifeEvents, std::vector<std::string>{"service made"});
     }
     EXPECT_EQ(lifeEvents.back(), "service gone");
+
+    boost::thread interrupted([] {
+        const ServiceGuard guard(DUMMY_SINGLETON);
+        while (!boost::this_thread::interruption_requested()) {
+        }
+    });
+    interrupted.interrupt();
+    interrupted.join();
 }
 
 TEST(SingletonsRegister, RequiredServiceOutlivesItsDependent) {
@@ -53,7 +66,7 @@ TEST(SingletonsRegister, RequiredServiceOutlivesItsDependent) {
 TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
     const ServiceGuard guard(DUMMY_SINGLETON);
     auto shortLived = std::make_unique<ServiceGuard>(G_MAIN_LOOP);
-    const SingletonPointer<Service> dangling("a", boost::weak_ptr<SRegisterItem>());
+    const SingletonPointer<Service> dangling("a", nullptr);
     EXPECT_DEATH(
         theRegister().unmarkNeeded(DUMMY_SINGLETON);
         DependentGuard{TVS_SIGNAL_DISTRIBUTOR},
@@ -75,6 +88,8 @@ TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
             shortLived.reset();
         },
         "MESSAGE: Singleton \\(G_MAIN_LOOP=G_MAIN_LOOP\\) is still used by: \\[<unknown>\\] \\[b\\]");
+    EXPECT_DEATH(std::exit(0), "ASSERTION FAILED: m_needed == 0, .*\ndlog fatal: \\[\\]")
+        << "the register goes with guards in force";
 }
 
 } // namespace
