@@ -1,7 +1,5 @@
 #include "Common/IO/DigestLookup.h"
 
-#include <openssl/err.h>
-
 #include <map>
 #include <memory>
 #include <mutex>
@@ -30,7 +28,6 @@ const EVP_MD* fetchOnce(const std::string& name) {
     // By name first: that knows more spellings than a fetch, and not the digest "null".
     const EVP_MD* const named = EVP_get_digestbyname(name.c_str());
     if (named == nullptr) {
-        ERR_raise(ERR_LIB_EVP, EVP_R_UNSUPPORTED_ALGORITHM); // the look-up leaves no reason
         return nullptr;
     }
     std::unique_ptr<EVP_MD, DigestDeleter> digest(EVP_MD_fetch(nullptr, EVP_MD_get0_name(named), nullptr));

@@ -27,7 +27,11 @@ HashSink::HashSink(const std::string& digestName)
     OpenSSL_add_all_digests();
     m_context = OpenSSLCompat::makeDigestContext();
     const EVP_MD* const digest = lookUpDigest(m_digestName);
-    if (!m_context || digest == nullptr || EVP_DigestInit_ex(m_context.get(), digest, nullptr) != 1) {
+    if (digest == nullptr) {
+        EVP_MD_CTX_reset(
+            m_context.get()); // without a digest the library would start the context's last one again
+    }
+    if (!m_context || EVP_DigestInit_ex(m_context.get(), digest, nullptr) != 1) {
         m_context.reset();
         BOOST_THROW_EXCEPTION(OpenSSLException()
                               << errinfo_description("Can't initialize digest.") << errinfo_subject(*this));

@@ -17,7 +17,7 @@ namespace Nerix::Common::IO {
 /// Computes one message digest of the data pushed into it, with the crypto library. Needs the set-up of
 /// OpenSSLInit in the singletons register for all of its life, and is one of its users: asserts that it is
 /// there. To be destroyed before its thread ends.
-class HashSink final : public ISink, private boost::noncopyable, public Utils::IDebugName {
+class HashSink final : public ISink, public boost::noncopyable, public Utils::IDebugName {
 public:
     /// Ready to receive data for the digest called digestName, as the crypto library names it ("md5", "sha1",
     /// ...). Throws OpenSSLException when the library does not know the name or refuses to start.

@@ -21,14 +21,14 @@ public:
     /// Whether markEndOfData has happened.
     virtual bool endOfDataMarked() = 0;
 
+    /// What every sink calls first in writeChunk and markEndOfData: throws EndOfDataMarkedException, which carries the
+    /// sink as its subject, when the end is marked.
+    void throwIfEndOfDataMarked();
+
 protected:
     ISink() = default;
     ISink(const ISink&) = default;
     ISink& operator=(const ISink&) = default;
-
-    /// What every sink calls first in writeChunk and markEndOfData. The exception carries the sink as its
-    /// subject.
-    void throwIfEndOfDataMarked();
 };
 
 } // namespace Nerix::Common::IO

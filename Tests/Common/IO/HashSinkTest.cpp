@@ -1,6 +1,7 @@
 #include "Common/IO/HashSink.h"
 
 #include "Common/IO/IOExceptions.h"
+#include "Common/IO/OpenSSLException.h"
 #include "Common/Utils/Encoding.h"
 #include "Common/Utils/Errors.h"
 #include "Common/Utils/SingletonServiceGuard.h"
@@ -33,6 +34,22 @@ TEST(HashSink, EndedSinkKeepsItsDigestAndRefusesData) {
         EXPECT_EQ((*boost::get_error_info<boost::error_info<tag_errinfo_subject, std::string>>(exception)),
                   "HashSink(md5)");
     }
+}
+
+TEST(HashSink, UnknownDigestFailsWithTheLibrarysReasonWhateverCameBefore) {
+    const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
+    EXPECT_EQ(HashSink("md5").getHash().size(), 16U);
+    EXPECT_EQ(HashSink("sha1").getHash().size(), 20U);
+    try {
+        const HashSink sink("md6");
+        FAIL();
+    } catch (const Encoding::OpenSSLException& exception) {
+        EXPECT_EQ(*boost::get_error_info<errinfo_description>(exception), "Can't initialize digest.");
+        EXPECT_EQ((*boost::get_error_info<boost::error_info<tag_errinfo_subject, std::string>>(exception)),
+                  "HashSink(md6)");
+        EXPECT_NE(exception.getErrors().find("no digest set"), std::string::npos) << exception.getErrors();
+    }
+    EXPECT_STREQ(Encoding::OpenSSLException().what(), "No error info provided by OpenSSL.");
 }
 
 TEST(HashSinkDeathTest, WithoutTheSetUpTheRegisterAsserts) {
