@@ -5,10 +5,22 @@
 
 namespace Nerix::Common::Utils {
 
+namespace {
+
+// strerror_r comes in two forms. GNU's returns the text, which need not be in the buffer; that of POSIX fills the buffer
+// and returns a code.
+[[maybe_unused]] const char* messageOf(const char* text, const char*) {
+    return text;
+}
+[[maybe_unused]] const char* messageOf(int, const char* buffer) {
+    return buffer;
+}
+
+} // namespace
+
 std::string get_string_from_errno(int errnum) {
-    char buffer[512];
-    // The GNU form: returns the text, which need not be in the buffer.
-    const char* const message = ::strerror_r(errnum, buffer, sizeof buffer);
+    char buffer[512] = "";
+    const char* const message = messageOf(::strerror_r(errnum, buffer, sizeof buffer), buffer);
     return " errno=" + std::to_string(errnum) + " (" + message + ")";
 }
 

@@ -13,11 +13,10 @@ namespace Nerix::Common::Utils {
 
 namespace {
 
-/// Opens take the lowest free descriptor, so filling from 0 upwards puts each file in its place.
-void fillIfClosed(int descriptor, int flags) {
-    if (::fcntl(descriptor, F_GETFD) == -1 && errno == EBADF) {
-        ::open("/dev/null", flags); // stays open as the standard descriptor
-    }
+/// Opens take the lowest free descriptor, so filling from 0 upwards puts each file in its place, where it stays.
+bool fillIfClosed(int descriptor, int flags) {
+    const bool isClosed = ::fcntl(descriptor, F_GETFD) == -1 && errno == EBADF;
+    return !isClosed || ::open("/dev/null", flags) == descriptor;
 }
 
 bool tryWrite(const std::string& text, int& cause) {
@@ -29,11 +28,16 @@ bool tryWrite(const std::string& text, int& cause) {
 
 } // namespace
 
-void secureStandardStreams() {
-    fillIfClosed(STDIN_FILENO, O_RDONLY);
-    fillIfClosed(STDOUT_FILENO, O_RDONLY);
-    fillIfClosed(STDERR_FILENO, O_WRONLY);
+bool secureStandardStreams() {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    if (fillIfClosed(STDIN_FILENO, O_RDONLY) && fillIfClosed(STDOUT_FILENO, O_RDONLY) &&
+        fillIfClosed(STDERR_FILENO, O_WRONLY)) {
+        return true;
+    }
+    std::cerr << "cannot open /dev/null in place of a standard stream that is closed:"
+              << get_string_from_errno(errno) << std::endl;
+    return false;
 }
 
 void writeToStandardOutput(const std::string& text) {

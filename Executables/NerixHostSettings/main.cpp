@@ -80,7 +80,9 @@ int get(const std::string& key) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-    Nerix::Common::Utils::secureStandardStreams();
+    if (!Nerix::Common::Utils::secureStandardStreams()) {
+        return EXIT_FAILURE;
+    }
     const std::vector<std::string> words(argv + 1, argv + argc);
     std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // output that is lost is a failure
     try {

@@ -4,6 +4,7 @@
 #include "Common/Logging/PackageVersion.h"
 #include "Common/Utils/SingletonServiceGuard.h"
 #include "Common/Utils/StandardStreams.h"
+#include "Common/Utils/TerminationSignals.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 #include "Platform/Product/IProductInfo.h"
@@ -18,6 +19,9 @@
 #include <cstdlib>
 #include <sstream>
 #include <string>
+
+#include <malloc.h>
+#include <sys/resource.h>
 
 namespace options = boost::program_options;
 
@@ -71,10 +75,15 @@ void reportCurrentException() {
                                       "\n  -- see dlog for details\n");
 }
 
-} // namespace
+/// A thread's own heap wants 64 MiB of address space at once. Where that is limited, all threads share one.
+void shareHeapIfSpaceIsLimited() {
+    rlimit space{};
+    if (::getrlimit(RLIMIT_AS, &space) == 0 && space.rlim_cur != RLIM_INFINITY) {
+        ::mallopt(M_ARENA_MAX, 1);
+    }
+}
 
-int main(int argc, char* argv[]) {
-    Nerix::Common::Utils::secureStandardStreams();
+int verify(int argc, char* argv[]) {
     LoggingClass::init(programName);
     Nerix::Common::Debug::ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
     options::options_description outer(options::options_description::m_default_line_length,
@@ -89,4 +98,17 @@ int main(int argc, char* argv[]) {
         reportCurrentException();
         return EXIT_FAILURE;
     }
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    if (!Nerix::Common::Utils::secureStandardStreams()) {
+        return EXIT_FAILURE;
+    }
+    shareHeapIfSpaceIsLimited();
+    Nerix::Common::Utils::catchTerminationSignals();
+    const int status = verify(argc, argv);
+    Nerix::Common::Utils::endByTerminationSignal();
+    return status;
 }
