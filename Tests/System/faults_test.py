@@ -16,7 +16,7 @@ import subprocess
 import threading
 import time
 
-from harness import PROGRAM, SANITIZED, SETTINGS, SystemTest, enter_own_mounts, main
+from harness import NO_MOUNTS, PROGRAM, SANITIZED, SETTINGS, SystemTest, main
 from tree_value import Model
 
 ALL = os.environ.get("NERIX_ALL_FAULTS") == "1"
@@ -27,8 +27,6 @@ ERRORS = ["EIO", "ENOMEM", "EACCES", "EINTR"]
 MARKER = "fcntl(0, F_GETFD"
 # Answers a read with one byte, an x, and leaves the file where it was.
 SHORT = "retval=1:poke_exit=@arg2=78"
-
-NO_MOUNTS = enter_own_mounts()
 
 
 class Faults(SystemTest):

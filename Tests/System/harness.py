@@ -13,28 +13,77 @@ import tempfile
 import unittest
 
 BUILD = os.path.abspath(sys.argv[1])
+PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+SANITIZED = BUILD.endswith(("asan", "tsan"))
 PROGRAM = os.path.join(BUILD, "Executables/NerixVerifierHash/NerixVerifierHash")
 SETTINGS = os.path.join(BUILD, "Executables/NerixHostSettings/NerixHostSettings")
-SANITIZED = BUILD.endswith(("asan", "tsan"))
+
 PREFIX = "menu/support/softwareupdate/hashverifier_"
 REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog for details\n", re.DOTALL)
 RECORD = re.compile(rb"\[INF\] HashWorker\.cpp:\d+>([0-9a-f]{16} \".*)")
 
 
 def enter_own_mounts():
-    """Starts the script anew in a mount name space of its own. Returns only there, or with the reason why it cannot."""
-    if "NERIX_OWN_MOUNTS" in os.environ:
+    """Starts the script anew in a mount name space and a root directory of its own, without the machine's drives.
+
+    Returns only there, or with the reason why it cannot. The project is at /nerix there, wherever it lies outside: below
+    /media or /root it would be hidden by what a scenario mounts.
+    """
+    stage = os.environ.get("NERIX_OWN_MOUNTS")
+    if stage == "entered":
         return None
+    if stage:
+        sys.exit(enter_root(stage))
+    place = tempfile.mkdtemp(prefix="nerix-root-")
     flags = ["-m"] if os.geteuid() == 0 else ["-Urm"]
     try:
-        probe = subprocess.run(["unshare", *flags, "mount", "-t", "tmpfs", "none", "/media"], check=False,
-                               capture_output=True, text=True)
+        run = subprocess.run(["unshare", *flags, sys.executable, *sys.argv], check=False,
+                             env={**os.environ, "NERIX_OWN_MOUNTS": place})
+        if os.path.exists(os.path.join(place, "entered")):
+            sys.exit(run.returncode)
     except OSError as failure:
-        return f"no private mounts on this machine: {failure}"
-    if probe.returncode != 0:
-        return f"no private mounts on this machine: {probe.stderr.strip()}"
-    os.environ["NERIX_OWN_MOUNTS"] = "yes"
-    return os.execvp("unshare", ["unshare", *flags, sys.executable, *sys.argv])
+        print(failure, file=sys.stderr)
+    finally:
+        shutil.rmtree(place)
+    return "no private mounts on this machine"
+
+
+def enter_root(place):
+    """Leaves what can be seen in the root: everything but the drives, and the project once more. Gives a reason if not."""
+    root = os.path.join(place, "root")
+    built = os.path.join("/nerix-build", os.path.basename(BUILD))
+
+    def mount(*arguments):
+        subprocess.run(["mount", *arguments], check=True)
+
+    def bind(source, target):
+        os.makedirs(root + target)
+        mount("--rbind", source, root + target)
+
+    try:
+        os.mkdir(root)
+        mount("-t", "tmpfs", "none", root)
+        mount("--make-unbindable", root)
+        for entry in os.scandir("/"):
+            if entry.is_symlink():
+                os.symlink(os.readlink(entry.path), root + entry.path)
+            elif entry.is_dir() and entry.name not in ("media", "mnt"):
+                bind(entry.path, entry.path)
+        for empty in ("/media", "/mnt"):
+            os.mkdir(root + empty)
+        bind(PROJECT, "/nerix")
+        bind(BUILD, built)
+        os.mkdir(os.path.join(place, "entered"))
+        os.chroot(root)
+    except (OSError, subprocess.CalledProcessError) as failure:
+        return str(failure)
+    os.chdir("/nerix")
+    os.environ["NERIX_OWN_MOUNTS"] = "entered"
+    script = os.path.join("/nerix", os.path.relpath(os.path.abspath(sys.argv[0]), PROJECT))
+    return os.execv(sys.executable, [sys.executable, script, built, *sys.argv[2:]])
+
+
+NO_MOUNTS = enter_own_mounts()
 
 
 class SystemTest(unittest.TestCase):
@@ -43,7 +92,7 @@ class SystemTest(unittest.TestCase):
     def setUp(self):
         shared = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
         self.home = tempfile.mkdtemp(prefix="nerix-home-", dir=shared)
-        self.work = tempfile.mkdtemp(prefix="nerix-work-", dir=self.work_parent())
+        self.work = tempfile.mkdtemp(prefix="nerix-work-")
         self.addCleanup(shutil.rmtree, self.home, ignore_errors=True)
         self.addCleanup(shutil.rmtree, os.fsencode(self.work), ignore_errors=True)
         self.environment = {"PATH": os.environ["PATH"], "NERIX_PLATFORM_HOME": self.home}
@@ -51,11 +100,8 @@ class SystemTest(unittest.TestCase):
             if name in os.environ:
                 self.environment[name] = os.environ[name]
 
-    def work_parent(self):
-        return None
-
     def mount(self, where, *options, kind="tmpfs"):
-        """Until the end of the case; only after enter_own_mounts()."""
+        """Until the end of the case; only where NO_MOUNTS is None."""
         os.makedirs(where, exist_ok=True)
         arguments = ["--bind", options[0]] if kind == "bind" else ["-t", kind, *options, "none"]
         subprocess.run(["mount", *arguments, where], check=True)
@@ -67,6 +113,11 @@ class SystemTest(unittest.TestCase):
         if "stdout" not in options:
             options["stdout"] = subprocess.PIPE
         return subprocess.run([PROGRAM, *arguments], stderr=subprocess.PIPE, check=False, **options)
+
+    def run_unprivileged(self, *arguments):
+        """Root may read everything: without its capabilities it is held to the permissions of its own files."""
+        drop = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"] if os.geteuid() == 0 else []
+        return subprocess.run([*drop, PROGRAM, *arguments], check=False, env=self.environment, capture_output=True)
 
     def value(self, path, method="md5", **options):
         run = self.run_program("--path", path, "--hash", method, **options)

@@ -44,7 +44,7 @@ def status_text(status):
 
 def mount_directories():
     with open("/proc/self/mounts", "rb") as table:
-        words = [line.split() for line in table]
+        words = [line.split(b" ") for line in table]
     return {line[1] for line in words if len(line) > 1} - {b"/"}
 
 
