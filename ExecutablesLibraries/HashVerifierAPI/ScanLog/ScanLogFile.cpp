@@ -1,10 +1,21 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 
 #include "Common/Logging/Log.h"
+#include "Common/Utils/Errors.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/MountPoints.h"
 
+#include <boost/exception/diagnostic_information.hpp>
+
+#include <cerrno>
 #include <ctime>
+#include <ext/stdio_filebuf.h>
 #include <string>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace Nerix {
 
@@ -28,22 +39,84 @@ std::string fileName() {
     return name;
 }
 
+[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
+    BOOST_THROW_EXCEPTION(Common::Utils::GenericException() << Common::Utils::errinfo_stream(path, reason));
+}
+
+[[noreturn]] void refuseForError(const std::string& path, const char* call) {
+    refuse(path, std::string(": ") + call + Common::Utils::get_string_from_errno(errno));
+}
+
+/// An open descriptor.
+class Descriptor {
+public:
+    explicit Descriptor(int number) : m_number(number) {}
+    ~Descriptor() {
+        if (m_number != -1) {
+            ::close(m_number);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int number() const { return m_number; }
+    int release() { return std::exchange(m_number, -1); }
+
+private:
+    int m_number;
+};
+
+/// The file, empty and locked against other runs for as long as it is open. Anybody may have filled the drive, and the
+/// name is known to the second: what stands there may be a link to a file of ours, a pipe that nobody reads, or a device
+/// that the opening alone would set off.
+std::fstream create(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
+        refuse(path, " is not a regular file");
+    }
+    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666));
+    if (file.number() == -1) {
+        refuseForError(path, "open");
+    }
+    if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        refuse(path, " is not a regular file");
+    }
+    // Not when it is opened: a run of the same second would lose its records.
+    if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
+        if (errno == EWOULDBLOCK) {
+            refuse(path, " is the scan log of another run");
+        }
+        refuseForError(path, "flock");
+    }
+    if (::ftruncate(file.number(), 0) != 0) {
+        refuseForError(path, "ftruncate");
+    }
+    // The standard streams take no descriptor; those of this library do by way of this buffer.
+    __gnu_cxx::stdio_filebuf<char> buffer(file.number(), std::ios_base::out);
+    if (!buffer.is_open()) {
+        refuseForError(path, "fdopen");
+    }
+    file.release();
+    std::fstream stream;
+    *stream.rdbuf() = std::move(buffer);
+    return stream;
+}
+
 } // namespace
 
-void openScanLog(std::fstream& file) {
-    if (file.is_open()) {
-        file.close(); // opening an open file fails without a sign, and its records would be lost
-    }
+std::fstream openScanLog() {
     const std::string usb = MountPoints::getInstance().findUSB();
     if (usb.empty()) {
-        return;
+        return {};
     }
     const std::string path = usb + fileName();
     NERIX_LOG(INF, "Detected USB drive '%s'. Create log file: %s", usb.c_str(), path.c_str());
-    file.clear(); // the failures of a former run's file
-    file.open(path, std::ios_base::out);
-    if (!file.is_open()) {
+    try {
+        return create(path);
+    } catch (const Common::Utils::GenericException&) {
+        NERIX_LOG_STREAM(WRN) << boost::current_exception_diagnostic_information(true);
         NERIX_LOG(WRN, "Can't write to USB drive '%s'... using DLOG.", usb.c_str());
+        return {};
     }
 }
 

@@ -4,11 +4,13 @@
 
 namespace Nerix {
 
-/// Opens the scan log of a run that starts now on the USB drive, when one is mounted, under the local date
-/// and time: "NerixVerifierHash-20261122-213000.log". An older file of that name is truncated. The file stays
-/// closed when there is no drive, or, with a warning in the system log, when it cannot be created; records
-/// then go to the system log. Throws ProductUninitializedException before
+/// The scan log of a run that starts now, on the USB drive when one is mounted, under the local date and time:
+/// "NerixVerifierHash-20261122-213000.log". An older file of that name is truncated, unless another run still writes it.
+///
+/// The result is closed when there is no drive, or, with warnings in the system log that say why, when the file cannot be
+/// used: it cannot be created, another run writes it, or what stands in its place is no regular file (a link is not
+/// followed). Records then go to the system log. Throws ProductUninitializedException before
 /// IProductInfo::initializeProduct.
-void openScanLog(std::fstream& file);
+std::fstream openScanLog();
 
 } // namespace Nerix

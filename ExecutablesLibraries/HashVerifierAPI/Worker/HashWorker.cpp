@@ -106,7 +106,7 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
     IVConf::setString(resultKey, "00000111");
     try {
         IVConf::setString(progressKey, "0.0");
-        openScanLog(m_logFile);
+        m_logFile = openScanLog();
         launch();
     } catch (...) {
         shutdown("ERROR"); // whoever waits for the end of the run would wait for ever
