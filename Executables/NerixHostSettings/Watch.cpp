@@ -1,5 +1,6 @@
 #include "Executables/NerixHostSettings/Watch.h"
 
+#include "Platform/Host/EscapedText.h"
 #include "Platform/Host/SettingsStore.h"
 
 #include <algorithm>
@@ -16,6 +17,7 @@ namespace Nerix {
 
 namespace {
 
+using Platform::Host::escaped;
 using Platform::Host::SettingsStore;
 using Platform::Host::SettingType;
 
@@ -25,13 +27,20 @@ void interrupt(int) {
     interrupted = 1;
 }
 
+constexpr const char* statusKey = "memory/menu/support/softwareupdate/hashverifier_status";
+constexpr const char* progressKey = "memory/menu/support/softwareupdate/hashverifier_progress";
+constexpr const char* resultKey = "db/menu/support/softwareupdate/hashverifier_result";
+
 struct Shown {
     std::string status;
     std::string progress;
     std::string result;
 
     /// The result is published as this before the status, so a run is under way from then on.
-    bool isRunning() const { return status == "active" || result == "00000111"; }
+    bool isRunning() const { return status == "active" || (result == "00000111" && status != killed); }
+
+    /// In place of the status that a run left behind when it was killed.
+    static constexpr const char* killed = "killed";
 
     bool operator!=(const Shown& other) const {
         return status != other.status || progress != other.progress || result != other.result;
@@ -48,9 +57,12 @@ std::string read(const char* key) {
 }
 
 Shown readAll() {
-    return {read("memory/menu/support/softwareupdate/hashverifier_status"),
-            read("memory/menu/support/softwareupdate/hashverifier_progress"),
-            read("db/menu/support/softwareupdate/hashverifier_result")};
+    Shown shown{read(statusKey), read(progressKey), read(resultKey)};
+    SettingsStore& store = SettingsStore::instance();
+    if (shown.isRunning() && store.isWriterGone(shown.status == "active" ? statusKey : resultKey)) {
+        shown.status = Shown::killed;
+    }
+    return shown;
 }
 
 std::string bar(const std::string& progress) {
@@ -63,9 +75,9 @@ std::string bar(const std::string& progress) {
 
 void draw(const Shown& shown, bool isTerminal) {
     const std::string padding(shown.progress.size() < 6 ? 6 - shown.progress.size() : 0, ' ');
-    std::cout << (isTerminal ? "\r" : "") << (shown.status.empty() ? "no run yet" : shown.status) << ' '
-              << padding << shown.progress << " % " << bar(shown.progress) << ' ' << shown.result
-              << (isTerminal ? "\x1b[K" : "\n") << std::flush;
+    std::cout << (isTerminal ? "\r" : "") << (shown.status.empty() ? "no run yet" : escaped(shown.status))
+              << ' ' << padding << escaped(shown.progress) << " % " << bar(shown.progress) << ' '
+              << escaped(shown.result) << (isTerminal ? "\x1b[K" : "\n") << std::flush;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "Common/Utils/StandardStreams.h"
 #include "Executables/NerixHostSettings/Watch.h"
+#include "Platform/Host/EscapedText.h"
 #include "Platform/Host/SettingsStore.h"
 
 #include <algorithm>
@@ -13,6 +14,7 @@
 #include <string>
 #include <vector>
 
+using Nerix::Platform::Host::escaped;
 using Nerix::Platform::Host::Setting;
 using Nerix::Platform::Host::SettingsStore;
 using Nerix::Platform::Host::SettingType;
@@ -47,7 +49,15 @@ std::string valueText(const Setting& setting) {
     case SettingType::Text:
         break;
     }
-    return setting.bytes;
+    return escaped(setting.bytes);
+}
+
+/// A run that was killed leaves its status behind.
+void tellIfKilled(const Setting& setting) {
+    if (setting.type == SettingType::Text && setting.bytes == "active" &&
+        SettingsStore::instance().isWriterGone(setting.key)) {
+        std::cerr << "NerixHostSettings: the run that set " << escaped(setting.key) << " was killed\n";
+    }
 }
 
 std::vector<Setting> allSettings() {
@@ -60,7 +70,8 @@ std::vector<Setting> allSettings() {
 
 int list() {
     for (const Setting& setting : allSettings()) {
-        std::cout << setting.key << " = " << valueText(setting) << '\n';
+        std::cout << escaped(setting.key) << " = " << valueText(setting) << '\n';
+        tellIfKilled(setting);
     }
     std::cout << std::flush;
     return EXIT_SUCCESS;
@@ -70,10 +81,11 @@ int get(const std::string& key) {
     for (const Setting& setting : allSettings()) {
         if (setting.key == key) {
             std::cout << valueText(setting) << std::endl;
+            tellIfKilled(setting);
             return EXIT_SUCCESS;
         }
     }
-    std::cerr << "NerixHostSettings: no setting '" << key << "' in the settings store\n";
+    std::cerr << "NerixHostSettings: no setting '" << escaped(key) << "' in the settings store\n";
     return EXIT_FAILURE;
 }
 

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <charconv>
+#include <cstdint>
 #include <fstream>
 #include <sstream>
 #include <system_error>
@@ -120,6 +121,11 @@ void HostConfiguration::read() {
     std::stringstream content;
     if (!std::filesystem::is_regular_file(m_file, error)) {
         m_fault = m_file.string() + ": " + (error ? error.message() : "is not a regular file");
+        return;
+    }
+    constexpr std::uintmax_t mostBytes = 1U << 20U; // the parser takes forty times the size of the file
+    if (std::filesystem::file_size(m_file, error) > mostBytes) {
+        m_fault = m_file.string() + ": " + (error ? error.message() : "is larger than 1 MiB");
         return;
     }
     if (!readInto(content, m_file)) {

@@ -17,7 +17,7 @@ namespace Nerix::Platform::Host {
 ///     43 = /run/media
 ///
 /// A key that is given but cannot be used is a failure, never a silent default: when the file cannot be read
-/// or is malformed, that goes for every key. Each failure is one line in the system log, naming file and
+/// or is malformed or larger than 1 MiB, that goes for every key. Each failure is one line in the system log, naming file and
 /// line. Immutable; any thread may ask.
 class HostConfiguration {
 public:

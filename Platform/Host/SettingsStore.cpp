@@ -1,17 +1,67 @@
 #include "Platform/Host/SettingsStore.h"
 
 #include "Platform/Host/HostDirectories.h"
+#include "Platform/Host/ProcessIdentity.h"
 #include "Platform/Interfaces/dlog.h"
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
+#include <cstdint>
 #include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace Nerix::Platform::Host {
 
 namespace {
 
 constexpr std::string_view volatilePrefix = "memory/";
+
+/// "le64" for a little-endian machine of 64 bits: LMDB's files are in the machine's own layout.
+std::string layout() {
+    const char* const order = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? "le" : "be";
+    return order + std::to_string(sizeof(void*) * CHAR_BIT);
+}
+
+/// Gives LMDB's lock file its blocks. LMDB maps it before it has any, and on a full disk the first use of the map would end
+/// the process by SIGBUS. 0, or an errno.
+int reserveLockFile(const std::string& store) {
+    constexpr off_t size = 8192; // what LMDB makes it for the 126 readers that it has room for
+    const int file = ::open((store + "-lock").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (file == -1) {
+        return errno;
+    }
+    struct stat status {};
+    int code = ::fstat(file, &status) == 0 ? 0 : errno;
+    constexpr off_t bytesPerBlock = 512;
+    if (code == 0 && off_t{status.st_blocks} * bytesPerBlock < size) {
+        code = ::posix_fallocate(file, 0, size);
+    }
+    ::close(file);
+    return code;
+}
+
+/// Whether the file holds all pages that the store counts: reading one that was cut off would end the process by SIGBUS.
+bool isWhole(MDB_env* environment) {
+    MDB_envinfo info{};
+    MDB_stat pages{};
+    mdb_filehandle_t file = -1;
+    struct stat status {};
+    if (mdb_env_info(environment, &info) != 0 || mdb_env_stat(environment, &pages) != 0 ||
+        mdb_env_get_fd(environment, &file) != 0 || ::fstat(file, &status) != 0) {
+        return false;
+    }
+    return static_cast<std::uint64_t>(status.st_size) >=
+           (std::uint64_t{info.me_last_pgno} + 1) * pages.ms_psize;
+}
+
+bool isDamage(int code) {
+    return code == MDB_CORRUPTED || code == MDB_INVALID || code == MDB_VERSION_MISMATCH ||
+           code == MDB_PAGE_NOTFOUND;
+}
 
 /// Ends with the scope unless committed.
 class Transaction {
@@ -41,6 +91,21 @@ private:
     int m_code = 0;
 };
 
+/// What is stored under a key: the type, the writer's identity up to a zero byte, and the value's bytes.
+struct Record {
+    char type = 0;
+    std::string_view writer;
+    std::string_view bytes;
+};
+
+std::string packed(SettingType type, std::string_view bytes) {
+    static const std::string writer = ProcessIdentity::own();
+    std::string record;
+    record.reserve(1 + writer.size() + 1 + bytes.size());
+    record.append(1, static_cast<char>(type)).append(writer).append(1, '\0').append(bytes);
+    return record;
+}
+
 struct CursorCloser {
     void operator()(MDB_cursor* cursor) const { mdb_cursor_close(cursor); }
 };
@@ -53,7 +118,25 @@ std::string_view toView(const MDB_val& value) {
     return {static_cast<const char*>(value.mv_data), value.mv_size};
 }
 
+/// The record's parts, as long as the value is valid; false for what is none of ours.
+bool unpack(const MDB_val& value, Record& record) {
+    const std::string_view stored = toView(value);
+    const std::size_t end = stored.find('\0');
+    if (end == std::string_view::npos || end == 0) {
+        return false;
+    }
+    record = {stored.front(), stored.substr(1, end - 1), stored.substr(end + 1)};
+    return true;
+}
+
 } // namespace
+
+SettingsStore::SettingsStore()
+    : m_durable{"settings-" + layout() + ".mdb", false, "", nullptr},
+      m_volatile{"settings-volatile-" + layout() + ".mdb", true, "", nullptr} {
+    m_durable.place = m_durable.fileName;
+    m_volatile.place = m_volatile.fileName;
+}
 
 SettingsStore& SettingsStore::instance() {
     // Never destroyed: other static objects may still publish while the process ends.
@@ -84,14 +167,21 @@ int SettingsStore::open(Shelf& shelf) {
     Environment environment(created);
     const unsigned int flags =
         MDB_NOSUBDIR | MDB_NOTLS | (shelf.isVolatile ? MDB_NOSYNC | MDB_NOMETASYNC : 0U);
+    if (const int code = reserveLockFile(shelf.place)) {
+        return code;
+    }
     if (const int code = mdb_env_open(environment.get(), file.c_str(), flags, 0600)) {
         return code;
+    }
+    if (!isWhole(environment.get())) {
+        return MDB_CORRUPTED;
     }
     // Processes that were killed while reading would otherwise hold on to old pages for ever.
     int deadReaders = 0;
     mdb_reader_check(environment.get(), &deadReaders);
 
-    Transaction transaction(environment.get(), 0);
+    // For reading, which waits for nobody; the table is there from the beginning.
+    Transaction transaction(environment.get(), MDB_RDONLY);
     if (transaction.code() != 0) {
         return transaction.code();
     }
@@ -124,6 +214,9 @@ int SettingsStore::attempt(Shelf& shelf, const char* what, std::string_view key,
     const std::string which = key.empty() ? "" : " '" + std::string(key) + "'";
     m_lastFailure = "settings store " + shelf.place + ": cannot " + what + which + ": " +
                     (reason.empty() ? mdb_strerror(code) : reason);
+    if (isDamage(code)) {
+        m_lastFailure += "; what it holds is lost: delete this file";
+    }
     if (code != MDB_NOTFOUND && code != MDB_INCOMPATIBLE) {
         if (code != MDB_BAD_VALSIZE) {
             // After a failed write LMDB may refuse everything until the environment is opened anew.
@@ -134,7 +227,8 @@ int SettingsStore::attempt(Shelf& shelf, const char* what, std::string_view key,
     return code;
 }
 
-int SettingsStore::read(std::string_view key, SettingType type, std::string& bytes) {
+template <class Step>
+int SettingsStore::withRecord(std::string_view key, Step step) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     return attempt(shelfOf(key), "read", key, [&](Shelf& shelf) {
         const Transaction transaction(shelf.environment.get(), MDB_RDONLY);
@@ -150,13 +244,28 @@ int SettingsStore::read(std::string_view key, SettingType type, std::string& byt
         if (const int code = mdb_get(transaction.get(), shelf.table, &name, &value)) {
             return code;
         }
-        const std::string_view stored = toView(value);
-        if (stored.empty() || stored.front() != static_cast<char>(type)) {
-            return MDB_INCOMPATIBLE;
-        }
-        bytes = stored.substr(1);
-        return 0;
+        Record record;
+        return unpack(value, record) && step(record) ? 0 : MDB_INCOMPATIBLE;
     });
+}
+
+int SettingsStore::read(std::string_view key, SettingType type, std::string& bytes) {
+    return withRecord(key, [&](const Record& record) {
+        const bool isWanted = record.type == static_cast<char>(type);
+        if (isWanted) {
+            bytes = record.bytes;
+        }
+        return isWanted;
+    });
+}
+
+bool SettingsStore::isWriterGone(std::string_view key) {
+    std::string writer;
+    const int code = withRecord(key, [&](const Record& record) {
+        writer = record.writer;
+        return true;
+    });
+    return code == 0 && ProcessIdentity::isGone(writer);
 }
 
 int SettingsStore::write(std::string_view key, SettingType type, std::string_view bytes) {
@@ -166,7 +275,7 @@ int SettingsStore::write(std::string_view key, SettingType type, std::string_vie
         if (transaction.code() != 0) {
             return transaction.code();
         }
-        const std::string stored = static_cast<char>(type) + std::string(bytes);
+        const std::string stored = packed(type, bytes);
         MDB_val name = toValue(key);
         MDB_val value = toValue(stored);
         if (const int code = mdb_put(transaction.get(), shelf.table, &name, &value, 0)) {
@@ -194,12 +303,10 @@ int SettingsStore::list(std::vector<Setting>& settings) {
             MDB_val value{};
             int code = mdb_cursor_get(cursor.get(), &name, &value, MDB_FIRST);
             for (; code == 0; code = mdb_cursor_get(cursor.get(), &name, &value, MDB_NEXT)) {
-                const std::string_view stored = toView(value);
-                if (stored.empty()) {
-                    continue; // nothing of ours
+                if (Record record; unpack(value, record)) {
+                    found.push_back({std::string(toView(name)), static_cast<SettingType>(record.type),
+                                     std::string(record.bytes)});
                 }
-                found.push_back({std::string(toView(name)), static_cast<SettingType>(stored.front()),
-                                 std::string(stored.substr(1))});
             }
             return code == MDB_NOTFOUND ? 0 : code;
         });

@@ -23,7 +23,9 @@ struct Setting {
 ///
 /// Keys under "memory/" are kept in an environment that is never synced to disk, all others in a durable one.
 /// A process killed at any instant leaves both readable and writable, with either the old or the new value of
-/// the key that it was writing. Codes: 0 for success, an errno, or one of LMDB's own (negative); lastFailure()
+/// the key that it was writing. Each value carries the identity of the process that wrote it. The files are in the
+/// machine's own layout: processes of another word size or byte order have files of their own. Reading waits for no
+/// writer. Codes: 0 for success, an errno, or one of LMDB's own (negative); lastFailure()
 /// tells what happened. A failing call changes nothing and is logged, unless the key is missing or holds
 /// another type. Keys have 1 to 511 bytes; others give MDB_BAD_VALSIZE. Throws only when out of memory. Any
 /// thread may call.
@@ -34,6 +36,9 @@ public:
     /// MDB_NOTFOUND when the key is missing, MDB_INCOMPATIBLE when it holds another type.
     int read(std::string_view key, SettingType type, std::string& bytes);
     int write(std::string_view key, SettingType type, std::string_view bytes); ///< whatever type the key held
+
+    /// Whether the process that wrote the key's value has certainly ended; false when there is none.
+    bool isWriterGone(std::string_view key);
 
     /// All settings, in the byte order of their keys.
     int list(std::vector<Setting>& settings);
@@ -50,14 +55,14 @@ private:
 
     /// One of the two environments, opened on first use, and again after a failure.
     struct Shelf {
-        const char* fileName;
+        std::string fileName;
         bool isVolatile;
         std::string place; ///< what messages call it: the whole path once it is known
         Environment environment;
         MDB_dbi table = 0;
     };
 
-    SettingsStore() = default;
+    SettingsStore();
 
     Shelf& shelfOf(std::string_view key);
     static int open(Shelf& shelf);
@@ -66,9 +71,13 @@ private:
     template <class Step>
     int attempt(Shelf& shelf, const char* what, std::string_view key, Step step);
 
+    /// Hands the key's record to the step, which says whether it is what was wanted.
+    template <class Step>
+    int withRecord(std::string_view key, Step step);
+
     mutable std::mutex m_mutex; ///< guards the rest: no thread may use an environment that another closes
-    Shelf m_durable{"settings.mdb", false, "settings.mdb", nullptr};
-    Shelf m_volatile{"settings-volatile.mdb", true, "settings-volatile.mdb", nullptr};
+    Shelf m_durable;
+    Shelf m_volatile;
     std::string m_lastFailure;
 };
 

@@ -1,5 +1,6 @@
 #include "Platform/Host/SystemLog.h"
 
+#include "Platform/Host/EscapedText.h"
 #include "Platform/Host/HostDirectories.h"
 #include "Platform/Interfaces/dlog.h"
 
@@ -37,12 +38,12 @@ spdlog::sink_ptr makeSink(const std::string& kind, const std::string& bufferName
     }
     constexpr std::size_t bytesPerFile = 16UL * 1024 * 1024;
     constexpr std::size_t olderFiles = 4;
-    const auto file = durableDirectory() / "log" / (bufferName + ".log");
+    const auto file = logDirectory() / (bufferName + ".log");
     return std::make_shared<spdlog::sinks::rotating_file_sink_mt>(file.string(), bytesPerFile, olderFiles);
 }
 
 std::string chosenKind() {
-    const char* const chosen = std::getenv("NERIX_HOST_LOG");
+    const char* const chosen = ::secure_getenv("NERIX_HOST_LOG");
     std::string kind = chosen == nullptr || *chosen == '\0' ? "file" : chosen;
     if (kind != "file" && kind != "syslog" && kind != "stderr") {
         std::fprintf(stderr,
@@ -123,30 +124,6 @@ bool SystemLog::write(int buffer, int priority, const char* tag, const std::stri
     writingFailed = false;
     logger->log(levelOf(priority), spdlog::string_view_t(line));
     return !writingFailed;
-}
-
-std::string SystemLog::escaped(const std::string& text) {
-    std::string result;
-    result.reserve(text.size());
-    for (const char character : text) {
-        const auto byte = static_cast<unsigned char>(character);
-        if (character == '\\') {
-            result += "\\\\";
-        } else if (character == '\n') {
-            result += "\\n";
-        } else if (character == '\r') {
-            result += "\\r";
-        } else if (character == '\t') {
-            result += "\\t";
-        } else if (byte < 0x20 || byte == 0x7F) {
-            char code[5];
-            std::snprintf(code, sizeof code, "\\x%02x", byte);
-            result += code;
-        } else {
-            result += character;
-        }
-    }
-    return result;
 }
 
 } // namespace Nerix::Platform::Host

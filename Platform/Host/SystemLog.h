@@ -18,8 +18,7 @@ namespace Nerix::Platform::Host {
 ///
 /// A record is one line: time, priority, tag, text. Each line is written at once and whole, so that processes
 /// that share the files do not mix theirs, and an abort loses none. When one of several processes starts a
-/// new file, the others go on in the old one. Line breaks and other control characters in a record are
-/// written as \n, \r, \t or \xHH, and a backslash as \\. Any thread may call.
+/// new file, the others go on in the old one. The text is escaped, see EscapedText.h. Any thread may call.
 class SystemLog {
 public:
     static SystemLog& instance();
@@ -27,9 +26,6 @@ public:
     /// buffer and priority are those of Platform/Interfaces/dlog.h; any buffer but DLOG_BUFFER_MAIN counts as the
     /// system buffer. False when the record could not be written. The first such failure is told on standard error.
     bool write(int buffer, int priority, const char* tag, const std::string& text);
-
-    /// A text as it stands in a line of the log.
-    static std::string escaped(const std::string& text);
 
 private:
     SystemLog();

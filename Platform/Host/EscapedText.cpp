@@ -1,0 +1,49 @@
+#include "Platform/Host/EscapedText.h"
+
+#include <cstdio>
+
+namespace Nerix::Platform::Host {
+
+namespace {
+
+void appendHexadecimal(std::string& result, unsigned char byte) {
+    char code[5];
+    std::snprintf(code, sizeof code, "\\x%02x", byte);
+    result += code;
+}
+
+bool isC1(unsigned char byte) {
+    return byte >= 0x80 && byte < 0xA0;
+}
+
+} // namespace
+
+std::string escaped(const std::string& text) {
+    std::string result;
+    result.reserve(text.size());
+    unsigned char before = 0;
+    for (const char character : text) {
+        const auto byte = static_cast<unsigned char>(character);
+        if (isC1(byte) && before == 0xC2) {
+            result.pop_back();
+            appendHexadecimal(result, before);
+            appendHexadecimal(result, byte);
+        } else if (character == '\\') {
+            result += "\\\\";
+        } else if (character == '\n') {
+            result += "\\n";
+        } else if (character == '\r') {
+            result += "\\r";
+        } else if (character == '\t') {
+            result += "\\t";
+        } else if (byte < 0x20 || byte == 0x7F || (isC1(byte) && before < 0x80)) {
+            appendHexadecimal(result, byte);
+        } else {
+            result += character;
+        }
+        before = byte;
+    }
+    return result;
+}
+
+} // namespace Nerix::Platform::Host

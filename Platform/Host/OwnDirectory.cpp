@@ -1,0 +1,95 @@
+#include "Platform/Host/OwnDirectory.h"
+
+#include <cerrno>
+#include <list>
+#include <string>
+#include <system_error>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Nerix::Platform::Host {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+[[noreturn]] void refuse(int error, const std::string& reason) {
+    throw std::system_error(error, std::generic_category(), reason);
+}
+
+struct stat examined(const fs::path& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) {
+        refuse(errno, "cannot examine " + path.string());
+    }
+    return status;
+}
+
+/// Of the directory, or made anew.
+struct stat made(const fs::path& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) == 0) {
+        return status;
+    }
+    if (errno == ENOENT && ::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) {
+        refuse(errno, "cannot create directory " + path.string());
+    }
+    return examined(path);
+}
+
+bool isWritableForOthers(const struct stat& status) {
+    return (status.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+}
+
+/// This user, and who could do anything anyway: root, and the owner of "/", by whom root shows in a user name space.
+bool isTrusted(uid_t owner) {
+    return owner == ::geteuid() || owner == 0 || owner == examined("/").st_uid;
+}
+
+void requireSafeOnTheWay(const fs::path& path, const struct stat& status) {
+    if (!isTrusted(status.st_uid)) {
+        refuse(EPERM, path.string() + " belongs to another user");
+    }
+    if (S_ISDIR(status.st_mode) && isWritableForOthers(status) && (status.st_mode & S_ISVTX) == 0) {
+        refuse(EPERM, path.string() + " may be written by other users");
+    }
+    if (!S_ISDIR(status.st_mode) && !S_ISLNK(status.st_mode)) {
+        refuse(ENOTDIR, "cannot use " + path.string());
+    }
+}
+
+} // namespace
+
+fs::path ownDirectory(const fs::path& directory) {
+    constexpr int mostLinks = 40; // as many as the kernel follows
+    int links = 0;
+    fs::path here = "/";
+    const fs::path whole = fs::absolute(directory);
+    std::list<fs::path> left(whole.begin(), whole.end());
+    while (!left.empty()) {
+        const fs::path element = left.front();
+        left.pop_front();
+        if (element.empty() || element == ".") {
+            continue;
+        }
+        const fs::path next = element == ".." ? here.parent_path() : here / element;
+        const struct stat status = made(next);
+        requireSafeOnTheWay(next, status);
+        if (!S_ISLNK(status.st_mode)) {
+            here = next;
+        } else if (++links > mostLinks) {
+            refuse(ELOOP, "cannot use directory " + whole.string());
+        } else {
+            const fs::path target = fs::read_symlink(next);
+            left.insert(left.begin(), target.begin(), target.end());
+        }
+    }
+    const struct stat status = examined(here);
+    if (status.st_uid != ::geteuid() || isWritableForOthers(status)) {
+        refuse(EPERM, here.string() + " is not a directory of this user alone");
+    }
+    return here;
+}
+
+} // namespace Nerix::Platform::Host
