@@ -53,6 +53,8 @@ def enter_root(place):
     root = os.path.join(place, "root")
     built = os.path.join("/nerix-build", os.path.basename(BUILD))
 
+    script = os.path.join("/nerix", os.path.relpath(os.path.abspath(sys.argv[0]), PROJECT))
+
     def mount(*arguments):
         subprocess.run(["mount", *arguments], check=True)
 
@@ -79,7 +81,6 @@ def enter_root(place):
         return str(failure)
     os.chdir("/nerix")
     os.environ["NERIX_OWN_MOUNTS"] = "entered"
-    script = os.path.join("/nerix", os.path.relpath(os.path.abspath(sys.argv[0]), PROJECT))
     return os.execv(sys.executable, [sys.executable, script, built, *sys.argv[2:]])
 
 

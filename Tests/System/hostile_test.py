@@ -1,0 +1,208 @@
+"""A machine that others use, too: a drive that anybody filled, directories of somebody else, signals, limits, full disks."""
+
+import contextlib
+import fcntl
+import os
+import resource
+import signal
+import subprocess
+import time
+
+from harness import NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SETTINGS, SystemTest, main
+from tree_value import Model
+
+
+class Hostile(SystemTest):
+    def setUp(self):
+        super().setUp()
+        self.tree = os.path.join(self.work, "tree")
+        os.mkdir(self.tree)
+        for name in "ab":
+            with open(os.path.join(self.tree, name), "w", encoding="ascii") as file:
+                file.write(name * 5000)
+
+    def require_mounts(self):
+        if NO_MOUNTS:
+            self.skipTest(NO_MOUNTS)
+
+    def assert_right(self, run=None):
+        run = run or self.run_program("--path", self.tree)
+        self.assertEqual((run.returncode, run.stdout.decode()), (0, Model("md5").value(self.tree) + "\n"), run.stderr)
+
+    def start_long_run(self, method="md5"):
+        """A run that will not end by itself, caught inside a long file."""
+        with open(os.path.join(self.tree, "long"), "wb") as file:
+            file.truncate(1 << 40)
+        before = len(self.scan_records())
+        run = subprocess.Popen([PROGRAM, "--path", self.tree, "--hash", method], env=self.environment,
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self.addCleanup(run.kill)
+        while len(self.scan_records()) < before + 2:
+            self.assertIsNone(run.poll())
+        return run
+
+    def test_whatever_stands_in_the_place_of_the_scan_log(self):
+        self.require_mounts()
+        self.mount("/media/usb")
+        precious = os.path.join(self.work, "precious")
+        dangling = os.path.join(self.work, "made by the run")
+
+        def log_of_another_run(name):
+            file = open(name, "w", encoding="ascii")  # pylint: disable=consider-using-with
+            fcntl.flock(file, fcntl.LOCK_EX)
+            self.addCleanup(file.close)
+
+        makers = (lambda name: os.symlink(precious, name), lambda name: os.symlink(dangling, name), os.mkfifo,
+                  os.mkdir, log_of_another_run)
+        for make in makers:
+            with open(precious, "w", encoding="ascii") as file:
+                file.write("precious")
+            for second in range(10):  # the log's name is known to the second
+                make(time.strftime("/media/usb/NerixVerifierHash-%Y%m%d-%H%M%S.log", time.localtime(time.time() + second)))
+            before = len(self.scan_records())
+            self.assert_right()
+            model = Model("md5")
+            model.value(self.tree)
+            self.assertEqual(self.scan_records()[before:], model.record_lines())
+            with open(precious, encoding="ascii") as file:
+                self.assertEqual(file.read(), "precious")
+            self.assertFalse(os.path.exists(dangling))
+            subprocess.run("rm -rf /media/usb/*", shell=True, check=True)
+        log = b"\n".join(self.log_lines("main"))
+        self.assertEqual(log.count(b">Can't write to USB drive '/media/usb'... using DLOG."), len(makers))
+        self.assertEqual(log.count(b".log is not a regular file"), 4)
+        self.assertEqual(log.count(b".log is the scan log of another run"), 1)
+
+    def test_state_in_a_directory_of_somebody_else(self):
+        self.require_mounts()
+        for place in ("/root", "/dev/shm", "/mnt"):
+            self.mount(place)
+        os.mkdir("/mnt/open")
+        os.chmod("/mnt/open", 0o777)
+        os.mkdir("/mnt/open/inner")
+        os.symlink("/root", "/mnt/open/link")
+        cases = [("NERIX_PLATFORM_HOME", "/mnt/open"), ("XDG_RUNTIME_DIR", "/mnt/open"), ("XDG_STATE_HOME", "/mnt/open"),
+                 ("NERIX_PLATFORM_HOME", "/mnt/open/inner"), ("NERIX_PLATFORM_HOME", "/mnt/open/link/home")]
+        os.mkdir("/mnt/theirs")
+        with contextlib.suppress(OSError):  # in a user name space there is nobody else
+            os.chown("/mnt/theirs", 12345, 12345)
+            cases += [(name, "/mnt/theirs") for name, _ in cases[:3]]
+            os.mkdir(f"/dev/shm/nerix-{os.geteuid()}")
+            os.chown(f"/dev/shm/nerix-{os.geteuid()}", 12345, 12345)
+        del self.environment["NERIX_PLATFORM_HOME"]
+        self.environment["HOME"] = "/root"
+        self.assert_right()
+        with open("/root/.local/state/nerix/log/main.log", encoding="utf-8") as log:
+            self.assertEqual("volatile settings are kept in /root/.local/state/nerix: " in log.read(), len(cases) > 5)
+        for name, value in cases:
+            with self.subTest(f"{name}={value}"):
+                run = self.run_program("--path", self.tree, env={**self.environment, name: value})
+                self.assertEqual(run.returncode, 1)
+                self.assertRegex(run.stdout, REPORT)
+                if name != "XDG_RUNTIME_DIR":  # the log has the reason then
+                    self.assertRegex(run.stderr, rb" /mnt/\w+(/\w+)* (belongs to another|may be written by other) user")
+
+    def test_full_disks_and_damaged_stores(self):
+        self.require_mounts()
+        for pages in range(1, 40, 4):
+            self.mount("/mnt", "-o", f"size={pages * 4}k,mode=700")
+            run = self.run_program("--path", self.tree, env={**self.environment, "NERIX_PLATFORM_HOME": "/mnt"})
+            self.assertIn(run.returncode, (0, 1), pages)
+        self.assert_right()
+        for name in ("settings", "settings-volatile"):
+            store = next(os.path.join(self.home, file) for file in os.listdir(self.home)
+                         if file.startswith(name + "-le") and file.endswith(".mdb"))
+            for size in (os.path.getsize(store) - 4096, 8192, 5000, 1):
+                os.truncate(store, size)
+                self.assertEqual(self.run_program("--path", self.tree).returncode, 1, (name, size))
+                self.assertIn(f"settings store {store}: cannot write".encode(), self.log_lines("system")[-2])
+                self.assertIn(b"delete this file", self.log_lines("system")[-2])
+            os.remove(store)
+            self.assert_right()
+
+    def test_signals_end_a_run_in_good_order(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+            for method in ("md5", "none"):
+                with subprocess.Popen([SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
+                    with self.start_long_run(method) as run:
+                        while not watch.stdout.readline().startswith(b"active"):
+                            pass
+                        run.send_signal(number)
+                        run.send_signal(number)  # as timeout(1) does: counts as the same
+                        self.assertEqual(run.wait(60), -number)
+                    watch.communicate(timeout=60)
+                self.assertEqual((self.settings()[0], self.settings()[2]), ("inactive", "ERROR"))
+        self.assertIn(b"ended by signal 1", b"".join(self.log_lines("system")))
+
+    def test_killed_run_is_recognised(self):
+        with subprocess.Popen([SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
+            with self.start_long_run() as run:
+                while not watch.stdout.readline().startswith(b"active"):
+                    pass
+                live = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True)
+                run.kill()
+            self.assertRegex(watch.communicate(timeout=60)[0].splitlines()[-1], rb"^killed .* 00000111$")
+        dead = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True)
+        self.assertIn(b"status = active\n", live.stdout)
+        self.assertEqual(live.stderr, b"")
+        self.assertEqual(dead.stderr.count(b"hashverifier_status was killed\n"), 1)
+
+    def test_limits(self):
+        self.require_mounts()
+        self.mount("/media/usb")
+        for number in range(1000):
+            os.mknod(os.path.join(self.tree, str(number)))
+        limits = [(resource.RLIMIT_FSIZE, 40_000)]
+        if not SANITIZED:
+            limits += [(resource.RLIMIT_AS, megabytes << 20) for megabytes in (36, 40, 100)]
+        for kind, limit in limits:
+            self.assert_right(self.run_program("--path", self.tree,
+                                               preexec_fn=lambda: resource.setrlimit(kind, (limit, limit))))
+
+    def test_chroot_without_dev_null(self):
+        self.require_mounts()
+        home = os.path.join(self.work, "home")
+        script = f"mount -t tmpfs none /dev && '{PROGRAM}' --path '{self.tree}' >&-; status=$?; umount /dev; exit $status"
+        run = subprocess.run(["sh", "-c", script], check=False, stderr=subprocess.PIPE,
+                             env={**self.environment, "NERIX_PLATFORM_HOME": home})
+        self.assertEqual(run.returncode, 1)
+        self.assertIn(b"cannot open /dev/null in place of a standard stream", run.stderr)
+        self.assertFalse(os.path.exists(home))
+
+    def test_file_under_a_lease(self):
+        leased = os.open(os.path.join(self.tree, "a"), os.O_RDWR)
+        self.addCleanup(os.close, leased)
+        given_back = []
+
+        def give_back(*_):
+            time.sleep(0.3)
+            fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_UNLCK)
+            given_back.append(True)
+
+        self.addCleanup(signal.signal, signal.SIGIO, signal.signal(signal.SIGIO, give_back))
+        try:
+            fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_WRLCK)
+        except OSError as refusal:
+            self.skipTest(f"leases: {refusal}")
+        run = self.run_program("--path", self.tree)
+        self.assertEqual(given_back, [True])
+        self.assert_right(run)
+
+    def test_overlay_that_announces_attributes_which_it_hides(self):
+        self.require_mounts()
+        self.mount("/mnt")
+        for name in ("lower/inner", "upper", "work", "merged"):
+            os.makedirs(os.path.join("/mnt", name))
+        with open("/mnt/lower/inner/file", "w", encoding="ascii") as file:
+            file.write("lower")
+        layers = "lowerdir=/mnt/lower,upperdir=/mnt/upper,workdir=/mnt/work"
+        if subprocess.run(["mount", "-t", "overlay", "-o", layers, "none", "/mnt/merged"], check=False).returncode:
+            self.skipTest("no overlay file systems on this machine")
+        self.addCleanup(subprocess.run, ["umount", "/mnt/merged"], check=False)
+        with open("/mnt/merged/inner/file", "a", encoding="ascii") as file:
+            file.write("upper")
+        self.assertEqual(self.value("/mnt/merged"), Model("md5").value("/mnt/merged"))
+
+
+if __name__ == "__main__":
+    main()
