@@ -13,11 +13,32 @@ add_library(nerix_settings INTERFACE)
 target_include_directories(nerix_settings INTERFACE ${PROJECT_SOURCE_DIR})
 # Version 3 of Boost.Filesystem: the last element of "a/b/" is ".", on which stripTrailingSlashes relies.
 # The assert handler: Boost's own checks end in ours, see Common/Utils/Assert.h.
+# File sizes and inode numbers of 64 bits on machines of 32.
 target_compile_definitions(nerix_settings INTERFACE
-  BOOST_FILESYSTEM_VERSION=3 BOOST_FILESYSTEM_NO_DEPRECATED BOOST_ENABLE_ASSERT_HANDLER)
+  _FILE_OFFSET_BITS=64 BOOST_FILESYSTEM_VERSION=3 BOOST_FILESYSTEM_NO_DEPRECATED BOOST_ENABLE_ASSERT_HANDLER)
 # Records and reports name source files as the compiler does: relative, so that they do not carry the builder's path.
 target_compile_options(nerix_settings INTERFACE -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 target_link_libraries(nerix_settings INTERFACE Threads::Threads Boost::headers)
+
+# Not left to the distribution's compiler.
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+target_compile_options(nerix_settings INTERFACE -fstack-protector-strong)
+target_link_options(nerix_settings INTERFACE -Wl,-z,relro -Wl,-z,now)
+if(NOT NERIX_SANITIZE) # the sanitizers check the same calls, and lose them to it
+  target_compile_options(nerix_settings INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:-U_FORTIFY_SOURCE> $<$<NOT:$<CONFIG:Debug>>:-D_FORTIFY_SOURCE=2>)
+endif()
+
+# The counters that threads share have 64 bits; some machines of 32 need a library for that.
+include(CheckCXXSourceCompiles)
+check_cxx_source_compiles(
+  "#include <atomic>\n#include <cstdint>\nint main(int argc, char**) { std::atomic<std::uint64_t> a{0}; a = argc; return a.load() == 0; }"
+  NERIX_HAS_64_BIT_ATOMICS)
+if(NOT NERIX_HAS_64_BIT_ATOMICS)
+  target_link_libraries(nerix_settings INTERFACE atomic)
+endif()
 
 add_library(nerix_warnings INTERFACE)
 target_compile_options(nerix_warnings INTERFACE

@@ -1,4 +1,6 @@
 #include "Platform/Host/HostConfiguration.h"
+
+#include "Platform/Host/EscapedText.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
 #include <boost/filesystem/fstream.hpp>
@@ -33,6 +35,23 @@ protected:
     const boost::filesystem::path m_file = m_directory.path() / "platform.ini";
 };
 
+TEST(EscapedText, IsOneLineThatATerminalOnlyShows) {
+    using Platform::Host::escaped;
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"plain \u00e4\u00c4\u20ac \xff", "plain \u00e4\u00c4\u20ac \xff"},
+        {"\n\r\t\\\x1b[m\x7f", "\\n\\r\\t\\\\\\x1b[m\\x7f"},
+        {"\xc2\x9b"
+         "1m\xc2\xa0",
+         "\\xc2\\x9b1m\xc2\xa0"},
+        {"\x9b"
+         "1m a\x80",
+         "\\x9b1m a\\x80"},
+    };
+    for (const auto& [text, shown] : cases) {
+        EXPECT_EQ(escaped(text), shown);
+    }
+}
+
 TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswers) {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"", "/media|1080|true"},
@@ -44,9 +63,10 @@ TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswers) {
         {"[path]\n43=/a\n43=/b\n", "!|!|!"},
         {"[systeminfo]\n203=1\n", "!|!|!"},
         {"203=1\n", "!|!|!"},
+        {"[path]\n43=/x\n" + std::string(1U << 20U, ';'), "!|!|!"},
     };
     for (const auto& [content, expected] : cases) {
-        EXPECT_EQ(answersOf(content), expected) << content;
+        EXPECT_EQ(answersOf(content), expected) << content.substr(0, 100);
     }
 }
 
