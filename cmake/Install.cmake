@@ -15,13 +15,14 @@ set(CPACK_PACKAGE_CONTACT "Nerix developers <nerix@localhost>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-if(CMAKE_CROSSCOMPILING)
-  # Of the machine that it runs on; without this it would be the one that builds.
+set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+if(NOT CMAKE_CROSSCOMPILING)
+  # Read off the programs: which packages their libraries come from.
+  set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+else()
+  # For the machine that it runs on, not the one that builds, whose packages also say nothing about the libraries.
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -dumpmachine OUTPUT_VARIABLE NERIX_MACHINE OUTPUT_STRIP_TRAILING_WHITESPACE)
   execute_process(COMMAND dpkg-architecture -t${NERIX_MACHINE} -qDEB_HOST_ARCH
     OUTPUT_VARIABLE CPACK_DEBIAN_PACKAGE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
 endif()
-set(CPACK_DEBIAN_PACKAGE_SECTION utils)
-# Read off the programs: which packages their libraries come from.
-set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 include(CPack)
