@@ -10,7 +10,9 @@
 
 namespace Nerix::Tests {
 
-bool mountPrivately(const std::string& path, std::string& reason) {
+namespace {
+
+bool enterOwnMounts(std::string& reason) {
     const uid_t user = ::geteuid();
     if (::unshare(user == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) != 0) {
         reason = std::string("unshare: ") + std::strerror(errno);
@@ -19,12 +21,30 @@ bool mountPrivately(const std::string& path, std::string& reason) {
     if (user != 0) {
         std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
     }
-    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-        ::mount("tmpfs", path.c_str(), "tmpfs", 0, nullptr) != 0) {
+    if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
+        reason = std::string("mount on /: ") + std::strerror(errno);
+        return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool mountPrivately(const std::string& path, std::string& reason) {
+    if (!enterOwnMounts(reason)) {
+        return false;
+    }
+    if (::mount("tmpfs", path.c_str(), "tmpfs", 0, nullptr) != 0) {
         reason = "mount on " + path + ": " + std::strerror(errno);
         return false;
     }
     return true;
+}
+
+bool hideMountTable() {
+    std::string reason;
+    return enterOwnMounts(reason) &&
+           ::mount("/dev/null", "/proc/self/mounts", nullptr, MS_BIND, nullptr) == 0;
 }
 
 } // namespace Nerix::Tests

@@ -7,6 +7,7 @@
 #include "Platform/Product/IProductInfo.h"
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 #include "Tests/Fakes/FakePlatform.h"
+#include "Tests/Fakes/PrivateMounts.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
 #include <boost/filesystem/operations.hpp>
@@ -33,7 +34,7 @@ protected:
         static const bool isInitialized = [] {
             platform().pathVariables[43] = "/no/drive/is/mounted/here";
             Platform::IProductInfo::initializeProduct(Platform::DEFAULT_PRODUCT);
-            return true;
+            return hideMountTable();
         }();
         static_cast<void>(isInitialized);
         platform().reset();
