@@ -20,8 +20,8 @@ void startVerifyPath(const std::string& path, const std::string& hashMethod);
 void startVerifyFileSystem();
 
 /// Hashes the tree at path and returns its value, 16 lower-case hexadecimal digits, or "ERROR" when the scan
-/// failed, hashMethod is unknown, or the settings store refused during the run. Throws what startVerifyPath
-/// throws.
+/// failed, hashMethod is unknown, the settings store refused during the run, or a signal ends the process
+/// (TerminationSignals.h). Throws what startVerifyPath throws.
 std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod);
 
 /// nerixVerifyPath("/", "md5").
