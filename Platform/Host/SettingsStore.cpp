@@ -36,8 +36,7 @@ int reserveLockFile(const std::string& store) {
     }
     struct stat status {};
     int code = ::fstat(file, &status) == 0 ? 0 : errno;
-    constexpr off_t bytesPerBlock = 512;
-    if (code == 0 && off_t{status.st_blocks} * bytesPerBlock < size) {
+    if (code == 0 && status.st_size < size) {
         code = ::posix_fallocate(file, 0, size);
     }
     ::close(file);

@@ -30,7 +30,7 @@ ssize_t readDescriptor(void* descriptor, char* buffer, std::size_t size) {
     if (Common::Utils::terminationSignal() != 0) {
         return 0; // the worker ends the run when it is told of the file
     }
-    return ::read(*static_cast<const int*>(descriptor), buffer, size);
+    return ::read(static_cast<const Common::Utils::Descriptor*>(descriptor)->number(), buffer, size);
 }
 
 } // namespace
@@ -38,22 +38,14 @@ ssize_t readDescriptor(void* descriptor, char* buffer, std::size_t size) {
 ContentStream::ContentStream(const boost::filesystem::path& path)
     : m_descriptor(openWithoutWaiting(path)),
       // Not fdopen, which makes one more system call.
-      m_stream(m_descriptor == -1 ? nullptr
-                                  : ::fopencookie(const_cast<int*>(&m_descriptor), "r",
-                                                  {&readDescriptor, nullptr, nullptr, nullptr})) {
+      m_stream(m_descriptor.isOpen()
+                   ? ::fopencookie(&m_descriptor, "r", {&readDescriptor, nullptr, nullptr, nullptr})
+                   : nullptr) {
     if (!m_stream) {
-        if (m_descriptor != -1) {
-            ::close(m_descriptor);
-        }
         BOOST_THROW_EXCEPTION(Common::Utils::GenericException() << Common::Utils::errinfo_stream(
                                   "access error: can't read content of file: ", path));
     }
     std::setvbuf(m_stream.get(), m_buffer, _IOFBF, sizeof m_buffer);
-}
-
-ContentStream::~ContentStream() {
-    m_stream.reset(); // it reads from the descriptor
-    ::close(m_descriptor);
 }
 
 } // namespace Nerix::FileScanners

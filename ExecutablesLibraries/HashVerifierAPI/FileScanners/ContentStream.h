@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Common/Utils/Descriptor.h"
+
 #include <boost/filesystem/path.hpp>
 
 #include <cstdio>
@@ -16,10 +18,6 @@ class ContentStream {
 public:
     /// Throws GenericException "access error: can't read content of file: " + quoted path.
     explicit ContentStream(const boost::filesystem::path& path);
-    ~ContentStream();
-
-    ContentStream(const ContentStream&) = delete;
-    ContentStream& operator=(const ContentStream&) = delete;
 
     /// At the file's beginning; it belongs to this object.
     std::FILE* get() const { return m_stream.get(); }
@@ -29,7 +27,8 @@ private:
         void operator()(std::FILE* stream) const { std::fclose(stream); }
     };
 
-    const int m_descriptor;
+    // Destroyed in the opposite order: the stream uses the others until it is closed.
+    Common::Utils::Descriptor m_descriptor;
     /// The steps take 4096 bytes each; a system call for each of them would cost a sixth of a fast digest.
     char m_buffer[131072];
     std::unique_ptr<std::FILE, Closer> m_stream;

@@ -1,6 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 
 #include "Common/Logging/Log.h"
+#include "Common/Utils/Descriptor.h"
 #include "Common/Utils/Errors.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/MountPoints.h"
 
@@ -15,7 +16,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace Nerix {
 
@@ -47,25 +47,6 @@ std::string fileName() {
     refuse(path, std::string(": ") + call + Common::Utils::get_string_from_errno(errno));
 }
 
-/// An open descriptor.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : m_number(number) {}
-    ~Descriptor() {
-        if (m_number != -1) {
-            ::close(m_number);
-        }
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int number() const { return m_number; }
-    int release() { return std::exchange(m_number, -1); }
-
-private:
-    int m_number;
-};
-
 /// The file, empty and locked against other runs for as long as it is open. Anybody may have filled the drive, and the
 /// name is known to the second: what stands there may be a link to a file of ours, a pipe that nobody reads, or a device
 /// that the opening alone would set off.
@@ -74,8 +55,9 @@ std::fstream create(const std::string& path) {
     if (::lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         refuse(path, " is not a regular file");
     }
-    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666));
-    if (file.number() == -1) {
+    Common::Utils::Descriptor file(
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666));
+    if (!file.isOpen()) {
         refuseForError(path, "open");
     }
     if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
