@@ -14,12 +14,15 @@ namespace {
 
 bool enterOwnMounts(std::string& reason) {
     const uid_t user = ::geteuid();
+    const gid_t group = ::getegid();
     if (::unshare(user == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) != 0) {
         reason = std::string("unshare: ") + std::strerror(errno);
         return false;
     }
     if (user != 0) {
         std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
+        std::ofstream("/proc/self/setgroups") << "deny"; // the condition for what follows
+        std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
     }
     if (::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0) {
         reason = std::string("mount on /: ") + std::strerror(errno);
