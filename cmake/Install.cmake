@@ -21,8 +21,15 @@ if(NOT CMAKE_CROSSCOMPILING)
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 else()
   # For the machine that it runs on, not the one that builds, whose packages also say nothing about the libraries.
-  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -dumpmachine OUTPUT_VARIABLE NERIX_MACHINE OUTPUT_STRIP_TRAILING_WHITESPACE)
+  set(NERIX_MACHINE ${CMAKE_CXX_COMPILER_TARGET}) # clang's own answer would be the machine that builds
+  if(NOT NERIX_MACHINE)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -dumpmachine OUTPUT_VARIABLE NERIX_MACHINE OUTPUT_STRIP_TRAILING_WHITESPACE)
+  endif()
   execute_process(COMMAND dpkg-architecture -t${NERIX_MACHINE} -qDEB_HOST_ARCH
     OUTPUT_VARIABLE CPACK_DEBIAN_PACKAGE_ARCHITECTURE OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+  if(NOT CPACK_DEBIAN_PACKAGE_ARCHITECTURE)
+    message(WARNING "no dpkg-architecture, or it does not know ${NERIX_MACHINE}: "
+      "cpack would label the package for this machine; set CPACK_DEBIAN_PACKAGE_ARCHITECTURE")
+  endif()
 endif()
 include(CPack)

@@ -74,7 +74,8 @@ public:
     static void getThreadId(char* buffer, std::size_t size);
 
 private:
-    /// Empty until init. Never destroyed: objects of static storage log before and after all others.
+    /// Empty until init. In a function and never destroyed, as a static member would be built after the first objects of
+    /// static storage that log, and go before the last.
     static std::string& processName();
 };
 

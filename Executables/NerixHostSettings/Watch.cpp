@@ -1,5 +1,6 @@
 #include "Executables/NerixHostSettings/Watch.h"
 
+#include "Executables/NerixHostSettings/RunState.h"
 #include "Platform/Host/EscapedText.h"
 #include "Platform/Host/SettingsStore.h"
 
@@ -18,8 +19,8 @@ namespace Nerix {
 namespace {
 
 using Platform::Host::escaped;
+using Platform::Host::Setting;
 using Platform::Host::SettingsStore;
-using Platform::Host::SettingType;
 
 volatile std::sig_atomic_t interrupted = 0;
 
@@ -35,32 +36,29 @@ struct Shown {
     std::string status;
     std::string progress;
     std::string result;
-
-    /// The result is published as this before the status, so a run is under way from then on.
-    bool isRunning() const { return status == "active" || (result == "00000111" && status != killed); }
-
-    /// In place of the status that a run left behind when it was killed.
-    static constexpr const char* killed = "killed";
+    bool isRunning;
 
     bool operator!=(const Shown& other) const {
         return status != other.status || progress != other.progress || result != other.result;
     }
 };
 
-std::string read(const char* key) {
-    std::string text;
-    const int code = SettingsStore::instance().read(key, SettingType::Text, text);
+Setting read(const char* key) {
+    Setting setting{};
+    const int code = SettingsStore::instance().find(key, setting);
     if (code != 0 && code != MDB_NOTFOUND) {
         throw std::runtime_error(SettingsStore::instance().lastFailure());
     }
-    return text;
+    return setting;
 }
 
 Shown readAll() {
-    Shown shown{read(statusKey), read(progressKey), read(resultKey)};
-    SettingsStore& store = SettingsStore::instance();
-    if (shown.isRunning() && store.isWriterGone(shown.status == "active" ? statusKey : resultKey)) {
-        shown.status = Shown::killed;
+    const Setting status = read("memory/menu/support/softwareupdate/hashverifier_status");
+    const Setting progress = read("memory/menu/support/softwareupdate/hashverifier_progress");
+    const Setting result = read("db/menu/support/softwareupdate/hashverifier_result");
+    Shown shown{status.bytes, progress.bytes, result.bytes, isOfLiveRun(status) || isOfLiveRun(result)};
+    if (!shown.isRunning && (isOfRun(status) || isOfRun(result))) {
+        shown.status = "killed";
     }
     return shown;
 }
@@ -91,8 +89,8 @@ void watch() {
 
     Shown shown = readAll();
     draw(shown, isTerminal);
-    bool hasSeenRun = shown.isRunning();
-    while (interrupted == 0 && !(hasSeenRun && !shown.isRunning())) {
+    bool hasSeenRun = shown.isRunning;
+    while (interrupted == 0 && !(hasSeenRun && !shown.isRunning)) {
         const std::timespec pause{0, 50'000'000};
         ::nanosleep(&pause, nullptr);
         const Shown now = readAll();

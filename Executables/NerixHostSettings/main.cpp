@@ -1,4 +1,5 @@
 #include "Common/Utils/StandardStreams.h"
+#include "Executables/NerixHostSettings/RunState.h"
 #include "Executables/NerixHostSettings/Watch.h"
 #include "Platform/Host/EscapedText.h"
 #include "Platform/Host/SettingsStore.h"
@@ -52,10 +53,9 @@ std::string valueText(const Setting& setting) {
     return escaped(setting.bytes);
 }
 
-/// A run that was killed leaves its status behind.
+/// A run that was killed leaves its status and result behind.
 void tellIfKilled(const Setting& setting) {
-    if (setting.type == SettingType::Text && setting.bytes == "active" &&
-        SettingsStore::instance().isWriterGone(setting.key)) {
+    if (Nerix::isOfRun(setting) && !Nerix::isOfLiveRun(setting)) {
         std::cerr << "NerixHostSettings: the run that set " << escaped(setting.key) << " was killed\n";
     }
 }

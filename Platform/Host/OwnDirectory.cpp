@@ -38,10 +38,6 @@ struct stat made(const fs::path& path) {
     return examined(path);
 }
 
-bool isWritableForOthers(const struct stat& status) {
-    return (status.st_mode & (S_IWGRP | S_IWOTH)) != 0;
-}
-
 /// This user, and the system, who could do anything anyway: root, also as root shows in a user name space that does not
 /// know it.
 bool isTrusted(uid_t owner) {
@@ -53,7 +49,8 @@ void requireSafeOnTheWay(const fs::path& path, const struct stat& status) {
     if (!isTrusted(status.st_uid)) {
         refuse(EPERM, path.string() + " belongs to another user");
     }
-    if (S_ISDIR(status.st_mode) && isWritableForOthers(status) && (status.st_mode & S_ISVTX) == 0) {
+    // Not the group: where each user has one of their own, home directories are often open to it.
+    if (S_ISDIR(status.st_mode) && (status.st_mode & S_IWOTH) != 0 && (status.st_mode & S_ISVTX) == 0) {
         refuse(EPERM, path.string() + " may be written by other users");
     }
     if (!S_ISDIR(status.st_mode) && !S_ISLNK(status.st_mode)) {
@@ -88,7 +85,7 @@ fs::path ownDirectory(const fs::path& directory) {
         }
     }
     const struct stat status = examined(here);
-    if (status.st_uid != ::geteuid() || isWritableForOthers(status)) {
+    if (status.st_uid != ::geteuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
         refuse(EPERM, here.string() + " is not a directory of this user alone");
     }
     return here;

@@ -36,7 +36,8 @@ int reserveLockFile(const std::string& store) {
     }
     struct stat status {};
     int code = ::fstat(file, &status) == 0 ? 0 : errno;
-    if (code == 0 && status.st_size < size) {
+    if (code == 0 &&
+        status.st_size < size) { // a file of this size was made so, or is somebody's copy with holes
         code = ::posix_fallocate(file, 0, size);
     }
     ::close(file);
@@ -58,8 +59,7 @@ bool isWhole(MDB_env* environment) {
 }
 
 bool isDamage(int code) {
-    return code == MDB_CORRUPTED || code == MDB_INVALID || code == MDB_VERSION_MISMATCH ||
-           code == MDB_PAGE_NOTFOUND;
+    return code == MDB_CORRUPTED || code == MDB_INVALID || code == MDB_PAGE_NOTFOUND;
 }
 
 /// Ends with the scope unless committed.
@@ -90,13 +90,7 @@ private:
     int m_code = 0;
 };
 
-/// What is stored under a key: the type, the writer's identity up to a zero byte, and the value's bytes.
-struct Record {
-    char type = 0;
-    std::string_view writer;
-    std::string_view bytes;
-};
-
+/// What is stored: the type, the writer's identity up to a zero byte, and the value's bytes.
 std::string packed(SettingType type, std::string_view bytes) {
     static const std::string writer = ProcessIdentity::own();
     std::string record;
@@ -117,14 +111,16 @@ std::string_view toView(const MDB_val& value) {
     return {static_cast<const char*>(value.mv_data), value.mv_size};
 }
 
-/// The record's parts, as long as the value is valid; false for what is none of ours.
-bool unpack(const MDB_val& value, Record& record) {
+/// Fills in what is stored; false when it is none of ours.
+bool unpack(const MDB_val& value, Setting& setting) {
     const std::string_view stored = toView(value);
     const std::size_t end = stored.find('\0');
     if (end == std::string_view::npos || end == 0) {
         return false;
     }
-    record = {stored.front(), stored.substr(1, end - 1), stored.substr(end + 1)};
+    setting.type = static_cast<SettingType>(stored.front());
+    setting.writer = stored.substr(1, end - 1);
+    setting.bytes = stored.substr(end + 1);
     return true;
 }
 
@@ -214,7 +210,7 @@ int SettingsStore::attempt(Shelf& shelf, const char* what, std::string_view key,
     m_lastFailure = "settings store " + shelf.place + ": cannot " + what + which + ": " +
                     (reason.empty() ? mdb_strerror(code) : reason);
     if (isDamage(code)) {
-        m_lastFailure += "; what it holds is lost: delete this file";
+        m_lastFailure += "; if nothing else uses it, delete this file and the one that ends in -lock";
     }
     if (code != MDB_NOTFOUND && code != MDB_INCOMPATIBLE) {
         if (code != MDB_BAD_VALSIZE) {
@@ -226,45 +222,42 @@ int SettingsStore::attempt(Shelf& shelf, const char* what, std::string_view key,
     return code;
 }
 
-template <class Step>
-int SettingsStore::withRecord(std::string_view key, Step step) {
+int SettingsStore::fetch(const Shelf& shelf, std::string_view key, Setting& setting) {
+    const Transaction transaction(shelf.environment.get(), MDB_RDONLY);
+    if (transaction.code() != 0) {
+        return transaction.code();
+    }
+    MDB_val name = toValue(key);
+    MDB_val value{};
+    if (key.empty() ||
+        key.size() > static_cast<std::size_t>(mdb_env_get_maxkeysize(shelf.environment.get()))) {
+        return MDB_BAD_VALSIZE;
+    }
+    if (const int code = mdb_get(transaction.get(), shelf.table, &name, &value)) {
+        return code;
+    }
+    setting.key = key;
+    return unpack(value, setting) ? 0 : MDB_INCOMPATIBLE;
+}
+
+int SettingsStore::find(std::string_view key, Setting& setting) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return attempt(shelfOf(key), "read", key, [&](Shelf& shelf) {
-        const Transaction transaction(shelf.environment.get(), MDB_RDONLY);
-        if (transaction.code() != 0) {
-            return transaction.code();
-        }
-        MDB_val name = toValue(key);
-        MDB_val value{};
-        if (key.empty() ||
-            key.size() > static_cast<std::size_t>(mdb_env_get_maxkeysize(shelf.environment.get()))) {
-            return MDB_BAD_VALSIZE;
-        }
-        if (const int code = mdb_get(transaction.get(), shelf.table, &name, &value)) {
-            return code;
-        }
-        Record record;
-        return unpack(value, record) && step(record) ? 0 : MDB_INCOMPATIBLE;
-    });
+    return attempt(shelfOf(key), "read", key, [&](Shelf& shelf) { return fetch(shelf, key, setting); });
 }
 
 int SettingsStore::read(std::string_view key, SettingType type, std::string& bytes) {
-    return withRecord(key, [&](const Record& record) {
-        const bool isWanted = record.type == static_cast<char>(type);
-        if (isWanted) {
-            bytes = record.bytes;
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return attempt(shelfOf(key), "read", key, [&](Shelf& shelf) {
+        Setting setting{};
+        if (const int code = fetch(shelf, key, setting)) {
+            return code;
         }
-        return isWanted;
+        if (setting.type != type) {
+            return MDB_INCOMPATIBLE;
+        }
+        bytes = std::move(setting.bytes);
+        return 0;
     });
-}
-
-bool SettingsStore::isWriterGone(std::string_view key) {
-    std::string writer;
-    const int code = withRecord(key, [&](const Record& record) {
-        writer = record.writer;
-        return true;
-    });
-    return code == 0 && ProcessIdentity::isGone(writer);
 }
 
 int SettingsStore::write(std::string_view key, SettingType type, std::string_view bytes) {
@@ -302,9 +295,8 @@ int SettingsStore::list(std::vector<Setting>& settings) {
             MDB_val value{};
             int code = mdb_cursor_get(cursor.get(), &name, &value, MDB_FIRST);
             for (; code == 0; code = mdb_cursor_get(cursor.get(), &name, &value, MDB_NEXT)) {
-                if (Record record; unpack(value, record)) {
-                    found.push_back({std::string(toView(name)), static_cast<SettingType>(record.type),
-                                     std::string(record.bytes)});
+                if (Setting setting{std::string(toView(name)), {}, {}, {}}; unpack(value, setting)) {
+                    found.push_back(std::move(setting));
                 }
             }
             return code == MDB_NOTFOUND ? 0 : code;

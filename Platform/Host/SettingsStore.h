@@ -10,13 +10,14 @@
 
 namespace Nerix::Platform::Host {
 
-/// The type of a setting's value, as it is stored in front of the value's bytes.
+/// The type of a setting's value; the letter stands at the beginning of what is stored.
 enum class SettingType : char { Integer = 'i', Double = 'd', Text = 's', Boolean = 'b' };
 
 struct Setting {
     std::string key;
     SettingType type;
-    std::string bytes; ///< the int or double as in memory, or the characters of the text
+    std::string bytes;  ///< the int or double as in memory, or the characters of the text
+    std::string writer; ///< the process that wrote it, see ProcessIdentity.h
 };
 
 /// The host's settings store: typed values under text keys, shared by all processes of the user.
@@ -37,8 +38,8 @@ public:
     int read(std::string_view key, SettingType type, std::string& bytes);
     int write(std::string_view key, SettingType type, std::string_view bytes); ///< whatever type the key held
 
-    /// Whether the process that wrote the key's value has certainly ended; false when there is none.
-    bool isWriterGone(std::string_view key);
+    /// The setting of this key, whatever its type. MDB_NOTFOUND as above.
+    int find(std::string_view key, Setting& setting);
 
     /// All settings, in the byte order of their keys.
     int list(std::vector<Setting>& settings);
@@ -66,14 +67,11 @@ private:
 
     Shelf& shelfOf(std::string_view key);
     static int open(Shelf& shelf);
+    static int fetch(const Shelf& shelf, std::string_view key, Setting& setting);
 
     /// Runs one step on an open shelf; a failure of the shelf itself is logged, and closes it.
     template <class Step>
     int attempt(Shelf& shelf, const char* what, std::string_view key, Step step);
-
-    /// Hands the key's record to the step, which says whether it is what was wanted.
-    template <class Step>
-    int withRecord(std::string_view key, Step step);
 
     mutable std::mutex m_mutex; ///< guards the rest: no thread may use an environment that another closes
     Shelf m_durable;

@@ -4,7 +4,9 @@ import contextlib
 import fcntl
 import os
 import resource
+import shutil
 import signal
+import stat
 import subprocess
 import time
 
@@ -80,17 +82,21 @@ class Hostile(SystemTest):
         os.mkdir("/mnt/open")
         os.chmod("/mnt/open", 0o777)
         os.mkdir("/mnt/open/inner")
-        os.symlink("/root", "/mnt/open/link")
+        os.symlink("/root", "/mnt/link")
+        os.mkdir("/mnt/group")
+        os.chmod("/mnt/group", 0o775)
         cases = [("NERIX_PLATFORM_HOME", "/mnt/open"), ("XDG_RUNTIME_DIR", "/mnt/open"), ("XDG_STATE_HOME", "/mnt/open"),
-                 ("NERIX_PLATFORM_HOME", "/mnt/open/inner"), ("NERIX_PLATFORM_HOME", "/mnt/open/link/home")]
+                 ("NERIX_PLATFORM_HOME", "/mnt/open/inner"), ("NERIX_PLATFORM_HOME", "/mnt/group")]
         os.mkdir("/mnt/theirs")
         with contextlib.suppress(OSError):  # in a user name space there is nobody else
             os.chown("/mnt/theirs", 12345, 12345)
-            cases += [(name, "/mnt/theirs") for name, _ in cases[:3]]
+            os.lchown("/mnt/link", 12345, 12345)
+            cases += [(name, "/mnt/theirs") for name, _ in cases[:3]] + [("NERIX_PLATFORM_HOME", "/mnt/link/home")]
             os.mkdir(f"/dev/shm/nerix-{os.geteuid()}")
             os.chown(f"/dev/shm/nerix-{os.geteuid()}", 12345, 12345)
         del self.environment["NERIX_PLATFORM_HOME"]
         self.environment["HOME"] = "/root"
+        self.assert_right(self.run_program("--path", self.tree, env={**self.environment, "HOME": "/mnt/group"}))
         self.assert_right()
         with open("/root/.local/state/nerix/log/main.log", encoding="utf-8") as log:
             self.assertEqual("volatile settings are kept in /root/.local/state/nerix: " in log.read(), len(cases) > 5)
@@ -100,7 +106,7 @@ class Hostile(SystemTest):
                 self.assertEqual(run.returncode, 1)
                 self.assertRegex(run.stdout, REPORT)
                 if name != "XDG_RUNTIME_DIR":  # the log has the reason then
-                    self.assertRegex(run.stderr, rb" /mnt/\w+(/\w+)* (belongs to another|may be written by other) user")
+                    self.assertRegex(run.stderr, rb" /mnt/\w+(/\w+)* (belongs to another user|may be written by|is not a directory)")
 
     def test_full_disks_and_damaged_stores(self):
         self.require_mounts()
@@ -169,24 +175,48 @@ class Hostile(SystemTest):
         self.assertIn(b"cannot open /dev/null in place of a standard stream", run.stderr)
         self.assertFalse(os.path.exists(home))
 
-    def test_file_under_a_lease(self):
-        leased = os.open(os.path.join(self.tree, "a"), os.O_RDWR)
-        self.addCleanup(os.close, leased)
-        given_back = []
+    def test_file_under_a_lease_and_what_may_take_its_place(self):
+        path = os.path.join(self.tree, "a")
+        device = lambda: os.mknod(path, stat.S_IFCHR | 0o644, os.makedev(1, 5))
+        cases = (None, lambda: os.symlink("/dev/zero", path), lambda: os.mkfifo(path), lambda: os.mkdir(path), device)
+        for replace in cases:
+            leased = os.open(path, os.O_RDWR | os.O_CREAT)
+            os.write(leased, b"content")
 
-        def give_back(*_):
-            time.sleep(0.3)
-            fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_UNLCK)
-            given_back.append(True)
+            def answer(*_, replace=replace, leased=leased):
+                if replace:
+                    os.remove(path)
+                    with contextlib.suppress(PermissionError):  # a device, for an ordinary user
+                        replace()
+                time.sleep(0.1)
+                fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_UNLCK)
 
-        self.addCleanup(signal.signal, signal.SIGIO, signal.signal(signal.SIGIO, give_back))
-        try:
-            fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_WRLCK)
-        except OSError as refusal:
-            self.skipTest(f"leases: {refusal}")
-        run = self.run_program("--path", self.tree)
-        self.assertEqual(given_back, [True])
-        self.assert_right(run)
+            before = signal.signal(signal.SIGIO, answer)
+            try:
+                fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_WRLCK)
+                run = self.run_program("--path", self.tree, timeout=60)
+            except OSError as refusal:
+                self.skipTest(f"leases: {refusal}")
+            finally:
+                signal.signal(signal.SIGIO, before)
+                os.close(leased)
+            if replace is None:
+                self.assert_right(run)
+            else:
+                self.assertEqual(run.stdout, b"ERROR\n")
+                subprocess.run(["rm", "-rf", path], check=True)
+
+    def test_reading_waits_for_no_writer(self):
+        if not shutil.which("strace"):
+            self.skipTest("no strace on this machine")
+        self.assert_right()
+        hold = ["strace", "-qq", "-o", "/dev/null", "-e", "trace=fdatasync", "-e", "inject=fdatasync:delay_enter=6000000"]
+        with subprocess.Popen([*hold, PROGRAM, "--path", self.tree], env=self.environment, stdout=subprocess.DEVNULL,
+                              stderr=subprocess.DEVNULL) as run:
+            time.sleep(1)
+            subprocess.run([SETTINGS, "list"], env=self.environment, check=True, stdout=subprocess.DEVNULL, timeout=4)
+            self.assertIsNone(run.poll())
+            subprocess.run(["pkill", "-KILL", "-P", str(run.pid)], check=True)
 
     def test_overlay_that_announces_attributes_which_it_hides(self):
         self.require_mounts()

@@ -3,10 +3,12 @@
 #include "Common/Utils/Errors.h"
 #include "Common/Utils/TerminationSignals.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <ctime>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Nerix::FileScanners {
@@ -20,32 +22,58 @@ int openWithoutWaiting(const boost::filesystem::path& path) {
             return descriptor;
         }
         // A write lease, as file servers take them. The kernel has told its holder, and takes it away after a time
-        // (fs.lease-break-time); nothing else answers like that.
+        // (fs.lease-break-time); no other local file system answers like that.
         const std::timespec pause{0, 5'000'000};
         ::nanosleep(&pause, nullptr);
     }
 }
 
-ssize_t readDescriptor(void* descriptor, char* buffer, std::size_t size) {
+} // namespace
+
+ContentStream::ContentStream(const boost::filesystem::path& path, std::uint64_t size)
+    : m_path(path),
+      m_size(size),
+      m_descriptor(openWithoutWaiting(path)),
+      // Not fdopen, which makes one more system call.
+      m_stream(m_descriptor.isOpen() ? ::fopencookie(this, "r", {&read, nullptr, nullptr, nullptr})
+                                     : nullptr) {
+    if (!m_stream) {
+        refuse();
+    }
+    std::setvbuf(m_stream.get(), m_buffer, _IOFBF, sizeof m_buffer);
+}
+
+void ContentStream::throwIfReplaced() const {
+    if (m_isReplaced) {
+        refuse();
+    }
+}
+
+void ContentStream::refuse() const {
+    BOOST_THROW_EXCEPTION(Common::Utils::GenericException() << Common::Utils::errinfo_stream(
+                              "access error: can't read content of file: ", m_path));
+}
+
+ssize_t ContentStream::read(void* self, char* buffer, std::size_t size) {
     if (Common::Utils::terminationSignal() != 0) {
         return 0; // the worker ends the run when it is told of the file
     }
-    return ::read(static_cast<const Common::Utils::Descriptor*>(descriptor)->number(), buffer, size);
+    auto& content = *static_cast<ContentStream*>(self);
+    const ssize_t count = ::read(content.m_descriptor.number(), buffer, size);
+    content.m_readBytes += static_cast<std::uint64_t>(std::max<ssize_t>(count, 0));
+    const bool isAsExpected =
+        count > 0 ? content.m_readBytes <= content.m_size : content.m_readBytes == content.m_size;
+    return isAsExpected || content.isWhatItWas() ? count : 0;
 }
 
-} // namespace
-
-ContentStream::ContentStream(const boost::filesystem::path& path)
-    : m_descriptor(openWithoutWaiting(path)),
-      // Not fdopen, which makes one more system call.
-      m_stream(m_descriptor.isOpen()
-                   ? ::fopencookie(&m_descriptor, "r", {&readDescriptor, nullptr, nullptr, nullptr})
-                   : nullptr) {
-    if (!m_stream) {
-        BOOST_THROW_EXCEPTION(Common::Utils::GenericException() << Common::Utils::errinfo_stream(
-                                  "access error: can't read content of file: ", path));
+bool ContentStream::isWhatItWas() {
+    // Only where the size says that something is wrong: for each file it would cost a fortieth of a run.
+    if (!m_isChecked) {
+        m_isChecked = true;
+        struct stat status {};
+        m_isReplaced = ::fstat(m_descriptor.number(), &status) != 0 || !S_ISREG(status.st_mode);
     }
-    std::setvbuf(m_stream.get(), m_buffer, _IOFBF, sizeof m_buffer);
+    return !m_isReplaced;
 }
 
 } // namespace Nerix::FileScanners

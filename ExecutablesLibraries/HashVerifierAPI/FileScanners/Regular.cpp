@@ -15,8 +15,10 @@ hash_t hashEntry(const FileInput& entry, hash_t value, const IHashFunction& func
     value = function.apply(value, entry.path.native());
     value = hashstat(entry, value, function);
     value = hashxtattr(entry, value, function);
-    const ContentStream content(entry.path);
-    return function.apply(value, content.get());
+    const ContentStream content(entry.path, static_cast<std::uint64_t>(entry.status.st_size));
+    value = function.apply(value, content.get());
+    content.throwIfReplaced();
+    return value;
 }
 
 } // namespace

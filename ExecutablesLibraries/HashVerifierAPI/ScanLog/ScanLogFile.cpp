@@ -60,7 +60,10 @@ std::fstream create(const std::string& path) {
     if (!file.isOpen()) {
         refuseForError(path, "open");
     }
-    if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    if (::fstat(file.number(), &status) != 0) {
+        refuseForError(path, "fstat");
+    }
+    if (!S_ISREG(status.st_mode)) {
         refuse(path, " is not a regular file");
     }
     // Not when it is opened: a run of the same second would lose its records.

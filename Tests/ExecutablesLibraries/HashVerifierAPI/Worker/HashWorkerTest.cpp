@@ -49,7 +49,6 @@ protected:
     const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> m_openSSL{
         Common::Utils::SINGLETON_OPENSSL_INITIALIZER};
 };
-using HashWorkerDeathTest = HashWorkerTest;
 
 TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
     const std::string result = verify();
@@ -122,7 +121,7 @@ TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefusedAndProgressMayBeAsked) {
     EXPECT_NE(verify(), "ERROR") << "a later start is accepted";
 }
 
-TEST_F(HashWorkerDeathTest, ResultBeforeTheEndIsAnAssertion) {
+TEST(HashWorkerDeathTest, ResultBeforeTheEndIsAnAssertion) {
     GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process of its own: none has finished a run there
     EXPECT_DEATH(HashVerifierAPI::getResult(), "ASSERTION FAILED: !m_calculatedHash.empty\\(\\), ");
 }

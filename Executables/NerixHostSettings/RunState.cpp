@@ -1,0 +1,16 @@
+#include "Executables/NerixHostSettings/RunState.h"
+
+#include "Platform/Host/ProcessIdentity.h"
+
+namespace Nerix {
+
+bool isOfRun(const Platform::Host::Setting& setting) {
+    return setting.type == Platform::Host::SettingType::Text &&
+           (setting.bytes == "active" || setting.bytes == "00000111");
+}
+
+bool isOfLiveRun(const Platform::Host::Setting& setting) {
+    return isOfRun(setting) && !Platform::Host::ProcessIdentity::isGone(setting.writer);
+}
+
+} // namespace Nerix
