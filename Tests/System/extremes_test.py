@@ -73,19 +73,6 @@ class Extremes(SystemTest):
         expected = int(rest.value(path + ".empty"), 16) - len(".empty") + size
         self.assertEqual(self.value(path, "trivial"), f"{expected:016x}")
 
-    def test_thousand_attributes_on_one_file(self):
-        path = os.path.join(self.home, "attributes")  # in memory, where attributes are not limited to a block
-        os.mkdir(path)
-        file = os.path.join(path, "file")
-        with open(file, "wb"):
-            pass
-        try:
-            for number in range(1000):
-                os.setxattr(file, f"trusted.attribute{number}", os.urandom(number % 50))
-        except OSError as refusal:
-            self.skipTest(f"trusted attributes: {refusal}")
-        self.assertEqual(self.value(path), Model("md5").value(path))
-
 
 if __name__ == "__main__":
     main()
