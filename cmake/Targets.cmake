@@ -1,7 +1,7 @@
 # One target a folder, named for its path: Common/Utils is Common_Utils.
 
 # nerix_library(NAME SOURCES file... [LINKS target...])
-# A folder's library. It never links the platform: programs link Platform/Host (or the device's libraries),
+# A folder's library. It never links the platform: programs link HostPlatform (or the device's libraries),
 # unit tests link Tests/Fakes in its place.
 function(nerix_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
@@ -15,7 +15,7 @@ function(nerix_program name)
   add_executable(${name} ${ARG_SOURCES})
   target_link_libraries(${name} PRIVATE nerix_settings nerix_warnings ${ARG_LINKS})
   if(NERIX_HOST_PLATFORM)
-    target_link_libraries(${name} PRIVATE Platform_Host)
+    target_link_libraries(${name} PRIVATE HostPlatform)
   else()
     target_link_libraries(${name} PRIVATE ${NERIX_PLATFORM_LIBRARIES})
   endif()

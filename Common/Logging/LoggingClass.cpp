@@ -2,7 +2,7 @@
 
 #include "Common/Logging/AtomicAddFetch.h"
 #include "Common/Logging/PackageVersion.h"
-#include "Platform/Interfaces/dlog.h"
+#include "PlatformInterfaces/dlog.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -1,6 +1,6 @@
 #include "Executables/NerixHostSettings/RunState.h"
 
-#include "Platform/Host/ProcessIdentity.h"
+#include "HostPlatform/ProcessIdentity.h"
 
 namespace Nerix {
 

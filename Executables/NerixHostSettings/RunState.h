@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Host/SettingsStore.h"
+#include "HostPlatform/SettingsStore.h"
 
 namespace Nerix {
 

@@ -1,8 +1,8 @@
 #include "Executables/NerixHostSettings/Watch.h"
 
 #include "Executables/NerixHostSettings/RunState.h"
-#include "Platform/Host/EscapedText.h"
-#include "Platform/Host/SettingsStore.h"
+#include "HostPlatform/EscapedText.h"
+#include "HostPlatform/SettingsStore.h"
 
 #include <algorithm>
 #include <csignal>

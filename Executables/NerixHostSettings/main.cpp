@@ -1,8 +1,8 @@
 #include "Common/Utils/StandardStreams.h"
 #include "Executables/NerixHostSettings/RunState.h"
 #include "Executables/NerixHostSettings/Watch.h"
-#include "Platform/Host/EscapedText.h"
-#include "Platform/Host/SettingsStore.h"
+#include "HostPlatform/EscapedText.h"
+#include "HostPlatform/SettingsStore.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,7 +1,7 @@
 #include "Platform/Product/SystemDirectories.h"
 
 #include "Common/Logging/Log.h"
-#include "Platform/Interfaces/path_config.h"
+#include "PlatformInterfaces/path_config.h"
 
 namespace Nerix::Platform::PlatformInternal {
 

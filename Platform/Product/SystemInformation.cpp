@@ -1,6 +1,6 @@
 #include "Platform/Product/SystemInformation.h"
 
-#include "Platform/Interfaces/system_info.h"
+#include "PlatformInterfaces/system_info.h"
 
 #include <cstdlib>
 #include <memory>

@@ -1,9 +1,9 @@
 #include "Tests/Fakes/FakePlatform.h"
 
-#include "Platform/Interfaces/dlog.h"
-#include "Platform/Interfaces/path_config.h"
-#include "Platform/Interfaces/system_info.h"
-#include "Platform/Interfaces/vconf.h"
+#include "PlatformInterfaces/dlog.h"
+#include "PlatformInterfaces/path_config.h"
+#include "PlatformInterfaces/system_info.h"
+#include "PlatformInterfaces/vconf.h"
 
 #include <algorithm>
 #include <cstdarg>

@@ -1,4 +1,4 @@
-#include "Platform/Host/HostConfiguration.h"
+#include "HostPlatform/HostConfiguration.h"
 
 #include "Tests/Fakes/FakePlatform.h"
 

@@ -2,7 +2,7 @@
 
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors.h"
-#include "Platform/Interfaces/vconf.h"
+#include "PlatformInterfaces/vconf.h"
 
 #include <cstdlib>
 #include <memory>

@@ -1,5 +1,5 @@
 #include "Common/Logging/Log.h"
-#include "Platform/Interfaces/dlog.h"
+#include "PlatformInterfaces/dlog.h"
 #include "Tests/Fakes/FakePlatform.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "Platform/Host/HostConfiguration.h"
+#include "HostPlatform/HostConfiguration.h"
 
-#include "Platform/Host/EscapedText.h"
+#include "HostPlatform/EscapedText.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
 #include <boost/filesystem/fstream.hpp>

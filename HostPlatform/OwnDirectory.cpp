@@ -1,4 +1,4 @@
-#include "Platform/Host/OwnDirectory.h"
+#include "HostPlatform/OwnDirectory.h"
 
 #include <cerrno>
 #include <list>

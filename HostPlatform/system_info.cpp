@@ -1,6 +1,6 @@
-#include "Platform/Interfaces/system_info.h"
+#include "PlatformInterfaces/system_info.h"
 
-#include "Platform/Host/HostConfiguration.h"
+#include "HostPlatform/HostConfiguration.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,8 +1,8 @@
-#include "Platform/Host/SettingsStore.h"
+#include "HostPlatform/SettingsStore.h"
 
-#include "Platform/Host/HostDirectories.h"
-#include "Platform/Host/ProcessIdentity.h"
-#include "Platform/Interfaces/dlog.h"
+#include "HostPlatform/HostDirectories.h"
+#include "HostPlatform/ProcessIdentity.h"
+#include "PlatformInterfaces/dlog.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
-#include "Platform/Host/HostConfiguration.h"
+#include "HostPlatform/HostConfiguration.h"
 
-#include "Platform/Host/HostDirectories.h"
-#include "Platform/Interfaces/dlog.h"
+#include "HostPlatform/HostDirectories.h"
+#include "PlatformInterfaces/dlog.h"
 
 #include <boost/property_tree/ini_parser.hpp>
 #include <boost/property_tree/ptree.hpp>

@@ -1,4 +1,4 @@
-#include "Platform/Host/EscapedText.h"
+#include "HostPlatform/EscapedText.h"
 
 #include <cstdio>
 

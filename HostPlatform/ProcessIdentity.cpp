@@ -1,4 +1,4 @@
-#include "Platform/Host/ProcessIdentity.h"
+#include "HostPlatform/ProcessIdentity.h"
 
 #include <filesystem>
 #include <fstream>

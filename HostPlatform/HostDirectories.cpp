@@ -1,7 +1,7 @@
-#include "Platform/Host/HostDirectories.h"
+#include "HostPlatform/HostDirectories.h"
 
-#include "Platform/Host/OwnDirectory.h"
-#include "Platform/Interfaces/dlog.h"
+#include "HostPlatform/OwnDirectory.h"
+#include "PlatformInterfaces/dlog.h"
 
 #include <cerrno>
 #include <cstdlib>

@@ -1,6 +1,6 @@
-#include "Platform/Interfaces/vconf.h"
+#include "PlatformInterfaces/vconf.h"
 
-#include "Platform/Host/SettingsStore.h"
+#include "HostPlatform/SettingsStore.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,6 +1,6 @@
-#include "Platform/Interfaces/dlog.h"
+#include "PlatformInterfaces/dlog.h"
 
-#include "Platform/Host/SystemLog.h"
+#include "HostPlatform/SystemLog.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -1,6 +1,6 @@
-#include "Platform/Interfaces/path_config.h"
+#include "PlatformInterfaces/path_config.h"
 
-#include "Platform/Host/HostConfiguration.h"
+#include "HostPlatform/HostConfiguration.h"
 
 #include <map>
 #include <mutex>

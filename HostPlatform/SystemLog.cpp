@@ -1,8 +1,8 @@
-#include "Platform/Host/SystemLog.h"
+#include "HostPlatform/SystemLog.h"
 
-#include "Platform/Host/EscapedText.h"
-#include "Platform/Host/HostDirectories.h"
-#include "Platform/Interfaces/dlog.h"
+#include "HostPlatform/EscapedText.h"
+#include "HostPlatform/HostDirectories.h"
+#include "PlatformInterfaces/dlog.h"
 
 #include <spdlog/logger.h>
 #include <spdlog/sinks/rotating_file_sink.h>
