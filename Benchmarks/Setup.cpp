@@ -1,7 +1,7 @@
 #include "Benchmarks/Setup.h"
 
 #include "Common/IO/OpenSSLInit.h"
-#include "Common/Utils/SingletonServiceGuard.h"
+#include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Platform/Product/IProductInfo.h"
 
 #include <benchmark/benchmark.h>

@@ -2,9 +2,9 @@
 
 #include "Common/IO/CRCSink.h"
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Assert.h"
 #include "Common/Utils/Encoding.h"
-#include "Common/Utils/RethrowExceptionStream.h"
+#include "Common/Utils/Errors/Assert.h"
+#include "Common/Utils/Errors/RethrowExceptionStream.h"
 
 #include <boost/exception/diagnostic_information.hpp>
 #include <boost/lexical_cast.hpp>

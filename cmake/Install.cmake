@@ -1,9 +1,9 @@
 # cmake --install puts the programs and their manual in place; cpack makes a Debian package of them.
 
 include(GNUInstallDirs)
-install(TARGETS NerixVerifierHash RUNTIME)
+install(TARGETS Executables_NerixVerifierHash RUNTIME)
 if(NERIX_HOST_PLATFORM)
-  install(TARGETS NerixHostSettings RUNTIME)
+  install(TARGETS Executables_NerixHostSettings RUNTIME)
 endif()
 install(FILES docs/NerixVerifierHash.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 

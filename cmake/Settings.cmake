@@ -12,7 +12,7 @@ find_package(OpenSSL 3 REQUIRED COMPONENTS Crypto)
 add_library(nerix_settings INTERFACE)
 target_include_directories(nerix_settings INTERFACE ${PROJECT_SOURCE_DIR})
 # Version 3 of Boost.Filesystem: the last element of "a/b/" is ".", on which stripTrailingSlashes relies.
-# The assert handler: Boost's own checks end in ours, see Common/Utils/Assert.h.
+# The assert handler: Boost's own checks end in ours, see Common/Utils/Errors/Assert.h.
 # File sizes and inode numbers of 64 bits on machines of 32.
 target_compile_definitions(nerix_settings INTERFACE
   _FILE_OFFSET_BITS=64 BOOST_FILESYSTEM_VERSION=3 BOOST_FILESYSTEM_NO_DEPRECATED BOOST_ENABLE_ASSERT_HANDLER)

@@ -1,4 +1,4 @@
-# One target a folder, named for its path: Common/Utils is Common_Utils.
+# One target a folder, named for its path: Common/Utils/Errors is Common_Utils_Errors.
 
 # nerix_library(NAME SOURCES file... [LINKS target...])
 # A folder's library. It never links the platform: programs link HostPlatform (or the device's libraries),
@@ -10,9 +10,12 @@ function(nerix_library name)
 endfunction()
 
 # nerix_program(NAME SOURCES file... [LINKS target...])
+# A folder's program, which is called as the folder alone.
 function(nerix_program name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
+  get_filename_component(folder ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+  set_target_properties(${name} PROPERTIES OUTPUT_NAME ${folder})
   target_link_libraries(${name} PRIVATE nerix_settings nerix_warnings ${ARG_LINKS})
   if(NERIX_HOST_PLATFORM)
     target_link_libraries(${name} PRIVATE HostPlatform)

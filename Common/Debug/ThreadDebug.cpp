@@ -1,7 +1,7 @@
 #include "Common/Debug/ThreadDebug.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Assert.h"
+#include "Common/Utils/Errors/Assert.h"
 
 #include <boost/thread/thread.hpp>
 #include <boost/xpressive/xpressive_static.hpp>

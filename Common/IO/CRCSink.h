@@ -2,7 +2,7 @@
 
 #include "Common/IO/ISink.h"
 #include "Common/IO/TransactionalEntity.h"
-#include "Common/Utils/IDebugName.h"
+#include "Common/Utils/Errors/IDebugName.h"
 
 #include <boost/crc.hpp>
 

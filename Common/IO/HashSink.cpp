@@ -2,8 +2,8 @@
 
 #include "Common/IO/DigestLookup.h"
 #include "Common/IO/OpenSSLException.h"
-#include "Common/Utils/Errors.h"
-#include "Common/Utils/SingletonsRegister.h"
+#include "Common/Utils/Errors/Errors.h"
+#include "Common/Utils/Singletons/SingletonsRegister.h"
 
 #include <openssl/evp.h>
 

@@ -3,8 +3,8 @@
 #include "Common/IO/ISink.h"
 #include "Common/IO/OpenSSLCompat.h"
 #include "Common/IO/OpenSSLInit.h"
-#include "Common/Utils/IDebugName.h"
-#include "Common/Utils/SingletonPointer.h"
+#include "Common/Utils/Errors/IDebugName.h"
+#include "Common/Utils/Singletons/SingletonPointer.h"
 
 #include <boost/core/noncopyable.hpp>
 

@@ -1,7 +1,7 @@
 #include "Common/IO/ISink.h"
 
 #include "Common/IO/IOExceptions.h"
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 
 namespace Nerix::Common::IO {
 

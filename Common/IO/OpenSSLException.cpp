@@ -1,7 +1,7 @@
 #include "Common/IO/OpenSSLException.h"
 
 #include "Common/IO/OpenSSLInit.h"
-#include "Common/Utils/SingletonsRegister.h"
+#include "Common/Utils/Singletons/SingletonsRegister.h"
 
 #include <boost/throw_exception.hpp>
 

@@ -1,7 +1,7 @@
 #include "Common/IO/OpenSSLInit.h"
 
-#include "Common/Utils/Assert.h"
-#include "Common/Utils/SingletonsRegister.h"
+#include "Common/Utils/Errors/Assert.h"
+#include "Common/Utils/Singletons/SingletonsRegister.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Common/IO/OpenSSLCompat.h"
-#include "Common/Utils/RegisterableSingleton.h"
+#include "Common/Utils/Singletons/RegisterableSingleton.h"
 
 #include <boost/thread/mutex.hpp>
 

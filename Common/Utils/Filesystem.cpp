@@ -1,7 +1,7 @@
 #include "Common/Utils/Filesystem.h"
 
-#include "Common/Utils/Errors.h"
-#include "Common/Utils/RethrowExceptionStream.h"
+#include "Common/Utils/Errors/Errors.h"
+#include "Common/Utils/Errors/RethrowExceptionStream.h"
 
 #include <boost/filesystem/operations.hpp>
 #include <boost/thread/thread.hpp>

@@ -1,6 +1,6 @@
 #include "Common/Utils/StandardStreams.h"
 
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 
 #include <cerrno>
 #include <csignal>

@@ -1,7 +1,7 @@
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
 #include "Debug/DebugAndTestParameters/ParametersFile.h"
 #include "Platform/Product/IProductInfo.h"

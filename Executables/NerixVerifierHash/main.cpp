@@ -2,7 +2,7 @@
 #include "Common/IO/OpenSSLInit.h"
 #include "Common/Logging/Log.h"
 #include "Common/Logging/PackageVersion.h"
-#include "Common/Utils/SingletonServiceGuard.h"
+#include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Common/Utils/StandardStreams.h"
 #include "Common/Utils/TerminationSignals.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"

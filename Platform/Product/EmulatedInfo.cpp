@@ -1,7 +1,7 @@
 #include "Platform/Product/EmulatedInfo.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "Platform/Product/IProductInfo.h"
 
 #include <boost/filesystem/fstream.hpp>

@@ -1,8 +1,8 @@
 #include "Platform/Product/IProductInfo.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Assert.h"
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Assert.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "Platform/Product/SystemInformation.h"
 
 namespace Nerix::Platform {

@@ -1,7 +1,7 @@
 #include "Platform/Product/IProductInfo.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Assert.h"
+#include "Common/Utils/Errors/Assert.h"
 
 #include <boost/throw_exception.hpp>
 

@@ -1,7 +1,7 @@
 #include "Platform/Product/IProductInfo.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "NerixCommon/NerixCommonUtils.h"
 #include "Platform/Product/SystemInformation.h"
 

@@ -1,7 +1,7 @@
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
 
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "Platform/Product/IProductInfo.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"

@@ -1,6 +1,6 @@
 #include "Platform/Product/IProductInfo.h"
 
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/PrivateMounts.h"
 

@@ -1,4 +1,4 @@
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/MountPoints.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 #include "Platform/Product/IProductInfo.h"
 #include "Tests/Fakes/FakePlatform.h"
 

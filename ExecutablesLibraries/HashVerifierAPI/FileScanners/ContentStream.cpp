@@ -1,6 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/ContentStream.h"
 
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "Common/Utils/TerminationSignals.h"
 
 #include <algorithm>

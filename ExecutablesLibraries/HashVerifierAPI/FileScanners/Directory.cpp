@@ -1,11 +1,11 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Directory.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/RethrowExceptionStream.h"
+#include "Common/Utils/Errors/RethrowExceptionStream.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/MountPoints.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 #include <boost/exception/diagnostic_information.hpp>

@@ -1,6 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
 
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
 
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/NoHashFunction.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/OpenSSLHash.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/TrivialHashFunction.h"

@@ -2,8 +2,8 @@
 
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Descriptor.h"
-#include "Common/Utils/Errors.h"
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/MountPoints.h"
+#include "Common/Utils/Errors/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 
 #include <boost/exception/diagnostic_information.hpp>
 

@@ -1,7 +1,7 @@
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 #include "PlatformInterfaces/vconf.h"
 
 #include <cstdlib>

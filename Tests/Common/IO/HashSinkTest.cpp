@@ -3,8 +3,8 @@
 #include "Common/IO/IOExceptions.h"
 #include "Common/IO/OpenSSLException.h"
 #include "Common/Utils/Encoding.h"
-#include "Common/Utils/Errors.h"
-#include "Common/Utils/SingletonServiceGuard.h"
+#include "Common/Utils/Errors/Errors.h"
+#include "Common/Utils/Singletons/SingletonServiceGuard.h"
 
 #include <boost/exception/get_error_info.hpp>
 #include <gtest/gtest.h>

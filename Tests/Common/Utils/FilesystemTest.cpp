@@ -1,5 +1,5 @@
 #include "Common/Utils/Filesystem.h"
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 
 #include "Common/IO/OpenSSLInit.h"
-#include "Common/Utils/Errors.h"
-#include "Common/Utils/SingletonServiceGuard.h"
+#include "Common/Utils/Errors/Errors.h"
+#include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Platform/Product/IProductInfo.h"
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 #include "Tests/Fakes/FakePlatform.h"

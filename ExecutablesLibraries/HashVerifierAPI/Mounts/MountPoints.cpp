@@ -1,4 +1,4 @@
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/MountPoints.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 
 #include "Common/Utils/Filesystem.h"
 #include "Platform/Product/IProductInfo.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 
 #include <boost/exception_ptr.hpp>
 

@@ -1,4 +1,4 @@
-#include "Common/Utils/Assert.h"
+#include "Common/Utils/Errors/Assert.h"
 
 #include "Common/Logging/Log.h"
 

@@ -1,4 +1,4 @@
-#include "Common/Utils/Assert.h"
+#include "Common/Utils/Errors/Assert.h"
 
 #include <boost/assert.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Common/Utils/IDebugName.h"
+#include "Common/Utils/Errors/IDebugName.h"
 
 #include <boost/exception/error_info.hpp>
 #include <boost/exception/exception.hpp>

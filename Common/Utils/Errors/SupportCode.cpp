@@ -1,6 +1,6 @@
-#include "Common/Utils/SupportCode.h"
+#include "Common/Utils/Errors/SupportCode.h"
 
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 
 #include <boost/exception/errinfo_nested_exception.hpp>
 #include <boost/exception/get_error_info.hpp>

@@ -1,6 +1,6 @@
-#include "Common/Utils/Errors.h"
-#include "Common/Utils/RethrowExceptionStream.h"
-#include "Common/Utils/ThreadInterrupted.h"
+#include "Common/Utils/Errors/Errors.h"
+#include "Common/Utils/Errors/RethrowExceptionStream.h"
+#include "Common/Utils/Errors/ThreadInterrupted.h"
 #include "Tests/Fakes/FakePlatform.h"
 
 #include <boost/exception/diagnostic_information.hpp>

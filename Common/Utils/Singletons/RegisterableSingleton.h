@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Common/Utils/SingletonsID.h"
+#include "Common/Utils/Singletons/SingletonsID.h"
 
 #include <boost/core/noncopyable.hpp>
 

@@ -1,5 +1,5 @@
-#include "Common/Utils/SRegisterItem.h"
-#include "Common/Utils/SingletonServiceGuard.h"
+#include "Common/Utils/Singletons/SRegisterItem.h"
+#include "Common/Utils/Singletons/SingletonServiceGuard.h"
 
 #include <boost/thread/thread.hpp>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Common/Utils/Assert.h"
-#include "Common/Utils/RegisterableSingleton.h"
+#include "Common/Utils/Errors/Assert.h"
+#include "Common/Utils/Singletons/RegisterableSingleton.h"
 
 #include <boost/core/noncopyable.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Common/Utils/SingletonsRegister.h"
+#include "Common/Utils/Singletons/SingletonsRegister.h"
 
 #include <boost/core/noncopyable.hpp>
 #include <boost/optional/optional.hpp>

@@ -1,8 +1,8 @@
-#include "Common/Utils/SingletonsRegister.h"
+#include "Common/Utils/Singletons/SingletonsRegister.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Assert.h"
-#include "Common/Utils/SRegisterItem.h"
+#include "Common/Utils/Errors/Assert.h"
+#include "Common/Utils/Singletons/SRegisterItem.h"
 
 namespace Nerix::Common::Utils {
 

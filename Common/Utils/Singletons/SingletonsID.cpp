@@ -1,4 +1,4 @@
-#include "Common/Utils/SingletonsID.h"
+#include "Common/Utils/Singletons/SingletonsID.h"
 
 #include <algorithm>
 #include <iterator>

@@ -1,4 +1,4 @@
-#include "Common/Utils/Errors.h"
+#include "Common/Utils/Errors/Errors.h"
 
 #include <cstdint>
 #include <cstring>

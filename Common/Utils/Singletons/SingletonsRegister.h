@@ -1,8 +1,8 @@
 #pragma once
 
-#include "Common/Utils/RegisterableSingleton.h"
-#include "Common/Utils/SingletonPointer.h"
-#include "Common/Utils/SingletonsID.h"
+#include "Common/Utils/Singletons/RegisterableSingleton.h"
+#include "Common/Utils/Singletons/SingletonPointer.h"
+#include "Common/Utils/Singletons/SingletonsID.h"
 
 #include <boost/core/noncopyable.hpp>
 #include <boost/smart_ptr/make_shared.hpp>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "Common/Utils/RegisterableSingleton.h"
-#include "Common/Utils/SingletonsID.h"
+#include "Common/Utils/Singletons/RegisterableSingleton.h"
+#include "Common/Utils/Singletons/SingletonsID.h"
 
 #include <boost/core/noncopyable.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>

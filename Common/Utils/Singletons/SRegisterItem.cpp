@@ -1,6 +1,6 @@
-#include "Common/Utils/SRegisterItem.h"
+#include "Common/Utils/Singletons/SRegisterItem.h"
 
-#include "Common/Utils/Assert.h"
+#include "Common/Utils/Errors/Assert.h"
 
 #include <boost/thread/lock_guard.hpp>
 #include <boost/thread/thread.hpp>

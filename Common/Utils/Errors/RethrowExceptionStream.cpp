@@ -1,8 +1,8 @@
-#include "Common/Utils/RethrowExceptionStream.h"
+#include "Common/Utils/Errors/RethrowExceptionStream.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Assert.h"
-#include "Common/Utils/ThreadInterrupted.h"
+#include "Common/Utils/Errors/Assert.h"
+#include "Common/Utils/Errors/ThreadInterrupted.h"
 
 #include <boost/exception/get_error_info.hpp>
 
