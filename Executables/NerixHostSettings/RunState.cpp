@@ -1,12 +1,13 @@
 #include "Executables/NerixHostSettings/RunState.h"
 
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
 #include "HostPlatform/ProcessIdentity.h"
 
 namespace Nerix {
 
 bool isOfRun(const Platform::Host::Setting& setting) {
     return setting.type == Platform::Host::SettingType::Text &&
-           (setting.bytes == "active" || setting.bytes == "00000111");
+           (setting.bytes == PublishedState::activeStatus || setting.bytes == PublishedState::runningResult);
 }
 
 bool isOfLiveRun(const Platform::Host::Setting& setting) {

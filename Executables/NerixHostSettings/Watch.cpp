@@ -1,6 +1,7 @@
 #include "Executables/NerixHostSettings/Watch.h"
 
 #include "Executables/NerixHostSettings/RunState.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
 #include "HostPlatform/EscapedText.h"
 #include "HostPlatform/SettingsStore.h"
 
@@ -53,9 +54,9 @@ Setting read(const char* key) {
 }
 
 Shown readAll() {
-    const Setting status = read("memory/menu/support/softwareupdate/hashverifier_status");
-    const Setting progress = read("memory/menu/support/softwareupdate/hashverifier_progress");
-    const Setting result = read("db/menu/support/softwareupdate/hashverifier_result");
+    const Setting status = read(PublishedState::statusKey);
+    const Setting progress = read(PublishedState::progressKey);
+    const Setting result = read(PublishedState::resultKey);
     Shown shown{status.bytes, progress.bytes, result.bytes, isOfLiveRun(status) || isOfLiveRun(result)};
     if (!shown.isRunning && (isOfRun(status) || isOfRun(result))) {
         shown.status = "killed";

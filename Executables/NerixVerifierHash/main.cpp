@@ -34,9 +34,10 @@ const unsigned int minimumDescriptionLength = options::options_description::m_de
 
 void addMainOptions(options::options_description& outer) {
     options::options_description group("Main options", 80, minimumDescriptionLength);
-    group.add_options()("help,h", "Print this help message")(
-        "path,P", options::value<std::string>()->value_name("PATH"),
-        "Path to scan")("hash,H", options::value<std::string>()->value_name("HASH"), "Hash method");
+    auto add = group.add_options();
+    add("help,h", "Print this help message");
+    add("path,P", options::value<std::string>()->value_name("PATH"), "Path to scan");
+    add("hash,H", options::value<std::string>()->value_name("HASH"), "Hash method");
     outer.add(group);
 }
 

@@ -11,6 +11,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/Progress.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 
 #include <boost/exception/diagnostic_information.hpp>
@@ -28,13 +29,8 @@ using Common::Utils::errinfo_description;
 using Common::Utils::errinfo_path;
 using Common::Utils::errinfo_stream;
 using Common::Utils::GenericException;
-using Platform::IVConf;
 
 namespace {
-
-const std::string statusKey = "memory/menu/support/softwareupdate/hashverifier_status";
-const std::string progressKey = "memory/menu/support/softwareupdate/hashverifier_progress";
-const std::string resultKey = "db/menu/support/softwareupdate/hashverifier_result";
 
 /// Bytes for the worker's thread. Every directory on the way down takes a frame, and a path has room for two
 /// thousand; the default hangs on the limits of whoever starts the process, and may be too small.
@@ -75,9 +71,8 @@ HashWorker::HashWorker() : m_root("/") {
 }
 
 HashWorker::~HashWorker() {
-    if (m_startedThread && m_startedThread->joinable()) {
-        m_startedThread->join();
-    }
+    const boost::this_thread::disable_interruption noInterruption; // wait would throw
+    wait();
     shutdown();
 }
 
@@ -103,13 +98,13 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
     m_reportedBytes = 0;
     m_currentBytes = 0;
 
-    IVConf::setString(resultKey, "00000111");
+    PublishedState::begin();
     try {
-        IVConf::setString(progressKey, "0.0");
+        PublishedState::progress(PublishedState::noProgress);
         m_logFile = openScanLog();
         launch();
     } catch (...) {
-        shutdown("ERROR"); // whoever waits for the end of the run would wait for ever
+        shutdown(PublishedState::errorResult); // whoever waits for the end of the run would wait for ever
         throw;
     }
     return *this;
@@ -122,7 +117,7 @@ void HashWorker::launch() {
     m_startedThread = boost::make_shared<boost::thread>(attributes, HashLoggerExecutor(this));
     boost::atomic_store(&m_thread, m_startedThread);
     try {
-        IVConf::setString(statusKey, "active");
+        PublishedState::active();
     } catch (...) {
         m_activePublished.set_value(false);
         wait();
@@ -171,7 +166,7 @@ void HashWorker::onProgress() {
     const std::uint64_t done = m_processedBytes + m_currentBytes;
     if (Progress::isWorthReporting(done, m_reportedBytes)) {
         m_reportedBytes = done;
-        IVConf::setString(progressKey, getProgress());
+        PublishedState::progress(getProgress());
     }
 }
 
@@ -195,7 +190,7 @@ void HashWorker::scan() {
 }
 
 void HashWorker::fail() noexcept {
-    static const std::string errorMessage = "ERROR";
+    static const std::string errorMessage = PublishedState::errorResult;
     // Not ERR: those are the records of the levels that the failure passed.
     logCurrentException(LoggingClass::WRN, "Verification failed: ");
     try {
@@ -211,7 +206,7 @@ void HashWorker::publishInactive() noexcept {
     // never ends.
     for (int attempts = 3; attempts > 0; --attempts) {
         try {
-            IVConf::setString(statusKey, "inactive");
+            PublishedState::inactive();
             return;
         } catch (...) {
             logCurrentException(LoggingClass::ERR, "Exception when setting scan status: ");
@@ -228,15 +223,14 @@ void HashWorker::shutdown() {
 void HashWorker::shutdown(unsigned long long hash) {
     shutdown();
     m_calculatedHash = hexadecimal16(hash);
-    IVConf::setString(resultKey, m_calculatedHash.substr(0, 8));
-    IVConf::setString(progressKey, "100.0");
+    PublishedState::succeeded(m_calculatedHash);
 }
 
 void HashWorker::shutdown(const std::string& message) {
     shutdown();
     try {
-        IVConf::setString(resultKey, message);
-    } catch (const IVConf::VConfException&) {
+        PublishedState::failed(message);
+    } catch (const Platform::IVConf::VConfException&) {
         logCurrentException(LoggingClass::ERR, "Exception when setting scan result: ");
     }
 }

@@ -111,14 +111,13 @@ private:
     std::uint64_t m_currentBytes = 0;              ///< bytes hashed in the entry in progress
     std::string m_calculatedHash;
 
-    /// The run's handle: held from start until the worker lets go of it, just before "inactive". Accessed
-    /// with boost::atomic_load and atomic_store.
+    // The life of the thread. start makes it and keeps two handles. The thread first waits for the promise: true once
+    // "active" is published, so that "inactive" cannot come before it, false when the store refused and there is nothing
+    // to do. At the end of the run it drops m_thread (both sides use boost::atomic_load and atomic_store), after which
+    // the next start is accepted, and publishes "inactive". wait() joins m_startedThread, which the starting side alone
+    // uses: it must return only after the thread's last store write.
     boost::shared_ptr<boost::thread> m_thread;
-    /// The same thread, kept by the starting side alone: what is waited for is the end of the thread, after
-    /// its last setting, and not of the run.
     boost::shared_ptr<boost::thread> m_startedThread;
-    /// Holds the worker back until "active" is published, so that "inactive" cannot come first; false when it
-    /// could not be published and the worker has nothing to do.
     std::promise<bool> m_activePublished;
 };
 
