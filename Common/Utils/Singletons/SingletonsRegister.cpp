@@ -66,7 +66,8 @@ void SingletonsRegister::checkRequirements(SingletonsID id,
         }
         std::string all;
         for (const SingletonsID each : requirements) {
-            all += " " + singletonsIdToString(each);
+            all += ' ';
+            all += singletonsIdToString(each);
         }
         NERIX_LOG_STREAM(INF) << "Cannot meet requirements of given singleton: " << id
                               << ". Cannot find singleton: " << requirement
