@@ -42,43 +42,6 @@ void logFailure(const std::string& text) {
     __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
 }
 
-std::string trimmed(const std::string& text) {
-    const std::size_t begin = text.find_first_not_of(" \t\r");
-    return begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(" \t\r") - begin + 1);
-}
-
-/// The line of each key, which the parser does not tell.
-std::map<std::pair<std::string, std::string>, std::size_t> linesOfKeys(const std::string& content) {
-    std::map<std::pair<std::string, std::string>, std::size_t> lines;
-    std::istringstream stream(content);
-    std::string section;
-    std::size_t number = 0;
-    for (std::string line; std::getline(stream, line);) {
-        ++number;
-        const std::string text = trimmed(line);
-        if (text.size() > 1 && text.front() == '[') {
-            section = trimmed(text.substr(1, text.find(']') - 1));
-        } else if (const std::size_t equals = text.find('='); equals != std::string::npos) {
-            lines.emplace(std::make_pair(section, trimmed(text.substr(0, equals))), number);
-        }
-    }
-    return lines;
-}
-
-/// The first line that begins with text, or with text in brackets.
-std::size_t lineOf(const std::string& content, const std::string& text) {
-    std::istringstream stream(content);
-    std::size_t number = 0;
-    for (std::string line; std::getline(stream, line);) {
-        ++number;
-        const std::string trimmedLine = trimmed(line);
-        if (trimmedLine.rfind(text, 0) == 0 || trimmedLine.rfind("[" + text, 0) == 0) {
-            break;
-        }
-    }
-    return number;
-}
-
 bool readInto(std::stringstream& content, const std::filesystem::path& file) {
     std::ifstream stream(file);
     for (std::string line; std::getline(stream, line);) {
@@ -103,7 +66,7 @@ const HostConfiguration& HostConfiguration::instance() {
 
 HostConfiguration::HostConfiguration(std::filesystem::path file) : m_file(std::move(file)) {
     for (const auto& answer : builtIn) {
-        m_answers[{answer.section, std::to_string(answer.key)}] = {answer.text, 0};
+        m_answers[{answer.section, std::to_string(answer.key)}] = {answer.text, true};
     }
     read();
     if (!m_fault.empty()) {
@@ -134,17 +97,14 @@ void HostConfiguration::read() {
     }
     try {
         boost::property_tree::ptree tree;
-        const auto lines = linesOfKeys(content.str());
         boost::property_tree::read_ini(content, tree);
         for (const auto& [section, keys] : tree) {
             if (section != "system_info" && section != "path") {
-                m_fault = m_file.string() + ":" + std::to_string(lineOf(content.str(), section)) + ": '" +
-                          section + "' is neither [system_info] nor [path]";
+                m_fault = m_file.string() + ": '" + section + "' is neither [system_info] nor [path]";
                 return;
             }
             for (const auto& [key, value] : keys) {
-                const auto line = lines.find({section, key});
-                m_answers[{section, key}] = {value.data(), line == lines.end() ? 0 : line->second};
+                m_answers[{section, key}] = {value.data(), false};
             }
         }
     } catch (const boost::property_tree::ini_parser_error& fault) {
@@ -152,67 +112,53 @@ void HostConfiguration::read() {
     }
 }
 
-int HostConfiguration::find(const std::string& section, int key, const Answer*& answer) const {
-    if (!m_fault.empty()) {
-        logFailure("no answer for [" + section + "] " + std::to_string(key) + ": " + m_fault);
-        return EINVAL;
-    }
+std::optional<HostConfiguration::Answer> HostConfiguration::find(const std::string& section, int key) const {
     const auto known = m_answers.find({section, std::to_string(key)});
-    if (known == m_answers.end()) {
-        logFailure("no answer for [" + section + "] " + std::to_string(key) + ": neither built in nor in " +
-                   m_file.string());
-        return ENOENT;
+    if (m_fault.empty() && known != m_answers.end()) {
+        return known->second;
     }
-    answer = &known->second;
-    return 0;
+    logFailure("no answer for [" + section + "] " + std::to_string(key) + ": " +
+               (m_fault.empty() ? "neither built in nor in " + m_file.string() : m_fault));
+    return std::nullopt;
 }
 
-int HostConfiguration::refuse(const std::string& section, int key, const Answer& answer,
-                              const char* wanted) const {
-    const std::string where =
-        answer.line == 0 ? "built-in answer" : m_file.string() + ":" + std::to_string(answer.line);
-    logFailure(where + ": [" + section + "] " + std::to_string(key) + " is '" + answer.text + "', not " +
-               wanted);
-    return EINVAL;
+void HostConfiguration::refuse(const std::string& section, int key, const Answer& answer,
+                               const char* wanted) const {
+    logFailure((answer.isBuiltIn ? "built-in answer" : m_file.string()) + ": [" + section + "] " +
+               std::to_string(key) + " is '" + answer.text + "', not " + wanted);
 }
 
-int HostConfiguration::text(const std::string& section, int key, std::string& value) const {
-    const Answer* answer = nullptr;
-    if (const int code = find(section, key, answer)) {
-        return code;
+std::optional<std::string> HostConfiguration::text(const std::string& section, int key) const {
+    const std::optional<Answer> answer = find(section, key);
+    if (answer && answer->text.empty()) {
+        refuse(section, key, *answer, "a text");
+        return std::nullopt;
     }
-    if (answer->text.empty()) {
-        return refuse(section, key, *answer, "a text");
-    }
-    value = answer->text;
-    return 0;
+    return answer ? std::optional<std::string>(answer->text) : std::nullopt;
 }
 
-int HostConfiguration::integer(const std::string& section, int key, int& value) const {
-    const Answer* answer = nullptr;
-    if (const int code = find(section, key, answer)) {
-        return code;
+std::optional<int> HostConfiguration::integer(const std::string& section, int key) const {
+    const std::optional<Answer> answer = find(section, key);
+    if (!answer) {
+        return std::nullopt;
     }
     const std::string& digits = answer->text;
     int number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
     if (error != std::errc() || end != digits.data() + digits.size()) {
-        return refuse(section, key, *answer, "an integer");
+        refuse(section, key, *answer, "an integer");
+        return std::nullopt;
     }
-    value = number;
-    return 0;
+    return number;
 }
 
-int HostConfiguration::boolean(const std::string& section, int key, bool& value) const {
-    const Answer* answer = nullptr;
-    if (const int code = find(section, key, answer)) {
-        return code;
+std::optional<bool> HostConfiguration::boolean(const std::string& section, int key) const {
+    const std::optional<Answer> answer = find(section, key);
+    if (answer && answer->text != "true" && answer->text != "false") {
+        refuse(section, key, *answer, "true or false");
+        return std::nullopt;
     }
-    if (answer->text != "true" && answer->text != "false") {
-        return refuse(section, key, *answer, "true or false");
-    }
-    value = answer->text == "true";
-    return 0;
+    return answer ? std::optional<bool>(answer->text == "true") : std::nullopt;
 }
 
 } // namespace Nerix::Platform::Host

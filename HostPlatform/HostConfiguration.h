@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstddef>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <string>
 
 namespace Nerix::Platform::Host {
@@ -17,8 +17,8 @@ namespace Nerix::Platform::Host {
 ///     43 = /run/media
 ///
 /// A key that is given but cannot be used is a failure, never a silent default: when the file cannot be read
-/// or is malformed or larger than 1 MiB, that goes for every key. Each failure is one line in the system log, naming file and
-/// line. Immutable; any thread may ask.
+/// or is malformed or larger than 1 MiB, that goes for every key. Each failure is one line in the system log, naming file,
+/// section and key. Immutable; any thread may ask.
 class HostConfiguration {
 public:
     /// The configuration of this process, read when first asked for.
@@ -27,26 +27,25 @@ public:
     /// A file that does not exist overrides nothing.
     explicit HostConfiguration(std::filesystem::path file);
 
-    /// section is "system_info" or "path". All return 0, or an errno with value unchanged: ENOENT for a key that
-    /// nobody answers, EINVAL for an answer that is empty or of another type, and for every key when the file
-    /// cannot be used.
-    int text(const std::string& section, int key, std::string& value) const;
-    int integer(const std::string& section, int key, int& value) const;
-    int boolean(const std::string& section, int key, bool& value) const;
+    /// section is "system_info" or "path". Nothing for a key that nobody answers, for an answer that is empty or of another
+    /// type, and for every key when the file cannot be used.
+    std::optional<std::string> text(const std::string& section, int key) const;
+    std::optional<int> integer(const std::string& section, int key) const;
+    std::optional<bool> boolean(const std::string& section, int key) const;
 
 private:
     struct Answer {
         std::string text;
-        std::size_t line; ///< 0: built in
+        bool isBuiltIn;
     };
     using Name = std::pair<std::string, std::string>; ///< section and key
 
     void read();
-    int find(const std::string& section, int key, const Answer*& answer) const;
-    int refuse(const std::string& section, int key, const Answer& answer, const char* wanted) const;
+    std::optional<Answer> find(const std::string& section, int key) const;
+    void refuse(const std::string& section, int key, const Answer& answer, const char* wanted) const;
 
     std::filesystem::path m_file;
-    std::string m_fault; ///< why the file cannot be used, with its line; empty when it can
+    std::string m_fault; ///< why the file cannot be used; empty when it can
     std::map<Name, Answer> m_answers;
 };
 

@@ -12,11 +12,8 @@ const char* path_config_get(int variable) {
     static std::map<int, std::string> answers;
     try {
         const std::lock_guard<std::mutex> lock(mutex);
-        std::string text;
-        if (Nerix::Platform::Host::HostConfiguration::instance().text("path", variable, text) != 0) {
-            return nullptr;
-        }
-        return answers.emplace(variable, text).first->second.c_str();
+        const auto text = Nerix::Platform::Host::HostConfiguration::instance().text("path", variable);
+        return text ? answers.emplace(variable, *text).first->second.c_str() : nullptr;
     } catch (...) {
         return nullptr; // out of memory
     }

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstring>
 #include <string>
+#include <type_traits>
 
 using Nerix::Platform::Host::HostConfiguration;
 
@@ -13,10 +14,23 @@ namespace {
 const std::string section = "system_info";
 
 /// C callers cannot take exceptions; out of memory is the only one that gets here.
-template <class Question>
-int ask(Question question) noexcept {
+template <class Question, class Value>
+int ask(Question question, Value* value) noexcept {
     try {
-        return question(HostConfiguration::instance());
+        const auto answer = question(HostConfiguration::instance());
+        if (!answer) {
+            return EINVAL;
+        }
+        if constexpr (std::is_same_v<Value, char*>) {
+            char* const copy = ::strdup(answer->c_str());
+            if (copy == nullptr) {
+                return ENOMEM;
+            }
+            *value = copy;
+        } else {
+            *value = *answer;
+        }
+        return 0;
     } catch (...) {
         return ENOMEM;
     }
@@ -25,25 +39,13 @@ int ask(Question question) noexcept {
 } // namespace
 
 int system_info_get_value_string(int key, char** value) {
-    return ask([&](const HostConfiguration& host) {
-        std::string text;
-        const int code = host.text(section, key, text);
-        if (code != 0) {
-            return code;
-        }
-        char* const copy = ::strdup(text.c_str());
-        if (copy == nullptr) {
-            return ENOMEM;
-        }
-        *value = copy;
-        return 0;
-    });
+    return ask([&](const HostConfiguration& host) { return host.text(section, key); }, value);
 }
 
 int system_info_get_value_int(int key, int* value) {
-    return ask([&](const HostConfiguration& host) { return host.integer(section, key, *value); });
+    return ask([&](const HostConfiguration& host) { return host.integer(section, key); }, value);
 }
 
 int system_info_get_value_bool(int key, bool* value) {
-    return ask([&](const HostConfiguration& host) { return host.boolean(section, key, *value); });
+    return ask([&](const HostConfiguration& host) { return host.boolean(section, key); }, value);
 }

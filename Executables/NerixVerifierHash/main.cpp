@@ -6,6 +6,7 @@
 #include "Common/Utils/StandardStreams.h"
 #include "Common/Utils/TerminationSignals.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 #include "Platform/Product/IProductInfo.h"
 
@@ -44,9 +45,12 @@ void addMainOptions(options::options_description& outer) {
 std::string helpText(const options::options_description& outer) {
     std::ostringstream text;
     text << programName << ' ' << Nerix::Common::packageVersion << '\n'
-         << "Prints one 64-bit value of the tree at PATH (default: .), folded with HASH: md5 (default), "
-            "sha1, trivial or none.\n"
-         << outer << '\n';
+         << "Prints one 64-bit value of the tree at PATH (default: .), folded with HASH (default: md5), one "
+            "of:";
+    for (const std::string& name : Nerix::HashFunctions::names()) {
+        text << ' ' << name;
+    }
+    text << '\n' << outer << '\n';
     return text.str();
 }
 

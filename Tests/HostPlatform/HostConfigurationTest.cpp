@@ -22,12 +22,11 @@ protected:
     std::string answersOf(const std::string& content) const {
         boost::filesystem::ofstream(m_file) << content;
         const HostConfiguration host(m_file.native());
-        std::string text;
-        int number = 7;
-        bool flag = false;
-        std::string all = host.text("path", 43, text) == 0 ? text : "!";
-        all += host.integer("system_info", 203, number) == 0 ? "|" + std::to_string(number) : "|!";
-        all += host.boolean("system_info", 358, flag) == 0 ? flag ? "|true" : "|false" : "|!";
+        std::string all = host.text("path", 43).value_or("!");
+        const auto number = host.integer("system_info", 203);
+        all += number ? "|" + std::to_string(*number) : "|!";
+        const auto flag = host.boolean("system_info", 358);
+        all += flag ? *flag ? "|true" : "|false" : "|!";
         return all;
     }
 

@@ -14,23 +14,29 @@ const TrivialHashFunction HASH_BASIC;
 const OpenSSLHash HASH_SHA1("sha1");
 const OpenSSLHash HASH_MD5("md5");
 
+const struct {
+    const char* name;
+    const IHashFunction& function;
+} methods[] = {{"none", HASH_NONE}, {"trivial", HASH_BASIC}, {"sha1", HASH_SHA1}, {"md5", HASH_MD5}};
+
 } // namespace
 
 const IHashFunction& getInstance(const std::string& name) {
-    if (name == "none") {
-        return HASH_NONE;
-    }
-    if (name == "trivial") {
-        return HASH_BASIC;
-    }
-    if (name == "sha1") {
-        return HASH_SHA1;
-    }
-    if (name == "md5") {
-        return HASH_MD5;
+    for (const auto& method : methods) {
+        if (name == method.name) {
+            return method.function;
+        }
     }
     BOOST_THROW_EXCEPTION(Common::Utils::GenericException()
                           << Common::Utils::errinfo_stream("unknown hash function: ", name));
+}
+
+std::vector<std::string> names() {
+    std::vector<std::string> all;
+    for (const auto& method : methods) {
+        all.emplace_back(method.name);
+    }
+    return all;
 }
 
 } // namespace Nerix::HashFunctions

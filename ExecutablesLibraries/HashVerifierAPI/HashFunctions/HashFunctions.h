@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace Nerix {
 
@@ -8,9 +9,12 @@ class IHashFunction;
 
 namespace HashFunctions {
 
-/// The hash function called name: "none", "trivial", "sha1" or "md5", exactly. It lives until the process
+/// The hash function called exactly so, one of names(). It lives until the process
 /// ends. Throws GenericException "unknown hash function: " + name for any other name.
 const IHashFunction& getInstance(const std::string& name);
+
+/// The names that getInstance knows.
+std::vector<std::string> names();
 
 } // namespace HashFunctions
 
