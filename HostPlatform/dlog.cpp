@@ -1,5 +1,6 @@
 #include "PlatformInterfaces/dlog.h"
 
+#include "HostPlatform/CBarrier.h"
 #include "HostPlatform/SystemLog.h"
 
 #include <cstdarg>
@@ -34,13 +35,13 @@ int __dlog_print(int buffer, int priority, const char* tag, const char* format, 
     std::va_list arguments;
     va_start(arguments, format);
     int result = -1;
-    try {
+    Nerix::Platform::Host::withoutExceptions([&] {
         const std::string text = formatted(format, arguments);
         if (Nerix::Platform::Host::SystemLog::instance().write(buffer, priority, tag, text)) {
             result = static_cast<int>(text.size());
         }
-    } catch (...) { // NOLINT(bugprone-empty-catch): the negative result tells, C callers take nothing else
-    }
+        return 0;
+    });
     va_end(arguments);
     return result;
 }

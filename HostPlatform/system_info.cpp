@@ -1,5 +1,6 @@
 #include "PlatformInterfaces/system_info.h"
 
+#include "HostPlatform/CBarrier.h"
 #include "HostPlatform/HostConfiguration.h"
 
 #include <cerrno>
@@ -8,15 +9,15 @@
 #include <type_traits>
 
 using Nerix::Platform::Host::HostConfiguration;
+using Nerix::Platform::Host::withoutExceptions;
 
 namespace {
 
 const std::string section = "system_info";
 
-/// C callers cannot take exceptions; out of memory is the only one that gets here.
 template <class Question, class Value>
-int ask(Question question, Value* value) noexcept {
-    try {
+int ask(Question question, Value* value) {
+    return withoutExceptions([&] {
         const auto answer = question(HostConfiguration::instance());
         if (!answer) {
             return EINVAL;
@@ -31,9 +32,7 @@ int ask(Question question, Value* value) noexcept {
             *value = *answer;
         }
         return 0;
-    } catch (...) {
-        return ENOMEM;
-    }
+    });
 }
 
 } // namespace

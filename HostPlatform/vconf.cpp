@@ -1,24 +1,30 @@
 #include "PlatformInterfaces/vconf.h"
 
+#include "HostPlatform/CBarrier.h"
 #include "HostPlatform/SettingsStore.h"
 
 #include <cerrno>
 #include <cstring>
-#include <new>
 
+using Nerix::Platform::Host::SettingsResult;
 using Nerix::Platform::Host::SettingsStore;
 using Nerix::Platform::Host::SettingType;
+using Nerix::Platform::Host::withoutExceptions;
 
 namespace {
 
-/// C callers cannot take exceptions; out of memory is the only one that gets here.
-template <class Step>
-int withoutExceptions(Step step) noexcept {
-    try {
-        return step();
-    } catch (...) {
-        return ENOMEM;
+int codeOf(SettingsResult result) {
+    switch (result) {
+    case SettingsResult::Ok:
+        return 0;
+    case SettingsResult::Missing:
+        return ENOENT;
+    case SettingsResult::OtherType:
+        return EINVAL;
+    case SettingsResult::Failed:
+        break;
     }
+    return EIO;
 }
 
 template <class Value>
@@ -28,7 +34,7 @@ int readNumber(const char* key, SettingType type, Value* value) {
     }
     return withoutExceptions([&] {
         std::string bytes;
-        const int code = SettingsStore::instance().read(key, type, bytes);
+        const int code = codeOf(SettingsStore::instance().read(key, type, bytes));
         if (code == 0 && bytes.size() == sizeof *value) {
             std::memcpy(value, bytes.data(), sizeof *value);
             return 0;
@@ -43,8 +49,8 @@ int writeNumber(const char* key, SettingType type, Value value) {
         return EINVAL;
     }
     return withoutExceptions([&] {
-        return SettingsStore::instance().write(key, type,
-                                               {reinterpret_cast<const char*>(&value), sizeof value});
+        return codeOf(SettingsStore::instance().write(
+            key, type, {reinterpret_cast<const char*>(&value), sizeof value}));
     });
 }
 
@@ -79,11 +85,10 @@ char* vconf_get_str(const char* key) {
     if (key != nullptr) {
         withoutExceptions([&] {
             std::string bytes;
-            const int code = SettingsStore::instance().read(key, SettingType::Text, bytes);
-            if (code == 0) {
+            if (SettingsStore::instance().read(key, SettingType::Text, bytes) == SettingsResult::Ok) {
                 text = ::strdup(bytes.c_str());
             }
-            return code;
+            return 0;
         });
     }
     return text;
@@ -93,5 +98,6 @@ int vconf_set_str(const char* key, const char* value) {
     if (key == nullptr || value == nullptr) {
         return EINVAL;
     }
-    return withoutExceptions([&] { return SettingsStore::instance().write(key, SettingType::Text, value); });
+    return withoutExceptions(
+        [&] { return codeOf(SettingsStore::instance().write(key, SettingType::Text, value)); });
 }

@@ -21,6 +21,7 @@ namespace {
 
 using Platform::Host::escaped;
 using Platform::Host::Setting;
+using Platform::Host::SettingsResult;
 using Platform::Host::SettingsStore;
 
 volatile std::sig_atomic_t interrupted = 0;
@@ -46,8 +47,7 @@ struct Shown {
 
 Setting read(const char* key) {
     Setting setting{};
-    const int code = SettingsStore::instance().find(key, setting);
-    if (code != 0 && code != MDB_NOTFOUND) {
+    if (SettingsStore::instance().find(key, setting) == SettingsResult::Failed) {
         throw std::runtime_error(SettingsStore::instance().lastFailure());
     }
     return setting;

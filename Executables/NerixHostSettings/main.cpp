@@ -17,6 +17,7 @@
 
 using Nerix::Platform::Host::escaped;
 using Nerix::Platform::Host::Setting;
+using Nerix::Platform::Host::SettingsResult;
 using Nerix::Platform::Host::SettingsStore;
 using Nerix::Platform::Host::SettingType;
 
@@ -62,7 +63,7 @@ void tellIfKilled(const Setting& setting) {
 
 std::vector<Setting> allSettings() {
     std::vector<Setting> settings;
-    if (SettingsStore::instance().list(settings) != 0) {
+    if (SettingsStore::instance().list(settings) != SettingsResult::Ok) {
         throw std::runtime_error(SettingsStore::instance().lastFailure());
     }
     return settings;

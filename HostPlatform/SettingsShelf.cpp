@@ -1,0 +1,212 @@
+#include "HostPlatform/SettingsShelf.h"
+
+#include "PlatformInterfaces/dlog.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdint>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Nerix::Platform::Host {
+
+namespace {
+
+/// A code of LMDB, which may also be an errno.
+struct LmdbFailure {
+    int code;
+};
+
+void require(int code) {
+    if (code != 0) {
+        throw LmdbFailure{code};
+    }
+}
+
+/// "le64" for a little-endian machine of 64 bits: LMDB's files are in the machine's own layout.
+std::string layout() {
+    const char* const order = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? "le" : "be";
+    return order + std::to_string(sizeof(void*) * CHAR_BIT);
+}
+
+/// Gives LMDB's lock file its blocks. LMDB maps it before it has any, and on a full disk the first use of the map would end
+/// the process by SIGBUS. 0, or an errno.
+int reserveLockFile(const std::string& store) {
+    constexpr off_t size = 8192; // what LMDB makes it for the 126 readers that it has room for
+    const int file = ::open((store + "-lock").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    if (file == -1) {
+        return errno;
+    }
+    struct stat status {};
+    int code = ::fstat(file, &status) == 0 ? 0 : errno;
+    if (code == 0 &&
+        status.st_size < size) { // a file of this size was made so, or is somebody's copy with holes
+        code = ::posix_fallocate(file, 0, size);
+    }
+    ::close(file);
+    return code;
+}
+
+/// Whether the file holds all pages that the store counts: reading one that was cut off would end the process by SIGBUS.
+bool isWhole(MDB_env* environment) {
+    MDB_envinfo info{};
+    MDB_stat pages{};
+    mdb_filehandle_t file = -1;
+    struct stat status {};
+    if (mdb_env_info(environment, &info) != 0 || mdb_env_stat(environment, &pages) != 0 ||
+        mdb_env_get_fd(environment, &file) != 0 || ::fstat(file, &status) != 0) {
+        return false;
+    }
+    return static_cast<std::uint64_t>(status.st_size) >=
+           (std::uint64_t{info.me_last_pgno} + 1) * pages.ms_psize;
+}
+
+bool isDamage(int code) {
+    return code == MDB_CORRUPTED || code == MDB_INVALID || code == MDB_PAGE_NOTFOUND;
+}
+
+/// Ends with the scope unless committed.
+class Transaction {
+public:
+    Transaction(MDB_env* environment, unsigned int flags) {
+        require(mdb_txn_begin(environment, nullptr, flags, &m_transaction));
+    }
+    ~Transaction() {
+        if (m_transaction != nullptr) {
+            mdb_txn_abort(m_transaction);
+        }
+    }
+    Transaction(const Transaction&) = delete;
+    Transaction& operator=(const Transaction&) = delete;
+
+    MDB_txn* get() const { return m_transaction; }
+
+    void commit() {
+        // Gone also when the commit fails.
+        require(mdb_txn_commit(std::exchange(m_transaction, nullptr)));
+    }
+
+private:
+    MDB_txn* m_transaction = nullptr;
+};
+
+struct CursorCloser {
+    void operator()(MDB_cursor* cursor) const { mdb_cursor_close(cursor); }
+};
+
+MDB_val toValue(std::string_view text) {
+    return {text.size(), const_cast<char*>(text.data())}; // LMDB reads from it only
+}
+
+std::string_view toView(const MDB_val& value) {
+    return {static_cast<const char*>(value.mv_data), value.mv_size};
+}
+
+std::string quoted(std::string_view key) {
+    return " '" + std::string(key) + "'";
+}
+
+} // namespace
+
+SettingsShelf::SettingsShelf(const std::string& name, std::filesystem::path (*directory)(), bool isSynced)
+    : m_fileName(name + "-" + layout() + ".mdb"),
+      m_directory(directory),
+      m_isSynced(isSynced),
+      m_place(m_fileName) {}
+
+void SettingsShelf::open() {
+    if (m_environment) {
+        return;
+    }
+    m_place = (m_directory() / m_fileName).string();
+    MDB_env* created = nullptr;
+    require(mdb_env_create(&created));
+    std::unique_ptr<MDB_env, EnvironmentCloser> environment(created);
+    require(reserveLockFile(m_place));
+    const unsigned int flags =
+        MDB_NOSUBDIR | MDB_NOTLS | (m_isSynced ? 0U : MDB_NOSYNC | MDB_NOMETASYNC);
+    require(mdb_env_open(environment.get(), m_place.c_str(), flags, 0600));
+    if (!isWhole(environment.get())) {
+        throw LmdbFailure{MDB_CORRUPTED};
+    }
+    // Processes that were killed while reading would otherwise hold on to old pages for ever.
+    int deadReaders = 0;
+    mdb_reader_check(environment.get(), &deadReaders);
+    // For reading, which waits for nobody; the table is there from the beginning.
+    Transaction transaction(environment.get(), MDB_RDONLY);
+    require(mdb_dbi_open(transaction.get(), nullptr, 0, &m_table));
+    transaction.commit();
+    m_environment = std::move(environment);
+}
+
+template <class Step>
+auto SettingsShelf::attempt(const std::string& what, Step step) {
+    try {
+        open();
+        return step();
+    } catch (const LmdbFailure& failure) {
+        fail(what, failure.code, mdb_strerror(failure.code));
+    } catch (const std::system_error& failure) {
+        fail(what, failure.code().value(), failure.what());
+    }
+}
+
+void SettingsShelf::fail(const std::string& what, int code, const std::string& reason) {
+    if (code != MDB_BAD_VALSIZE) {
+        // After a failed write LMDB may refuse everything until the environment is opened anew.
+        m_environment.reset();
+    }
+    const ShelfFailure failure(
+        "settings store " + m_place + ": cannot " + what + ": " + reason +
+        (isDamage(code) ? "; if nothing else uses it, delete this file and the one that ends in -lock" : ""));
+    __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", failure.what());
+    throw failure;
+}
+
+std::optional<std::string> SettingsShelf::get(std::string_view key) {
+    return attempt("read" + quoted(key), [&]() -> std::optional<std::string> {
+        if (key.empty() || key.size() > static_cast<std::size_t>(mdb_env_get_maxkeysize(m_environment.get()))) {
+            throw LmdbFailure{MDB_BAD_VALSIZE};
+        }
+        const Transaction transaction(m_environment.get(), MDB_RDONLY);
+        MDB_val name = toValue(key);
+        MDB_val value{};
+        const int code = mdb_get(transaction.get(), m_table, &name, &value);
+        if (code == MDB_NOTFOUND) {
+            return std::nullopt;
+        }
+        require(code);
+        return std::string(toView(value));
+    });
+}
+
+void SettingsShelf::put(std::string_view key, std::string_view bytes) {
+    attempt("write" + quoted(key), [&] {
+        Transaction transaction(m_environment.get(), 0);
+        MDB_val name = toValue(key);
+        MDB_val value = toValue(bytes);
+        require(mdb_put(transaction.get(), m_table, &name, &value, 0));
+        transaction.commit();
+    });
+}
+
+void SettingsShelf::each(const std::function<void(std::string_view key, std::string_view bytes)>& visit) {
+    attempt("list its settings", [&] {
+        const Transaction transaction(m_environment.get(), MDB_RDONLY);
+        MDB_cursor* created = nullptr;
+        require(mdb_cursor_open(transaction.get(), m_table, &created));
+        const std::unique_ptr<MDB_cursor, CursorCloser> cursor(created);
+        MDB_val name{};
+        MDB_val value{};
+        int code = mdb_cursor_get(cursor.get(), &name, &value, MDB_FIRST);
+        for (; code == 0; code = mdb_cursor_get(cursor.get(), &name, &value, MDB_NEXT)) {
+            visit(toView(name), toView(value));
+        }
+        require(code == MDB_NOTFOUND ? 0 : code);
+    });
+}
+
+} // namespace Nerix::Platform::Host
