@@ -6,6 +6,7 @@
 #include <climits>
 #include <cstdint>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -126,8 +127,7 @@ void SettingsShelf::open() {
     require(mdb_env_create(&created));
     std::unique_ptr<MDB_env, EnvironmentCloser> environment(created);
     require(reserveLockFile(m_place));
-    const unsigned int flags =
-        MDB_NOSUBDIR | MDB_NOTLS | (m_isSynced ? 0U : MDB_NOSYNC | MDB_NOMETASYNC);
+    const unsigned int flags = MDB_NOSUBDIR | MDB_NOTLS | (m_isSynced ? 0U : MDB_NOSYNC | MDB_NOMETASYNC);
     require(mdb_env_open(environment.get(), m_place.c_str(), flags, 0600));
     if (!isWhole(environment.get())) {
         throw LmdbFailure{MDB_CORRUPTED};
@@ -168,7 +168,8 @@ void SettingsShelf::fail(const std::string& what, int code, const std::string& r
 
 std::optional<std::string> SettingsShelf::get(std::string_view key) {
     return attempt("read" + quoted(key), [&]() -> std::optional<std::string> {
-        if (key.empty() || key.size() > static_cast<std::size_t>(mdb_env_get_maxkeysize(m_environment.get()))) {
+        if (key.empty() ||
+            key.size() > static_cast<std::size_t>(mdb_env_get_maxkeysize(m_environment.get()))) {
             throw LmdbFailure{MDB_BAD_VALSIZE};
         }
         const Transaction transaction(m_environment.get(), MDB_RDONLY);

@@ -29,8 +29,8 @@ std::optional<Setting> unpacked(std::string_view key, std::string_view stored) {
     if (end == std::string_view::npos || end == 0) {
         return std::nullopt;
     }
-    return Setting{std::string(key), static_cast<SettingType>(stored.front()), std::string(stored.substr(end + 1)),
-                   std::string(stored.substr(1, end - 1))};
+    return Setting{std::string(key), static_cast<SettingType>(stored.front()),
+                   std::string(stored.substr(end + 1)), std::string(stored.substr(1, end - 1))};
 }
 
 SettingsResult findOn(SettingsShelf& shelf, std::string_view key, Setting& setting) {

@@ -39,7 +39,8 @@ public:
     static SettingsStore& instance(); ///< lives until the process is gone
 
     SettingsResult read(std::string_view key, SettingType type, std::string& bytes);
-    SettingsResult write(std::string_view key, SettingType type, std::string_view bytes); ///< whatever type it held
+    SettingsResult write(std::string_view key, SettingType type,
+                         std::string_view bytes); ///< whatever type it held
 
     /// The setting of this key, whatever its type.
     SettingsResult find(std::string_view key, Setting& setting);

@@ -49,8 +49,8 @@ int writeNumber(const char* key, SettingType type, Value value) {
         return EINVAL;
     }
     return withoutExceptions([&] {
-        return codeOf(SettingsStore::instance().write(
-            key, type, {reinterpret_cast<const char*>(&value), sizeof value}));
+        return codeOf(SettingsStore::instance().write(key, type,
+                                                      {reinterpret_cast<const char*>(&value), sizeof value}));
     });
 }
 

@@ -1,16 +1,10 @@
 #include "Debug/DebugAndTestParameters/ParametersFile.h"
 
-#include <boost/filesystem/operations.hpp>
-
 #include <cerrno>
+#include <fstream>
 #include <system_error>
 
 namespace Nerix::ParametersFile {
-
-std::ifstream open(const std::string& path) {
-    boost::system::error_code error;
-    return boost::filesystem::is_regular_file(path, error) ? std::ifstream(path) : std::ifstream();
-}
 
 void write(const std::string& path, const std::string& text) {
     errno = 0;

@@ -2,15 +2,11 @@
 
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
 
-#include <fstream>
 #include <sstream>
 #include <string>
 
 /// Parameters in a file of their own.
 namespace Nerix::ParametersFile {
-
-/// Opens the file for reading; closed when it cannot be opened or is no regular file: a pipe would wait for its writer.
-std::ifstream open(const std::string& path);
 
 /// Writes text into the file, in place of what it holds; its owner, mode and links stay. Throws std::system_error with
 /// the reason; the file may then be cut short.

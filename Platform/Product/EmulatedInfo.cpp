@@ -2,6 +2,7 @@
 
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/Errors.h"
+#include "Common/Utils/RegularFile.h"
 #include "Platform/Product/IProductInfo.h"
 
 #include <boost/filesystem/fstream.hpp>
@@ -25,30 +26,24 @@ bool isMissing(const path& file) {
     return boost::filesystem::status(file, error).type() == boost::filesystem::file_not_found;
 }
 
-/// Whether the file can be read without waiting for somebody to write it.
-bool isRegular(const path& file) {
-    boost::system::error_code error;
-    return boost::filesystem::is_regular_file(file, error);
-}
-
 struct Entry {
     std::string key;
     std::string value;
 };
 
-/// The next entry of the file at that place; false at its end.
-bool readEntry(std::istream& file, const path& place, Entry& entry) {
+/// The next entry of the file at that place; nothing at its end.
+boost::optional<Entry> readEntry(std::istream& file, const path& place) {
     std::string line;
     if (!std::getline(file, line)) {
-        return false;
+        return boost::none;
     }
+    Entry entry;
     const std::size_t colon = line.find(':');
     entry.key = line.substr(0, colon);
     if (entry.key.empty()) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoKey.")
                                                  << errinfo_path(place));
     }
-    entry.value.clear();
     if (colon != std::string::npos) {
         entry.value = line.substr(colon + 1, line.find(':', colon + 1) - colon - 1);
     }
@@ -56,7 +51,7 @@ bool readEntry(std::istream& file, const path& place, Entry& entry) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoValue.")
                                                  << errinfo_path(place));
     }
-    return true;
+    return entry;
 }
 
 void writeEntry(std::ostream& file, const Entry& entry) {
@@ -76,18 +71,15 @@ void throwIfNoEntry(const std::string& text) {
 
 /// Writes the file's entries without those of key, and the new one at the end.
 void writeAnew(const path& from, const path& to, const Entry& added) {
-    boost::filesystem::ifstream old;
-    if (isRegular(from)) {
-        old.open(from);
-    }
+    std::ifstream old = Common::Utils::openRegularFile(from);
     boost::filesystem::ofstream anew(to);
     if (!old.is_open() || !anew.is_open()) {
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description("Couldn't open file.") << errinfo_path(from));
     }
-    for (Entry entry; readEntry(old, from, entry);) {
-        if (entry.key != added.key) {
-            writeEntry(anew, entry);
+    while (const boost::optional<Entry> entry = readEntry(old, from)) {
+        if (entry->key != added.key) {
+            writeEntry(anew, *entry);
         }
     }
     writeEntry(anew, added);
@@ -112,17 +104,14 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
         NERIX_LOG_STREAM(INF) << "emulated info file " << file.native() << " does not exist";
         return boost::none;
     }
-    boost::filesystem::ifstream stream;
-    if (isRegular(file)) {
-        stream.open(file);
-    }
+    std::ifstream stream = Common::Utils::openRegularFile(file);
     if (!stream.is_open()) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Opening EmulatedInfo.txt failed.")
                                                  << errinfo_path(file));
     }
-    for (Entry entry; readEntry(stream, file, entry);) {
-        if (entry.key == key) {
-            return entry.value;
+    while (const boost::optional<Entry> entry = readEntry(stream, file)) {
+        if (entry->key == key) {
+            return entry->value;
         }
     }
     if (stream.bad()) {

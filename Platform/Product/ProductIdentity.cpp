@@ -2,12 +2,9 @@
 
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/Assert.h"
-#include "Common/Utils/Errors/Errors.h"
 #include "Platform/Product/SystemInformation.h"
 
 namespace Nerix::Platform {
-
-using Common::Utils::errinfo_description;
 
 std::string IProductInfo::getBoardType() {
     return "emulator32";
@@ -86,23 +83,13 @@ bool IProductInfo::isSecondDeviceConnected() {
 }
 
 bool IProductInfo::isGenuineTV() {
-    const boost::optional<bool> isGenuine = SystemInformation::readBool(SystemInformation::GENUINE_TV);
-    if (!isGenuine) {
-        const char* const failure = "Unable to get product type configuration - TV";
-        NERIX_LOG(ERR, "%s", failure);
-        BOOST_THROW_EXCEPTION(SystemInfoAPIInternalProblemException() << errinfo_description(failure));
-    }
-    return *isGenuine;
+    return SystemInformation::required(SystemInformation::readBool(SystemInformation::GENUINE_TV),
+                                       "Unable to get product type configuration - TV");
 }
 
 bool IProductInfo::isGenuineZeb() {
-    const boost::optional<bool> isGenuine = SystemInformation::readBool(SystemInformation::GENUINE_ZEB);
-    if (!isGenuine) {
-        const char* const failure = "Unable to get product type configuration - Zeb";
-        NERIX_LOG(ERR, "%s", failure);
-        BOOST_THROW_EXCEPTION(SystemInfoAPIInternalProblemException() << errinfo_description(failure));
-    }
-    return *isGenuine;
+    return SystemInformation::required(SystemInformation::readBool(SystemInformation::GENUINE_ZEB),
+                                       "Unable to get product type configuration - Zeb");
 }
 
 bool IProductInfo::isScreenRatioFitNeeded() {

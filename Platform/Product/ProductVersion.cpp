@@ -28,13 +28,8 @@ ModelAndVersion parsedModelAndVersion() {
 
 /// The answer to a question about the software.
 std::string readVersion(SystemInformation::Key key) {
-    const boost::optional<std::string> version = SystemInformation::readString(key);
-    if (!version) {
-        const char* const failure = "Unable to read SW version from system-info";
-        NERIX_LOG(ERR, "%s", failure);
-        BOOST_THROW_EXCEPTION(SystemInfoAPIInternalProblemException() << errinfo_description(failure));
-    }
-    return *version;
+    return SystemInformation::required(SystemInformation::readString(key),
+                                       "Unable to read SW version from system-info");
 }
 
 /// Where the last dash is; who asks is named in the failure.
@@ -111,15 +106,11 @@ std::string IProductInfo::getSubmicomVersion() {
 
 boost::filesystem::path IProductInfo::getPartitionTxtFilePath() {
     throwIfUninitialized();
-    const boost::optional<std::string> path =
-        SystemInformation::readString(SystemInformation::PARTITION_FILE_PATH);
-    if (!path) {
-        const char* const failure = "Unable to read partition file path from system-info";
-        NERIX_LOG(ERR, "%s", failure);
-        BOOST_THROW_EXCEPTION(SystemInfoAPIInternalProblemException() << errinfo_description(failure));
-    }
-    NERIX_LOG(INF, "Partition.txt file path is: %s", path->c_str());
-    return *path;
+    const std::string path =
+        SystemInformation::required(SystemInformation::readString(SystemInformation::PARTITION_FILE_PATH),
+                                    "Unable to read partition file path from system-info");
+    NERIX_LOG(INF, "Partition.txt file path is: %s", path.c_str());
+    return path;
 }
 
 namespace {

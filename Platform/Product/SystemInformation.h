@@ -1,5 +1,9 @@
 #pragma once
 
+#include "Common/Logging/Log.h"
+#include "Common/Utils/Errors/Errors.h"
+#include "Platform/Product/ProductExceptions.h"
+
 #include <boost/optional/optional.hpp>
 
 #include <string>
@@ -22,5 +26,17 @@ enum Key {
 boost::optional<std::string> readString(Key key);
 boost::optional<int> readInt(Key key);
 boost::optional<bool> readBool(Key key);
+
+/// The answer. Where there is none, logs the failure at ERR and throws SystemInfoAPIInternalProblemException with it as
+/// description.
+template <class Answer>
+Answer required(const boost::optional<Answer>& answer, const char* failure) {
+    if (!answer) {
+        NERIX_LOG(ERR, "%s", failure);
+        BOOST_THROW_EXCEPTION(SystemInfoAPIInternalProblemException()
+                              << Common::Utils::errinfo_description(failure));
+    }
+    return *answer;
+}
 
 } // namespace Nerix::Platform::SystemInformation
