@@ -26,8 +26,8 @@ struct stat examined(const fs::path& path) {
     return status;
 }
 
-/// Of the directory, or made anew.
-struct stat made(const fs::path& path) {
+/// Creates the directory where there is nothing yet.
+struct stat existingOrCreated(const fs::path& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) == 0) {
         return status;
@@ -73,7 +73,7 @@ fs::path ownDirectory(const fs::path& directory) {
             continue;
         }
         const fs::path next = element == ".." ? here.parent_path() : here / element;
-        const struct stat status = made(next);
+        const struct stat status = existingOrCreated(next);
         requireSafeOnTheWay(next, status);
         if (!S_ISLNK(status.st_mode)) {
             here = next;

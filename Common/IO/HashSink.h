@@ -16,7 +16,7 @@ namespace Nerix::Common::IO {
 
 /// Computes one message digest of the data pushed into it, with the crypto library. Needs the set-up of
 /// OpenSSLInit in the singletons register for all of its life, and is one of its users: asserts that it is
-/// there. To be destroyed before its thread ends.
+/// there. Destroy it before its thread exits.
 class HashSink final : public ISink, public boost::noncopyable, public Utils::IDebugName {
 public:
     /// Ready to receive data for the digest called digestName, as the crypto library names it ("md5", "sha1",

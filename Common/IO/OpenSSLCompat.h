@@ -36,7 +36,7 @@ ThreadIdCallback getThreadIdCallback();
 void useStandardAllocation();
 
 /// Gives a context back for the calling thread's next digest: making one costs about as much as hashing a short text.
-/// A digest context has to go before the thread that lets it go ends: none may be static or thread_local.
+/// Destroy it before its thread exits: the deleter writes a thread_local.
 struct DigestContextRecycler {
     void operator()(EVP_MD_CTX* context) const;
 };

@@ -15,7 +15,7 @@ namespace Nerix::Common::Utils::filesystem {
 
 namespace {
 
-/// Where the elements of path go on after the stripped prefix, and whether all of the prefix matched.
+/// The first element of path behind the stripped prefix, and whether the whole prefix matched.
 std::pair<boost::filesystem::path::const_iterator, bool> matchPrefix(const boost::filesystem::path& path,
                                                                      const boost::filesystem::path& prefix) {
     const boost::filesystem::path stripped = stripTrailingSlashes(prefix);

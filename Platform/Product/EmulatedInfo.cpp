@@ -70,21 +70,21 @@ void throwIfNoEntry(const std::string& text) {
 }
 
 /// Writes the file's entries without those of key, and the new one at the end.
-void writeAnew(const path& from, const path& to, const Entry& added) {
+void rewrite(const path& from, const path& to, const Entry& added) {
     std::ifstream old = Common::Utils::openRegularFile(from);
-    boost::filesystem::ofstream anew(to);
-    if (!old.is_open() || !anew.is_open()) {
+    boost::filesystem::ofstream rewritten(to);
+    if (!old.is_open() || !rewritten.is_open()) {
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description("Couldn't open file.") << errinfo_path(from));
     }
     while (const boost::optional<Entry> entry = readEntry(old, from)) {
         if (entry->key != added.key) {
-            writeEntry(anew, *entry);
+            writeEntry(rewritten, *entry);
         }
     }
-    writeEntry(anew, added);
-    anew.close();
-    if (!anew || old.bad()) { // a full disk must not cost the entries that were there
+    writeEntry(rewritten, added);
+    rewritten.close();
+    if (!rewritten || old.bad()) { // a full disk must not cost the entries that were there
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description("Couldn't write file.") << errinfo_path(to));
     }
@@ -134,7 +134,7 @@ void setEmulatedInfoValue(const std::string& key, const std::string& value) {
                               << errinfo_description("File doesn't exist.") << errinfo_path(file));
     }
     const path helper = file.parent_path() / "helper.txt";
-    writeAnew(file, helper, {key, value});
+    rewrite(file, helper, {key, value});
     boost::system::error_code error;
     if (!boost::filesystem::remove(file, error) || (boost::filesystem::rename(helper, file, error), error)) {
         BOOST_THROW_EXCEPTION(GenericException()
@@ -151,7 +151,7 @@ void ensureEmulatedInfoFileExists() {
     if (isMissing(file)) {
         boost::system::error_code ignored; // a directory that is missing still shows when the file is opened
         boost::filesystem::create_directory(file.parent_path(), ignored);
-        boost::filesystem::ofstream make(file);
+        const boost::filesystem::ofstream created(file);
     }
 }
 

@@ -25,7 +25,7 @@ std::string scanRecord(std::uint64_t value, const std::string& path) {
     appendHexadecimal16(record, value);
     record += " \"";
     if (path.find('"') == std::string::npos && path.find('&') == std::string::npos) {
-        record += path; // nearly always: at once
+        record += path;
     } else {
         for (const char character : path) {
             if (character == '"' || character == '&') {

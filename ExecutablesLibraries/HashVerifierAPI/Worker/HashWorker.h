@@ -50,7 +50,7 @@ public:
     /// Throws with nothing changed: GenericException "verification is already started" or "can't read filesystem
     /// statistics". Throws with no worker running, and with "ERROR" for the result if it was already published as that
     /// of a run: VConfException when the settings store refuses, ProductUninitializedException before
-    /// IProductInfo::initializeProduct, boost::thread_resource_error when there is no thread to be had. Waits for a
+    /// IProductInfo::initializeProduct, boost::thread_resource_error when no thread can be created. Waits for a
     /// former worker's last setting first, and throws boost::thread_interrupted when interrupted there.
     HashWorker& start(const FileInput& root, const std::string& hashName);
 
