@@ -30,10 +30,6 @@ void interrupt(int) {
     interrupted = 1;
 }
 
-constexpr const char* statusKey = "memory/menu/support/softwareupdate/hashverifier_status";
-constexpr const char* progressKey = "memory/menu/support/softwareupdate/hashverifier_progress";
-constexpr const char* resultKey = "db/menu/support/softwareupdate/hashverifier_result";
-
 struct Shown {
     std::string status;
     std::string progress;
