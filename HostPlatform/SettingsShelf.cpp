@@ -43,8 +43,8 @@ int reserveLockFile(const std::string& store) {
     }
     struct stat status {};
     int code = ::fstat(file, &status) == 0 ? 0 : errno;
-    if (code == 0 &&
-        status.st_size < size) { // a file of this size was made so, or is somebody's copy with holes
+    // A file of this size has its blocks, unless it is somebody's copy with holes.
+    if (code == 0 && status.st_size < size) {
         code = ::posix_fallocate(file, 0, size);
     }
     ::close(file);
@@ -159,11 +159,12 @@ void SettingsShelf::fail(const std::string& what, int code, const std::string& r
         // After a failed write LMDB may refuse everything until the environment is opened anew.
         m_environment.reset();
     }
-    const ShelfFailure failure(
-        "settings store " + m_place + ": cannot " + what + ": " + reason +
-        (isDamage(code) ? "; if nothing else uses it, delete this file and the one that ends in -lock" : ""));
-    __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", failure.what());
-    throw failure;
+    std::string text = "settings store " + m_place + ": cannot " + what + ": " + reason;
+    if (isDamage(code)) {
+        text += "; if nothing else uses it, delete this file and the one that ends in -lock";
+    }
+    __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
+    throw ShelfFailure(text);
 }
 
 std::optional<std::string> SettingsShelf::get(std::string_view key) {

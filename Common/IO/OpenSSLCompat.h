@@ -3,7 +3,6 @@
 #include <openssl/evp.h>
 
 #include <memory>
-#include <string>
 
 /// What differs between OpenSSL 1.0 and today's library, in one place. Since 1.1 the library locks by itself:
 /// the locking and thread-id callbacks are never called, and setting them is a no-op macro. They are kept

@@ -3,8 +3,6 @@
 #include "Common/Utils/Errors/Assert.h"
 #include "Common/Utils/Singletons/SingletonsRegister.h"
 
-#include <algorithm>
-
 #include <pthread.h>
 
 namespace Nerix::Common::IO {

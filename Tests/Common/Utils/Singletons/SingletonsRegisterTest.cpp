@@ -1,4 +1,3 @@
-#include "Common/Utils/Singletons/SRegisterItem.h"
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
 
 #include <boost/thread/thread.hpp>

@@ -13,7 +13,6 @@
 #include <boost/filesystem/operations.hpp>
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <future>
 #include <regex>
 #include <thread>
