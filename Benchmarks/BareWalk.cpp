@@ -1,6 +1,7 @@
-// NerixBareWalk PATH: the least that a run over a tree of directories and regular files can cost. It makes the system
-// calls that every entry is owed, by path, and takes the digest steps on the bare library; it has no records, nothing
-// to publish, no failures, and prints no value. What it takes longer than md5sum, no change to the program can save.
+// NerixBareWalk PATH: the least that a run over a tree of directories and regular files can cost. It makes
+// the system calls that every entry is owed, by path, and takes the digest steps on the bare library; it has
+// no records, nothing to publish, no failures, and prints no value. What it takes longer than md5sum, no
+// change to the program can save.
 
 #include <algorithm>
 #include <cstdio>

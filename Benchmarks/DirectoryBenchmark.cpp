@@ -1,5 +1,5 @@
-// A directory of empty files: listing and sorting it, and the steps of each entry, records to the system log
-// included.
+// A directory of empty files: listing and sorting it, and the steps of each entry, records to the system
+// log included.
 
 #include "Benchmarks/Setup.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"

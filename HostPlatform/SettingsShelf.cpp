@@ -33,8 +33,8 @@ std::string layout() {
     return order + std::to_string(sizeof(void*) * CHAR_BIT);
 }
 
-/// Gives LMDB's lock file its blocks. LMDB maps it before it has any, and on a full disk the first use of the map would end
-/// the process by SIGBUS. 0, or an errno.
+/// Gives LMDB's lock file its blocks. LMDB maps it before it has any, and on a full disk the first use of the
+/// map would end the process by SIGBUS. 0, or an errno.
 int reserveLockFile(const std::string& store) {
     constexpr off_t size = 8192; // what LMDB makes it for the 126 readers that it has room for
     const int file = ::open((store + "-lock").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
@@ -51,7 +51,8 @@ int reserveLockFile(const std::string& store) {
     return code;
 }
 
-/// Whether the file holds all pages that the store counts: reading one that was cut off would end the process by SIGBUS.
+/// Whether the file holds all pages that the store counts: reading one that was cut off would end the process
+/// by SIGBUS.
 bool isWhole(MDB_env* environment) {
     MDB_envinfo info{};
     MDB_stat pages{};

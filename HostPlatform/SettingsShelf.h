@@ -18,14 +18,14 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// One LMDB environment in a file of its own: bytes under keys of 1 to 511 bytes. Opened on first use, and again after a
-/// failure. One thread at a time may use it.
+/// One LMDB environment in a file of its own: bytes under keys of 1 to 511 bytes. Opened on first use, and
+/// again after a failure. One thread at a time may use it.
 ///
 /// All functions throw ShelfFailure, which is in the system log by then.
 class SettingsShelf {
 public:
-    /// name: of the file, without its ending; the machine's layout is added, as LMDB's files are in it. What is not synced
-    /// is lost with the machine's power, not with the process.
+    /// name: of the file, without its ending; the machine's layout is added, as LMDB's files are in it. What
+    /// is not synced is lost with the machine's power, not with the process.
     SettingsShelf(const std::string& name, std::filesystem::path (*directory)(), bool isSynced);
 
     /// What is stored under the key; nothing when it is missing. Waits for no writer.

@@ -29,11 +29,12 @@ enum class SettingsResult {
 
 /// The host's settings store: typed values under text keys, shared by all processes of the user.
 ///
-/// Keys under "memory/" are kept in a file that is never synced to disk, all others in a durable one. A process killed at any
-/// instant leaves both readable and writable, with either the old or the new value of the key that it was writing. Each
-/// value carries the identity of the process that wrote it. The files are in the machine's own layout: processes of another
-/// word size or byte order have files of their own. Reading waits for no writer. A call that does not succeed changes
-/// nothing. Keys have 1 to 511 bytes; others fail. Throws only when out of memory. Any thread may call.
+/// Keys under "memory/" are kept in a file that is never synced to disk, all others in a durable one. A
+/// process killed at any instant leaves both readable and writable, with either the old or the new value of
+/// the key that it was writing. Each value carries the identity of the process that wrote it. The files are
+/// in the machine's own layout: processes of another word size or byte order have files of their own. Reading
+/// waits for no writer. A call that does not succeed changes nothing. Keys have 1 to 511 bytes; others fail.
+/// Throws only when out of memory. Any thread may call.
 class SettingsStore {
 public:
     static SettingsStore& instance(); ///< lives until the process is gone

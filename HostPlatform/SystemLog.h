@@ -23,8 +23,9 @@ class SystemLog {
 public:
     static SystemLog& instance();
 
-    /// buffer and priority are those of PlatformInterfaces/dlog.h; any buffer but DLOG_BUFFER_MAIN counts as the
-    /// system buffer. False when the record could not be written. The first such failure is told on standard error.
+    /// buffer and priority are those of PlatformInterfaces/dlog.h; any buffer but DLOG_BUFFER_MAIN counts as
+    /// the system buffer. False when the record could not be written. The first such failure is told on
+    /// standard error.
     bool write(int buffer, int priority, const char* tag, const std::string& text);
 
 private:

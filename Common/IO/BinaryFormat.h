@@ -6,7 +6,8 @@
 
 #include <exception>
 
-/// Failures of the package's binary number format, which other programs of the package use; nothing here throws them.
+/// Failures of the package's binary number format, which other programs of the package use; nothing here
+/// throws them.
 namespace Nerix::Common::IO::binary_format {
 
 class serialization_exception : public virtual std::exception, public virtual boost::exception {};

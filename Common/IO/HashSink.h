@@ -30,8 +30,9 @@ public:
     void markEndOfData() override;
     bool endOfDataMarked() override { return m_endOfData; }
 
-    /// The digest: 16 bytes for md5, 20 for sha1; it lives as long as the sink. Marks the end of the data if that has
-    /// not happened, and throws like markEndOfData; after such a failure further calls give zeros, which are no digest.
+    /// The digest: 16 bytes for md5, 20 for sha1; it lives as long as the sink. Marks the end of the data if
+    /// that has not happened, and throws like markEndOfData; after such a failure further calls give zeros,
+    /// which are no digest.
     const std::vector<std::uint8_t>& getHash();
 
     /// "HashSink(" + name + ")".

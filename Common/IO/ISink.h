@@ -14,15 +14,15 @@ public:
     /// Consumes length bytes, 0 included. Throws EndOfDataMarkedException after the end.
     virtual void writeChunk(const std::uint8_t* data, std::size_t length) = 0;
 
-    /// Declares that no more data follows and finishes the result. Throws EndOfDataMarkedException the second
-    /// time.
+    /// Declares that no more data follows and finishes the result. Throws EndOfDataMarkedException the
+    /// second time.
     virtual void markEndOfData() = 0;
 
     /// Whether markEndOfData has happened.
     virtual bool endOfDataMarked() = 0;
 
-    /// What every sink calls first in writeChunk and markEndOfData: throws EndOfDataMarkedException, which carries the
-    /// sink as its subject, when the end is marked.
+    /// What every sink calls first in writeChunk and markEndOfData: throws EndOfDataMarkedException, which
+    /// carries the sink as its subject, when the end is marked.
     void throwIfEndOfDataMarked();
 
 protected:

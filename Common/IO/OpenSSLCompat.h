@@ -4,10 +4,10 @@
 
 #include <memory>
 
-/// What differs between OpenSSL 1.0 and today's library, in one place. Since 1.1 the library locks by itself:
-/// the locking and thread-id callbacks are never called, and setting them is a no-op macro. They are kept
-/// here instead, so that what was installed can still be asked for. A build for 1.0 would forward to the
-/// library.
+/// What differs between OpenSSL 1.0 and today's library, in one place. Since 1.1 the library locks by
+/// itself: the locking and thread-id callbacks are never called, and setting them is a no-op macro. They are
+/// kept here instead, so that what was installed can still be asked for. A build for 1.0 would forward to
+/// the library.
 namespace Nerix::Common::IO::OpenSSLCompat {
 
 /// Identity of a thread, as a thread-id callback reports it.
@@ -34,8 +34,8 @@ ThreadIdCallback getThreadIdCallback();
 /// later calls change nothing.
 void useStandardAllocation();
 
-/// Gives a context back for the calling thread's next digest: making one costs about as much as hashing a short text.
-/// Destroy it before its thread exits: the deleter writes a thread_local.
+/// Gives a context back for the calling thread's next digest: making one costs about as much as hashing a
+/// short text. Destroy it before its thread exits: the deleter writes a thread_local.
 struct DigestContextRecycler {
     void operator()(EVP_MD_CTX* context) const;
 };

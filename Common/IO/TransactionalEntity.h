@@ -46,8 +46,8 @@ protected:
     IStoreTransaction& operator=(const IStoreTransaction&) = default;
 };
 
-/// An object whose state takes part in a storage transaction, so that work can be taken up after an
-/// interruption.
+/// An object whose state takes part in a storage transaction, so that work can be taken up after
+/// an interruption.
 class ITransactionalEntity {
 public:
     virtual ~ITransactionalEntity() = default;

@@ -34,15 +34,15 @@ public:
     /// The longest text of one system-log record, in bytes.
     static constexpr std::size_t maxMessageLength = 768;
 
-    /// Sets the process name of all later records to programName and the package version.
-    /// To be called once, before any other thread exists.
+    /// Sets the process name of all later records to programName and the package version. To be called once,
+    /// before any other thread exists.
     static void init(const char* programName);
 
     /// The part of path after its last '/', inside the same text.
     static const char* shortenPath(const char* path);
 
-    /// Formats a message as printf does, cuts it to 16383 bytes and hands it to the sink, once.
-    /// NONE and VERBOSE return at once. What the sink throws passes through.
+    /// Formats a message as printf does, cuts it to 16383 bytes and hands it to the sink, once. NONE and
+    /// VERBOSE return at once. What the sink throws passes through.
     static void print(Sink sink, const char* tag, Level level, const char* format, ...)
         __attribute__((format(printf, 4, 5)));
 
@@ -59,8 +59,8 @@ public:
 
     // The steps of printLines.
 
-    /// A line, as consecutive records of at most maxMessageLength bytes; an empty line is one empty record. end is where
-    /// its terminator stands, or will stand while the line is cut off there.
+    /// A line, as consecutive records of at most maxMessageLength bytes; an empty line is one empty record.
+    /// end is where its terminator stands, or will stand while the line is cut off there.
     static void printChunked(const char* tag, Level level, char* begin, char* end);
 
     /// One record: takes the next record number and names the calling thread.
@@ -70,12 +70,13 @@ public:
     static void printImpl(const char* tag, const char* thread, std::uint32_t recordNumber, Level level,
                           const char* text);
 
-    /// The calling thread's kernel id, a blank and its kernel name, cut to size - 1 characters and terminated.
+    /// The calling thread's kernel id, a blank and its kernel name, cut to size - 1 characters
+    /// and terminated.
     static void getThreadId(char* buffer, std::size_t size);
 
 private:
-    /// Empty until init. In a function and never destroyed, as a static member would be built after the first objects of
-    /// static storage that log, and go before the last.
+    /// Empty until init. In a function and never destroyed, as a static member would be built after the first
+    /// objects of static storage that log, and go before the last.
     static std::string& processName();
 };
 

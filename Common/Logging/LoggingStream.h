@@ -9,9 +9,8 @@
 namespace Nerix::Common::Logging {
 
 /// Collects one message with operator<< and logs it when destroyed, at the end of the statement that made it.
-/// '%' characters in the message are safe. At level NONE everything is discarded. Of a message whose making throws, what
-/// was collected is logged.
-/// The tag and the file name are not owned and must outlive the object.
+/// '%' characters in the message are safe. At level NONE everything is discarded. Of a message whose making
+/// throws, what was collected is logged. The tag and the file name are not owned and must outlive the object.
 class LoggingStream {
 public:
     LoggingStream(const char* tag, LoggingClass::Level level, const char* fileName, int line);

@@ -13,7 +13,8 @@ namespace Nerix::Common::Utils {
 
 namespace {
 
-/// Opens take the lowest free descriptor, so filling from 0 upwards puts each file in its place, where it stays.
+/// Opens take the lowest free descriptor, so filling from 0 upwards puts each file in its place,
+/// where it stays.
 bool fillIfClosed(int descriptor, int flags) {
     const bool isClosed = ::fcntl(descriptor, F_GETFD) == -1 && errno == EBADF;
     return !isClosed || ::open("/dev/null", flags) == descriptor;

@@ -33,8 +33,8 @@ public:
     /// The process's set. Throws GenericException before loadDebugAndTestParameters.
     static DebugAndTestParameters& getDebugAndTestParameters();
 
-    /// Reads the file again; false when it could not be read whole. Throws GenericException before the first
-    /// load.
+    /// Reads the file again; false when it could not be read whole. Throws GenericException before the
+    /// first load.
     bool reload();
 
     /// Writes the file. Throws ProductUninitializedException as above; any other failure is logged.
@@ -156,8 +156,8 @@ private:
 /// The same as the members of these names.
 DebugAndTestParameters& getDebugAndTestParameters();
 
-/// Loads nothing: throws GenericException before the first load, and only logs a warning after it. The path is not
-/// used.
+/// Loads nothing: throws GenericException before the first load, and only logs a warning after it. The path
+/// is not used.
 void loadDebugAndTestParameters(const boost::filesystem::path& path);
 
 } // namespace Nerix::Common

@@ -7,8 +7,8 @@
 
 namespace Nerix {
 
-/// How a transactional write is forced to happen. The values belong to the storage layer; here they are only
-/// carried.
+/// How a transactional write is forced to happen. The values belong to the storage layer; here they are
+/// only carried.
 enum class ETransactionalRewriteMode : std::int32_t {};
 
 /// Tuning values of the update installation. Sizes are in bytes. An optional value that is unset leaves the

@@ -20,8 +20,8 @@
 
 namespace Nerix {
 
-/// The library's reader, with a comparison of its own for the names of elements: the library's reads past the end of the
-/// expected name, by as much as the file likes, when the one in the file is longer.
+/// The library's reader, with a comparison of its own for the names of elements: the library's reads past the
+/// end of the expected name, by as much as the file likes, when the one in the file is longer.
 class XmlReader : public boost::archive::xml_iarchive_impl<XmlReader> {
 public:
     explicit XmlReader(std::istream& stream)
@@ -72,7 +72,8 @@ namespace Nerix {
 
 using boost::serialization::make_nvp;
 
-/// An optional value as it is stored. Class version 0, which is written, has an item version; version 1 has none.
+/// An optional value as it is stored. Class version 0, which is written, has an item version; version
+/// 1 has none.
 template <class Value>
 struct StoredOptional {
     boost::optional<Value> value;

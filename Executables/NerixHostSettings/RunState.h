@@ -4,7 +4,8 @@
 
 namespace Nerix {
 
-/// Whether the status or result is that of a run that has not ended: "active", or "00000111", which is published first.
+/// Whether the status or result is that of a run that has not ended: "active", or "00000111", which is
+/// published first.
 bool isOfRun(const Platform::Host::Setting& setting);
 
 /// The same, but for a run whose process is gone: it was killed and will not end.

@@ -4,12 +4,13 @@
 
 #include <string>
 
-/// The file of emulated facts, for development devices: lines "key:value", neither of them empty. Anything after a
-/// second ':' is ignored, and dropped when the file is written anew. Meant for one tester process at a time.
+/// The file of emulated facts, for development devices: lines "key:value", neither of them empty. Anything
+/// after a second ':' is ignored, and dropped when the file is written anew. Meant for one tester process
+/// at a time.
 ///
 /// All functions need the product to be initialised and log a warning that they are for debugging. They throw
-/// GenericException, with a description and the path of a file that cannot be used or has a bad line, or with a text
-/// for a key or value that is bad or missing.
+/// GenericException, with a description and the path of a file that cannot be used or has a bad line, or with
+/// a text for a key or value that is bad or missing.
 namespace Nerix::Platform {
 
 /// The value of the first entry with this key; nothing when there is no file. Throws when an existing file
@@ -25,8 +26,8 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key);
 /// makes a line without value, which every later call refuses.
 void setEmulatedInfoValue(const std::string& key, const std::string& value);
 
-/// Makes an empty file, and its directory when only that is missing. What cannot be made shows when it is
-/// used.
+/// Makes an empty file, and its directory when only that is missing. What cannot be made shows when
+/// it is used.
 void ensureEmulatedInfoFileExists();
 
 /// Warns that the caller is for debugging only.

@@ -59,9 +59,9 @@ public:
     /// Whether the screen has 540 lines. Does not throw: false when the platform does not answer.
     static bool isScreenRatioFitNeeded();
 
-    // Software, in ProductVersion.cpp. A text without '-' throws GenericException; a version that is no number
-    // throws boost::bad_lexical_cast, except from getVersionString, which does not look at it. Major and minor
-    // are modulo 65536.
+    // Software, in ProductVersion.cpp. A text without '-' throws GenericException; a version that is no
+    // number throws boost::bad_lexical_cast, except from getVersionString, which does not look at it. Major
+    // and minor are modulo 65536.
 
     static std::string getModelString();                      ///< initialised
     static std::string getVersionString();                    ///< initialised; "major.minor"
@@ -81,8 +81,8 @@ public:
     static std::string getVarikModelFromCorvanModel(const std::string& model);
 
     // Paths and sizes (bytes), in ProductPaths.cpp; all initialised. A path may name nothing that exists. The
-    // flash-device and file-system roots are empty texts: paths are absolute without them. A directory that the
-    // platform does not know leaves its part of a path out; getUSBMountPath is then empty.
+    // flash-device and file-system roots are empty texts: paths are absolute without them. A directory that
+    // the platform does not know leaves its part of a path out; getUSBMountPath is then empty.
 
     static std::string getFlashDeviceRootPath();
     static std::string getNerixPartitionPath();
@@ -134,8 +134,8 @@ public:
     static boost::optional<std::string> getEmulatedSubmicomVersion();
     static boost::optional<std::string> getEmulatedQorlServiceID();
 
-    /// Deletes the file; no failure when there is none. Throws boost::filesystem::filesystem_error when it cannot
-    /// be deleted.
+    /// Deletes the file; no failure when there is none. Throws boost::filesystem::filesystem_error when it
+    /// cannot be deleted.
     static void removeEmulationInfo();
 
 private:

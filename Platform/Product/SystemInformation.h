@@ -27,8 +27,8 @@ boost::optional<std::string> readString(Key key);
 boost::optional<int> readInt(Key key);
 boost::optional<bool> readBool(Key key);
 
-/// The answer. Where there is none, logs the failure at ERR and throws SystemInfoAPIInternalProblemException with it as
-/// description.
+/// The answer. Where there is none, logs the failure at ERR and throws SystemInfoAPIInternalProblemException
+/// with it as description.
 template <class Answer>
 Answer required(const boost::optional<Answer>& answer, const char* failure) {
     if (!answer) {

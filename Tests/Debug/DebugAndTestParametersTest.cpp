@@ -57,7 +57,8 @@ std::string withTodaysVersion(const std::string& text) {
 
 TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
     const std::string itemVersion = "\t\t\t<item_version>0</item_version>\n";
-    // Blanks inside the tags, and the layout of today's library, which counts both classes of optional values anew.
+    // Blanks inside the tags, and the layout of today's library, which counts both classes of optional
+    // values anew.
     const std::string blanks =
         replace_all_copy(replace_all_copy(golden, "<value>", "<value >"), "</count>", "</count\n>");
     const std::string todays =

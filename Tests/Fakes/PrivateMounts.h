@@ -8,8 +8,8 @@ namespace Nerix::Tests {
 /// exist. Nothing outside the process sees it. False, with the reason, where the machine does not allow that.
 bool mountPrivately(const std::string& path, std::string& reason);
 
-/// Lets the process read an empty mount table, so that its runs find none of the machine's drives. False where the machine
-/// does not allow that.
+/// Lets the process read an empty mount table, so that its runs find none of the machine's drives. False
+/// where the machine does not allow that.
 bool hideMountTable();
 
 } // namespace Nerix::Tests

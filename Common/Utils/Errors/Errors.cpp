@@ -7,8 +7,8 @@ namespace Nerix::Common::Utils {
 
 namespace {
 
-// strerror_r comes in two forms. GNU's returns the text, which need not be in the buffer; that of POSIX fills the buffer
-// and returns a code.
+// strerror_r comes in two forms. GNU's returns the text, which need not be in the buffer; that of POSIX fills
+// the buffer and returns a code.
 [[maybe_unused]] const char* messageOf(const char* text, const char*) {
     return text;
 }

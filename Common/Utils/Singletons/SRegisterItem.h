@@ -14,14 +14,15 @@
 
 namespace Nerix::Common::Utils {
 
-/// The register's record of one service: its only owner, who needs it and who uses it.
-/// The counts may be changed from any thread; an instance is destroyed by the register alone.
+/// The register's record of one service: its only owner, who needs it and who uses it. The counts may be
+/// changed from any thread; an instance is destroyed by the register alone.
 class SRegisterItem : private boost::noncopyable {
 public:
     SRegisterItem(boost::shared_ptr<RegisterableSingleton> registerable, SingletonsID id,
                   std::list<SingletonsID> requirements);
 
-    /// Destroys the service, with thread interruption disabled. Asserts that nobody needs it and nobody holds a SingletonPointer to it.
+    /// Destroys the service, with thread interruption disabled. Asserts that nobody needs it and nobody holds
+    /// a SingletonPointer to it.
     ~SRegisterItem();
 
     /// The only owning pointer; it lives as long as the item.

@@ -40,8 +40,9 @@ public:
     static SingletonsRegister& getSingletonsRegister();
 
     /// Declares the service T needed under id and creates it if it is not there yet. Asserts that what T
-    /// requires is registered. Passes on what the factory throws; the service is then not registered. The factory must
-    /// not be empty (std::bad_function_call) nor give null. It runs one at a time, and may use the register itself.
+    /// requires is registered. Passes on what the factory throws; the service is then not registered. The
+    /// factory must not be empty (std::bad_function_call) nor give null. It runs one at a time, and may use
+    /// the register itself.
     template <class T>
     void markNeeded(SingletonsID id) {
         markNeeded<T>(id, standardFactoryFunction<T>);
@@ -51,8 +52,8 @@ public:
         markNeededImpl(id, T::requirements(), factory);
     }
 
-    /// Takes back one declaration of need; the last one destroys the service, now. Asserts that id is registered and,
-    /// when the service goes, that nobody holds a SingletonPointer to it.
+    /// Takes back one declaration of need; the last one destroys the service, now. Asserts that id is
+    /// registered and, when the service goes, that nobody holds a SingletonPointer to it.
     void unmarkNeeded(SingletonsID id);
 
     /// A handle for user to the service registered under id. Asserts that there is one and that it is a T.
@@ -84,8 +85,8 @@ private:
 
     static SingletonsRegister instance;
 
-    // Always locked in this order, and an item's own mutex last. Recursive, as marking walks through
-    // requirements.
+    // Always locked in this order, and an item's own mutex last. Recursive, as marking walks
+    // through requirements.
     mutable boost::recursive_mutex m_operationsMutex; ///< creation and destruction, one at a time
     mutable boost::recursive_mutex m_mapMutex;        ///< guards m_items
     std::map<SingletonsID, Item> m_items;

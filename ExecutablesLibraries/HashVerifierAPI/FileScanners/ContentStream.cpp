@@ -21,8 +21,8 @@ int openWithoutWaiting(const boost::filesystem::path& path) {
         if (descriptor != -1 || errno != EWOULDBLOCK || Common::Utils::terminationSignal() != 0) {
             return descriptor;
         }
-        // A write lease, as file servers take them. The kernel has told its holder, and takes it away after a time
-        // (fs.lease-break-time); no other local file system answers like that.
+        // A write lease, as file servers take them. The kernel has told its holder, and takes it away after a
+        // time (fs.lease-break-time); no other local file system answers like that.
         const std::timespec pause{0, 5'000'000};
         ::nanosleep(&pause, nullptr);
     }

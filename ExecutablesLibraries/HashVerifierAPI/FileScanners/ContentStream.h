@@ -12,22 +12,23 @@
 
 namespace Nerix::FileScanners {
 
-/// The content of a regular file as a stream, opened so that what takes the file's place after it was looked at neither
-/// holds up the run nor is taken for the file: a link is not followed (one in place of a directory on the way is), a pipe's
-/// writer is not waited for, and what turns out to be no regular file is given up. A lease that another process holds on
-/// the file is waited for, as any open would.
+/// The content of a regular file as a stream, opened so that what takes the file's place after it was looked
+/// at neither holds up the run nor is taken for the file: a link is not followed (one in place of a directory
+/// on the way is), a pipe's writer is not waited for, and what turns out to be no regular file is given up. A
+/// lease that another process holds on the file is waited for, as any open would.
 ///
 /// Once a signal has asked the process to end, the waiting and the content end.
 class ContentStream {
 public:
-    /// size: the file's, in bytes, when it was looked at.
-    /// Throws GenericException "access error: can't read content of file: " + quoted path.
+    /// size: the file's, in bytes, when it was looked at. Throws GenericException "access error: can't read
+    /// content of file: " + quoted path.
     ContentStream(const boost::filesystem::path& path, std::uint64_t size);
 
     /// At the file's beginning; it belongs to this object.
     std::FILE* get() const { return m_stream.get(); }
 
-    /// To be called when the content was read. Throws as the constructor when it was not that of a regular file.
+    /// To be called when the content was read. Throws as the constructor when it was not that of a
+    /// regular file.
     void throwIfReplaced() const;
 
 private:

@@ -46,8 +46,8 @@ std::string pathInside(const std::string& directory, const std::string& name) {
     return path;
 }
 
-/// Logs the exception being handled and rethrows it with the walk's own function and line as context. Apart from the
-/// walk, so that its streams take no room on the stack at every level of a deep tree.
+/// Logs the exception being handled and rethrows it with the walk's own function and line as context. Apart
+/// from the walk, so that its streams take no room on the stack at every level of a deep tree.
 [[noreturn, gnu::noinline]] void passOnFailure(const char* function, int line) {
     NERIX_LOG_STREAM(ERR) << "Exception when scanning filesystem: "
                           << boost::current_exception_diagnostic_information(true);

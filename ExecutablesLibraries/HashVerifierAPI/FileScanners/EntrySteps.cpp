@@ -69,8 +69,8 @@ NameList readNameList(const FileInput& entry) {
 void listxattr(const FileInput& entry, std::vector<std::string>& names) {
     NameList list = readNameList(entry);
     if (!list.isAsAnnounced()) {
-        // An overlay file system announces the names that it hides, each time. What differs twice alike is the file
-        // system's way; anything else is a change.
+        // An overlay file system announces the names that it hides, each time. What differs twice alike is
+        // the file system's way; anything else is a change.
         const NameList first = std::move(list);
         list = readNameList(entry);
         if (list.announced != first.announced || list.delivered.size() != first.delivered.size()) {

@@ -11,9 +11,9 @@ struct FileInput;
 /// The steps that every folded entry passes through after its path. For the scanners alone.
 namespace FileScanners {
 
-/// What the status step folds in, five lines: owner, group and link count in decimal, the permission bits
-/// ("URUWuxGRgwgxORowox" for 0644) and the special bits ("susgsb" for none), upper case for a bit that is
-/// set.
+/// What the status step folds in, five lines: owner, group and link count in decimal, the permission
+/// bits ("URUWuxGRgwgxORowox" for 0644) and the special bits ("susgsb" for none), upper case for a bit
+/// that is set.
 std::string statusText(const FileInput& entry);
 
 /// One step over the status text.
@@ -22,8 +22,8 @@ IHashFunction::hash_t hashstat(const FileInput& entry, IHashFunction::hash_t val
 
 /// For each extended attribute of the entry itself, in the byte order of the names: a step over the name, one
 /// over "separator", one over the value. Throws GenericException when the attributes cannot be read or change
-/// meanwhile. A file system that lists fewer names than it announces, twice alike, is taken at its word: overlay file
-/// systems do so for names that they hide.
+/// meanwhile. A file system that lists fewer names than it announces, twice alike, is taken at its word:
+/// overlay file systems do so for names that they hide.
 IHashFunction::hash_t hashxtattr(const FileInput& entry, IHashFunction::hash_t value,
                                  const IHashFunction& function);
 

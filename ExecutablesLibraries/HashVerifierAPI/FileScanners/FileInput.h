@@ -9,8 +9,8 @@ namespace Nerix {
 /// One entry of a file system: its path and the status that lstat gave for it when the object was made, so a
 /// symbolic link describes the link itself. Never refreshed; copied freely.
 struct FileInput {
-    /// The path is used exactly as given: its text enters the hash.
-    /// Throws GenericException "access error: can't LSTAT file: " + quoted path.
+    /// The path is used exactly as given: its text enters the hash. Throws GenericException "access error:
+    /// can't LSTAT file: " + quoted path.
     explicit FileInput(boost::filesystem::path entryPath);
 
     boost::filesystem::path path;

@@ -16,9 +16,9 @@ public:
     virtual bool accept(const FileInput& entry) const = 0;
 
     /// The value after the entry was folded into value with the given function. Entries that are folded are
-    /// reported to the HashWorker with it. Throws GenericException or boost::filesystem::filesystem_error when the
-    /// entry cannot be read, VConfException when progress cannot be published, and what the hash function
-    /// throws. An entry that could not be read is not reported.
+    /// reported to the HashWorker with it. Throws GenericException or boost::filesystem::filesystem_error
+    /// when the entry cannot be read, VConfException when progress cannot be published, and what the hash
+    /// function throws. An entry that could not be read is not reported.
     virtual IHashFunction::hash_t process(const FileInput& entry, IHashFunction::hash_t value,
                                           const IHashFunction& function) const = 0;
 

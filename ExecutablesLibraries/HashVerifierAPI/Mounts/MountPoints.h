@@ -19,8 +19,8 @@ public:
     /// Reads /proc/mounts; the table is empty when that cannot be read.
     MountPoints();
 
-    /// Reads lines whose first two words, separated by blanks, are device and mount directory; the rest of a line does
-    /// not matter. Escapes such as \040 are not decoded.
+    /// Reads lines whose first two words, separated by blanks, are device and mount directory; the rest of a
+    /// line does not matter. Escapes such as \040 are not decoded.
     explicit MountPoints(std::istream&& table);
 
     /// Whether something is mounted on the directory, spelled exactly as in the table.

@@ -47,9 +47,9 @@ std::string fileName() {
     refuse(path, std::string(": ") + call + Common::Utils::get_string_from_errno(errno));
 }
 
-/// The file, empty and locked against other runs for as long as it is open. Anybody may have filled the drive, and the
-/// name is known to the second: what stands there may be a link to a file of ours, a pipe that nobody reads, or a device
-/// that the opening alone would set off.
+/// The file, empty and locked against other runs for as long as it is open. Anybody may have filled the
+/// drive, and the name is known to the second: what stands there may be a link to a file of ours, a pipe that
+/// nobody reads, or a device that the opening alone would set off.
 std::fstream create(const std::string& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {

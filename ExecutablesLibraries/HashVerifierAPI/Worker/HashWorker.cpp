@@ -32,8 +32,8 @@ using Common::Utils::GenericException;
 
 namespace {
 
-/// Bytes for the worker's thread. Each directory level takes a frame, and a path has room for two thousand levels. The
-/// default depends on the caller's rlimit and may be too small.
+/// Bytes for the worker's thread. Each directory level takes a frame, and a path has room for two thousand
+/// levels. The default depends on the caller's rlimit and may be too small.
 constexpr std::size_t stackSize = std::size_t{8} << 20U;
 
 /// A signal that ends the process ends the run first, as a failure at the next step or entry.
@@ -65,8 +65,8 @@ HashWorker& HashWorker::getInstance() {
 }
 
 HashWorker::HashWorker() : m_root("/") {
-    // What the worker's thread uses has to be made before this object, so that it is still there while the destructor
-    // waits for that thread.
+    // What the worker's thread uses has to be made before this object, so that it is still there while the
+    // destructor waits for that thread.
     MountPoints::getInstance();
 }
 

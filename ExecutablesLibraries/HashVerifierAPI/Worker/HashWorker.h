@@ -44,23 +44,25 @@ public:
     /// Joins a worker that still runs.
     ~HashWorker();
 
-    /// Launches a verification of root with the hash method of that name and returns once its status "active" is
-    /// published. An unknown name is not found here: that run ends with "ERROR". The product must be initialised.
+    /// Launches a verification of root with the hash method of that name and returns once its status
+    /// "active" is published. An unknown name is not found here: that run ends with "ERROR". The product
+    /// must be initialised.
     ///
-    /// Throws with nothing changed: GenericException "verification is already started" or "can't read filesystem
-    /// statistics". Throws with no worker running, and with "ERROR" for the result if it was already published as that
-    /// of a run: VConfException when the settings store refuses, ProductUninitializedException before
-    /// IProductInfo::initializeProduct, boost::thread_resource_error when no thread can be created. Waits for a
-    /// former worker's last setting first, and throws boost::thread_interrupted when interrupted there.
+    /// Throws with nothing changed: GenericException "verification is already started" or "can't read
+    /// filesystem statistics". Throws with no worker running, and with "ERROR" for the result if it was
+    /// already published as that of a run: VConfException when the settings store refuses,
+    /// ProductUninitializedException before IProductInfo::initializeProduct, boost::thread_resource_error
+    /// when no thread can be created. Waits for a former worker's last setting first, and throws
+    /// boost::thread_interrupted when interrupted there.
     HashWorker& start(const FileInput& root, const std::string& hashName);
 
     /// Blocks until the last run has written its last setting and its thread has ended; at once when there is
-    /// none. Throws boost::thread_resource_error on the worker's own thread; an interruption of the calling thread
-    /// leaves as boost::thread_interrupted, and wait may be called again.
+    /// none. Throws boost::thread_resource_error on the worker's own thread; an interruption of the calling
+    /// thread leaves as boost::thread_interrupted, and wait may be called again.
     HashWorker& wait();
 
-    /// 16 hexadecimal digits, or "ERROR", of the last finished run. To be asked after wait: during a run the call
-    /// would race with the worker. Asserts that some run has finished.
+    /// 16 hexadecimal digits, or "ERROR", of the last finished run. To be asked after wait: during a run the
+    /// call would race with the worker. Asserts that some run has finished.
     std::string getResult();
 
     /// The percentage as of the last report, see Progress::text; never 100.
@@ -69,9 +71,9 @@ public:
     /// The root entry of the current verification; "/" before the first.
     const FileInput& getRoot() const { return m_root; }
 
-    /// Hash functions report the bytes of each step; this moves progress inside a long file.
-    /// Throws VConfException when progress cannot be published, GenericException when a signal ends the process
-    /// (see TerminationSignals.h).
+    /// Hash functions report the bytes of each step; this moves progress inside a long file. Throws
+    /// VConfException when progress cannot be published, GenericException when a signal ends the process (see
+    /// TerminationSignals.h).
     void log(unsigned long long bytes);
 
     /// Scanners report each entry, finished or skipped, with its value: one record of the scan log, and its
@@ -111,11 +113,12 @@ private:
     std::uint64_t m_currentBytes = 0;              ///< bytes hashed in the entry in progress
     std::string m_calculatedHash;
 
-    // The life of the thread. start makes it and keeps two handles. The thread first waits for the promise: true once
-    // "active" is published, so that "inactive" cannot come before it, false when the store refused and there is nothing
-    // to do. At the end of the run it drops m_thread (both sides use boost::atomic_load and atomic_store), after which
-    // the next start is accepted, and publishes "inactive". wait() joins m_startedThread, which the starting side alone
-    // uses: it must return only after the thread's last store write.
+    // The life of the thread. start makes it and keeps two handles. The thread first waits for the promise:
+    // true once "active" is published, so that "inactive" cannot come before it, false when the store
+    // refused and there is nothing to do. At the end of the run it drops m_thread (both sides use
+    // boost::atomic_load and atomic_store), after which the next start is accepted, and publishes
+    // "inactive". wait() joins m_startedThread, which the starting side alone uses: it must return only
+    // after the thread's last store write.
     boost::shared_ptr<boost::thread> m_thread;
     boost::shared_ptr<boost::thread> m_startedThread;
     std::promise<bool> m_activePublished;
