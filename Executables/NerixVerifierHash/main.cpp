@@ -47,8 +47,8 @@ std::string helpText(const options::options_description& outer) {
     text << programName << ' ' << Nerix::Common::packageVersion << '\n'
          << "Prints one 64-bit value of the tree at PATH (default: .), folded with HASH (default: md5), one "
             "of:";
-    for (const std::string& name : Nerix::HashFunctions::names()) {
-        text << ' ' << name;
+    for (const std::string& hashMethod : Nerix::HashFunctions::methods()) {
+        text << ' ' << hashMethod;
     }
     text << '\n' << outer << '\n';
     return text.str();

@@ -5,7 +5,7 @@
 /// How a program asks for a verification. All functions work on the one HashWorker of the process; one thread
 /// drives them, getProgress alone may be called from any thread.
 ///
-/// hashMethod is one of HashFunctions::names(). The crypto set-up (SINGLETON_OPENSSL_INITIALIZER) must be
+/// hashMethod is one of HashFunctions::methods(). The crypto set-up (SINGLETON_OPENSSL_INITIALIZER) must be
 /// registered for as long as a verification runs, and the product be initialised: if it is not, a start
 /// throws ProductUninitializedException, with "ERROR" published as its result.
 namespace Nerix::HashVerifierAPI {

@@ -99,7 +99,7 @@ int systemInfo(int key, Out* out) {
 } // namespace
 } // namespace Nerix::Tests
 
-using namespace Nerix::Tests; // NOLINT(google-build-using-namespace)
+using namespace Nerix::Tests; // NOLINT(google-build-using-namespace): its names fill this test
 
 // Nothing that runs here reads settings back.
 int vconf_get_int(const char*, int*) {

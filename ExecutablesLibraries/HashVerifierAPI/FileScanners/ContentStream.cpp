@@ -34,7 +34,7 @@ ContentStream::ContentStream(const boost::filesystem::path& path, std::uint64_t 
     : m_path(path),
       m_size(size),
       m_descriptor(openWithoutWaiting(path)),
-      // Not fdopen, which makes one more system call.
+      // Not fdopen: the read function notices signals and replaced files.
       m_stream(m_descriptor.isOpen() ? ::fopencookie(this, "r", {&read, nullptr, nullptr, nullptr})
                                      : nullptr) {
     if (!m_stream) {

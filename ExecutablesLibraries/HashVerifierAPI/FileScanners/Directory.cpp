@@ -17,12 +17,9 @@
 
 namespace Nerix::FileScanners {
 
-namespace {
-
 using hash_t = IHashFunction::hash_t;
 
-constexpr hash_t otherDeviceMarker = 0x222;
-constexpr hash_t mountPointMarker = 0x444;
+namespace {
 
 /// The names of the directory's entries, sorted by their bytes. Names, not paths: the directory's own path
 /// before each would change nothing in the order, but multiply the time to compare and the memory to hold
@@ -56,28 +53,33 @@ std::string pathInside(const std::string& directory, const std::string& name) {
 
 } // namespace
 
-bool Directory::accept(const FileInput& entry) const {
+Judgement Directory::judge(const FileInput& entry, dev_t rootDevice) const {
     const boost::filesystem::path name = entry.path.filename();
     if (name == "." || name == "..") {
-        return false;
+        return Judgement::ignored;
     }
+    if (entry.status.st_dev != rootDevice) {
+        return Judgement::otherDevice;
+    }
+    return MountPoints::getInstance().isMountPoint(entry.path.native()) ? Judgement::mountPoint
+                                                                        : Judgement::accepted;
+}
+
+bool Directory::accept(const FileInput& entry) const {
     HashWorker& worker = HashWorker::getInstance();
-    if (entry.status.st_dev != worker.getRoot().status.st_dev) {
-        worker.log(entry, otherDeviceMarker);
-        return false;
+    const Judgement judgement = judge(entry, worker.getRoot().status.st_dev);
+    if (judgement == Judgement::otherDevice || judgement == Judgement::mountPoint) {
+        worker.log(entry, static_cast<hash_t>(judgement));
     }
-    if (MountPoints::getInstance().isMountPoint(entry.path.native())) {
-        worker.log(entry, mountPointMarker);
-        return false;
-    }
-    return true;
+    return judgement == Judgement::accepted;
+}
+
+hash_t Directory::examine(const FileInput& entry, hash_t value, const IHashFunction& function) const {
+    return hashMetadata(entry, value, function);
 }
 
 hash_t Directory::process(const FileInput& entry, hash_t value, const IHashFunction& function) const {
-    value = function.apply(value, entry.path.native());
-    value = hashstat(entry, value, function);
-    value = hashxtattr(entry, value, function);
-
+    value = examine(entry, value, function);
     const std::deque<std::string> names = sortedNames(entry.path);
     constexpr std::size_t longestLine = 21; // twenty digits and the line feed
     std::string list;

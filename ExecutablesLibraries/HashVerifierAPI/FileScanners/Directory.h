@@ -8,15 +8,15 @@ namespace Nerix::FileScanners {
 /// from 0 and written in decimal on a line of its own, in the byte order of the names.
 class Directory final : public IFileScanner {
 public:
-    /// False for what is on another device than the root and for mount points, which are reported to the
-    /// HashWorker with the marker values 0x222 and 0x444.
+    /// False for what is on another device than the root and for mount points, which are reported.
     bool accept(const FileInput& entry) const override;
 
     /// Walks everything below. The first failure ends the walk; it is logged at ERR at each level that it
     /// passes, and the levels are added to its context. Throws boost::filesystem::filesystem_error when a
     /// directory cannot be listed.
-    IHashFunction::hash_t process(const FileInput& entry, IHashFunction::hash_t value,
-                                  const IHashFunction& function) const override;
+    hash_t process(const FileInput& entry, hash_t value, const IHashFunction& function) const override;
+    Judgement judge(const FileInput& entry, dev_t rootDevice) const override;
+    hash_t examine(const FileInput& entry, hash_t value, const IHashFunction& function) const override;
 };
 
 } // namespace Nerix::FileScanners

@@ -120,6 +120,12 @@ std::string statusText(const FileInput& entry) {
     return text;
 }
 
+hash_t hashMetadata(const FileInput& entry, hash_t value, const IHashFunction& function) {
+    value = function.apply(value, entry.path.native());
+    value = hashstat(entry, value, function);
+    return hashxtattr(entry, value, function);
+}
+
 hash_t hashstat(const FileInput& entry, hash_t value, const IHashFunction& function) {
     return function.apply(value, statusText(entry));
 }

@@ -8,13 +8,17 @@ namespace Nerix {
 
 struct FileInput;
 
-/// The steps that every folded entry passes through after its path. For the scanners alone.
+/// The steps that every folded entry begins with. For the scanners alone.
 namespace FileScanners {
 
 /// What the status step folds in, five lines: owner, group and link count in decimal, the permission
 /// bits ("URUWuxGRgwgxORowox" for 0644) and the special bits ("susgsb" for none), upper case for a bit
 /// that is set.
 std::string statusText(const FileInput& entry);
+
+/// All of them: a step over the path, then hashstat and hashxtattr.
+IHashFunction::hash_t hashMetadata(const FileInput& entry, IHashFunction::hash_t value,
+                                   const IHashFunction& function);
 
 /// One step over the status text.
 IHashFunction::hash_t hashstat(const FileInput& entry, IHashFunction::hash_t value,

@@ -2,25 +2,45 @@
 
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/IHashFunction.h"
 
+#include <sys/types.h>
+
 namespace Nerix {
 
 struct FileInput;
 
-/// Folds one kind of entry into a chaining value. Instances are immutable, but report to the HashWorker: one
-/// thread at a time may use them, in a run the worker's own.
+/// What a walk does with an entry. Those of a directory that is left out are the values of its record.
+enum class Judgement : IHashFunction::hash_t {
+    accepted,
+    ignored, ///< left out without a record
+    otherDevice = 0x222,
+    mountPoint = 0x444,
+};
+
+/// Folds one kind of entry into a chaining value. Instances are immutable and may be used from any thread,
+/// several at once. While a verification runs, accept and process are for the HashWorker's own thread, as they
+/// report to it; judge and examine report nothing and are what accept and process do before that.
 class IFileScanner {
 public:
+    using hash_t = IHashFunction::hash_t;
+
     virtual ~IFileScanner() = default;
 
-    /// Whether a directory walk takes this entry into its value. The root of a walk is never asked.
+    /// Whether a directory walk takes this entry into its value; a directory that it leaves out is reported. The
+    /// root of a walk is never asked.
     virtual bool accept(const FileInput& entry) const = 0;
 
-    /// The value after the entry was folded into value with the given function. Entries that are folded are
-    /// reported to the HashWorker with it. Throws GenericException or boost::filesystem::filesystem_error
-    /// when the entry cannot be read, VConfException when progress cannot be published, and what the hash
-    /// function throws. An entry that could not be read is not reported.
-    virtual IHashFunction::hash_t process(const FileInput& entry, IHashFunction::hash_t value,
-                                          const IHashFunction& function) const = 0;
+    /// The value after the entry, and everything below it, was folded into value with the given function. Entries
+    /// that are folded are reported to the HashWorker with it. Throws what examine throws, and VConfException when
+    /// progress cannot be published. An entry that could not be read is not reported.
+    virtual hash_t process(const FileInput& entry, hash_t value, const IHashFunction& function) const = 0;
+
+    /// rootDevice: st_dev of the walk's root. Opens nothing.
+    virtual Judgement judge(const FileInput& entry, dev_t rootDevice) const;
+
+    /// The value after what the entry itself has to fold: all of a file or a link; path, status and attributes of a
+    /// directory; nothing of other kinds. Throws GenericException when the entry cannot be read, and what the hash
+    /// function throws.
+    virtual hash_t examine(const FileInput& entry, hash_t value, const IHashFunction& function) const;
 
 protected:
     IFileScanner() = default;

@@ -7,24 +7,18 @@
 
 namespace Nerix::FileScanners {
 
-namespace {
-
 using hash_t = IHashFunction::hash_t;
 
-hash_t hashEntry(const FileInput& entry, hash_t value, const IHashFunction& function) {
-    value = function.apply(value, entry.path.native());
-    value = hashstat(entry, value, function);
-    value = hashxtattr(entry, value, function);
+hash_t Regular::examine(const FileInput& entry, hash_t value, const IHashFunction& function) const {
+    value = hashMetadata(entry, value, function);
     const ContentStream content(entry.path, static_cast<std::uint64_t>(entry.status.st_size));
     value = function.apply(value, content.get());
     content.throwIfReplaced();
     return value;
 }
 
-} // namespace
-
 hash_t Regular::process(const FileInput& entry, hash_t value, const IHashFunction& function) const {
-    value = hashEntry(entry, value, function);
+    value = examine(entry, value, function);
     HashWorker::getInstance().log(entry, value);
     return value;
 }

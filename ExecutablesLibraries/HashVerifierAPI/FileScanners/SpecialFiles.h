@@ -9,47 +9,32 @@ namespace Nerix::FileScanners {
 class BlockDevice final : public IFileScanner {
 public:
     bool accept(const FileInput&) const override { return false; }
-    IHashFunction::hash_t process(const FileInput&, IHashFunction::hash_t value,
-                                  const IHashFunction&) const override {
-        return value;
-    }
+    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
 };
 
 class CharDevice final : public IFileScanner {
 public:
     bool accept(const FileInput&) const override { return false; }
-    IHashFunction::hash_t process(const FileInput&, IHashFunction::hash_t value,
-                                  const IHashFunction&) const override {
-        return value;
-    }
+    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
 };
 
 class LocalPipe final : public IFileScanner {
 public:
     bool accept(const FileInput&) const override { return false; }
-    IHashFunction::hash_t process(const FileInput&, IHashFunction::hash_t value,
-                                  const IHashFunction&) const override {
-        return value;
-    }
+    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
 };
 
 class LocalSocket final : public IFileScanner {
 public:
     bool accept(const FileInput&) const override { return false; }
-    IHashFunction::hash_t process(const FileInput&, IHashFunction::hash_t value,
-                                  const IHashFunction&) const override {
-        return value;
-    }
+    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
 };
 
 /// Whatever lstat may report beside the known types.
 class Unknown final : public IFileScanner {
 public:
     bool accept(const FileInput&) const override { return false; }
-    IHashFunction::hash_t process(const FileInput&, IHashFunction::hash_t value,
-                                  const IHashFunction&) const override {
-        return value;
-    }
+    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
 };
 
 } // namespace Nerix::FileScanners

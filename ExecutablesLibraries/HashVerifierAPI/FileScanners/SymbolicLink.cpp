@@ -11,11 +11,10 @@
 
 namespace Nerix::FileScanners {
 
-namespace {
-
 using hash_t = IHashFunction::hash_t;
 
-hash_t hashTarget(const FileInput& entry, hash_t value, const IHashFunction& function) {
+hash_t SymbolicLink::examine(const FileInput& entry, hash_t value, const IHashFunction& function) const {
+    value = hashMetadata(entry, value, function);
     // The length that lstat gave counts, not the one that readlink returns. The two differ in /proc,
     // where it is often 0 or 64, and when the link was replaced meanwhile; the buffer's zeros stand for
     // what is missing.
@@ -28,17 +27,8 @@ hash_t hashTarget(const FileInput& entry, hash_t value, const IHashFunction& fun
     return function.apply(value, static_cast<unsigned int>(length), target.data());
 }
 
-hash_t hashEntry(const FileInput& entry, hash_t value, const IHashFunction& function) {
-    value = function.apply(value, entry.path.native());
-    value = hashstat(entry, value, function);
-    value = hashxtattr(entry, value, function);
-    return hashTarget(entry, value, function);
-}
-
-} // namespace
-
 hash_t SymbolicLink::process(const FileInput& entry, hash_t value, const IHashFunction& function) const {
-    value = hashEntry(entry, value, function);
+    value = examine(entry, value, function);
     HashWorker::getInstance().log(entry, value);
     return value;
 }

@@ -9,8 +9,9 @@ namespace Nerix::FileScanners {
 class SymbolicLink final : public IFileScanner {
 public:
     bool accept(const FileInput&) const override { return true; }
-    IHashFunction::hash_t process(const FileInput& entry, IHashFunction::hash_t value,
-                                  const IHashFunction& function) const override;
+    hash_t process(const FileInput& entry, hash_t value, const IHashFunction& function) const override;
+    Judgement judge(const FileInput&, dev_t) const override { return Judgement::accepted; }
+    hash_t examine(const FileInput& entry, hash_t value, const IHashFunction& function) const override;
 };
 
 } // namespace Nerix::FileScanners

@@ -15,28 +15,28 @@ const OpenSSLHash HASH_SHA1("sha1");
 const OpenSSLHash HASH_MD5("md5");
 
 const struct {
-    const char* name;
+    const char* method;
     const IHashFunction& function;
-} methods[] = {{"none", HASH_NONE}, {"trivial", HASH_BASIC}, {"sha1", HASH_SHA1}, {"md5", HASH_MD5}};
+} table[] = {{"none", HASH_NONE}, {"trivial", HASH_BASIC}, {"sha1", HASH_SHA1}, {"md5", HASH_MD5}};
 
 } // namespace
 
-const IHashFunction& getInstance(const std::string& name) {
-    for (const auto& method : methods) {
-        if (name == method.name) {
-            return method.function;
+const IHashFunction& getInstance(const std::string& hashMethod) {
+    for (const auto& row : table) {
+        if (hashMethod == row.method) {
+            return row.function;
         }
     }
     BOOST_THROW_EXCEPTION(Common::Utils::GenericException()
-                          << Common::Utils::errinfo_stream("unknown hash function: ", name));
+                          << Common::Utils::errinfo_stream("unknown hash function: ", hashMethod));
 }
 
-std::vector<std::string> names() {
-    std::vector<std::string> all;
-    for (const auto& method : methods) {
-        all.emplace_back(method.name);
+std::vector<std::string> methods() {
+    std::vector<std::string> names;
+    for (const auto& row : table) {
+        names.emplace_back(row.method);
     }
-    return all;
+    return names;
 }
 
 } // namespace Nerix::HashFunctions

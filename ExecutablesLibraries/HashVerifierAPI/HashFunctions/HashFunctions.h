@@ -9,12 +9,12 @@ class IHashFunction;
 
 namespace HashFunctions {
 
-/// The hash function called exactly so, one of names(). It lives until the process ends. Throws
-/// GenericException "unknown hash function: " + name for any other name.
-const IHashFunction& getInstance(const std::string& name);
+/// The hash function of the method called exactly hashMethod, one of methods(). It lives until the process ends.
+/// Throws GenericException "unknown hash function: " + hashMethod for any other name.
+const IHashFunction& getInstance(const std::string& hashMethod);
 
-/// The names that getInstance knows.
-std::vector<std::string> names();
+/// The names that getInstance knows, in the order in which a help text lists them.
+std::vector<std::string> methods();
 
 } // namespace HashFunctions
 

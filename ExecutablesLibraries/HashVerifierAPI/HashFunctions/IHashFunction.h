@@ -7,8 +7,8 @@
 namespace Nerix {
 
 /// Folds bytes into a chaining value: new value = f(old value, bytes). The value is the only state that goes
-/// from one step to the next. Instances are immutable, but some report to the HashWorker: one thread at a
-/// time may use them, in a run the worker's own.
+/// from one step to the next. Instances are immutable and may be used from any thread, several at once;
+/// a StepObserver hears of the digest steps of its own thread.
 class IHashFunction {
 public:
     using hash_t = std::uint64_t;

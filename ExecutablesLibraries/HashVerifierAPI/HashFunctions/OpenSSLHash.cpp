@@ -1,7 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/OpenSSLHash.h"
 
 #include "Common/IO/HashSink.h"
-#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 
 #include <array>
 
@@ -31,15 +31,15 @@ hash_t fold(const std::vector<std::uint8_t>& digest) {
 
 } // namespace
 
-OpenSSLHash::OpenSSLHash(const std::string& algorithm) : m_algorithm(algorithm) {}
+OpenSSLHash::OpenSSLHash(const std::string& digestName) : m_digestName(digestName) {}
 
 hash_t OpenSSLHash::apply(hash_t value, unsigned int length, const char* data) const {
-    Common::IO::HashSink sink(m_algorithm);
+    Common::IO::HashSink sink(m_digestName);
     const auto chain = littleEndian(value);
     sink.writeChunk(chain.data(), chain.size());
     sink.writeChunk(reinterpret_cast<const std::uint8_t*>(data), length);
     const hash_t result = fold(sink.getHash());
-    HashWorker::getInstance().log(length);
+    StepObserver::report(length);
     return result;
 }
 

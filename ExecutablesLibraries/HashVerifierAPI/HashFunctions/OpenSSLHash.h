@@ -7,20 +7,19 @@
 namespace Nerix::HashFunctions {
 
 /// A step is a complete digest of its own: the last 8 bytes, big-endian, of the digest of the old value (8
-/// bytes, little-endian) followed by the data. Each step reports its data bytes to the HashWorker.
+/// bytes, little-endian) followed by the data. Each step reports its data bytes to the thread's StepObserver.
 class OpenSSLHash final : public HashFunctionBase {
 public:
-    /// algorithm: the digest's name in the crypto library, looked up when a step is taken.
-    explicit OpenSSLHash(const std::string& algorithm);
+    /// digestName: as the crypto library names it; looked up when a step is taken.
+    explicit OpenSSLHash(const std::string& digestName);
 
     using HashFunctionBase::apply;
 
-    /// Asserts that the crypto set-up is in the singletons register. Throws what HashSink throws, and
-    /// VConfException when the HashWorker cannot publish progress.
+    /// Asserts that the crypto set-up is in the singletons register. Throws what HashSink and the observer throw.
     hash_t apply(hash_t value, unsigned int length, const char* data) const override;
 
 private:
-    std::string m_algorithm;
+    std::string m_digestName;
 };
 
 } // namespace Nerix::HashFunctions

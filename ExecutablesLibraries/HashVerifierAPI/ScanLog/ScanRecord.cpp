@@ -24,15 +24,11 @@ std::string scanRecord(std::uint64_t value, const std::string& path) {
     record.reserve(16 + path.size() + 3);
     appendHexadecimal16(record, value);
     record += " \"";
-    if (path.find('"') == std::string::npos && path.find('&') == std::string::npos) {
-        record += path;
-    } else {
-        for (const char character : path) {
-            if (character == '"' || character == '&') {
-                record += '&';
-            }
-            record += character;
+    for (const char character : path) {
+        if (character == '"' || character == '&') {
+            record += '&';
         }
+        record += character;
     }
     record += '"';
     return record;

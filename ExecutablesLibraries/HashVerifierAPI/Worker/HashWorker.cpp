@@ -7,6 +7,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
@@ -43,6 +44,16 @@ void throwIfProcessEnds() {
     }
 }
 
+/// The steps of the worker's thread are the run's progress.
+class StepsOfRun final : public HashFunctions::StepObserver {
+public:
+    explicit StepsOfRun(HashWorker& worker) : m_worker(worker) {}
+    void onStep(unsigned long long bytes) override { m_worker.log(bytes); }
+
+private:
+    HashWorker& m_worker;
+};
+
 /// For handlers on the worker's thread, which must not end the process.
 void logCurrentException(LoggingClass::Level level, const char* what) noexcept {
     try {
@@ -76,7 +87,7 @@ HashWorker::~HashWorker() {
     shutdown();
 }
 
-HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName) {
+HashWorker& HashWorker::start(const FileInput& root, const std::string& hashMethod) {
     if (boost::atomic_load(&m_thread)) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("verification is already started"));
     }
@@ -91,7 +102,7 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
                                                      Common::Utils::get_string_from_errno(error)));
     }
     m_root = root;
-    m_hashName = hashName;
+    m_hashMethod = hashMethod;
     m_blockSize = static_cast<std::uint32_t>(statistics.f_bsize);
     m_totalBytes = (std::uint64_t{statistics.f_blocks} - statistics.f_bfree) * statistics.f_bsize;
     m_processedBytes = 0;
@@ -185,7 +196,8 @@ HashWorker& HashWorker::execute() {
 
 void HashWorker::scan() {
     const IFileScanner& scanner = FileScanners::getInstance(m_root);
-    const IHashFunction& function = HashFunctions::getInstance(m_hashName);
+    const IHashFunction& function = HashFunctions::getInstance(m_hashMethod);
+    const StepsOfRun observer(*this);
     shutdown(scanner.process(m_root, 0, function));
 }
 

@@ -54,7 +54,7 @@ public:
     /// ProductUninitializedException before IProductInfo::initializeProduct, boost::thread_resource_error
     /// when no thread can be created. Waits for a former worker's last setting first, and throws
     /// boost::thread_interrupted when interrupted there.
-    HashWorker& start(const FileInput& root, const std::string& hashName);
+    HashWorker& start(const FileInput& root, const std::string& hashMethod);
 
     /// Blocks until the last run has written its last setting and its thread has ended; at once when there is
     /// none. Throws boost::thread_resource_error on the worker's own thread; an interruption of the calling
@@ -71,7 +71,7 @@ public:
     /// The root entry of the current verification; "/" before the first.
     const FileInput& getRoot() const { return m_root; }
 
-    /// Hash functions report the bytes of each step; this moves progress inside a long file. Throws
+    /// The digest steps of the worker's thread report their bytes; this moves progress inside a long file. Throws
     /// VConfException when progress cannot be published, GenericException when a signal ends the process (see
     /// TerminationSignals.h).
     void log(unsigned long long bytes);
@@ -105,7 +105,7 @@ private:
 
     std::fstream m_logFile; ///< open while records go to a drive, closed while they go to the system log
     FileInput m_root;
-    std::string m_hashName;
+    std::string m_hashMethod;
     std::uint32_t m_blockSize = 0;
     std::atomic<std::uint64_t> m_totalBytes{0};    ///< estimate of the work: bytes in use on the file system
     std::atomic<std::uint64_t> m_reportedBytes{0}; ///< work done when progress was last published

@@ -14,7 +14,7 @@
 namespace Nerix::Tests {
 namespace {
 
-using namespace Common::Utils; // NOLINT(google-build-using-namespace)
+using namespace Common::Utils; // NOLINT(google-build-using-namespace): its names fill this test
 
 void throughFrame(const char* name, const std::function<void()>& inner) {
     try {

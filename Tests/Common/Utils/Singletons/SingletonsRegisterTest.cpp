@@ -9,7 +9,7 @@
 namespace Nerix::Tests {
 namespace {
 
-using namespace Common::Utils; // NOLINT(google-build-using-namespace)
+using namespace Common::Utils; // NOLINT(google-build-using-namespace): its names fill this test
 
 std::vector<std::string> lifeEvents;
 
