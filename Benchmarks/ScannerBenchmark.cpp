@@ -15,7 +15,7 @@ namespace {
 
 FileInput makeFile(std::int64_t attributes) {
     const boost::filesystem::path path = scratch() / ("file with attributes " + std::to_string(attributes));
-    const boost::filesystem::ofstream made(path);
+    const boost::filesystem::ofstream created(path);
     for (std::int64_t i = 0; i < attributes; ++i) {
         ::setxattr(path.c_str(), ("trusted.attribute" + std::to_string(i)).c_str(), "value", 5, 0);
     }

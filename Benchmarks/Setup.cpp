@@ -32,8 +32,8 @@ public:
 };
 
 const Scratch& instance() {
-    static const Scratch made;
-    return made;
+    static const Scratch directory;
+    return directory;
 }
 
 } // namespace

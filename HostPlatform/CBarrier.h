@@ -4,8 +4,8 @@
 
 namespace Nerix::Platform::Host {
 
-/// Runs a step of a C function and gives its code: C callers cannot take exceptions. Out of memory, the only
-/// one that gets here, is ENOMEM.
+/// Runs the body of a C function and returns its code. Exceptions must not reach C callers: std::bad_alloc,
+/// the only one that gets here, becomes ENOMEM.
 template <class Step>
 int withoutExceptions(Step step) noexcept {
     try {

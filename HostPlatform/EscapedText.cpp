@@ -1,6 +1,7 @@
 #include "HostPlatform/EscapedText.h"
 
 #include <cstdio>
+#include <string_view>
 
 namespace Nerix::Platform::Host {
 
@@ -19,6 +20,8 @@ bool isC1(unsigned char byte) {
 } // namespace
 
 std::string escaped(const std::string& text) {
+    constexpr std::string_view named = "\\\n\r\t";
+    constexpr std::string_view letters = "\\nrt";
     std::string result;
     result.reserve(text.size());
     unsigned char before = 0;
@@ -28,14 +31,8 @@ std::string escaped(const std::string& text) {
             result.pop_back();
             appendHexadecimal(result, before);
             appendHexadecimal(result, byte);
-        } else if (character == '\\') {
-            result += "\\\\";
-        } else if (character == '\n') {
-            result += "\\n";
-        } else if (character == '\r') {
-            result += "\\r";
-        } else if (character == '\t') {
-            result += "\\t";
+        } else if (const std::size_t place = named.find(character); place != std::string_view::npos) {
+            (result += '\\') += letters[place];
         } else if (byte < 0x20 || byte == 0x7F || (isC1(byte) && before < 0x80)) {
             appendHexadecimal(result, byte);
         } else {

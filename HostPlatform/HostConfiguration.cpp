@@ -80,7 +80,7 @@ void HostConfiguration::read() {
         std::filesystem::symlink_status(m_file, error).type() == std::filesystem::file_type::not_found) {
         return;
     }
-    // Looked at before it is opened: a pipe of that name would wait for its writer for ever.
+    // Checked before it is opened: a FIFO of that name would wait for a writer.
     std::stringstream content;
     if (!std::filesystem::is_regular_file(m_file, error)) {
         m_fault = m_file.string() + ": " + (error ? error.message() : "is not a regular file");

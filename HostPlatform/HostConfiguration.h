@@ -16,9 +16,9 @@ namespace Nerix::Platform::Host {
 ///     [path]
 ///     43 = /run/media
 ///
-/// A key that is given but cannot be used is a failure, never a silent default: when the file cannot be read
-/// or is malformed or larger than 1 MiB, that goes for every key. Each failure is one line in the system log,
-/// naming file, section and key. Immutable; any thread may ask.
+/// A key whose answer cannot be used is a failure, never a silent default; every key is when the file cannot
+/// be read, is malformed or is larger than 1 MiB. Each failure is one line in the system log, naming file,
+/// section and key. Immutable; any thread may ask.
 class HostConfiguration {
 public:
     /// The configuration of this process, read when first asked for.
@@ -27,8 +27,8 @@ public:
     /// A file that does not exist overrides nothing.
     explicit HostConfiguration(std::filesystem::path file);
 
-    /// section is "system_info" or "path". Nothing for a key that nobody answers, for an answer that is empty
-    /// or of another type, and for every key when the file cannot be used.
+    /// section is "system_info" or "path". Nothing for a key without an answer, an answer that is empty or of
+    /// another type, and any key when the file cannot be used.
     std::optional<std::string> text(const std::string& section, int key) const;
     std::optional<int> integer(const std::string& section, int key) const;
     std::optional<bool> boolean(const std::string& section, int key) const;

@@ -8,11 +8,11 @@
 ///     volatile   $NERIX_PLATFORM_HOME, else $XDG_RUNTIME_DIR/nerix, else /dev/shm/nerix-<uid>
 ///
 /// Empty variables count as unset, and so do relative ones, NERIX_PLATFORM_HOME aside; ~ is $HOME, else the
-/// user's entry in the password database. A program that runs with other rights than its caller's looks at
-/// no variable. All functions make the directory, see OwnDirectory.h, and throw std::system_error naming it
-/// when it cannot be made or could be touched by others, or when there is no home. In place of one in
-/// /dev/shm, where others may have come first, the durable one is taken then, with a line in the system log.
-/// Any thread may call.
+/// user's entry in the password database. A setuid or setgid program ignores all variables. All functions
+/// create the directory, see OwnDirectory.h, and throw std::system_error naming it when it cannot be
+/// created or others could touch it, or when there is no home. Where that happens to the one in /dev/shm,
+/// which another user may have made first, the durable one is used, with a line in the system log. Any
+/// thread may call.
 namespace Nerix::Platform::Host {
 
 std::filesystem::path durableDirectory();

@@ -38,8 +38,8 @@ struct stat existingOrCreated(const fs::path& path) {
     return examined(path);
 }
 
-/// This user, and the system, who could do anything anyway: root, also as root shows in a user name space
-/// that does not know it.
+/// This user, and root, who could do anything anyway. In a user name space without root, its owner of /proc
+/// stands for root.
 bool isTrusted(uid_t owner) {
     struct stat system {};
     return owner == ::geteuid() || owner == 0 || (::lstat("/proc", &system) == 0 && owner == system.st_uid);

@@ -4,13 +4,12 @@
 
 namespace Nerix::Platform::Host {
 
-/// Makes directory, and what is missing on the way to it, with mode 0700, and gives its path without links.
+/// Creates the directory and its missing parents with mode 0700, and returns its path without links.
 ///
-/// Throws std::system_error when it cannot be made, does not belong to this user or may be written by its
-/// group or others, and when somebody else could put another one in its place: on the way there are only
-/// directories and links of this user and of the system, and a directory that everybody may write is sticky,
-/// as /tmp is. In a user name space that does not know root, whoever else it does not know counts as the
-/// system, too: they look the same. Any thread may call.
+/// Throws std::system_error when it cannot be created, belongs to another user, may be written by its group
+/// or others, or could be replaced by somebody else: every directory and link on the way must belong to this
+/// user or to root, and one that everybody may write must be sticky, as /tmp is. In a user name space without
+/// root, all unmapped owners count as root: they look the same. Any thread may call.
 std::filesystem::path ownDirectory(const std::filesystem::path& directory);
 
 } // namespace Nerix::Platform::Host

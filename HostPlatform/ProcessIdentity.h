@@ -2,16 +2,15 @@
 
 #include <string>
 
-/// Which process wrote something, so that whoever reads it later can tell whether that process is
-/// still there.
+/// Names the process that wrote something, so that a reader can tell whether it still runs.
 namespace Nerix::Platform::Host::ProcessIdentity {
 
-/// Of this process: the machine's boot, the name space of process ids, the id and the time of its start, in
-/// one line; empty when /proc does not tell.
+/// This process: the machine's boot, the process-id name space, the id and its start time, in one line; empty
+/// when /proc does not tell.
 std::string own();
 
-/// Whether that process has certainly ended. False, too, for one that cannot be seen from here, such as one
-/// of another container.
+/// Whether that process has certainly ended. False also for one that cannot be seen from here, such as
+/// another container's.
 bool isGone(const std::string& identity);
 
 } // namespace Nerix::Platform::Host::ProcessIdentity

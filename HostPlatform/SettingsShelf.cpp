@@ -16,7 +16,7 @@ namespace Nerix::Platform::Host {
 
 namespace {
 
-/// A code of LMDB, which may also be an errno.
+/// LMDB's code, or an errno.
 struct LmdbFailure {
     int code;
 };
@@ -33,17 +33,17 @@ std::string layout() {
     return order + std::to_string(sizeof(void*) * CHAR_BIT);
 }
 
-/// Gives LMDB's lock file its blocks. LMDB maps it before it has any, and on a full disk the first use of the
-/// map would end the process by SIGBUS. 0, or an errno.
+/// Allocates the blocks of LMDB's lock file, which LMDB maps sparse: on a full disk the first access would
+/// raise SIGBUS. Returns 0 or an errno.
 int reserveLockFile(const std::string& store) {
-    constexpr off_t size = 8192; // what LMDB makes it for the 126 readers that it has room for
+    constexpr off_t size = 8192; // LMDB's own size, for 126 readers
     const int file = ::open((store + "-lock").c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
     if (file == -1) {
         return errno;
     }
     struct stat status {};
     int code = ::fstat(file, &status) == 0 ? 0 : errno;
-    // A file of this size has its blocks, unless it is somebody's copy with holes.
+    // A file of this size has its blocks, unless somebody made a sparse copy.
     if (code == 0 && status.st_size < size) {
         code = ::posix_fallocate(file, 0, size);
     }
@@ -51,8 +51,7 @@ int reserveLockFile(const std::string& store) {
     return code;
 }
 
-/// Whether the file holds all pages that the store counts: reading one that was cut off would end the process
-/// by SIGBUS.
+/// Whether the file holds all pages that the store counts: reading beyond its end would raise SIGBUS.
 bool isWhole(MDB_env* environment) {
     MDB_envinfo info{};
     MDB_stat pages{};
@@ -70,30 +69,21 @@ bool isDamage(int code) {
     return code == MDB_CORRUPTED || code == MDB_INVALID || code == MDB_PAGE_NOTFOUND;
 }
 
-/// Ends with the scope unless committed.
-class Transaction {
-public:
-    Transaction(MDB_env* environment, unsigned int flags) {
-        require(mdb_txn_begin(environment, nullptr, flags, &m_transaction));
-    }
-    ~Transaction() {
-        if (m_transaction != nullptr) {
-            mdb_txn_abort(m_transaction);
-        }
-    }
-    Transaction(const Transaction&) = delete;
-    Transaction& operator=(const Transaction&) = delete;
-
-    MDB_txn* get() const { return m_transaction; }
-
-    void commit() {
-        // Gone also when the commit fails.
-        require(mdb_txn_commit(std::exchange(m_transaction, nullptr)));
-    }
-
-private:
-    MDB_txn* m_transaction = nullptr;
+struct TransactionAborter {
+    void operator()(MDB_txn* transaction) const { mdb_txn_abort(transaction); }
 };
+/// Aborted with the scope unless committed.
+using Transaction = std::unique_ptr<MDB_txn, TransactionAborter>;
+
+Transaction begin(MDB_env* environment, unsigned int flags) {
+    MDB_txn* transaction = nullptr;
+    require(mdb_txn_begin(environment, nullptr, flags, &transaction));
+    return Transaction(transaction);
+}
+
+void commit(Transaction transaction) {
+    require(mdb_txn_commit(transaction.release())); // freed even when this fails
+}
 
 struct CursorCloser {
     void operator()(MDB_cursor* cursor) const { mdb_cursor_close(cursor); }
@@ -133,13 +123,13 @@ void SettingsShelf::open() {
     if (!isWhole(environment.get())) {
         throw LmdbFailure{MDB_CORRUPTED};
     }
-    // Processes that were killed while reading would otherwise hold on to old pages for ever.
+    // Readers that were killed would otherwise pin old pages for ever.
     int deadReaders = 0;
     mdb_reader_check(environment.get(), &deadReaders);
-    // For reading, which waits for nobody; the table is there from the beginning.
-    Transaction transaction(environment.get(), MDB_RDONLY);
+    // Read-only, which waits for no writer; the main table always exists.
+    Transaction transaction = begin(environment.get(), MDB_RDONLY);
     require(mdb_dbi_open(transaction.get(), nullptr, 0, &m_table));
-    transaction.commit();
+    commit(std::move(transaction));
     m_environment = std::move(environment);
 }
 
@@ -157,7 +147,7 @@ auto SettingsShelf::attempt(const std::string& what, Step step) {
 
 void SettingsShelf::fail(const std::string& what, int code, const std::string& reason) {
     if (code != MDB_BAD_VALSIZE) {
-        // After a failed write LMDB may refuse everything until the environment is opened anew.
+        // After a failed write LMDB may refuse everything until the environment is reopened.
         m_environment.reset();
     }
     std::string text = "settings store " + m_place + ": cannot " + what + ": " + reason;
@@ -174,7 +164,7 @@ std::optional<std::string> SettingsShelf::get(std::string_view key) {
             key.size() > static_cast<std::size_t>(mdb_env_get_maxkeysize(m_environment.get()))) {
             throw LmdbFailure{MDB_BAD_VALSIZE};
         }
-        const Transaction transaction(m_environment.get(), MDB_RDONLY);
+        const Transaction transaction = begin(m_environment.get(), MDB_RDONLY);
         MDB_val name = toValue(key);
         MDB_val value{};
         const int code = mdb_get(transaction.get(), m_table, &name, &value);
@@ -188,17 +178,17 @@ std::optional<std::string> SettingsShelf::get(std::string_view key) {
 
 void SettingsShelf::put(std::string_view key, std::string_view bytes) {
     attempt("write" + quoted(key), [&] {
-        Transaction transaction(m_environment.get(), 0);
+        Transaction transaction = begin(m_environment.get(), 0);
         MDB_val name = toValue(key);
         MDB_val value = toValue(bytes);
         require(mdb_put(transaction.get(), m_table, &name, &value, 0));
-        transaction.commit();
+        commit(std::move(transaction));
     });
 }
 
 void SettingsShelf::each(const std::function<void(std::string_view key, std::string_view bytes)>& visit) {
     attempt("list its settings", [&] {
-        const Transaction transaction(m_environment.get(), MDB_RDONLY);
+        const Transaction transaction = begin(m_environment.get(), MDB_RDONLY);
         MDB_cursor* created = nullptr;
         require(mdb_cursor_open(transaction.get(), m_table, &created));
         const std::unique_ptr<MDB_cursor, CursorCloser> cursor(created);

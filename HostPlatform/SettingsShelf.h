@@ -21,11 +21,11 @@ public:
 /// One LMDB environment in a file of its own: bytes under keys of 1 to 511 bytes. Opened on first use, and
 /// again after a failure. One thread at a time may use it.
 ///
-/// All functions throw ShelfFailure, which is in the system log by then.
+/// All functions log a failure and throw it as ShelfFailure.
 class SettingsShelf {
 public:
-    /// name: of the file, without its ending; the machine's layout is added, as LMDB's files are in it. What
-    /// is not synced is lost with the machine's power, not with the process.
+    /// name: the file's, without its suffix; word size and byte order are added, as LMDB's files depend on
+    /// them. An unsynced shelf survives its process, but not a power failure.
     SettingsShelf(const std::string& name, std::filesystem::path (*directory)(), bool isSynced);
 
     /// What is stored under the key; nothing when it is missing. Waits for no writer.
@@ -33,7 +33,7 @@ public:
 
     void put(std::string_view key, std::string_view bytes);
 
-    /// Hands over everything, in the order of the keys. The texts live during the call.
+    /// Visits everything in key order. The views are valid during the visit.
     void each(const std::function<void(std::string_view key, std::string_view bytes)>& visit);
 
 private:

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view volatilePrefix = "memory/";
 
-/// What is stored: the type, the writer's identity up to a zero byte, and the value's bytes.
+/// What is stored: the type's letter, the writer's identity, a zero byte, the value's bytes.
 std::string packed(SettingType type, std::string_view bytes) {
     static const std::string writer = ProcessIdentity::own();
     std::string record;
@@ -23,7 +23,7 @@ std::string packed(SettingType type, std::string_view bytes) {
     return record;
 }
 
-/// Nothing for what is none of ours.
+/// Nothing for a record that is none of ours.
 std::optional<Setting> unpacked(std::string_view key, std::string_view stored) {
     const std::size_t end = stored.find('\0');
     if (end == std::string_view::npos || end == 0) {

@@ -31,17 +31,16 @@ enum class SettingsResult {
 ///
 /// Keys under "memory/" are kept in a file that is never synced to disk, all others in a durable one. A
 /// process killed at any instant leaves both readable and writable, with either the old or the new value of
-/// the key that it was writing. Each value carries the identity of the process that wrote it. The files are
-/// in the machine's own layout: processes of another word size or byte order have files of their own. Reading
-/// waits for no writer. A call that does not succeed changes nothing. Keys have 1 to 511 bytes; others fail.
-/// Throws only when out of memory. Any thread may call.
+/// the key that it was writing. Each value carries the identity of the process that wrote it. Processes of
+/// another word size or byte order have files of their own. Reading waits for no writer. A call that does not
+/// succeed changes nothing. Keys have 1 to 511 bytes; others fail. Only std::bad_alloc is thrown. Any thread
+/// may call.
 class SettingsStore {
 public:
-    static SettingsStore& instance(); ///< lives until the process is gone
+    static SettingsStore& instance(); ///< never destroyed
 
     SettingsResult read(std::string_view key, SettingType type, std::string& bytes);
-    SettingsResult write(std::string_view key, SettingType type,
-                         std::string_view bytes); ///< whatever type it held
+    SettingsResult write(std::string_view key, SettingType type, std::string_view bytes); ///< of any type
 
     /// The setting of this key, whatever its type.
     SettingsResult find(std::string_view key, Setting& setting);
@@ -49,7 +48,7 @@ public:
     /// All settings, in the byte order of their keys.
     SettingsResult list(std::vector<Setting>& settings);
 
-    /// What was tried on which file and why it failed, at the last call of any thread that did.
+    /// The last failure, of any thread: what was tried on which file, and why it failed.
     std::string lastFailure() const;
 
 private:

@@ -24,14 +24,14 @@ public:
     static SystemLog& instance();
 
     /// buffer and priority are those of PlatformInterfaces/dlog.h; any buffer but DLOG_BUFFER_MAIN counts as
-    /// the system buffer. False when the record could not be written. The first such failure is told on
+    /// the system buffer. False when the record could not be written; the first such failure is reported on
     /// standard error.
     bool write(int buffer, int priority, const char* tag, const std::string& text);
 
 private:
     SystemLog();
 
-    std::shared_ptr<spdlog::logger> m_main; ///< null when it could not be opened, as below
+    std::shared_ptr<spdlog::logger> m_main; ///< null when it could not be opened
     std::shared_ptr<spdlog::logger> m_system;
 };
 

@@ -40,11 +40,9 @@ int ask(Question question, Value* value) {
 int system_info_get_value_string(int key, char** value) {
     return ask([&](const HostConfiguration& host) { return host.text(section, key); }, value);
 }
-
 int system_info_get_value_int(int key, int* value) {
     return ask([&](const HostConfiguration& host) { return host.integer(section, key); }, value);
 }
-
 int system_info_get_value_bool(int key, bool* value) {
     return ask([&](const HostConfiguration& host) { return host.boolean(section, key); }, value);
 }

@@ -59,23 +59,18 @@ int writeNumber(const char* key, SettingType type, Value value) {
 int vconf_get_int(const char* key, int* value) {
     return readNumber(key, SettingType::Integer, value);
 }
-
 int vconf_set_int(const char* key, int value) {
     return writeNumber(key, SettingType::Integer, value);
 }
-
 int vconf_get_dbl(const char* key, double* value) {
     return readNumber(key, SettingType::Double, value);
 }
-
 int vconf_set_dbl(const char* key, double value) {
     return writeNumber(key, SettingType::Double, value);
 }
-
 int vconf_get_bool(const char* key, int* value) {
     return readNumber(key, SettingType::Boolean, value);
 }
-
 int vconf_set_bool(const char* key, int value) {
     return writeNumber(key, SettingType::Boolean, value);
 }

@@ -13,7 +13,7 @@ namespace Nerix::Common::Debug {
 
 namespace {
 
-/// Whether it is the main thread, which keeps its name; says so in the log.
+/// Whether thread is the main one, which keeps its name; logs that it does.
 bool isMainThread(boost::thread::id thread, boost::thread::id mainThread, const char* name) {
     if (thread != mainThread || thread == boost::thread::id()) {
         return false;
@@ -56,7 +56,7 @@ void ThreadDebug::SetThreadName(boost::thread& thread, const char* name) {
         return;
     }
     const std::string sanitized = sanitizeThreadName(name);
-    const bool isThread = thread.get_id() != boost::thread::id(); // and not one that was joined or detached
+    const bool isThread = thread.get_id() != boost::thread::id(); // not one that was joined or detached
     if (!isThread || ::pthread_setname_np(thread.native_handle(), sanitized.c_str()) != 0) {
         NERIX_LOG(ERR, "pthread_setname_np Failed to give the name to thread: %s", sanitized.c_str());
         return;

@@ -6,11 +6,11 @@
 
 namespace Nerix::Common::Debug {
 
-/// Kernel-visible names of threads, as they show in every log record and in the system's tools, and which
-/// thread is the main one. The main thread is never renamed here. Failures are logged and otherwise ignored.
+/// The kernel's names of threads, as log records and system tools show them, and which thread is the main
+/// one. The main thread is never renamed here. Failures are logged and otherwise ignored.
 class ThreadDebug {
 public:
-    /// Remembers the main thread. Asserts that it is called once; to be called before other threads exist.
+    /// Remembers the main thread. Call it before other threads exist; asserts that it is called once.
     static void registerMainThreadId(boost::thread::id id);
 
     /// The calling thread's kernel name, at most 15 characters; empty when the kernel does not tell.

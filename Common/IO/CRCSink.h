@@ -12,8 +12,8 @@
 
 namespace Nerix::Common::IO {
 
-/// Computes a checksum of the data pushed into it. Its state can be stored in a transaction and taken up
-/// again. CRC is an engine of Boost.CRC with reflected 32-bit remainders.
+/// Computes a checksum of the data pushed into it. A transaction can store its state and restore it. CRC is
+/// an engine of Boost.CRC with reflected 32-bit remainders.
 template <class CRC>
 class CRCSink : public ISink, public ITransactionalEntity, public Utils::IDebugName {
 public:

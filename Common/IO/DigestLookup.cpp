@@ -19,21 +19,21 @@ struct FetchedDigests {
 
 } // namespace
 
-const EVP_MD* lookUpDigest(const std::string& name) {
+const EVP_MD* lookUpDigest(const std::string& digestName) {
     // Never destroyed: a thread may still be hashing while static objects go.
     static FetchedDigests& fetched = *new FetchedDigests();
     const std::lock_guard<std::mutex> lock(fetched.mutex);
-    const auto known = fetched.byName.find(name);
+    const auto known = fetched.byName.find(digestName);
     if (known != fetched.byName.end()) {
         return known->second.get();
     }
-    // By name first: that knows more spellings than a fetch, and not the digest "null".
-    const EVP_MD* const named = EVP_get_digestbyname(name.c_str());
+    // By name first: that knows more spellings than a fetch does, and not the digest "null".
+    const EVP_MD* const named = EVP_get_digestbyname(digestName.c_str());
     if (named == nullptr) {
         return nullptr;
     }
     std::unique_ptr<EVP_MD, DigestDeleter> digest(EVP_MD_fetch(nullptr, EVP_MD_get0_name(named), nullptr));
-    return digest ? fetched.byName.emplace(name, std::move(digest)).first->second.get() : nullptr;
+    return digest ? fetched.byName.emplace(digestName, std::move(digest)).first->second.get() : nullptr;
 }
 
 } // namespace Nerix::Common::IO

@@ -28,8 +28,8 @@ HashSink::HashSink(const std::string& digestName)
     m_context = OpenSSLCompat::makeDigestContext();
     const EVP_MD* const digest = lookUpDigest(m_digestName);
     if (digest == nullptr) {
-        EVP_MD_CTX_reset(
-            m_context.get()); // without a digest the library would start the context's last one again
+        // Without a digest the library would start the context's last one again.
+        EVP_MD_CTX_reset(m_context.get());
     }
     if (!m_context || EVP_DigestInit_ex(m_context.get(), digest, nullptr) != 1) {
         m_context.reset();

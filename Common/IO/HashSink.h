@@ -15,24 +15,24 @@
 namespace Nerix::Common::IO {
 
 /// Computes one message digest of the data pushed into it, with the crypto library. Needs the set-up of
-/// OpenSSLInit in the singletons register for all of its life, and is one of its users: asserts that it is
-/// there. Destroy it before its thread exits.
+/// OpenSSLInit in the singletons register for its whole life, and asserts that it is there. Destroy it on the
+/// thread that made it, before that thread exits.
 class HashSink final : public ISink, public boost::noncopyable, public Utils::IDebugName {
 public:
-    /// Ready to receive data for the digest called digestName, as the crypto library names it ("md5", "sha1",
-    /// ...). Throws OpenSSLException when the library does not know the name or refuses to start.
+    /// digestName: as the crypto library names it ("md5", "sha1", ...). Throws OpenSSLException when the
+    /// library does not know the name or refuses to start.
     explicit HashSink(const std::string& digestName);
 
-    /// Throws OpenSSLException when the library refuses; see ISink for the rest, also below.
+    /// Throws OpenSSLException when the library refuses, and what ISink says.
     void writeChunk(const std::uint8_t* data, std::size_t length) override;
 
-    /// Throws OpenSSLException when the library refuses; the end counts as marked all the same.
+    /// Throws the same; the end then counts as marked all the same.
     void markEndOfData() override;
     bool endOfDataMarked() override { return m_endOfData; }
 
-    /// The digest: 16 bytes for md5, 20 for sha1; it lives as long as the sink. Marks the end of the data if
-    /// that has not happened, and throws like markEndOfData; after such a failure further calls give zeros,
-    /// which are no digest.
+    /// The digest, 16 bytes for md5, 20 for sha1, owned by the sink. Marks the end of the data first if
+    /// nobody has, and throws like markEndOfData. After such a failure further calls return zeros, which are
+    /// no digest.
     const std::vector<std::uint8_t>& getHash();
 
     /// "HashSink(" + name + ")".

@@ -24,11 +24,6 @@ public:
     /// What every sink calls first in writeChunk and markEndOfData: throws EndOfDataMarkedException, which
     /// carries the sink as its subject, when the end is marked.
     void throwIfEndOfDataMarked();
-
-protected:
-    ISink() = default;
-    ISink(const ISink&) = default;
-    ISink& operator=(const ISink&) = default;
 };
 
 } // namespace Nerix::Common::IO

@@ -34,8 +34,8 @@ ThreadIdCallback getThreadIdCallback();
 /// later calls change nothing.
 void useStandardAllocation();
 
-/// Gives a context back for the calling thread's next digest: making one costs about as much as hashing a
-/// short text. Destroy it before its thread exits: the deleter writes a thread_local.
+/// Keeps the context for the calling thread's next digest: making one costs about as much as hashing a short
+/// text. Destroy it before its thread exits: the deleter writes a thread_local.
 struct DigestContextRecycler {
     void operator()(EVP_MD_CTX* context) const;
 };

@@ -6,7 +6,7 @@ namespace Nerix::Common::IO {
 
 class ITransaction;
 
-/// A byte stream with a 64-bit position that a state is stored into, or restored from.
+/// A byte stream with a 64-bit position, which a state is stored into or restored from.
 class ISerializer {
 public:
     virtual ~ISerializer() = default;
@@ -21,11 +21,6 @@ public:
         m_position += length;
     }
 
-protected:
-    ISerializer() = default;
-    ISerializer(const ISerializer&) = default;
-    ISerializer& operator=(const ISerializer&) = default;
-
     virtual void transfer(std::uint64_t position, std::uint8_t* data, unsigned int length) = 0;
 
 private:
@@ -39,15 +34,9 @@ public:
 
     /// Owned by the transaction.
     virtual ISerializer& serializer() = 0;
-
-protected:
-    IStoreTransaction() = default;
-    IStoreTransaction(const IStoreTransaction&) = default;
-    IStoreTransaction& operator=(const IStoreTransaction&) = default;
 };
 
-/// An object whose state takes part in a storage transaction, so that work can be taken up after
-/// an interruption.
+/// An object whose state a storage transaction saves, so that interrupted work can resume.
 class ITransactionalEntity {
 public:
     virtual ~ITransactionalEntity() = default;
@@ -57,11 +46,6 @@ public:
 
     /// Stores or restores the state through the transaction's serializer.
     virtual void transactionSerialize(IStoreTransaction* transaction) = 0;
-
-protected:
-    ITransactionalEntity() = default;
-    ITransactionalEntity(const ITransactionalEntity&) = default;
-    ITransactionalEntity& operator=(const ITransactionalEntity&) = default;
 };
 
 } // namespace Nerix::Common::IO

@@ -8,7 +8,7 @@
 ///     NERIX_LOG(WRN, "Can't write to USB drive '%s'... using DLOG.", usb.c_str());
 ///     NERIX_LOG_STREAM(INF) << "Rethrowing unknown exception: " << text;
 ///
-/// The printf form needs at least one argument and a literal format; a plain text takes the stream form.
+/// The printf form needs at least one argument and a literal format; for plain text use the stream form.
 
 #define NERIX_LOG_TAG "org.corvan.tv.nerix.NERIX"
 

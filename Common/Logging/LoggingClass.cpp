@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::size_t threadFieldSize = 64;
 
-/// vsnprintf whose result tells only whether the whole, non-empty text fitted.
+/// Whether the text fitted whole and is not empty.
 bool formatInto(char* buffer, std::size_t size, const char* format, std::va_list arguments)
     __attribute__((format(printf, 3, 0)));
 
@@ -29,31 +29,33 @@ bool formatInto(char* buffer, std::size_t size, const char* format, std::va_list
     return length > 0 && static_cast<std::size_t>(length) < size;
 }
 
-struct RecordLayout {
+struct LevelLayout {
+    LoggingClass::Level level;
+    const char* name;
     DlogBuffer buffer;
     DlogPriority priority;
     const char* format; ///< takes process name, thread field, record number (%u) and text
 };
 
-RecordLayout layoutOf(LoggingClass::Level level) {
-    switch (level) {
-    case LoggingClass::VERBOSE:
-        return {DLOG_BUFFER_MAIN, DLOG_PRIORITY_VERBOSE, "[%s][%s][%u][VERBOSE] %s"};
-    case LoggingClass::DBG:
-        return {DLOG_BUFFER_MAIN, DLOG_PRIORITY_DEBUG, "[%s][%s][%u][DBG] %s"};
-    case LoggingClass::INF:
-        return {DLOG_BUFFER_MAIN, DLOG_PRIORITY_INFO, "[%s][%s][%u][INF] %s"};
-    case LoggingClass::WRN:
-        return {DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "[%s][%s][%u][WRN] %s"};
-    case LoggingClass::ERR:
-        // Warning, not error: error is how a level that is none of ours shows.
-        return {DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_WARNING, "[%s][%s][%u][ERR] %s"};
-    case LoggingClass::FTL:
-        return {DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_FATAL, "[%s][%s][%u][FTL] %s"};
-    case LoggingClass::NONE:
-        break;
+constexpr LevelLayout layouts[] = {
+    {LoggingClass::VERBOSE, "VERBOSE", DLOG_BUFFER_MAIN, DLOG_PRIORITY_VERBOSE, "[%s][%s][%u][VERBOSE] %s"},
+    {LoggingClass::DBG, "DBG", DLOG_BUFFER_MAIN, DLOG_PRIORITY_DEBUG, "[%s][%s][%u][DBG] %s"},
+    {LoggingClass::INF, "INF", DLOG_BUFFER_MAIN, DLOG_PRIORITY_INFO, "[%s][%s][%u][INF] %s"},
+    {LoggingClass::WRN, "WRN", DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "[%s][%s][%u][WRN] %s"},
+    // Warning, not error: that priority marks a level that is none of ours.
+    {LoggingClass::ERR, "ERR", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_WARNING, "[%s][%s][%u][ERR] %s"},
+    {LoggingClass::FTL, "FTL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_FATAL, "[%s][%s][%u][FTL] %s"},
+};
+constexpr LevelLayout otherLayout = {LoggingClass::NONE, "UNKNOWN LEVEL", DLOG_BUFFER_SYSTEM,
+                                     DLOG_PRIORITY_ERROR, "[%s][%s][%u][INF] %s"};
+
+const LevelLayout& layoutOf(LoggingClass::Level level) {
+    for (const LevelLayout& layout : layouts) {
+        if (layout.level == level) {
+            return layout;
+        }
     }
-    return {DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "[%s][%s][%u][INF] %s"};
+    return otherLayout;
 }
 
 } // namespace
@@ -136,10 +138,10 @@ void LoggingClass::smartPrintImpl(const char* tag, Level level, const char* text
 
 void LoggingClass::printImpl(const char* tag, const char* thread, std::uint32_t recordNumber, Level level,
                              const char* text) {
-    const RecordLayout layout = layoutOf(level);
+    const LevelLayout& layout = layoutOf(level);
     // A record that the platform does not take is lost: there is no other place to report it.
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wformat-nonliteral" // every format of layoutOf takes these four arguments
+#pragma GCC diagnostic ignored "-Wformat-nonliteral" // every format takes these four arguments
     __dlog_print(layout.buffer, layout.priority, tag, layout.format, processName().c_str(), thread,
                  recordNumber, text);
 #pragma GCC diagnostic pop
@@ -154,29 +156,13 @@ void LoggingClass::getThreadId(char* buffer, std::size_t size) {
 }
 
 const char* LoggingClass::logLevelToString(Level level) {
-    switch (level) {
-    case VERBOSE:
-        return "VERBOSE";
-    case DBG:
-        return "DBG";
-    case INF:
-        return "INF";
-    case WRN:
-        return "WRN";
-    case ERR:
-        return "ERR";
-    case FTL:
-        return "FTL";
-    case NONE:
-        break;
-    }
-    return "UNKNOWN LEVEL";
+    return layoutOf(level).name;
 }
 
 void LoggingClass::printDirect(const char* tag, Level level, char* text) {
     char thread[threadFieldSize];
     getThreadId(thread, sizeof thread);
-    // Not owned: standard output itself is pointed at the console and stays there.
+    // Not closed: this is standard output itself, which stays on the console.
     std::FILE* const console = std::freopen("/dev/console", "w", stdout);
     if (console == nullptr) {
         std::fprintf(stderr, "Cannot open /dev/console\n%s: Direct [%s][%s] %s\n", tag,

@@ -11,9 +11,8 @@ class LoggingStream;
 /// The package's door to the platform's system log, and to the console when the process is about to abort.
 ///
 /// A message becomes one or more records of at most maxMessageLength bytes of text, each laid out as
-/// "[process][thread id and name][record number][LEVEL] text". Logging never throws for its own sake and
-/// reports no failure; only running out of memory passes through. All functions may be called from any
-/// thread, except init.
+/// "[process][thread id and name][record number][LEVEL] text". Logging reports no failure of its own; only
+/// std::bad_alloc leaves it. Any thread may call any function but init.
 class LoggingClass {
 public:
     enum Level {
@@ -28,14 +27,14 @@ public:
 
     using LoggingStream = Logging::LoggingStream;
 
-    /// Where a formatted message goes. The text is the sink's to write into until it returns.
+    /// Takes a formatted message; may write into text until it returns.
     using Sink = void (*)(const char* tag, Level level, char* text);
 
     /// The longest text of one system-log record, in bytes.
     static constexpr std::size_t maxMessageLength = 768;
 
-    /// Sets the process name of all later records to programName and the package version. To be called once,
-    /// before any other thread exists.
+    /// Sets the process name of all later records to programName and the package version. Call it once,
+    /// before other threads exist.
     static void init(const char* programName);
 
     /// The part of path after its last '/', inside the same text.
@@ -59,8 +58,8 @@ public:
 
     // The steps of printLines.
 
-    /// A line, as consecutive records of at most maxMessageLength bytes; an empty line is one empty record.
-    /// end is where its terminator stands, or will stand while the line is cut off there.
+    /// One line as consecutive records of at most maxMessageLength bytes; an empty line is one empty record.
+    /// end points past the line; *end is overwritten during the call.
     static void printChunked(const char* tag, Level level, char* begin, char* end);
 
     /// One record: takes the next record number and names the calling thread.
@@ -75,8 +74,8 @@ public:
     static void getThreadId(char* buffer, std::size_t size);
 
 private:
-    /// Empty until init. In a function and never destroyed, as a static member would be built after the first
-    /// objects of static storage that log, and go before the last.
+    /// Empty until init. A function, and never destroyed: a static member could be made after, and destroyed
+    /// before, a global object that logs.
     static std::string& processName();
 };
 

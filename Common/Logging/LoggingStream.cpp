@@ -15,20 +15,14 @@ LoggingStream::~LoggingStream() noexcept(false) {
     if (m_level == LoggingClass::NONE) {
         return;
     }
-    if (std::uncaught_exceptions() == m_uncaughtAtStart) {
-        print();
-        return;
-    }
     try {
-        print();
-    } catch (
-        ...) { // NOLINT(bugprone-empty-catch): an exception is on its way, a second one would end the process
+        LoggingClass::print(&LoggingClass::printLines, m_tag, m_level, "%s:%d>%s", m_fileName, m_line,
+                            m_stream.str().c_str());
+    } catch (...) {
+        if (std::uncaught_exceptions() == m_uncaughtAtStart) {
+            throw; // else a second exception would end the process
+        }
     }
-}
-
-void LoggingStream::print() const {
-    LoggingClass::print(&LoggingClass::printLines, m_tag, m_level, "%s:%d>%s", m_fileName, m_line,
-                        m_stream.str().c_str());
 }
 
 std::ostream& LoggingStream::getStream() {

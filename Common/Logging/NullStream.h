@@ -7,7 +7,7 @@ namespace Nerix::Common::Utils {
 
 namespace detail {
 
-/// Takes everything and keeps nothing, and says so in a way that never puts its stream into a failed state.
+/// Discards everything and reports success, so that its stream never fails.
 class null_out_buf : public std::streambuf {
 protected:
     std::streamsize xsputn(const char*, std::streamsize count) override { return count; }

@@ -71,6 +71,11 @@ bool is_symlink(const boost::filesystem::path& p) {
     }
 }
 
+std::ifstream openRegularFile(const boost::filesystem::path& p) {
+    boost::system::error_code error;
+    return boost::filesystem::is_regular_file(p, error) ? std::ifstream(p.c_str()) : std::ifstream();
+}
+
 bool remove(const boost::filesystem::path& p) {
     try {
         return boost::filesystem::remove(p);
@@ -108,7 +113,7 @@ boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
     }
     boost::filesystem::path result("/");
     for (auto element = rest; element != path.end(); ++element) {
-        if (*element != "/") { // an empty prefix leaves the root, which the result has already
+        if (*element != "/") { // after an empty prefix: the result has its root already
             result /= *element;
         }
     }

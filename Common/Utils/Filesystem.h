@@ -3,13 +3,13 @@
 #include <boost/filesystem/path.hpp>
 
 #include <cstdint>
+#include <fstream>
 
 /// Thin wrappers that fix a few choices: queries look at the entry itself and never follow a final link, a
 /// dangling link exists, prefixes match whole path elements.
 ///
-/// Failures of the file system come out as boost::filesystem::filesystem_error; the wrappers that can meet
-/// one leave a context line with function and path in the system log on the way. A missing entry is no
-/// failure for a query, a directory that may not be searched is. All functions may be called from any thread.
+/// A wrapper that fails throws boost::filesystem::filesystem_error and logs its own name and the path. To a
+/// query a missing entry is no failure; a directory that may not be searched is. Any thread may call.
 namespace Nerix::Common::Utils::filesystem {
 
 /// Whether the text begins with '/' or '\'. Looks at the text alone.
@@ -27,13 +27,17 @@ bool is_directory(const boost::filesystem::path& p);
 /// Whether the entry is a regular file; a link to one is not.
 bool is_regular_file(const boost::filesystem::path& p);
 
+/// Opens the file for reading, following links; closed when that fails or it is no regular file: opening a FIFO
+/// would wait for a writer.
+std::ifstream openRegularFile(const boost::filesystem::path& p);
+
 /// Whether the entry is a symbolic link.
 bool is_symlink(const boost::filesystem::path& p);
 
 /// Removes a file or an empty directory. False when there was none.
 bool remove(const boost::filesystem::path& p);
 
-/// Replaces a file at to, as one step; both have to be on one file system.
+/// Replaces a file at to atomically; both must be on one file system.
 void rename(const boost::filesystem::path& from, const boost::filesystem::path& to);
 
 /// The absolute path without links, "." and "..", a relative p taken from base. The entry must exist.
@@ -49,7 +53,7 @@ boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
                                          const boost::filesystem::path& prefix);
 
 /// Looks once a second until the entry exists (true) or timeoutSeconds have passed (false). Looks at least
-/// once. The waiting is a thread interruption point.
+/// once. The wait is an interruption point.
 bool waitForFile(const boost::filesystem::path& p, std::int64_t timeoutSeconds);
 
 /// The same without limit.

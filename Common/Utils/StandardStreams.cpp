@@ -13,18 +13,20 @@ namespace Nerix::Common::Utils {
 
 namespace {
 
-/// Opens take the lowest free descriptor, so filling from 0 upwards puts each file in its place,
-/// where it stays.
+/// open takes the lowest free descriptor: called from 0 upwards, it takes the closed one.
 bool fillIfClosed(int descriptor, int flags) {
     const bool isClosed = ::fcntl(descriptor, F_GETFD) == -1 && errno == EBADF;
     return !isClosed || ::open("/dev/null", flags) == descriptor;
 }
 
-bool tryWrite(const std::string& text, int& cause) {
+/// 0, or the errno of what kept text from being written.
+int tryWrite(const std::string& text) {
     errno = 0;
     std::cout << text << std::flush;
-    cause = errno;
-    return std::cout.good();
+    if (std::cout.good()) {
+        return 0;
+    }
+    return errno != 0 ? errno : EIO;
 }
 
 } // namespace
@@ -42,8 +44,7 @@ bool secureStandardStreams() {
 }
 
 void writeToStandardOutput(const std::string& text) {
-    int cause = 0;
-    if (!tryWrite(text, cause)) {
+    if (const int cause = tryWrite(text)) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("can't write to standard output:",
                                                                    get_string_from_errno(cause)));
     }
@@ -51,8 +52,7 @@ void writeToStandardOutput(const std::string& text) {
 
 void writeReport(const std::string& text) noexcept {
     try {
-        int cause = 0;
-        if (!tryWrite(text, cause)) {
+        if (tryWrite(text) != 0) {
             std::cerr << text << std::flush;
         }
     } catch (...) { // NOLINT(bugprone-empty-catch): there is no place left to report to

@@ -2,7 +2,7 @@
 
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/Errors.h"
-#include "Common/Utils/RegularFile.h"
+#include "Common/Utils/Filesystem.h"
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
 #include "Debug/DebugAndTestParameters/ParametersFile.h"
 #include "Platform/Product/IProductInfo.h"
@@ -53,7 +53,7 @@ bool DebugAndTestParameters::reload() {
 bool DebugAndTestParameters::load() {
     const std::string path = getConfigFilePath();
     NERIX_LOG(INF, "Opening config from %s", path.c_str());
-    std::ifstream file = Utils::openRegularFile(path);
+    std::ifstream file = Utils::filesystem::openRegularFile(path);
     if (!file.is_open()) {
         NERIX_LOG(WRN, "Failed to open DebugAndTestParameters from %s", path.c_str());
         return false;

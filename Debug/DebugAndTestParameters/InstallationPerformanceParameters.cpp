@@ -1,7 +1,7 @@
 #include "Debug/DebugAndTestParameters/InstallationPerformanceParameters.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/RegularFile.h"
+#include "Common/Utils/Filesystem.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
 #include "Debug/DebugAndTestParameters/ParametersFile.h"
@@ -17,7 +17,7 @@ const InstallationPerformanceParameters& InstallationPerformanceParameters::getD
 
 void InstallationPerformanceParameters::load(const std::string& path) {
     try {
-        std::ifstream file = Common::Utils::openRegularFile(path);
+        std::ifstream file = Common::Utils::filesystem::openRegularFile(path);
         ParametersArchive::read(file, *this);
     } catch (const std::exception&) {
         NERIX_LOG(WRN, "Failed to load InstallationPerformanceParameters from %s", path.c_str());

@@ -81,7 +81,7 @@ public:
     void setNumberOfMBUCommandProcessedAtOnce(std::uint32_t value) {
         m_numberOfMBUCommandProcessedAtOnce = value;
     }
-    // The file and the members have other names for these two: those of the stored form.
+    // The stored fields of these two have other names.
     float getMBUProcessedCommandsPerSecond() const { return m_mbuCreateFileCommandsPerSecond; }
     void setMBUProcessedCommandsPerSecond(float value) { m_mbuCreateFileCommandsPerSecond = value; }
     float getMBUVerifiedCommandsPerSecond() const { return m_mbuDeleteFileCommandsPerSecond; }

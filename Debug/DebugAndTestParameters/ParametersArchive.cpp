@@ -26,10 +26,10 @@ class XmlReader : public boost::archive::xml_iarchive_impl<XmlReader> {
 public:
     explicit XmlReader(std::istream& stream)
         : boost::archive::xml_iarchive_impl<XmlReader>(stream, boost::archive::no_header) {
-        init(); // the header after all: the flag is for the end, see finish
+        init(); // reads the header after all: the flag is for the end, see finish
     }
 
-    /// Reads the end of the root element. The library would do so in the destructor, which cannot throw.
+    /// Reads the end of the root element. The library does so in the destructor, which cannot throw.
     void finish() { load_end("boost_serialization"); }
 
 private:
@@ -72,8 +72,8 @@ namespace Nerix {
 
 using boost::serialization::make_nvp;
 
-/// An optional value as it is stored. Class version 0, which is written, has an item version; version
-/// 1 has none.
+/// An optional value as it is stored. Class version 0, which is written, has an item version; version 1
+/// has none.
 template <class Value>
 struct StoredOptional {
     boost::optional<Value> value;
@@ -120,7 +120,7 @@ class FieldReader {
 public:
     explicit FieldReader(XmlReader& archive) : m_archive(archive) {}
 
-    // A field gets its value when its element was read whole; until then it keeps the one it had.
+    // A field keeps its old value until its element is read whole.
     template <class Field>
     void operator()(const char* name, Field& field) {
         Field read{};

@@ -11,13 +11,12 @@ class DebugAndTestParameters;
 }
 
 /// The XML form of the parameters: an archive of Boost.Serialization with its default flags, one object
-/// element, and in it one element a field, each in its place: reading is strict in order. Class
-/// versions are 0.
+/// element, and in it one element a field, each in its place: reading is strict in order. Class versions
+/// are 0.
 ///
 /// Booleans are 0 or 1, enumerations their number, the custom parameters a map as the library writes it. An
-/// optional value holds "initialized" and, when that is 1, "item_version" (0) and "value". Today's library
-/// leaves "item_version" out and counts the class of optional values as version 1; both forms are read, each
-/// with its version, and the former is written.
+/// optional value holds "initialized" and, when that is 1, "item_version" (0) and "value". Newer libraries
+/// leave "item_version" out and write class version 1; both forms are read, the former is written.
 ///
 /// Reading throws when an element is missing, out of place or malformed; fields before it keep what was read.
 /// Both throw boost::archive::archive_exception, a std::exception. A stream to write to must not fail, as

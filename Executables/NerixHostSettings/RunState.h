@@ -8,7 +8,7 @@ namespace Nerix {
 /// published first.
 bool isOfRun(const Platform::Host::Setting& setting);
 
-/// The same, but for a run whose process is gone: it was killed and will not end.
+/// The same, but false when the run's process is gone: it was killed.
 bool isOfLiveRun(const Platform::Host::Setting& setting);
 
 } // namespace Nerix

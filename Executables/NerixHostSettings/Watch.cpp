@@ -92,7 +92,7 @@ void watch() {
         ::nanosleep(&pause, nullptr);
         const Shown now = readAll();
         if (now != shown) {
-            hasSeenRun = true; // also a run too short to be met while it was active
+            hasSeenRun = true; // also a run too short to be seen active
             shown = now;
             draw(shown, isTerminal);
         }

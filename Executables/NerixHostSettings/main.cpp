@@ -97,7 +97,7 @@ int main(int argc, char* argv[]) {
         return EXIT_FAILURE;
     }
     const std::vector<std::string> words(argv + 1, argv + argc);
-    std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // output that is lost is a failure
+    std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // lost output is a failure
     try {
         if (words.size() == 1 && words[0] == "list") {
             return list();
@@ -110,7 +110,7 @@ int main(int argc, char* argv[]) {
             return EXIT_SUCCESS;
         }
     } catch (const std::ios_base::failure&) {
-        // Standard output is flushed once more when the program ends, where nobody catches.
+        // The flush at exit must not throw: nobody would catch it.
         std::cout.exceptions(std::ios_base::goodbit);
         std::cerr << "NerixHostSettings: cannot write to standard output\n";
         return EXIT_FAILURE;

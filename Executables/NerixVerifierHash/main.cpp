@@ -80,7 +80,7 @@ void reportCurrentException() {
                                       "\n  -- see dlog for details\n");
 }
 
-/// A thread's own heap wants 64 MiB of address space at once. Where that is limited, all threads share one.
+/// A thread's own heap reserves 64 MiB of address space. Where that is limited, all threads share one heap.
 void shareHeapIfSpaceIsLimited() {
     rlimit space{};
     if (::getrlimit(RLIMIT_AS, &space) == 0 && space.rlim_cur != RLIM_INFINITY) {

@@ -30,8 +30,8 @@ std::string nerixVerifyFileSystem();
 /// The percentage of the running or last verification as of its last report, two decimals, below 100.
 std::string getProgress();
 
-/// The value of the last verification, or "ERROR". To be asked after HashWorker::wait: during a run the call
-/// would race with the worker. Asserts that some run has finished.
+/// The value of the last verification, or "ERROR". Ask after HashWorker::wait: during a run the call would
+/// race with the worker. Asserts that some run has finished.
 std::string getResult();
 
 } // namespace Nerix::HashVerifierAPI

@@ -2,7 +2,7 @@
 
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/Errors.h"
-#include "Common/Utils/RegularFile.h"
+#include "Common/Utils/Filesystem.h"
 #include "Platform/Product/IProductInfo.h"
 
 #include <boost/filesystem/fstream.hpp>
@@ -20,7 +20,7 @@ using Common::Utils::GenericException;
 
 namespace {
 
-/// Whether there is no such file. What else is wrong with it shows when it is opened.
+/// Whether there is no such file. Any other fault shows when it is opened.
 bool isMissing(const path& file) {
     boost::system::error_code error;
     return boost::filesystem::status(file, error).type() == boost::filesystem::file_not_found;
@@ -71,7 +71,7 @@ void throwIfNoEntry(const std::string& text) {
 
 /// Writes the file's entries without those of key, and the new one at the end.
 void rewrite(const path& from, const path& to, const Entry& added) {
-    std::ifstream old = Common::Utils::openRegularFile(from);
+    std::ifstream old = Common::Utils::filesystem::openRegularFile(from);
     boost::filesystem::ofstream rewritten(to);
     if (!old.is_open() || !rewritten.is_open()) {
         BOOST_THROW_EXCEPTION(GenericException()
@@ -84,7 +84,7 @@ void rewrite(const path& from, const path& to, const Entry& added) {
     }
     writeEntry(rewritten, added);
     rewritten.close();
-    if (!rewritten || old.bad()) { // a full disk must not cost the entries that were there
+    if (!rewritten || old.bad()) { // a full disk must not cost the old entries
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description("Couldn't write file.") << errinfo_path(to));
     }
@@ -104,7 +104,7 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
         NERIX_LOG_STREAM(INF) << "emulated info file " << file.native() << " does not exist";
         return boost::none;
     }
-    std::ifstream stream = Common::Utils::openRegularFile(file);
+    std::ifstream stream = Common::Utils::filesystem::openRegularFile(file);
     if (!stream.is_open()) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Opening EmulatedInfo.txt failed.")
                                                  << errinfo_path(file));
@@ -149,7 +149,7 @@ void ensureEmulatedInfoFileExists() {
     breakIfProductionAndNotDebug();
     const path file = IProductInfo::getEmulatedInfoPath();
     if (isMissing(file)) {
-        boost::system::error_code ignored; // a directory that is missing still shows when the file is opened
+        boost::system::error_code ignored; // it shows when the file is opened
         boost::filesystem::create_directory(file.parent_path(), ignored);
         const boost::filesystem::ofstream created(file);
     }

@@ -5,8 +5,8 @@
 #include <string>
 
 /// The file of emulated facts, for development devices: lines "key:value", neither of them empty. Anything
-/// after a second ':' is ignored, and dropped when the file is written anew. Meant for one tester process
-/// at a time.
+/// after a second ':' is ignored, and dropped when the file is rewritten. Meant for one tester process at
+/// a time.
 ///
 /// All functions need the product to be initialised and log a warning that they are for debugging. They throw
 /// GenericException, with a description and the path of a file that cannot be used or has a bad line, or with
@@ -18,16 +18,15 @@ namespace Nerix::Platform {
 boost::optional<std::string> getEmulatedInfoValue(const std::string& key);
 
 /// Makes the entry the last of the file, in place of an earlier one; makes the file when there is none. It is
-/// written to "helper.txt" beside it, which takes the file's place when it is complete; a failure may leave
-/// that file, and when only the last renaming fails, the entries are in it alone. Throws for a key or value
-/// that is empty or holds a line break, and for a line of the file without key or value.
+/// written to "helper.txt" beside it, which then takes the file's place; a failure may leave that file, and
+/// when only the renaming fails, the entries are in it alone. Throws for a key or value that is empty or
+/// holds a line break, and for a line of the file without key or value.
 ///
 /// A ':' is stored like any character, but ends the value for whoever reads it; a value that begins with it
 /// makes a line without value, which every later call refuses.
 void setEmulatedInfoValue(const std::string& key, const std::string& value);
 
-/// Makes an empty file, and its directory when only that is missing. What cannot be made shows when
-/// it is used.
+/// Makes an empty file, and its directory when only that is missing. A failure shows when the file is used.
 void ensureEmulatedInfoFileExists();
 
 /// Warns that the caller is for debugging only.

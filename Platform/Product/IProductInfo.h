@@ -139,6 +139,8 @@ public:
     static void removeEmulationInfo();
 
 private:
+    static const ProductSpecificInfo& info(); ///< initialised
+
     static ProductSpecificInfo m_productSpecificInfo;
     static ProductType m_productType;
     static bool m_isZebConnected; ///< nothing sets it yet: how a Zeb box would be detected is open

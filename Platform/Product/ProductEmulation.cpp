@@ -32,23 +32,18 @@ boost::optional<std::uint16_t> getNumber(const char* key) {
 void IProductInfo::setEmulatedModelString(const std::string& model) {
     setEmulatedInfoValue(EMULATED_MODEL_STRING_KEY, model);
 }
-
 boost::optional<std::string> IProductInfo::getEmulatedModelString() {
     return getEmulatedInfoValue(EMULATED_MODEL_STRING_KEY);
 }
-
 void IProductInfo::setEmulatedMainSoftwareVersionMajor(std::uint16_t major) {
     setEmulatedInfoValue(EMULATED_VERSION_MAJOR_KEY, std::to_string(major));
 }
-
 boost::optional<std::uint16_t> IProductInfo::getEmulatedMainSoftwareVersionMajor() {
     return getNumber(EMULATED_VERSION_MAJOR_KEY);
 }
-
 void IProductInfo::setEmulatedMainSoftwareVersionMinor(std::uint16_t minor) {
     setEmulatedInfoValue(EMULATED_VERSION_MINOR_KEY, std::to_string(minor));
 }
-
 boost::optional<std::uint16_t> IProductInfo::getEmulatedMainSoftwareVersionMinor() {
     return getNumber(EMULATED_VERSION_MINOR_KEY);
 }
@@ -92,7 +87,6 @@ boost::optional<char> IProductInfo::getEmulatedOTNZone() {
 boost::optional<std::string> IProductInfo::getEmulatedSubmicomVersion() {
     return getEmulatedInfoValue(EMULATED_SUBMICOM_VERSION);
 }
-
 boost::optional<std::string> IProductInfo::getEmulatedQorlServiceID() {
     return getEmulatedInfoValue(EMULATED_QORL_SERVICE_ID);
 }

@@ -17,15 +17,12 @@ bool IProductInfo::checkBoardType(const std::string& boardType) {
 bool IProductInfo::isPostTovin() {
     return checkBoardType("Post_TovinP");
 }
-
 bool IProductInfo::isPostPask() {
     return checkBoardType("Post_PaskP");
 }
-
 bool IProductInfo::isPostMirel() {
     return checkBoardType("Post_MirelP");
 }
-
 bool IProductInfo::isPreCorvanBoard() {
     return isPostTovin() || isPostPask() || isPostMirel();
 }

@@ -5,88 +5,55 @@
 namespace Nerix::Platform {
 
 std::string IProductInfo::getFlashDeviceRootPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.flashDeviceRootPath;
+    return info().flashDeviceRootPath;
 }
-
 std::string IProductInfo::getNerixPartitionPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.nerixPartitionPath;
+    return info().nerixPartitionPath;
 }
-
 std::string IProductInfo::getNerixBigTempPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.nerixBigTempPath;
+    return info().nerixBigTempPath;
 }
-
 std::string IProductInfo::getFileSystemRootPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.fileSystemRootPath;
+    return info().fileSystemRootPath;
 }
-
 std::string IProductInfo::getMBUPartitionMountPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.mbuPartitionMountPath;
+    return info().mbuPartitionMountPath;
 }
-
 std::string IProductInfo::getUSBMountPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.usbMountPath;
+    return info().usbMountPath;
 }
-
 std::string IProductInfo::getLastSearchingDateFilePath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.lastSearchingDateFilePath;
+    return info().lastSearchingDateFilePath;
 }
-
 std::string IProductInfo::getNerixFactoryResetFlagPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.nerixFactoryResetFlagPath;
+    return info().nerixFactoryResetFlagPath;
 }
-
 std::string IProductInfo::getNerixFinalizingUpgradeFlagPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.nerixFinalizingUpgradeFlagPath;
+    return info().nerixFinalizingUpgradeFlagPath;
 }
-
 std::string IProductInfo::getEmulatedInfoPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.emulatedInfoPath;
+    return info().emulatedInfoPath;
 }
-
 std::string IProductInfo::getLastPluginFailureFlagFilePath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.lastPluginFailureFlagFilePath;
+    return info().lastPluginFailureFlagFilePath;
 }
-
 std::string IProductInfo::getKrafsScriptsDirectory() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.krafsScriptsDirectory;
+    return info().krafsScriptsDirectory;
 }
-
 std::string IProductInfo::getLibraryKeyPath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.libraryKeyPath;
+    return info().libraryKeyPath;
 }
-
 std::string IProductInfo::getUpdateInfoFilePath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.updateInfoFilePath;
+    return info().updateInfoFilePath;
 }
-
 std::string IProductInfo::getKPIDescriptionFilePath() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.kpiDescriptionFilePath;
+    return info().kpiDescriptionFilePath;
 }
-
 std::uint64_t IProductInfo::getNerixBigTempStorageMaxSize() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.nerixBigTempStorageMaxSize;
+    return info().nerixBigTempStorageMaxSize;
 }
-
 std::uint64_t IProductInfo::getNerixSmallTempStorageMaxSize() {
-    throwIfUninitialized();
-    return m_productSpecificInfo.nerixSmallTempStorageMaxSize;
+    return info().nerixSmallTempStorageMaxSize;
 }
 
 boost::filesystem::path IProductInfo::getSystemUsrAppsROPath() {

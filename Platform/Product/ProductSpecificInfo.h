@@ -5,8 +5,8 @@
 
 namespace Nerix::Platform {
 
-/// Where the update package keeps its files on one type of product, and how much it may keep. Sizes
-/// are in bytes.
+/// Where the update package keeps its files on one type of product, and how much it may keep. Sizes are
+/// in bytes.
 struct ProductSpecificInfo {
     std::string root;
     std::string flashDeviceRootPath;
@@ -30,8 +30,8 @@ struct ProductSpecificInfo {
 
 namespace PlatformInternal {
 
-/// The record of a television (true) or of a Zeb box (false). Asks the platform for its directories
-/// each time.
+/// The record of a television (true) or of a Zeb box (false). Each call asks the platform for
+/// its directories.
 ProductSpecificInfo getProductSpecificInfo(bool isTV);
 
 } // namespace PlatformInternal

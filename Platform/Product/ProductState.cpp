@@ -34,6 +34,11 @@ void IProductInfo::initializeProduct(ProductType type) {
     }
 }
 
+const ProductSpecificInfo& IProductInfo::info() {
+    throwIfUninitialized();
+    return m_productSpecificInfo;
+}
+
 void IProductInfo::throwIfUninitialized() {
     if (m_productType == UNDEFINED_PRODUCT) {
         BOOST_THROW_EXCEPTION(ProductUninitializedException());

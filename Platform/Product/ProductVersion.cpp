@@ -66,28 +66,24 @@ void getParsedModelAndVersion(std::string& model, std::uint16_t& major, std::uin
 }
 
 std::string IProductInfo::getModelString() {
-    throwIfUninitialized();
     std::string model = parsedModelAndVersion().model;
     NERIX_LOG(INF, "Model string: %s.", model.c_str());
     return model;
 }
 
 std::uint16_t IProductInfo::getMainSoftwareVersionMajor() {
-    throwIfUninitialized();
     const std::uint16_t major = parsedModelAndVersion().major;
     NERIX_LOG(INF, "MAJOR SW VERSION: %d", major);
     return major;
 }
 
 std::uint16_t IProductInfo::getMainSoftwareVersionMinor() {
-    throwIfUninitialized();
     const std::uint16_t minor = parsedModelAndVersion().minor;
     NERIX_LOG(INF, "MINOR SW VERSION: %d", minor);
     return minor;
 }
 
 std::string IProductInfo::getVersionString() {
-    throwIfUninitialized();
     const std::string text = getSWVersionString();
     std::string version = text.substr(lastDash(text, "getVersionString") + 1);
     NERIX_LOG(INF, "Version string: %s.", version.c_str());

@@ -11,10 +11,10 @@ using Nerix::Common::Logging::LoggingClass;
 
 namespace {
 
-/// noexcept: whatever fails on the way, the process ends. message may be null.
+/// noexcept: should reporting fail, the process still ends. message may be null.
 [[noreturn]] void reportAndAbort(const char* expression, const char* message, const char* function,
                                  const char* file, long line) noexcept {
-    // On the stack and as long as a message of the log can be: there may be no memory left.
+    // On the stack, as memory may have run out, and as long as the longest log message.
     char text[16384];
     std::snprintf(text, sizeof text, "ASSERTION FAILED: %s, %s, %s:%ld%s%s", expression, function,
                   LoggingClass::shortenPath(file), line,

@@ -11,11 +11,6 @@ public:
 
     /// A short name for people, for example "HashSink(sha1)".
     virtual std::string debugName() const = 0;
-
-protected:
-    IDebugName() = default;
-    IDebugName(const IDebugName&) = default;
-    IDebugName& operator=(const IDebugName&) = default;
 };
 
 } // namespace Nerix::Common::Utils

@@ -31,8 +31,8 @@ public:
     RethrowExceptionStream(const RethrowExceptionStream&) = delete;
     RethrowExceptionStream& operator=(const RethrowExceptionStream&) = delete;
 
-    /// Throws the exception with its context. When writing the context line threw, does nothing: that
-    /// exception is already on its way, in place of the other.
+    /// Rethrows with the context. Does nothing when writing the context line threw: that exception is already
+    /// propagating in place of the other.
     ~RethrowExceptionStream() noexcept(false);
 
     /// Where the context line is written.
@@ -43,18 +43,18 @@ private:
 
     boost::exception_ptr m_exception; ///< empty: the exception being handled
     std::ostringstream m_stream;
-    int m_uncaughtAtStart; ///< tells leaving by an exception of the context line from leaving normally
+    int m_uncaughtAtStart; ///< tells whether writing the context line has thrown
 };
 
-/// Rethrows the exception being handled with the context line " -> function (file:line) details". What the
-/// macro below calls; called by itself where the handler of a function stands in another one.
+/// Rethrows the exception being handled with the context line " -> function (file:line) details". For a
+/// handler in a function of its own, which passes the name and line of the other; the macro below calls it.
 [[noreturn]] void rethrowWithContext(const char* function, const char* file, int line,
                                      const std::string& details);
 
 } // namespace Nerix::Common::Utils
 
-/// Ends a catch-all handler: rethrows with " -> function (file:line) " and the details, composed as by
-/// errinfo_stream.
+/// Ends a catch-all handler: rethrows with " -> function (file:line) " and the details, composed as
+/// by errinfo_stream.
 #define NERIX_RETHROW_WITH_CONTEXT(...)                                                                      \
     ::Nerix::Common::Utils::rethrowWithContext(__PRETTY_FUNCTION__, __FILE__, __LINE__,                      \
                                                ::Nerix::Common::Utils::errinfo_stream(__VA_ARGS__).value())

@@ -44,7 +44,7 @@ std::string get_combined_supportcode(const boost::exception& exception) {
     } catch (const boost::exception& inner) {
         return joined(own, get_combined_supportcode(inner));
     } catch (...) {
-        return own; // an exception that was thrown without entries comes out as it was, and has no code
+        return own; // an exception without entries has no code
     }
 }
 

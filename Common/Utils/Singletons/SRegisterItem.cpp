@@ -25,7 +25,7 @@ SRegisterItem::~SRegisterItem() {
         }
         NerixAssertMsg(false, message.c_str());
     }
-    // Not left to the member's own destructor, which runs when interruption is possible again.
+    // Not left to the member's destructor: interruption is possible again by then.
     m_registerable.reset();
 }
 

@@ -15,7 +15,8 @@ class SRegisterItem;
 
 namespace detail {
 
-/// What does not depend on the service's type in a SingletonPointer: a named entry among an item's users.
+/// The part of a SingletonPointer that does not depend on the service's type: one entry among an
+/// item's users.
 class SingletonUsage : private boost::noncopyable {
 public:
     /// Adds user to the item's users. A null item has none, and no service.
@@ -36,7 +37,7 @@ private:
 
 /// One user's handle to a registered service; obtained from SingletonsRegister::getService.
 ///
-/// It does not keep the service alive: a guard has to. While it exists, its user name stands among the
+/// It does not keep the service alive; a guard must. While it exists, its user name stands among the
 /// service's users, and destroying the service is a fatal assertion that names them.
 template <class T>
 class SingletonPointer : private boost::noncopyable {

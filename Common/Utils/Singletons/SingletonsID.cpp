@@ -6,7 +6,7 @@
 namespace Nerix::Common::Utils {
 
 std::string singletonsIdToString(SingletonsID id) {
-    // Constants: the register asks for names until the process is gone.
+    // constexpr: the register still asks while global objects are destroyed.
     static constexpr struct {
         SingletonsID id;
         const char* text;

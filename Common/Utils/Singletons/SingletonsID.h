@@ -5,8 +5,8 @@
 
 namespace Nerix::Common::Utils {
 
-/// Identifies a process-wide service in the SingletonsRegister. Shared by all programs of the package; the
-/// values show in messages only and are not stored anywhere.
+/// Identifies a process-wide service in the SingletonsRegister. Shared by all programs of the package. Values
+/// appear in messages only and are stored nowhere.
 enum SingletonsID {
     USER_DATA_REGISTER = 0,
     TVS_SIGNAL_DISTRIBUTOR = 1,
@@ -32,7 +32,7 @@ enum SingletonsID {
     DEPENDENT_DUMMY_SINGLETON = 21
 };
 
-/// The enumerator's name, or a text that says that there is none for this value.
+/// The enumerator's name, or an error text for any other value.
 std::string singletonsIdToString(SingletonsID id);
 
 std::ostream& operator<<(std::ostream& stream, SingletonsID id);

@@ -96,7 +96,7 @@ void SingletonsRegister::internalUnmarkNeeded(SingletonsID id) {
         m_items.erase(id);
     }
     const std::list<SingletonsID> requirements = item->getRequirements();
-    // Destroys the service if it was erased: before anything that it requires is touched.
+    // Destroys an erased service before anything that it requires.
     item.reset();
     for (const SingletonsID requirement : requirements) {
         internalUnmarkNeeded(requirement);

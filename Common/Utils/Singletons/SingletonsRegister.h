@@ -30,8 +30,7 @@ boost::shared_ptr<RegisterableSingleton> standardFactoryFunction() {
 /// least one such declaration is in force, and is destroyed before the services that it requires.
 ///
 /// Scopes declare need with a SingletonServiceGuard; users reach a service with getService. Any thread may
-/// call. Misuse is a fatal assertion, an empty factory aside; only a service's factory and running out of
-/// memory throw.
+/// call. Misuse, an empty factory aside, is a fatal assertion; only factories and std::bad_alloc throw.
 class SingletonsRegister : private boost::noncopyable {
 public:
     using Factory = std::function<boost::shared_ptr<RegisterableSingleton>()>;
@@ -40,9 +39,9 @@ public:
     static SingletonsRegister& getSingletonsRegister();
 
     /// Declares the service T needed under id and creates it if it is not there yet. Asserts that what T
-    /// requires is registered. Passes on what the factory throws; the service is then not registered. The
-    /// factory must not be empty (std::bad_function_call) nor give null. It runs one at a time, and may use
-    /// the register itself.
+    /// requires is registered. What the factory throws leaves, with the service not registered. A factory
+    /// must not be empty (std::bad_function_call) nor return null. Factories run one at a time and may use
+    /// the register.
     template <class T>
     void markNeeded(SingletonsID id) {
         markNeeded<T>(id, standardFactoryFunction<T>);
@@ -52,8 +51,8 @@ public:
         markNeededImpl(id, T::requirements(), factory);
     }
 
-    /// Takes back one declaration of need; the last one destroys the service, now. Asserts that id is
-    /// registered and, when the service goes, that nobody holds a SingletonPointer to it.
+    /// Withdraws one declaration of need; the last one destroys the service before it returns. Asserts that
+    /// id is registered and, when the service goes, that nobody holds a SingletonPointer to it.
     void unmarkNeeded(SingletonsID id);
 
     /// A handle for user to the service registered under id. Asserts that there is one and that it is a T.
@@ -61,7 +60,7 @@ public:
     SingletonPointer<T> getService(const std::string& user, SingletonsID id) {
         const boost::lock_guard<boost::recursive_mutex> map(m_mapMutex);
         return SingletonPointer<T>(user, require(id, [](const RegisterableSingleton& service) {
-                                       // The exact type first: a cast costs more, and every step asks.
+                                       // The exact type first: every hash step asks, and a cast costs more.
                                        return typeid(service) == typeid(T) ||
                                               dynamic_cast<const T*>(&service) != nullptr;
                                    }));
@@ -80,13 +79,13 @@ private:
     Item find(SingletonsID id) const;
     Item create(SingletonsID id, const std::list<SingletonsID>& requirements, const Factory& factory);
 
-    /// To be called under the map mutex, which guards the result.
+    /// Call it under the map mutex, which guards the result.
     const Item& require(SingletonsID id, bool (*isRightType)(const RegisterableSingleton&)) const;
 
     static SingletonsRegister instance;
 
-    // Always locked in this order, and an item's own mutex last. Recursive, as marking walks
-    // through requirements.
+    // Always locked in this order, an item's own mutex last. Recursive, as marking walks through requirements
+    // and factories may use the register.
     mutable boost::recursive_mutex m_operationsMutex; ///< creation and destruction, one at a time
     mutable boost::recursive_mutex m_mapMutex;        ///< guards m_items
     std::map<SingletonsID, Item> m_items;

@@ -21,8 +21,8 @@ int openWithoutWaiting(const boost::filesystem::path& path) {
         if (descriptor != -1 || errno != EWOULDBLOCK || Common::Utils::terminationSignal() != 0) {
             return descriptor;
         }
-        // A write lease, as file servers take them. The kernel has told its holder, and takes it away after a
-        // time (fs.lease-break-time); no other local file system answers like that.
+        // A write lease, as file servers take them: the kernel has told its holder, and breaks it after
+        // fs.lease-break-time. Nothing else makes a local open answer like this.
         const std::timespec pause{0, 5'000'000};
         ::nanosleep(&pause, nullptr);
     }
@@ -56,7 +56,7 @@ void ContentStream::refuse() const {
 
 ssize_t ContentStream::read(void* self, char* buffer, std::size_t size) {
     if (Common::Utils::terminationSignal() != 0) {
-        return 0; // the worker ends the run when it is told of the file
+        return 0; // the run ends when the file is reported
     }
     auto& content = *static_cast<ContentStream*>(self);
     const ssize_t count = ::read(content.m_descriptor.number(), buffer, size);
@@ -67,7 +67,7 @@ ssize_t ContentStream::read(void* self, char* buffer, std::size_t size) {
 }
 
 bool ContentStream::isWhatItWas() {
-    // Only where the size says that something is wrong: for each file it would cost a fortieth of a run.
+    // Only where the size differs: for every file it would cost a fortieth of a run.
     if (!m_isChecked) {
         m_isChecked = true;
         struct stat status {};

@@ -12,23 +12,21 @@
 
 namespace Nerix::FileScanners {
 
-/// The content of a regular file as a stream, opened so that what takes the file's place after it was looked
-/// at neither holds up the run nor is taken for the file: a link is not followed (one in place of a directory
-/// on the way is), a pipe's writer is not waited for, and what turns out to be no regular file is given up. A
-/// lease that another process holds on the file is waited for, as any open would.
+/// The content of a regular file as a stream. Something else may have taken the file's place since its status
+/// was read: a final link is not followed, a FIFO does not block, and what is no regular file is refused. A
+/// lease that another process holds on the file is waited for, as any open does.
 ///
-/// Once a signal has asked the process to end, the waiting and the content end.
+/// A termination signal ends both the wait and the content.
 class ContentStream {
 public:
-    /// size: the file's, in bytes, when it was looked at. Throws GenericException "access error: can't read
-    /// content of file: " + quoted path.
+    /// size: the file's, in bytes, from its status. Throws GenericException "access error: can't read content
+    /// of file: " + quoted path.
     ContentStream(const boost::filesystem::path& path, std::uint64_t size);
 
     /// At the file's beginning; it belongs to this object.
     std::FILE* get() const { return m_stream.get(); }
 
-    /// To be called when the content was read. Throws as the constructor when it was not that of a
-    /// regular file.
+    /// Call it after reading. Throws like the constructor when the content was not a regular file's.
     void throwIfReplaced() const;
 
 private:

@@ -21,9 +21,9 @@ using hash_t = IHashFunction::hash_t;
 
 namespace {
 
-/// The names of the directory's entries, sorted by their bytes. Names, not paths: the directory's own path
-/// before each would change nothing in the order, but multiply the time to compare and the memory to hold
-/// them. In a deque, which needs no room of twice its size to grow.
+/// The names of the directory's entries, sorted by their bytes. Names, not paths: the directory's path
+/// in front of each would not change the order, only cost time and memory. A deque grows without a copy
+/// of itself.
 std::deque<std::string> sortedNames(const boost::filesystem::path& directory) {
     std::deque<std::string> names;
     for (const boost::filesystem::directory_entry& entry : boost::filesystem::directory_iterator(directory)) {
@@ -34,7 +34,7 @@ std::deque<std::string> sortedNames(const boost::filesystem::path& directory) {
     return names;
 }
 
-/// In one string of its exact size: on the way into a deep tree one of them lives at every level.
+/// One string of its exact size: in a deep tree one lives at every level.
 std::string pathInside(const std::string& directory, const std::string& name) {
     const std::size_t separator = directory.back() == '/' ? 0 : 1;
     std::string path;
@@ -43,8 +43,8 @@ std::string pathInside(const std::string& directory, const std::string& name) {
     return path;
 }
 
-/// Logs the exception being handled and rethrows it with the walk's own function and line as context. Apart
-/// from the walk, so that its streams take no room on the stack at every level of a deep tree.
+/// Logs the exception being handled and rethrows it with the walk's function and line as context. Out of
+/// line: its streams would take stack at every level of a deep tree.
 [[noreturn, gnu::noinline]] void passOnFailure(const char* function, int line) {
     NERIX_LOG_STREAM(ERR) << "Exception when scanning filesystem: "
                           << boost::current_exception_diagnostic_information(true);

@@ -69,8 +69,8 @@ NameList readNameList(const FileInput& entry) {
 void listxattr(const FileInput& entry, std::vector<std::string>& names) {
     NameList list = readNameList(entry);
     if (!list.isAsAnnounced()) {
-        // An overlay file system announces the names that it hides, each time. What differs twice alike is
-        // the file system's way; anything else is a change.
+        // An overlay file system also counts names that it hides, every time alike; any other difference is
+        // a change.
         const NameList first = std::move(list);
         list = readNameList(entry);
         if (list.announced != first.announced || list.delivered.size() != first.delivered.size()) {
@@ -93,7 +93,7 @@ std::vector<char> readxattr(const FileInput& entry, const std::string& name) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("access error: can't read xattribute",
                                                                    name, " for file: ", entry.path));
     }
-    // One byte more than is read: size 0 would ask for the size again, into a buffer that must not be null.
+    // One byte more than is read: an empty vector's data may be null.
     std::vector<char> value(static_cast<std::size_t>(size) + 1);
     if (::lgetxattr(entry.path.c_str(), name.c_str(), value.data(), static_cast<std::size_t>(size)) != size) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("concurrent access: can't read xattribute",

@@ -17,35 +17,35 @@ enum class Judgement : IHashFunction::hash_t {
 };
 
 /// Folds one kind of entry into a chaining value. Instances are immutable and may be used from any thread,
-/// several at once. While a verification runs, accept and process are for the HashWorker's own thread, as they
-/// report to it; judge and examine report nothing and are what accept and process do before that.
+/// several at once. While a verification runs, accept and process are for the HashWorker's own thread, as
+/// they report to it; judge and examine report nothing and are what accept and process do before that.
 class IFileScanner {
 public:
     using hash_t = IHashFunction::hash_t;
 
     virtual ~IFileScanner() = default;
 
-    /// Whether a directory walk takes this entry into its value; a directory that it leaves out is reported. The
-    /// root of a walk is never asked.
+    /// Whether a directory walk takes this entry into its value; a directory that it leaves out is reported.
+    /// The root of a walk is never asked.
     virtual bool accept(const FileInput& entry) const = 0;
 
-    /// The value after the entry, and everything below it, was folded into value with the given function. Entries
-    /// that are folded are reported to the HashWorker with it. Throws what examine throws, and VConfException when
-    /// progress cannot be published. An entry that could not be read is not reported.
+    /// The value after the entry, and everything below it, was folded into value with the given function.
+    /// Entries that are folded are reported to the HashWorker with it. Throws what examine throws, and
+    /// VConfException when progress cannot be published. An entry that could not be read is not reported.
     virtual hash_t process(const FileInput& entry, hash_t value, const IHashFunction& function) const = 0;
 
     /// rootDevice: st_dev of the walk's root. Opens nothing.
-    virtual Judgement judge(const FileInput& entry, dev_t rootDevice) const;
+    virtual Judgement judge(const FileInput& /*entry*/, dev_t /*rootDevice*/) const {
+        return Judgement::ignored;
+    }
 
-    /// The value after what the entry itself has to fold: all of a file or a link; path, status and attributes of a
-    /// directory; nothing of other kinds. Throws GenericException when the entry cannot be read, and what the hash
-    /// function throws.
-    virtual hash_t examine(const FileInput& entry, hash_t value, const IHashFunction& function) const;
-
-protected:
-    IFileScanner() = default;
-    IFileScanner(const IFileScanner&) = default;
-    IFileScanner& operator=(const IFileScanner&) = default;
+    /// The value after what the entry itself has to fold: all of a file or a link; path, status and
+    /// attributes of a directory; nothing of other kinds. Throws GenericException when the entry cannot be
+    /// read, and what the hash function throws.
+    virtual hash_t examine(const FileInput& /*entry*/, hash_t value,
+                           const IHashFunction& /*function*/) const {
+        return value;
+    }
 };
 
 } // namespace Nerix

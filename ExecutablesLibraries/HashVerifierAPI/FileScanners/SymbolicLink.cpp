@@ -15,9 +15,8 @@ using hash_t = IHashFunction::hash_t;
 
 hash_t SymbolicLink::examine(const FileInput& entry, hash_t value, const IHashFunction& function) const {
     value = hashMetadata(entry, value, function);
-    // The length that lstat gave counts, not the one that readlink returns. The two differ in /proc,
-    // where it is often 0 or 64, and when the link was replaced meanwhile; the buffer's zeros stand for
-    // what is missing.
+    // The length is lstat's, not readlink's. They differ in /proc, where lstat often says 0 or 64, and when
+    // the link has been replaced; zeros fill what is missing.
     const auto length = static_cast<std::size_t>(entry.status.st_size);
     std::vector<char> target(length + 1);
     if (::readlink(entry.path.c_str(), target.data(), target.size()) == -1) {

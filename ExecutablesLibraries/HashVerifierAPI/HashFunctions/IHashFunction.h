@@ -7,8 +7,8 @@
 namespace Nerix {
 
 /// Folds bytes into a chaining value: new value = f(old value, bytes). The value is the only state that goes
-/// from one step to the next. Instances are immutable and may be used from any thread, several at once;
-/// a StepObserver hears of the digest steps of its own thread.
+/// from one step to the next. Instances are immutable and may be used from any thread, several at once; a
+/// StepObserver hears of the digest steps of its own thread.
 class IHashFunction {
 public:
     using hash_t = std::uint64_t;
@@ -24,11 +24,6 @@ public:
     /// A step for each chunk of 4096 bytes from the stream's current position to its end, the last one
     /// shorter; none for an empty rest. A read error counts as the end. The stream stays the caller's, open.
     virtual hash_t apply(hash_t value, std::FILE* stream) const = 0;
-
-protected:
-    IHashFunction() = default;
-    IHashFunction(const IHashFunction&) = default;
-    IHashFunction& operator=(const IHashFunction&) = default;
 };
 
 } // namespace Nerix

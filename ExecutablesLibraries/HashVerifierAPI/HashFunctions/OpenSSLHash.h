@@ -15,7 +15,8 @@ public:
 
     using HashFunctionBase::apply;
 
-    /// Asserts that the crypto set-up is in the singletons register. Throws what HashSink and the observer throw.
+    /// Asserts that the crypto set-up is in the singletons register. Throws what HashSink and the
+    /// observer throw.
     hash_t apply(hash_t value, unsigned int length, const char* data) const override;
 
 private:

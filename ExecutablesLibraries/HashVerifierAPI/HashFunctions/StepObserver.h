@@ -4,22 +4,27 @@
 
 namespace Nerix::HashFunctions {
 
-/// Hears of the digest steps of the thread that makes it, for as long as it lives; one made later on that thread
-/// takes its place meanwhile. Make and destroy it on the same thread, the last made first. The steps of a thread
-/// without an observer are nobody's work in progress: they are reported to nobody.
+/// Hears of the digest steps of the thread that makes it while it lives; one made later on that thread takes its
+/// place meanwhile. Destroy it on the same thread, the last made first. Steps of a thread without an observer
+/// belong to no run and are reported to nobody.
 class StepObserver : private boost::noncopyable {
 public:
     /// A step over bytes of data was taken. What this throws leaves the step.
     virtual void onStep(unsigned long long bytes) = 0;
 
     /// For the hash functions: tells the calling thread's observer, if there is one.
-    static void report(unsigned long long bytes);
+    static void report(unsigned long long bytes) {
+        if (m_current != nullptr) {
+            m_current->onStep(bytes);
+        }
+    }
 
 protected:
-    StepObserver();
-    ~StepObserver();
+    StepObserver() : m_former(m_current) { m_current = this; }
+    ~StepObserver() { m_current = m_former; }
 
 private:
+    static inline thread_local StepObserver* m_current = nullptr;
     StepObserver* const m_former;
 };
 

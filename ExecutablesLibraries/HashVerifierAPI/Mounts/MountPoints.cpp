@@ -10,8 +10,8 @@ namespace Nerix {
 
 namespace {
 
-/// Takes the first word off line. Blanks alone separate words: a name may hold any other white space, and the
-/// kernel escapes only blank, tab, line feed and backslash.
+/// Takes the first word off line. Only blanks and tabs separate words: the kernel escapes those, line feeds
+/// and backslashes, and no other white space that a name may hold.
 std::string takeWord(std::string& line) {
     const std::size_t begin = std::min(line.find_first_not_of(" \t"), line.size());
     const std::size_t end = std::min(line.find_first_of(" \t", begin), line.size());

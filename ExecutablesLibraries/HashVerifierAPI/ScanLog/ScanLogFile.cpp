@@ -47,9 +47,9 @@ std::string fileName() {
     refuse(path, std::string(": ") + call + Common::Utils::get_string_from_errno(errno));
 }
 
-/// The file, empty and locked against other runs for as long as it is open. Anybody may have filled the
-/// drive, and the name is known to the second: what stands there may be a link to a file of ours, a pipe that
-/// nobody reads, or a device that the opening alone would set off.
+/// The file, empty, and locked against other runs while it is open. Anybody may have prepared the drive, and
+/// the name can be guessed: it may be a link to a file of ours, a FIFO that nobody reads, or a device that
+/// acts on being opened.
 std::fstream create(const std::string& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
@@ -66,7 +66,7 @@ std::fstream create(const std::string& path) {
     if (!S_ISREG(status.st_mode)) {
         refuse(path, " is not a regular file");
     }
-    // Not when it is opened: a run of the same second would lose its records.
+    // Truncated under the lock, not when opened: another run of the same second would lose its records.
     if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
         if (errno == EWOULDBLOCK) {
             refuse(path, " is the scan log of another run");
@@ -76,7 +76,7 @@ std::fstream create(const std::string& path) {
     if (::ftruncate(file.number(), 0) != 0) {
         refuseForError(path, "ftruncate");
     }
-    // The standard streams take no descriptor; those of this library do by way of this buffer.
+    // Standard streams cannot adopt a descriptor; libstdc++'s can, by way of this buffer.
     __gnu_cxx::stdio_filebuf<char> buffer(file.number(), std::ios_base::out);
     if (!buffer.is_open()) {
         refuseForError(path, "fdopen");

@@ -2,27 +2,18 @@
 
 namespace Nerix {
 
-namespace {
-
-void appendHexadecimal16(std::string& text, std::uint64_t value) {
+std::string hexadecimal16(std::uint64_t value) {
+    std::string text;
     for (unsigned int shift = 64; shift != 0;) {
         shift -= 4;
         text += "0123456789abcdef"[value >> shift & 0xFU];
     }
-}
-
-} // namespace
-
-std::string hexadecimal16(std::uint64_t value) {
-    std::string text;
-    appendHexadecimal16(text, value);
     return text;
 }
 
 std::string scanRecord(std::uint64_t value, const std::string& path) {
-    std::string record;
-    record.reserve(16 + path.size() + 3);
-    appendHexadecimal16(record, value);
+    std::string record = hexadecimal16(value);
+    record.reserve(record.size() + path.size() + 3);
     record += " \"";
     for (const char character : path) {
         if (character == '"' || character == '&') {

@@ -56,13 +56,13 @@ public:
     /// boost::thread_interrupted when interrupted there.
     HashWorker& start(const FileInput& root, const std::string& hashMethod);
 
-    /// Blocks until the last run has written its last setting and its thread has ended; at once when there is
-    /// none. Throws boost::thread_resource_error on the worker's own thread; an interruption of the calling
-    /// thread leaves as boost::thread_interrupted, and wait may be called again.
+    /// Blocks until the last run has written its last setting and its thread has ended; returns at once when
+    /// there is none. Throws boost::thread_resource_error on the worker's own thread; an interruption of the
+    /// calling thread leaves as boost::thread_interrupted, and wait may be called again.
     HashWorker& wait();
 
-    /// 16 hexadecimal digits, or "ERROR", of the last finished run. To be asked after wait: during a run the
-    /// call would race with the worker. Asserts that some run has finished.
+    /// 16 hexadecimal digits, or "ERROR", of the last finished run. Ask after wait: during a run the call
+    /// would race with the worker. Asserts that some run has finished.
     std::string getResult();
 
     /// The percentage as of the last report, see Progress::text; never 100.
@@ -71,9 +71,9 @@ public:
     /// The root entry of the current verification; "/" before the first.
     const FileInput& getRoot() const { return m_root; }
 
-    /// The digest steps of the worker's thread report their bytes; this moves progress inside a long file. Throws
-    /// VConfException when progress cannot be published, GenericException when a signal ends the process (see
-    /// TerminationSignals.h).
+    /// The digest steps of the worker's thread report their bytes; this moves progress inside a long file.
+    /// Throws VConfException when progress cannot be published, GenericException when a signal ends the
+    /// process (see TerminationSignals.h).
     void log(unsigned long long bytes);
 
     /// Scanners report each entry, finished or skipped, with its value: one record of the scan log, and its

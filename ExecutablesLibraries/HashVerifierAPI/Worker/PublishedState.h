@@ -23,21 +23,21 @@ constexpr const char* errorResult = "ERROR";
 constexpr const char* noProgress = "0.0";
 constexpr const char* wholeProgress = "100.0";
 
-/// A run is under way: the result says so before anything else does.
+/// The result becomes that of a run under way. Called before anything else.
 void begin();
 
 void progress(const std::string& percentage);
 
-/// The worker runs.
+/// The status becomes that of a running worker.
 void active();
 
-/// The result, of which the first 8 digits are published, then the whole progress.
+/// Publishes the first 8 digits, then the whole progress.
 void succeeded(const std::string& digits);
 
-/// The result is message; progress stays where it was.
+/// The result becomes message; progress keeps its value.
 void failed(const std::string& message);
 
-/// The run's last word.
+/// The status becomes that of no worker: the last thing that a run publishes.
 void inactive();
 
 } // namespace Nerix::PublishedState

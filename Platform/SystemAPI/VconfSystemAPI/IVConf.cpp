@@ -14,11 +14,13 @@ using Common::Utils::errinfo_stream;
 
 namespace {
 
-/// Logged before the exception is built: so the log has the failure even if nobody catches it.
-auto logFailure(const char* call, const std::string& key) {
+/// Logs before it builds the exception: the log has the failure even if nobody catches it.
+IVConf::VConfException loggedFailure(const char* call, const std::string& key) {
     const std::string text = std::string(call) + " failed while trying to access key: " + key;
     NERIX_LOG(WRN, "%s", text.c_str());
-    return errinfo_stream(text);
+    IVConf::VConfException failure;
+    failure << errinfo_stream(text);
+    return failure;
 }
 
 struct FreeDeleter {
@@ -31,72 +33,57 @@ struct FreeDeleter {
 
 int IVConf::getInt(const std::string& key) {
     int value = 0;
-    const int code = vconf_get_int(key.c_str(), &value);
-    if (code != 0) {
-        const auto failure = logFailure("vconf_get_int", key);
-        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    if (const int code = vconf_get_int(key.c_str(), &value)) {
+        BOOST_THROW_EXCEPTION(loggedFailure("vconf_get_int", key) << errinfo_errorcode(code));
     }
     return value;
 }
 
 void IVConf::setInt(const std::string& key, int value) {
-    const int code = vconf_set_int(key.c_str(), value);
-    if (code != 0) {
-        const auto failure = logFailure("vconf_set_int", key);
-        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    if (const int code = vconf_set_int(key.c_str(), value)) {
+        BOOST_THROW_EXCEPTION(loggedFailure("vconf_set_int", key) << errinfo_errorcode(code));
     }
 }
 
 double IVConf::getDouble(const std::string& key) {
     double value = 0.0;
-    const int code = vconf_get_dbl(key.c_str(), &value);
-    if (code != 0) {
-        const auto failure = logFailure("vconf_get_dbl", key);
-        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    if (const int code = vconf_get_dbl(key.c_str(), &value)) {
+        BOOST_THROW_EXCEPTION(loggedFailure("vconf_get_dbl", key) << errinfo_errorcode(code));
     }
     return value;
 }
 
 void IVConf::setDouble(const std::string& key, double value) {
-    const int code = vconf_set_dbl(key.c_str(), value);
-    if (code != 0) {
-        const auto failure = logFailure("vconf_set_dbl", key);
-        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    if (const int code = vconf_set_dbl(key.c_str(), value)) {
+        BOOST_THROW_EXCEPTION(loggedFailure("vconf_set_dbl", key) << errinfo_errorcode(code));
     }
 }
 
 std::string IVConf::getString(const std::string& key) {
     const std::unique_ptr<char, FreeDeleter> text(vconf_get_str(key.c_str()));
     if (!text) {
-        const auto failure = logFailure("vconf_get_str", key);
-        BOOST_THROW_EXCEPTION(VConfException() << failure);
+        BOOST_THROW_EXCEPTION(loggedFailure("vconf_get_str", key));
     }
     return text.get();
 }
 
 void IVConf::setString(const std::string& key, const std::string& value) {
-    const int code = vconf_set_str(key.c_str(), value.c_str());
-    if (code != 0) {
-        const auto failure = logFailure("vconf_set_str", key);
-        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    if (const int code = vconf_set_str(key.c_str(), value.c_str())) {
+        BOOST_THROW_EXCEPTION(loggedFailure("vconf_set_str", key) << errinfo_errorcode(code));
     }
 }
 
 bool IVConf::getBool(const std::string& key) {
     int value = 0;
-    const int code = vconf_get_bool(key.c_str(), &value);
-    if (code != 0) {
-        const auto failure = logFailure("vconf_get_bool", key);
-        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    if (const int code = vconf_get_bool(key.c_str(), &value)) {
+        BOOST_THROW_EXCEPTION(loggedFailure("vconf_get_bool", key) << errinfo_errorcode(code));
     }
     return value != 0;
 }
 
 void IVConf::setBool(const std::string& key, bool value) {
-    const int code = vconf_set_bool(key.c_str(), value ? 1 : 0);
-    if (code != 0) {
-        const auto failure = logFailure("vconf_set_bool", key);
-        BOOST_THROW_EXCEPTION(VConfException() << failure << errinfo_errorcode(code));
+    if (const int code = vconf_set_bool(key.c_str(), value ? 1 : 0)) {
+        BOOST_THROW_EXCEPTION(loggedFailure("vconf_set_bool", key) << errinfo_errorcode(code));
     }
 }
 

@@ -7,9 +7,9 @@
 
 namespace Nerix::Platform {
 
-/// Typed access to the platform's settings store. Keys are passed on as they are; each call asks the
-/// store once, nothing is cached or retried. A failure is logged at WRN with the key, then thrown. Any
-/// thread may call.
+/// Typed access to the platform's settings store. Keys are passed on as they are; each call asks the store
+/// once, nothing is cached or retried. A failure is logged at WRN with the key, then thrown. Any thread
+/// may call.
 class IVConf {
 public:
     /// The store refused. Carries the text of the log line and, except from getString, the store's return
