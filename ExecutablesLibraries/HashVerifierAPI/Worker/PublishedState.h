@@ -1,9 +1,11 @@
 #pragma once
 
+#include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
+
 #include <string>
 
-/// What a run tells the rest of the device by way of the settings store: three texts, and the moments at
-/// which they change.
+/// What a run tells the rest of the device by way of the settings store: three texts, and the moments at which
+/// they change.
 ///
 ///     status      "active" while the worker runs, else "inactive"
 ///     progress    a percentage: "0.0", then with two decimals, "100.0" at the end of a run that succeeded
@@ -23,21 +25,34 @@ constexpr const char* errorResult = "ERROR";
 constexpr const char* noProgress = "0.0";
 constexpr const char* wholeProgress = "100.0";
 
-/// The result becomes that of a run under way. Called before anything else.
-void begin();
+/// A run is under way. Called before anything else.
+inline void begin() {
+    Platform::IVConf::setString(resultKey, runningResult);
+}
 
-void progress(const std::string& percentage);
+inline void progress(const std::string& percentage) {
+    Platform::IVConf::setString(progressKey, percentage);
+}
 
-/// The status becomes that of a running worker.
-void active();
+/// The worker runs.
+inline void active() {
+    Platform::IVConf::setString(statusKey, activeStatus);
+}
 
-/// Publishes the first 8 digits, then the whole progress.
-void succeeded(const std::string& digits);
+/// digits: all 16, of which the first 8 are published.
+inline void succeeded(const std::string& digits) {
+    Platform::IVConf::setString(resultKey, digits.substr(0, 8));
+    progress(wholeProgress);
+}
 
-/// The result becomes message; progress keeps its value.
-void failed(const std::string& message);
+/// Progress keeps its value.
+inline void failed(const std::string& message) {
+    Platform::IVConf::setString(resultKey, message);
+}
 
-/// The status becomes that of no worker: the last thing that a run publishes.
-void inactive();
+/// The worker has ended: the last thing that a run publishes.
+inline void inactive() {
+    Platform::IVConf::setString(statusKey, inactiveStatus);
+}
 
 } // namespace Nerix::PublishedState
