@@ -1,6 +1,7 @@
 #include "Common/IO/HashSink.h"
 
 #include "Common/IO/DigestLookup.h"
+#include "Common/IO/HashSinkScope.h"
 #include "Common/IO/OpenSSLException.h"
 #include "Common/Utils/Errors/Errors.h"
 #include "Common/Utils/Singletons/SingletonsRegister.h"
@@ -17,16 +18,28 @@ namespace {
 
 const std::string userName = "<unknown>";
 
+/// An entry of the sink's own, or the thread's.
+Utils::SingletonPointer<OpenSSLInit> useOpenSSL() {
+    if (HashSinkScope* const scope = HashSinkScope::current()) {
+        scope->use();
+        return {userName, nullptr};
+    }
+    return Utils::SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>(
+        userName, Utils::SINGLETON_OPENSSL_INITIALIZER);
+}
+
+const EVP_MD* lookUp(const std::string& digestName) {
+    HashSinkScope* const scope = HashSinkScope::current();
+    return scope != nullptr ? scope->lookUp(digestName) : lookUpDigest(digestName);
+}
+
 } // namespace
 
-HashSink::HashSink(const std::string& digestName)
-    : m_openSSL(Utils::SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>(
-          userName, Utils::SINGLETON_OPENSSL_INITIALIZER)),
-      m_digestName(digestName) {
+HashSink::HashSink(const std::string& digestName) : m_openSSL(useOpenSSL()), m_digestName(digestName) {
     OpenSSLCompat::useStandardAllocation();
     OpenSSL_add_all_digests();
     m_context = OpenSSLCompat::makeDigestContext();
-    const EVP_MD* const digest = lookUpDigest(m_digestName);
+    const EVP_MD* const digest = lookUp(m_digestName);
     if (digest == nullptr) {
         // Without a digest the library would start the context's last one again.
         EVP_MD_CTX_reset(m_context.get());

@@ -70,17 +70,22 @@ class Faults(SystemTest):
         trace = ["strace", "-qq", "-y", "-o", report, *options]
         if thread == "main":
             run = subprocess.run([*trace, PROGRAM, "--path", self.tree], check=False, env=self.environment,
-                                 capture_output=True, timeout=60)
+                                 capture_output=True, timeout=60, preexec_fn=self.use_one_core)
         else:
             hold = ["strace", "-qq", "-o", "/dev/null", "-e", "trace=clone3,clone", "-e",
                     "inject=clone3,clone:delay_exit=400000"]
             with subprocess.Popen([*hold, PROGRAM, "--path", self.tree], env=self.environment, stdout=subprocess.PIPE,
-                                  stderr=subprocess.PIPE) as held:
+                                  stderr=subprocess.PIPE, preexec_fn=self.use_one_core) as held:
                 subprocess.run([*trace, "-p", self.worker_below(held)], check=True, timeout=60)
                 output = held.communicate(timeout=60)
             run = subprocess.CompletedProcess(held.args, held.returncode, *output)
         with open(report, encoding="utf-8", errors="replace") as lines:
             return run, lines.read().splitlines()
+
+    @staticmethod
+    def use_one_core():
+        """Which leaves all calls of a scan to the worker; those of helpers are no two runs the same."""
+        os.sched_setaffinity(0, {min(os.sched_getaffinity(0))})
 
     def worker_below(self, tracer):
         while tracer.poll() is None:

@@ -108,6 +108,16 @@ class SystemTest(unittest.TestCase):
         subprocess.run(["mount", *arguments, where], check=True)
         self.addCleanup(subprocess.run, ["umount", "-l", where], check=False, stderr=subprocess.DEVNULL)
 
+    def use_threads(self, count):
+        """From now on, by way of the testers' parameters; only where NO_MOUNTS is None."""
+        place = "/mnt/systemrw/org.corvan.tv.nerix/data/tv"
+        os.makedirs(place, exist_ok=True)
+        with open("/nerix/Tests/Fuzz/ParametersArchive/golden", encoding="utf-8") as golden:
+            text = re.sub(r"<first>b</first>\s*<second>2<", f"<first>hashVerifierThreads</first><second>{count}<", golden.read())
+        with open(f"{place}/DebugAndTestParameters.xml", "w", encoding="utf-8") as file:
+            file.write(text)
+        self.addCleanup(shutil.rmtree, place, ignore_errors=True)
+
     def run_program(self, *arguments, **options):
         options.setdefault("env", self.environment)
         options.setdefault("timeout", 600)

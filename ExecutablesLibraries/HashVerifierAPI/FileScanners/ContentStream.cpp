@@ -1,7 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/ContentStream.h"
 
 #include "Common/Utils/Errors/Errors.h"
-#include "Common/Utils/TerminationSignals.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -18,7 +18,7 @@ namespace {
 int openWithoutWaiting(const boost::filesystem::path& path) {
     for (;;) {
         const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-        if (descriptor != -1 || errno != EWOULDBLOCK || Common::Utils::terminationSignal() != 0) {
+        if (descriptor != -1 || errno != EWOULDBLOCK || HashFunctions::StepObserver::isStopWanted()) {
             return descriptor;
         }
         // A write lease, as file servers take them: the kernel has told its holder, and breaks it after
@@ -55,7 +55,7 @@ void ContentStream::refuse() const {
 }
 
 ssize_t ContentStream::read(void* self, char* buffer, std::size_t size) {
-    if (Common::Utils::terminationSignal() != 0) {
+    if (HashFunctions::StepObserver::isStopWanted()) {
         return 0; // the run ends when the file is reported
     }
     auto& content = *static_cast<ContentStream*>(self);

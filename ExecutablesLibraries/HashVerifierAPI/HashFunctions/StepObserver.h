@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Common/Utils/TerminationSignals.h"
+
 #include <boost/core/noncopyable.hpp>
 
 namespace Nerix::HashFunctions {
@@ -11,6 +13,15 @@ class StepObserver : private boost::noncopyable {
 public:
     /// A step over bytes of data was taken. What this throws leaves the step.
     virtual void onStep(unsigned long long bytes) = 0;
+
+    /// Whether what is long should end early: a signal ends the process, or nobody wants the value any more. Asked
+    /// between the reads of a content.
+    virtual bool mustStop() const { return Common::Utils::terminationSignal() != 0; }
+
+    /// What the calling thread's observer says, or would.
+    static bool isStopWanted() {
+        return m_current != nullptr ? m_current->mustStop() : Common::Utils::terminationSignal() != 0;
+    }
 
     /// For the hash functions: tells the calling thread's observer, if there is one.
     static void report(unsigned long long bytes) {

@@ -1,5 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
+#include "Common/IO/HashSinkScope.h"
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/Assert.h"
 #include "Common/Utils/Errors/Errors.h"
@@ -33,9 +34,9 @@ using Common::Utils::GenericException;
 
 namespace {
 
-/// Bytes for the worker's thread. Each directory level takes a frame, and a path has room for two thousand
-/// levels. The default depends on the caller's rlimit and may be too small.
-constexpr std::size_t stackSize = std::size_t{8} << 20U;
+/// Bytes for the worker's thread, of which the buffer for a content takes a quarter. The default depends on the
+/// caller's rlimit and may be too small.
+constexpr std::size_t stackSize = std::size_t{512} << 10U;
 
 /// A signal that ends the process ends the run first, as a failure at the next step or entry.
 void throwIfProcessEnds() {
@@ -197,6 +198,7 @@ HashWorker& HashWorker::execute() {
 void HashWorker::scan() {
     const IFileScanner& scanner = FileScanners::getInstance(m_root);
     const IHashFunction& function = HashFunctions::getInstance(m_hashMethod);
+    const Common::IO::HashSinkScope sinks;
     const StepsOfRun observer(*this);
     shutdown(scanner.process(m_root, 0, function));
 }

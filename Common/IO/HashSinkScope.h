@@ -1,0 +1,38 @@
+#pragma once
+
+#include <boost/core/noncopyable.hpp>
+
+#include <openssl/evp.h>
+
+#include <memory>
+#include <string>
+
+namespace Nerix::Common::IO {
+
+/// While it lives, the HashSinks of its thread share one entry among the users of the crypto set-up, and one look-up
+/// of their digest: threads that hash at once would otherwise queue for the register's locks at each sink. The first
+/// sink takes the entry, asserting that the set-up is there; it goes with the scope. One at a time on a thread;
+/// destroy it there, after its sinks.
+class HashSinkScope : private boost::noncopyable {
+public:
+    HashSinkScope();
+    ~HashSinkScope();
+
+    /// The calling thread's; null when it has none.
+    static HashSinkScope* current();
+
+    /// Takes the entry, unless that has happened.
+    void use();
+
+    /// The same as lookUpDigest.
+    const EVP_MD* lookUp(const std::string& digestName);
+
+private:
+    struct User;
+
+    std::unique_ptr<User> m_user;
+    std::string m_digestName;
+    const EVP_MD* m_digest = nullptr; ///< called m_digestName; null while none is known
+};
+
+} // namespace Nerix::Common::IO

@@ -1,0 +1,89 @@
+#pragma once
+
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Tape.h"
+
+#include <atomic>
+#include <exception>
+#include <vector>
+
+namespace boost {
+class thread;
+}
+
+namespace Nerix {
+class HashWorker;
+}
+
+namespace Nerix::FileScanners {
+
+/// Folds a directory and everything below it. Entries are independent of each other, as each value starts from 0:
+/// other cores examine them ahead, while the calling thread, the reporter, alone reports, in the order in which it
+/// would have come to them by itself. What a helper cannot examine is left to the reporter, so a failure is met
+/// where, and as, one thread meets it.
+///
+/// Tape.h explains who has which entry when. The helpers end with run, however it ends. On one core, and with
+/// "hashVerifierThreads" 1 among the testers' custom parameters, there is none: the same code, and no entry is
+/// looked at before its turn.
+class Walk : private boost::noncopyable {
+public:
+    /// Where a failure passes through each directory: what its trail names.
+    struct Place {
+        const char* function;
+        const char* file;
+        int line;
+    };
+
+    /// directory: the scanner of directories.
+    Walk(const IFileScanner& directory, const IHashFunction& function, Place place);
+    ~Walk();
+
+    /// The value after root and everything below it was folded into value; to be called once, by the HashWorker's
+    /// thread. The first failure ends the walk: it is logged at ERR and gets a line of context for each directory
+    /// around the entry, innermost first, and leaves.
+    IFileScanner::hash_t run(const FileInput& root, IFileScanner::hash_t value);
+
+private:
+    using hash_t = IFileScanner::hash_t;
+    class FrontSteps;
+    class AheadSteps;
+
+    void step();
+    void report(Cell& cell);
+    void reportDirectories(Cell* innermost);
+    void reportSteps(Cell& cell, const Steps& steps);
+    void reportProgress();
+    void reportProgressAhead();
+
+    void examine(Cell& cell);
+    void examineInFront(Cell& cell);
+    void examineAhead(Cell& cell, bool isReporter);
+
+    void startHelpers();
+    void stopHelpers() noexcept;
+    void help();
+    [[noreturn]] void passOn() const;
+
+    const IFileScanner& m_directory;
+    const IHashFunction& m_function;
+    const Place m_place;
+    HashWorker& m_worker;
+    const dev_t m_rootDevice;
+    const std::size_t m_helperCount;
+    Tape m_tape;
+    std::atomic<bool> m_isStopping{false};
+
+    const FileInput* m_root = nullptr;
+    hash_t m_rootValue = 0;
+
+    // The reporter's.
+    std::vector<Cell*> m_unreported; ///< directories whose own steps come before those of what they contain
+    Tape::Cells m_reported;
+    Tape::Cells m_blank;
+    std::vector<std::unique_ptr<boost::thread>> m_helpers;
+    std::size_t m_depth = 0;      ///< of the entry that a failure now would belong to
+    bool m_isReporting = false;   ///< a failure now is not one of reading an entry
+    std::exception_ptr m_failure; ///< of a report made in the middle of an examination ahead
+    std::optional<IFileScanner::hash_t> m_result;
+};
+
+} // namespace Nerix::FileScanners

@@ -1,0 +1,138 @@
+"""Any number of threads gives the same run: value, records, reports of failures."""
+
+import os
+import random
+import re
+import resource
+import shutil
+import signal
+import subprocess
+import sys
+import time
+
+from harness import NO_MOUNTS, PROGRAM, SANITIZED, SystemTest, main, unescape
+from tree_value import Model
+import random_tree
+
+if NO_MOUNTS:
+    print(f"SKIPPED threads_test: {NO_MOUNTS}")
+    sys.exit(77)
+
+ALL = os.environ.get("NERIX_ALL_FAULTS") == "1"
+TREES = 200 if ALL else 25
+REPEATS = 10 if ALL else 2
+THREADS = (1, 2, 3, 8)
+# What differs between two runs alike: the time, the thread's id, the record's number, an address.
+CHANGING = re.compile(rb"^\S+ |\]\[\d+ \S+\]|\[\d+\](?=\[[A-Z])|0x[0-9a-f]+|thread id [0-9a-f]+")
+
+
+class Threads(SystemTest):
+    def everything_of(self, run):
+        """Standard output and both logs, but for what changes from run to run."""
+        logs = [CHANGING.sub(b"", line) for buffer in ("main", "system") for line in self.log_lines(buffer)]
+        for buffer in ("main", "system"):
+            if os.path.exists(os.path.join(self.home, "log", f"{buffer}.log")):
+                os.truncate(os.path.join(self.home, "log", f"{buffer}.log"), 0)
+        return run.stdout, [line for line in logs if b"hashVerifierThreads" not in line]
+
+    def assert_same_with_any_number(self, run):
+        expected = None
+        for threads in THREADS:
+            self.use_threads(threads)
+            for _ in range(1 if threads == 1 else REPEATS):
+                found = self.everything_of(run())
+                expected = expected or found
+                self.assertEqual(found, expected, f"{threads} threads")
+        return expected
+
+    def test_random_trees(self):
+        for number in range(TREES):
+            with self.subTest(tree=number):
+                tree = os.fsencode(os.path.join(self.work, str(number)))
+                os.mkdir(tree)
+                random_tree.make(tree, random.Random(number), entries=19)
+                model = Model("md5")
+                value = model.value(tree)
+                output, lines = self.assert_same_with_any_number(lambda: self.run_program("--path", tree))
+                self.assertEqual(output.decode().strip(), value)
+                records = re.compile(rb'>([0-9a-f]{16} ".*)')
+                found = [unescape(match.group(1)) for match in map(records.search, lines) if match]
+                self.assertEqual(found, model.record_lines())
+
+    def test_entry_that_cannot_be_read_at_every_position(self):
+        files = []
+        for place in ("a", "a/b", "a/b/c", "a/d", "e"):
+            os.mkdir(os.path.join(self.work, place))
+            for name in ("1", "b1", "z"):
+                files.append(os.path.join(self.work, place, name))
+                with open(files[-1], "wb") as file:
+                    file.write(b"x" * 5000)
+        for unreadable in [*files, os.path.join(self.work, "a/b"), os.path.join(self.work, "e")]:
+            mode = os.stat(unreadable).st_mode
+            os.chmod(unreadable, 0)
+            with self.subTest(unreadable):
+                output, lines = self.assert_same_with_any_number(lambda: self.run_unprivileged("--path", self.work))
+                self.assertEqual(output, b"ERROR\n")
+                depth = unreadable.count("/") - self.work.count("/")
+                self.assertEqual(sum(b"Exception when scanning" in line for line in lines), depth)
+            os.chmod(unreadable, mode)
+
+    def test_large_files_between_small_ones(self):
+        for number in range(2000):
+            with open(os.path.join(self.work, f"{number:04}"), "wb") as file:
+                file.truncate((200 << 20) if number in (0, 900) else number % 100)
+        output, _ = self.assert_same_with_any_number(lambda: self.run_program("--path", self.work))
+        self.assertEqual(output.decode().strip(), Model("md5").value(self.work))
+
+    def test_little_of_everything(self):
+        for number in range(300):
+            with open(os.path.join(self.work, f"{number}"), "wb") as file:
+                file.write(b"x" * 50_000)
+        expected = Model("md5").value(self.work)
+        self.use_threads(8)
+        limits = [(resource.RLIMIT_NOFILE, limit) for limit in range(12, 20)]
+        if not SANITIZED:  # their shadow memory alone is larger
+            limits += [(resource.RLIMIT_AS, limit << 20) for limit in range(30, 60, 2)]
+        for which, limit in limits:
+            value = self.value(self.work, preexec_fn=lambda: resource.setrlimit(which, (limit, limit)))
+            self.assertEqual(value, expected, (which, limit))
+
+    def test_signal_at_any_instant(self):
+        for number in range(50):
+            with open(os.path.join(self.work, f"{number:02}"), "wb") as file:
+                file.truncate(4 << 20)
+        expected = Model("md5").value(self.work)
+        self.use_threads(8)
+        chance = random.Random(1)
+        for method in ("md5", "none", "trivial") * (20 if ALL else 5):
+            with subprocess.Popen([PROGRAM, "--path", self.work, "--hash", method], env=self.environment,
+                                  stdout=subprocess.PIPE) as run:
+                time.sleep(chance.uniform(0, 0.4))
+                run.send_signal(signal.SIGTERM)
+                output = run.communicate(timeout=60)[0]
+            if output and output != b"ERROR\n":  # it came too late
+                self.assertTrue(method != "md5" or output.decode().strip() == expected)
+                self.assertEqual(self.settings()[:2], ("inactive", "100.0"))
+            elif output:
+                self.assertEqual(run.returncode, -signal.SIGTERM)
+                self.assertEqual(self.settings()[::2], ("inactive", "ERROR"))
+
+    def test_calls_that_fail_in_any_thread(self):
+        if SANITIZED or not shutil.which("strace"):
+            self.skipTest("a sanitizer's own calls would fail, too" if SANITIZED else "no strace on this machine")
+        random_tree.make(os.fsencode(self.work), random.Random(3), entries=19)
+        expected = Model("md5").value(self.work).encode()
+        self.use_threads(3)
+        calls = ("newfstatat", "openat", "read", "llistxattr", "lgetxattr", "getdents64", "clone3", "mmap", "futex")
+        for call in calls:
+            for when in (range(1, 60) if ALL else (1, 2, 3, 7, 20, 40)):
+                # Each thread's call of that number fails.
+                run = subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", "-e", f"trace={call}", "-e",
+                                      f"inject={call}:error=ENOMEM:when={when}", PROGRAM, "--path", self.work],
+                                     check=False, env=self.environment, capture_output=True, timeout=60)
+                if run.returncode == 0 and call != "read":  # a read that fails ends a content
+                    self.assertIn(run.stdout.strip(), (expected, b"ERROR"), (call, when))
+
+
+if __name__ == "__main__":
+    main()
