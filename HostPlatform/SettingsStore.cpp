@@ -3,6 +3,7 @@
 #include "HostPlatform/HostDirectories.h"
 #include "HostPlatform/ProcessIdentity.h"
 #include "HostPlatform/SettingsShelf.h"
+#include "HostPlatform/SystemLog.h"
 
 #include <algorithm>
 #include <optional>
@@ -100,6 +101,7 @@ SettingsResult SettingsStore::find(std::string_view key, Setting& setting) {
 }
 
 SettingsResult SettingsStore::write(std::string_view key, SettingType type, std::string_view bytes) {
+    SystemLog::instance().flush();
     return attempt([&] {
         shelfOf(key).put(key, packed(type, bytes));
         return SettingsResult::Ok;

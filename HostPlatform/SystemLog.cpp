@@ -1,19 +1,23 @@
 #include "HostPlatform/SystemLog.h"
 
+#include "HostPlatform/BatchingSink.h"
 #include "HostPlatform/EscapedText.h"
 #include "HostPlatform/HostDirectories.h"
 #include "PlatformInterfaces/dlog.h"
 
 #include <spdlog/logger.h>
-#include <spdlog/sinks/rotating_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/sinks/syslog_sink.h>
 
 #include <atomic>
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <string_view>
+#include <system_error>
+#include <thread>
 
 namespace Nerix::Platform::Host {
 
@@ -36,10 +40,7 @@ spdlog::sink_ptr makeSink(const std::string& kind, const std::string& bufferName
     if (kind == "stderr") {
         return std::make_shared<spdlog::sinks::stderr_sink_mt>();
     }
-    constexpr std::size_t bytesPerFile = 16UL * 1024 * 1024;
-    constexpr std::size_t olderFiles = 4;
-    const auto file = logDirectory() / (bufferName + ".log");
-    return std::make_shared<spdlog::sinks::rotating_file_sink_mt>(file.string(), bytesPerFile, olderFiles);
+    return std::make_shared<BatchingSink>((logDirectory() / (bufferName + ".log")).string());
 }
 
 std::string chosenKind() {
@@ -58,7 +59,6 @@ std::shared_ptr<spdlog::logger> makeLogger(const std::string& kind, const std::s
         auto logger = std::make_shared<spdlog::logger>(bufferName, makeSink(kind, bufferName));
         logger->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %v");
         logger->set_level(spdlog::level::trace);
-        logger->flush_on(spdlog::level::trace);
         logger->set_error_handler([](const std::string& failure) {
             writingFailed = true;
             tellOnce(failure);
@@ -100,6 +100,8 @@ char letterOf(int priority) {
 SystemLog& SystemLog::instance() {
     // Never destroyed: other static objects may log while the process ends.
     static SystemLog& log = *new SystemLog();
+    static const int isEndedAtExit = std::atexit([] { instance().end(); });
+    static_cast<void>(isEndedAtExit);
     return log;
 }
 
@@ -107,6 +109,42 @@ SystemLog::SystemLog() {
     const std::string kind = chosenKind();
     m_main = makeLogger(kind, "main");
     m_system = makeLogger(kind, "system");
+    try {
+        m_flusher = std::thread([this] { flushEachSecond(); });
+    } catch (const std::system_error&) { // without it no line may wait
+        for (const auto& logger : {m_main, m_system}) {
+            if (logger) {
+                logger->flush_on(spdlog::level::trace);
+            }
+        }
+    }
+}
+
+void SystemLog::flushEachSecond() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, nullptr);
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_wakes.wait_for(lock, std::chrono::seconds(1), [this] { return m_isEnding; })) {
+        flush();
+    }
+}
+
+void SystemLog::end() {
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_isEnding = true;
+        m_wakes.notify_one();
+    }
+    if (m_flusher.joinable()) {
+        m_flusher.join();
+    }
+    for (const auto& logger : {m_main, m_system}) {
+        if (logger) {
+            logger->flush();
+            logger->flush_on(spdlog::level::trace); // for whoever logs later still
+        }
+    }
 }
 
 bool SystemLog::write(int buffer, int priority, const char* tag, const std::string& text) {
@@ -123,7 +161,18 @@ bool SystemLog::write(int buffer, int priority, const char* tag, const std::stri
     line += escaped(text);
     writingFailed = false;
     logger->log(levelOf(priority), spdlog::string_view_t(line));
+    if (priority >= DLOG_PRIORITY_WARNING) {
+        flush();
+    }
     return !writingFailed;
+}
+
+void SystemLog::flush() {
+    for (const auto& logger : {m_main, m_system}) {
+        if (logger) {
+            logger->flush();
+        }
+    }
 }
 
 } // namespace Nerix::Platform::Host

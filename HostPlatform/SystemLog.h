@@ -1,7 +1,10 @@
 #pragma once
 
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
 
 namespace spdlog {
 class logger;
@@ -16,9 +19,11 @@ namespace Nerix::Platform::Host {
 ///     syslog          the machine's own log
 ///     stderr          standard error
 ///
-/// A record is one line: time, priority, tag, text. Each line is written at once and whole, so that processes
-/// that share the files do not mix theirs, and an abort loses none. When one of several processes starts a
-/// new file, the others go on in the old one. The text is escaped, see EscapedText.h. Any thread may call.
+/// A record is one line: time, priority, tag, text; the text is escaped, see EscapedText.h. Lines of a file that are
+/// below a warning wait up to a second, see BatchingSink.h; a warning, a setting that is written and the end of the
+/// process write them first, so that an abort loses none, and who sees a setting finds what was logged before it. A
+/// process that is killed loses its last second. When one of several processes starts a new file, the others go on
+/// in the old one. Any thread may call.
 class SystemLog {
 public:
     static SystemLog& instance();
@@ -28,11 +33,21 @@ public:
     /// standard error.
     bool write(int buffer, int priority, const char* tag, const std::string& text);
 
+    /// Writes the lines that wait.
+    void flush();
+
 private:
     SystemLog();
+    void flushEachSecond();
+    void end();
 
     std::shared_ptr<spdlog::logger> m_main; ///< null when it could not be opened
     std::shared_ptr<spdlog::logger> m_system;
+
+    std::thread m_flusher; ///< until the process exits
+    std::mutex m_mutex;    ///< guards the next
+    bool m_isEnding = false;
+    std::condition_variable m_wakes;
 };
 
 } // namespace Nerix::Platform::Host

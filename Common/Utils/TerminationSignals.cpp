@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <csignal>
+#include <cstdlib>
 #include <ctime>
 
 namespace Nerix::Common::Utils {
@@ -34,9 +35,17 @@ void remember(int signal) {
     }
 }
 
+void endByRememberedSignal() {
+    if (const int signal = terminationSignal()) {
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+    }
+}
+
 } // namespace
 
 void catchTerminationSignals() {
+    std::atexit(&endByRememberedSignal);
     struct sigaction action {};
     action.sa_handler = &remember;
     action.sa_flags = SA_RESTART; // a call that was interrupted would look like one that failed
@@ -54,13 +63,6 @@ void catchTerminationSignals() {
 
 int terminationSignal() noexcept {
     return remembered.load(std::memory_order_relaxed);
-}
-
-void endByTerminationSignal() {
-    if (const int signal = terminationSignal()) {
-        std::signal(signal, SIG_DFL);
-        std::raise(signal);
-    }
 }
 
 } // namespace Nerix::Common::Utils

@@ -113,7 +113,5 @@ int main(int argc, char* argv[]) {
     }
     shareHeapIfSpaceIsLimited();
     Nerix::Common::Utils::catchTerminationSignals();
-    const int status = verify(argc, argv);
-    Nerix::Common::Utils::endByTerminationSignal();
-    return status;
+    return verify(argc, argv);
 }

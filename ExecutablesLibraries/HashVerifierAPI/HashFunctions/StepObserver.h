@@ -15,8 +15,8 @@ public:
     virtual void onStep(unsigned long long bytes) = 0;
 
     /// Whether what is long should end early: a signal ends the process, or nobody wants the value any more. Asked
-    /// between the reads of a content.
-    virtual bool mustStop() const { return Common::Utils::terminationSignal() != 0; }
+    /// between the reads of a content, so it also tells that time passes.
+    virtual bool mustStop() noexcept { return Common::Utils::terminationSignal() != 0; }
 
     /// What the calling thread's observer says, or would.
     static bool isStopWanted() {

@@ -62,6 +62,12 @@ Tape::Turn Tape::next(Cells& reported, Cells& blank) {
     }
 }
 
+void Tape::takeFinished(Cells& reported) {
+    const Lock lock(m_mutex);
+    removeFinished(reported);
+    wakeHelpers();
+}
+
 Cell* Tape::takeAhead(Cells& blank) {
     Lock lock(m_mutex);
     while (!m_isStopped) {
@@ -199,7 +205,7 @@ Cell* Tape::openDirectory() {
 }
 
 std::size_t Tape::ahead() const {
-    return m_cells.size() + m_unreported - (m_cells.front().depth + 1);
+    return m_cells.empty() ? 0 : m_cells.size() + m_unreported - (m_cells.front().depth + 1);
 }
 
 void Tape::leave(Cell& cell) noexcept {

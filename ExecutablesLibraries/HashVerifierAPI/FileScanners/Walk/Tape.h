@@ -108,6 +108,9 @@ public:
     /// front that another thread has in hand.
     Turn next(Cells& reported, Cells& blank);
 
+    /// For the reporter in the middle of a cell: as next, but takes none and never waits.
+    void takeFinished(Cells& reported);
+
     /// For a helper: takes a name ahead. Waits while there is none, or enough is ahead; null once stopped.
     Cell* takeAhead(Cells& blank);
 

@@ -85,31 +85,30 @@ private:
     std::uint64_t m_taken = 0;
 };
 
-/// The steps of an entry ahead are kept for the reporter; now and then they are put where it finds them if the
-/// entry has come to the front.
+/// The steps of an entry ahead are kept for the reporter; each mebibyte of them is put where it finds them, should the
+/// entry be in front by then. The reporter goes on reporting between two reads of a content.
 class Walk::AheadSteps final : public HashFunctions::StepObserver {
 public:
     AheadSteps(Walk& walk, Cell& cell, bool isReporter)
         : m_walk(walk), m_cell(cell), m_isReporter(isReporter) {}
 
     void onStep(unsigned long long bytes) override {
-        if (mustStop()) {
+        if (isStopped()) {
             throw Stopped();
         }
         steps.add({bytes, 1});
-        m_sinceShown += bytes;
-        if (m_sinceShown > oneMebibyte) {
-            m_sinceShown = 0;
+        m_bytes += bytes;
+        if (m_bytes > oneMebibyte) {
+            m_bytes = 0;
             m_walk.m_tape.addSteps(m_cell, steps);
-            if (m_isReporter) {
-                m_walk.reportProgressAhead();
-            }
         }
     }
 
-    bool mustStop() const override { return m_walk.m_isStopping || StepObserver::mustStop(); }
+    bool mustStop() noexcept override { return isStopped() || (m_isReporter && !m_walk.reportMeanwhile()); }
 
-    Steps steps; ///< not shown yet
+    bool isStopped() const { return m_walk.m_isStopping || Common::Utils::terminationSignal() != 0; }
+
+    Steps steps; ///< since the last mebibyte
 
 private:
     static constexpr unsigned long long oneMebibyte = 1U << 20U;
@@ -117,7 +116,7 @@ private:
     Walk& m_walk;
     Cell& m_cell;
     const bool m_isReporter;
-    unsigned long long m_sinceShown = 0;
+    unsigned long long m_bytes = 0;
 };
 
 Walk::Walk(const IFileScanner& directory, const IHashFunction& function, Place place)
@@ -168,7 +167,6 @@ void Walk::step() {
         turn.isAhead ? examineAhead(*turn.cell, true) : examineInFront(*turn.cell);
     }
     if (m_failure) {
-        m_isReporting = true;
         std::rethrow_exception(m_failure);
     }
 }
@@ -228,13 +226,24 @@ void Walk::reportProgress() {
     }
 }
 
-void Walk::reportProgressAhead() {
+bool Walk::reportMeanwhile() noexcept {
+    m_isReporting = true;
     try {
+        do {
+            m_reported.clear();
+            m_tape.takeFinished(m_reported);
+            for (Cell& cell : m_reported) {
+                report(cell);
+            }
+        } while (!m_reported.empty());
         reportProgress();
     } catch (...) {
         m_failure = std::current_exception();
-        throw;
+        m_isStopping = true;
+        return false;
     }
+    m_isReporting = false;
+    return true;
 }
 
 void Walk::examineInFront(Cell& cell) {
@@ -260,7 +269,7 @@ void Walk::examineAhead(Cell& cell, bool isReporter) {
     try {
         examine(cell);
         // A content that ended because of the stop has no value.
-        state = observer.mustStop() ? Cell::State::Left : Cell::State::Settled;
+        state = observer.isStopped() ? Cell::State::Left : Cell::State::Settled;
     } catch (...) { // NOLINT(bugprone-empty-catch): the reporter meets the failure when it comes to the entry
     }
     m_tape.settle(cell, state, observer.steps);
@@ -290,10 +299,10 @@ void Walk::examine(Cell& cell) {
 void Walk::startHelpers() {
     const SignalsBlocked blocked;
     boost::thread::attributes attributes;
-    attributes.set_stack_size(std::size_t{512} << 10U); // the content's buffer takes 128 KiB of it
+    attributes.set_stack_size(std::size_t{1} << 20U); // of which the buffer of a content takes 128 KiB
     try {
+        m_helpers.reserve(m_helperCount);
         while (m_helpers.size() < m_helperCount) {
-            m_helpers.reserve(m_helpers.size() + 1);
             m_helpers.push_back(std::make_unique<boost::thread>(attributes, [this] { help(); }));
         }
     } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): fewer, or none, do as well
@@ -318,8 +327,7 @@ void Walk::help() {
             examineAhead(*cell, false);
             blank.resize(1);
         }
-    } catch (
-        ...) { // NOLINT(bugprone-empty-catch): no memory for a cell, the others go on without this helper
+    } catch (...) { // NOLINT(bugprone-empty-catch): no memory for a cell; the others go on
     }
 }
 

@@ -21,7 +21,7 @@ namespace Nerix::FileScanners {
 /// would have come to them by itself. What a helper cannot examine is left to the reporter, so a failure is met
 /// where, and as, one thread meets it.
 ///
-/// Tape.h explains who has which entry when. The helpers end with run, however it ends. On one core, and with
+/// Tape.h explains who has which entry when. The helpers end with the walk, however it ends. On one core, and with
 /// "hashVerifierThreads" 1 among the testers' custom parameters, there is none: the same code, and no entry is
 /// looked at before its turn.
 class Walk : private boost::noncopyable {
@@ -52,7 +52,7 @@ private:
     void reportDirectories(Cell* innermost);
     void reportSteps(Cell& cell, const Steps& steps);
     void reportProgress();
-    void reportProgressAhead();
+    bool reportMeanwhile() noexcept;
 
     void examine(Cell& cell);
     void examineInFront(Cell& cell);
@@ -82,7 +82,7 @@ private:
     std::vector<std::unique_ptr<boost::thread>> m_helpers;
     std::size_t m_depth = 0;      ///< of the entry that a failure now would belong to
     bool m_isReporting = false;   ///< a failure now is not one of reading an entry
-    std::exception_ptr m_failure; ///< of a report made in the middle of an examination ahead
+    std::exception_ptr m_failure; ///< of a report in the middle of an examination ahead
     std::optional<IFileScanner::hash_t> m_result;
 };
 

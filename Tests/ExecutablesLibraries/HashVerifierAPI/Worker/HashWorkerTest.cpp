@@ -10,12 +10,15 @@
 #include "Tests/Fakes/PrivateMounts.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
+#include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <gtest/gtest.h>
 
 #include <future>
 #include <regex>
 #include <thread>
+
+#include <sched.h>
 
 namespace Nerix::Tests {
 namespace {
@@ -118,6 +121,29 @@ TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefusedAndProgressMayBeAsked) {
     EXPECT_EQ(platform().written().size(), 6U) << "the second start changed nothing";
     EXPECT_EQ(HashWorker::getInstance().getRoot().path, boost::filesystem::canonical(m_tree.path()));
     EXPECT_NE(verify(), "ERROR") << "a later start is accepted";
+}
+
+TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
+    for (std::size_t number = 1; number <= 40; ++number) { // progress comes inside files and between them
+        const std::size_t size = number % 10 == 0 ? 3'000'000 : number * 10'000;
+        boost::filesystem::ofstream(m_tree.path() / std::to_string(number)) << std::string(size, 'x');
+    }
+    cpu_set_t all{};
+    ASSERT_EQ(::sched_getaffinity(0, sizeof all, &all), 0);
+    cpu_set_t one{};
+    CPU_SET(::sched_getcpu(), &one);
+    ::sched_setaffinity(0, sizeof one, &one);
+    EXPECT_NE(verify(), "ERROR");
+    const Writes expected = platform().written();
+    EXPECT_GT(expected.size(), 20U);
+    ::sched_setaffinity(0, sizeof all, &all);
+    for (int run = 0; run < 10; ++run) {
+        platform().reset();
+        std::thread asking([] { EXPECT_GE(HashVerifierAPI::getProgress().size(), 4U); });
+        verify();
+        asking.join();
+        EXPECT_EQ(platform().written(), expected);
+    }
 }
 
 TEST(HashWorkerDeathTest, ResultBeforeTheEndIsAnAssertion) {
