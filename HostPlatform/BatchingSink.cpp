@@ -15,9 +15,9 @@ std::unique_ptr<spdlog::sinks::sink> openFile(const std::string& name) {
     constexpr std::size_t bytesPerFile = std::size_t{16} << 20U;
     constexpr std::size_t olderFiles = 4;
     spdlog::file_event_handlers handlers;
-    // Room for a batch and the line that completed it: a smaller buffer would write in the middle of a line.
+    // A buffer of the stream would cut a batch in the middle of a line.
     handlers.after_open = [](const spdlog::filename_t&, std::FILE* file) {
-        std::setvbuf(file, nullptr, _IOFBF, 2 * mostBytes);
+        std::setvbuf(file, nullptr, _IONBF, 0);
     };
     auto file = std::make_unique<spdlog::sinks::rotating_file_sink_st>(name, bytesPerFile, olderFiles, false,
                                                                        handlers);

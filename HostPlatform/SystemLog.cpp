@@ -141,8 +141,8 @@ void SystemLog::end() {
     }
     for (const auto& logger : {m_main, m_system}) {
         if (logger) {
-            logger->flush();
             logger->flush_on(spdlog::level::trace); // for whoever logs later still
+            logger->flush();
         }
     }
 }

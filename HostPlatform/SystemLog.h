@@ -19,11 +19,11 @@ namespace Nerix::Platform::Host {
 ///     syslog          the machine's own log
 ///     stderr          standard error
 ///
-/// A record is one line: time, priority, tag, text; the text is escaped, see EscapedText.h. Lines of a file that are
-/// below a warning wait up to a second, see BatchingSink.h; a warning, a setting that is written and the end of the
-/// process write them first, so that an abort loses none, and who sees a setting finds what was logged before it. A
-/// process that is killed loses its last second. When one of several processes starts a new file, the others go on
-/// in the old one. Any thread may call.
+/// A record is one line: time, priority, tag, text; the text is escaped, see EscapedText.h. Lines of a file
+/// that are below a warning wait up to a second, see BatchingSink.h; a warning, a setting that is written and
+/// the end of the process write them first, so that an abort loses none, and who sees a setting finds what
+/// was logged before it. A process that is killed, or ended by a second signal, loses its last second. When
+/// one of several processes starts a new file, the others go on in the old one. Any thread may call.
 class SystemLog {
 public:
     static SystemLog& instance();

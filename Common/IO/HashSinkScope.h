@@ -9,10 +9,10 @@
 
 namespace Nerix::Common::IO {
 
-/// While it lives, the HashSinks of its thread share one entry among the users of the crypto set-up, and one look-up
-/// of their digest: threads that hash at once would otherwise queue for the register's locks at each sink. The first
-/// sink takes the entry, asserting that the set-up is there; it goes with the scope. One at a time on a thread;
-/// destroy it there, after its sinks.
+/// While it lives, the HashSinks of its thread share one entry among the users of the crypto set-up, and one
+/// look-up of their digest: threads that hash at once would otherwise queue for the register's locks at each
+/// sink. The first sink takes the entry, asserting that the set-up is there; it goes with the scope. One at a
+/// time on a thread; destroy it there, after its sinks.
 class HashSinkScope : private boost::noncopyable {
 public:
     HashSinkScope();

@@ -27,8 +27,8 @@ bool is_directory(const boost::filesystem::path& p);
 /// Whether the entry is a regular file; a link to one is not.
 bool is_regular_file(const boost::filesystem::path& p);
 
-/// Opens the file for reading, following links; closed when that fails or it is no regular file: opening a FIFO
-/// would wait for a writer.
+/// Opens the file for reading, following links; closed when that fails or it is no regular file: opening a
+/// FIFO would wait for a writer.
 std::ifstream openRegularFile(const boost::filesystem::path& p);
 
 /// Whether the entry is a symbolic link.

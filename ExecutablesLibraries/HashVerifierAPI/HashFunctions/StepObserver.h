@@ -6,16 +6,16 @@
 
 namespace Nerix::HashFunctions {
 
-/// Hears of the digest steps of the thread that makes it while it lives; one made later on that thread takes its
-/// place meanwhile. Destroy it on the same thread, the last made first. Steps of a thread without an observer
-/// belong to no run and are reported to nobody.
+/// Hears of the digest steps of the thread that makes it while it lives; one made later on that thread takes
+/// its place meanwhile. Destroy it on the same thread, the last made first. Steps of a thread without an
+/// observer belong to no run and are reported to nobody.
 class StepObserver : private boost::noncopyable {
 public:
     /// A step over bytes of data was taken. What this throws leaves the step.
     virtual void onStep(unsigned long long bytes) = 0;
 
-    /// Whether what is long should end early: a signal ends the process, or nobody wants the value any more. Asked
-    /// between the reads of a content, so it also tells that time passes.
+    /// Whether what is long should end early: a signal ends the process, or nobody wants the value any more.
+    /// Asked between the reads of a content, so it also tells that time passes.
     virtual bool mustStop() noexcept { return Common::Utils::terminationSignal() != 0; }
 
     /// What the calling thread's observer says, or would.

@@ -34,8 +34,8 @@ using Common::Utils::GenericException;
 
 namespace {
 
-/// Bytes for the worker's thread, of which the buffer of a content takes an eighth. The default depends on the
-/// caller's rlimit and may be too small.
+/// Bytes for the worker's thread, of which the buffer of a content takes an eighth. The default depends on
+/// the caller's rlimit and may be too small.
 constexpr std::size_t stackSize = std::size_t{1} << 20U;
 
 /// A signal that ends the process ends the run first, as a failure at the next step or entry.

@@ -4,8 +4,8 @@
 
 #include <string>
 
-/// What a run tells the rest of the device by way of the settings store: three texts, and the moments at which
-/// they change.
+/// What a run tells the rest of the device by way of the settings store: three texts, and the moments at
+/// which they change.
 ///
 ///     status      "active" while the worker runs, else "inactive"
 ///     progress    a percentage: "0.0", then with two decimals, "100.0" at the end of a run that succeeded

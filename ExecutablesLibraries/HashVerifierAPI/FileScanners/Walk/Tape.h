@@ -46,8 +46,8 @@ struct Listing {
     std::string values;      ///< of the entries reported so far, a line each; the reporter's
 };
 
-/// One entry between being taken and being reported. While it is in hand, its taker alone uses what is not marked
-/// otherwise; after that the reporter does.
+/// One entry between being taken and being reported. While it is in hand, its taker alone uses what is not
+/// marked otherwise; after that the reporter does.
 struct Cell : boost::intrusive::list_base_hook<> {
     enum class State {
         InHand,
@@ -75,8 +75,8 @@ struct Cell : boost::intrusive::list_base_hook<> {
 };
 
 /// The entries of a walk that are taken and not yet reported, in the order of the reports: a directory's cell
-/// stands behind those of its entries, so the root's is the last. An entry gets its cell when a thread takes it;
-/// until then it is a name in its directory's listing.
+/// stands behind those of its entries, so the root's is the last. An entry gets its cell when a thread takes
+/// it; until then it is a name in its directory's listing.
 ///
 ///     front                                     in hand: by a helper, or the reporter
 ///       a/b  settled, to be reported next       names left: a has "d", "e"; the root has "f"
@@ -84,9 +84,9 @@ struct Cell : boost::intrusive::list_base_hook<> {
 ///       a    settled, names left
 ///       /    settled, names left
 ///
-/// One thread, the reporter, takes settled cells off the front, and examines what nobody has taken there; others,
-/// the helpers, take names further ahead. A cell outlives those before it: its taker may use its parent.
-/// Everything happens under one mutex, and nothing slow does: no system call, hash or record.
+/// One thread, the reporter, takes settled cells off the front, and examines what nobody has taken there;
+/// others, the helpers, take names further ahead. A cell outlives those before it: its taker may use its
+/// parent. Everything happens under one mutex, and nothing slow does: no system call, hash or record.
 class Tape : private boost::noncopyable {
 public:
     using Cells = std::list<Cell>;
@@ -103,9 +103,9 @@ public:
     /// Puts the root's cell on the empty tape, for the reporter.
     void begin(Cells& root);
 
-    /// For the reporter: moves finished cells from the front to reported, which is empty, some at a time, and takes
-    /// the next to examine; blank holds the cell for it. Waits while there is neither, and no step to report of the
-    /// front that another thread has in hand.
+    /// For the reporter: moves finished cells from the front to reported, which is empty, some at a time, and
+    /// takes the next to examine; blank holds the cell for it. Waits while there is neither, and no step to
+    /// report of the front that another thread has in hand.
     Turn next(Cells& reported, Cells& blank);
 
     /// For the reporter in the middle of a cell: as next, but takes none and never waits.

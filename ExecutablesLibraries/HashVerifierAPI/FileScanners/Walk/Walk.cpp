@@ -64,6 +64,16 @@ struct Stopped {};
 
 } // namespace
 
+/// The last step of a directory is reported as it is taken, also in the middle of an entry ahead.
+class Walk::LastStep final : public HashFunctions::StepObserver {
+public:
+    explicit LastStep(HashWorker& worker) : m_worker(worker) {}
+    void onStep(unsigned long long bytes) override { m_worker.log(bytes); }
+
+private:
+    HashWorker& m_worker;
+};
+
 /// The steps of the entry in front are reported as they are taken, but for those that were before a failure.
 class Walk::FrontSteps final : public HashFunctions::StepObserver {
 public:
@@ -85,8 +95,8 @@ private:
     std::uint64_t m_taken = 0;
 };
 
-/// The steps of an entry ahead are kept for the reporter; each mebibyte of them is put where it finds them, should the
-/// entry be in front by then. The reporter goes on reporting between two reads of a content.
+/// The steps of an entry ahead are kept for the reporter; each mebibyte of them is put where it finds them,
+/// should the entry be in front by then. The reporter goes on reporting between two reads of a content.
 class Walk::AheadSteps final : public HashFunctions::StepObserver {
 public:
     AheadSteps(Walk& walk, Cell& cell, bool isReporter)
@@ -179,6 +189,7 @@ void Walk::report(Cell& cell) {
         return;
     }
     if (cell.listing) {
+        const LastStep observer(m_worker);
         cell.value = m_function.apply(cell.value, cell.listing->values);
     } else {
         reportSteps(cell, cell.steps);
@@ -247,6 +258,9 @@ bool Walk::reportMeanwhile() noexcept {
 }
 
 void Walk::examineInFront(Cell& cell) {
+    m_isReporting = true;
+    reportDirectories(cell.parent); // which may have been examined ahead
+    m_isReporting = false;
     m_depth = cell.depth;
     Steps none;
     try {

@@ -16,14 +16,14 @@ class HashWorker;
 
 namespace Nerix::FileScanners {
 
-/// Folds a directory and everything below it. Entries are independent of each other, as each value starts from 0:
-/// other cores examine them ahead, while the calling thread, the reporter, alone reports, in the order in which it
-/// would have come to them by itself. What a helper cannot examine is left to the reporter, so a failure is met
-/// where, and as, one thread meets it.
+/// Folds a directory and everything below it. Entries are independent of each other, as each value starts
+/// from 0: other cores examine them ahead, while the calling thread, the reporter, alone reports, in the
+/// order in which it would have come to them by itself. What a helper cannot examine is left to the reporter,
+/// so a failure is met where, and as, one thread meets it.
 ///
-/// Tape.h explains who has which entry when. The helpers end with the walk, however it ends. On one core, and with
-/// "hashVerifierThreads" 1 among the testers' custom parameters, there is none: the same code, and no entry is
-/// looked at before its turn.
+/// Tape.h explains who has which entry when. The helpers end with the walk, however it ends. On one core, and
+/// with "hashVerifierThreads" 1 among the testers' custom parameters, there is none: the same code, and no
+/// entry is looked at before its turn.
 class Walk : private boost::noncopyable {
 public:
     /// Where a failure passes through each directory: what its trail names.
@@ -37,13 +37,14 @@ public:
     Walk(const IFileScanner& directory, const IHashFunction& function, Place place);
     ~Walk();
 
-    /// The value after root and everything below it was folded into value; to be called once, by the HashWorker's
-    /// thread. The first failure ends the walk: it is logged at ERR and gets a line of context for each directory
-    /// around the entry, innermost first, and leaves.
+    /// The value after root and everything below it was folded into value; to be called once, by the
+    /// HashWorker's thread. The first failure ends the walk: it is logged at ERR and gets a line of context
+    /// for each directory around the entry, innermost first, and leaves.
     IFileScanner::hash_t run(const FileInput& root, IFileScanner::hash_t value);
 
 private:
     using hash_t = IFileScanner::hash_t;
+    class LastStep;
     class FrontSteps;
     class AheadSteps;
 

@@ -19,6 +19,7 @@
 #include <thread>
 
 #include <sched.h>
+#include <sys/stat.h>
 
 namespace Nerix::Tests {
 namespace {
@@ -124,9 +125,16 @@ TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefusedAndProgressMayBeAsked) {
 }
 
 TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
-    for (std::size_t number = 1; number <= 40; ++number) { // progress comes inside files and between them
-        const std::size_t size = number % 10 == 0 ? 3'000'000 : number * 10'000;
-        boost::filesystem::ofstream(m_tree.path() / std::to_string(number)) << std::string(size, 'x');
+    for (const char* const name :
+         {"1", "2", "3"}) { // progress comes in long lists, inside files and between them
+        const boost::filesystem::path directory = m_tree.path() / name;
+        boost::filesystem::create_directory(directory);
+        for (int number = 0; number < 3000; ++number) {
+            ::mknod((directory / std::to_string(number)).c_str(), S_IFREG | 0600, 0);
+        }
+        boost::filesystem::ofstream(m_tree.path() / (std::string(name) + "a"))
+            << std::string(12'000'000, 'x');
+        boost::filesystem::ofstream(m_tree.path() / (std::string(name) + "b")) << std::string(900'000, 'x');
     }
     cpu_set_t all{};
     ASSERT_EQ(::sched_getaffinity(0, sizeof all, &all), 0);
