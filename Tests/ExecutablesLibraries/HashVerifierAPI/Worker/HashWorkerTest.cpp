@@ -132,9 +132,11 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
         for (int number = 0; number < 3000; ++number) {
             ::mknod((directory / std::to_string(number)).c_str(), S_IFREG | 0600, 0);
         }
-        boost::filesystem::ofstream(m_tree.path() / (std::string(name) + "a"))
-            << std::string(12'000'000, 'x');
-        boost::filesystem::ofstream(m_tree.path() / (std::string(name) + "b")) << std::string(900'000, 'x');
+        for (const auto& [kind, size] : {std::pair("a", 12'000'000), std::pair("b", 900'000)}) {
+            const boost::filesystem::path file = m_tree.path() / (std::string(name) + kind);
+            boost::filesystem::ofstream{file}.close();
+            boost::filesystem::resize_file(file, static_cast<std::uintmax_t>(size));
+        }
     }
     cpu_set_t all{};
     ASSERT_EQ(::sched_getaffinity(0, sizeof all, &all), 0);
