@@ -111,11 +111,15 @@ SystemLog::SystemLog() {
     m_system = makeLogger(kind, "system");
     try {
         m_flusher = std::thread([this] { flushEachSecond(); });
-    } catch (const std::system_error&) { // without it no line may wait
-        for (const auto& logger : {m_main, m_system}) {
-            if (logger) {
-                logger->flush_on(spdlog::level::trace);
-            }
+    } catch (const std::system_error&) {
+        writeThrough();
+    }
+}
+
+void SystemLog::writeThrough() {
+    for (const auto& logger : {m_main, m_system}) {
+        if (logger) {
+            logger->flush_on(spdlog::level::trace);
         }
     }
 }
@@ -139,12 +143,8 @@ void SystemLog::end() {
     if (m_flusher.joinable()) {
         m_flusher.join();
     }
-    for (const auto& logger : {m_main, m_system}) {
-        if (logger) {
-            logger->flush_on(spdlog::level::trace); // for whoever logs later still
-            logger->flush();
-        }
-    }
+    writeThrough(); // for whoever logs later still
+    flush();
 }
 
 bool SystemLog::write(int buffer, int priority, const char* tag, const std::string& text) {

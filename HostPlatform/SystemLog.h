@@ -39,6 +39,7 @@ public:
 private:
     SystemLog();
     void flushEachSecond();
+    void writeThrough(); ///< from now on no line waits
     void end();
 
     std::shared_ptr<spdlog::logger> m_main; ///< null when it could not be opened

@@ -16,6 +16,12 @@ bool isFinished(const Cell& cell) {
     return cell.state == Cell::State::Settled && !hasNamesLeft(cell);
 }
 
+void dropWhatWasExamined(Cell& cell) {
+    cell.steps = Steps();
+    cell.listing.reset();
+    cell.entry.reset();
+}
+
 } // namespace
 
 void Steps::add(Run run) {
@@ -98,7 +104,7 @@ void Tape::settle(Cell& cell, Cell::State state, Steps& steps) noexcept {
         }
     }
     if (cell.state == Cell::State::Left) {
-        leave(cell);
+        dropWhatWasExamined(cell);
     }
     const bool offersNames = hasNamesLeft(cell);
     if (!offersNames) {
@@ -206,12 +212,6 @@ Cell* Tape::openDirectory() {
 
 std::size_t Tape::ahead() const {
     return m_cells.empty() ? 0 : m_cells.size() + m_unreported - (m_cells.front().depth + 1);
-}
-
-void Tape::leave(Cell& cell) noexcept {
-    cell.steps = Steps();
-    cell.listing.reset();
-    cell.entry.reset();
 }
 
 } // namespace Nerix::FileScanners

@@ -137,7 +137,6 @@ private:
     Turn turn(Cells& blank);
     void removeFinished(Cells& reported);
     void wakeHelpers();
-    void leave(Cell& cell) noexcept;
 
     const std::size_t m_mostAhead;
     std::mutex m_mutex;

@@ -8,6 +8,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/RunSteps.h"
 
 #include <boost/exception/diagnostic_information.hpp>
 #include <boost/thread/thread.hpp>
@@ -63,16 +64,6 @@ private:
 struct Stopped {};
 
 } // namespace
-
-/// The last step of a directory is reported as it is taken, also in the middle of an entry ahead.
-class Walk::LastStep final : public HashFunctions::StepObserver {
-public:
-    explicit LastStep(HashWorker& worker) : m_worker(worker) {}
-    void onStep(unsigned long long bytes) override { m_worker.log(bytes); }
-
-private:
-    HashWorker& m_worker;
-};
 
 /// The steps of the entry in front are reported as they are taken, but for those that were before a failure.
 class Walk::FrontSteps final : public HashFunctions::StepObserver {
@@ -189,7 +180,7 @@ void Walk::report(Cell& cell) {
         return;
     }
     if (cell.listing) {
-        const LastStep observer(m_worker);
+        const RunSteps observer(m_worker); // also in the middle of an entry ahead, which has its own
         cell.value = m_function.apply(cell.value, cell.listing->values);
     } else {
         reportSteps(cell, cell.steps);

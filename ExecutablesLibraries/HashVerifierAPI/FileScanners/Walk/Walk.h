@@ -44,7 +44,6 @@ public:
 
 private:
     using hash_t = IFileScanner::hash_t;
-    class LastStep;
     class FrontSteps;
     class AheadSteps;
 
