@@ -1,6 +1,7 @@
 #include "HostPlatform/HostConfiguration.h"
 
 #include "HostPlatform/HostDirectories.h"
+#include "HostPlatform/StateInMemory.h"
 #include "PlatformInterfaces/dlog.h"
 
 #include <boost/property_tree/ini_parser.hpp>
@@ -21,22 +22,60 @@ namespace {
 const struct {
     const char* section;
     int key;
+    const char* name; ///< what platform.ini and messages call it
     const char* text;
 } builtIn[] = {
-    {"system_info", 8, "2026-01-01"},           // date of the main software
-    {"system_info", 128, "T-HOSTH-1000.0"},     // software of a television, model-major.minor
-    {"system_info", 133, "1.0"},                // version of the sub-microcomputer
-    {"system_info", 203, "1080"},               // lines of the screen
-    {"system_info", 301, "/etc/partition.txt"}, // where the partitions are listed
-    {"system_info", 358, "true"},               // a genuine television
-    {"system_info", 359, "false"},              // a genuine Zeb box
-    {"system_info", 378, "Z-HOSTH-1000.0"},     // software of a Zeb box
-    {"path", 6, "/usr/bin"},                    // system binaries
-    {"path", 20, "/usr/apps"},                  // system apps, read-only
-    {"path", 25, "/usr/share"},                 // system shared data, read-only
-    {"path", 31, "/opt/usr/apps"},              // system apps, read-write
-    {"path", 43, "/media"},                     // where desktop systems mount drives
+    {"system_info", 8, "software_date", "2026-01-01"},
+    {"system_info", 128, "tv_software", "T-HOSTH-1000.0"}, // model-major.minor
+    {"system_info", 133, "submicom_version", "1.0"},
+    {"system_info", 203, "screen_lines", "1080"},
+    {"system_info", 301, "partition_list", "/etc/partition.txt"},
+    {"system_info", 358, "is_tv", "true"},
+    {"system_info", 359, "is_zeb_box", "false"},
+    {"system_info", 378, "zeb_box_software", "Z-HOSTH-1000.0"},
+    {"path", 6, "system_binaries", "/usr/bin"},
+    {"path", 20, "readonly_apps", "/usr/apps"},
+    {"path", 25, "shared_data", "/usr/share"},
+    {"path", 31, "apps", "/opt/usr/apps"},
+    {"path", 43, "usb_drives", "/media"}, // where desktop systems mount drives
 };
+
+/// "[path] usb_drives (43)"; the number alone for a question without a name.
+std::string shown(const std::string& section, int key) {
+    for (const auto& answer : builtIn) {
+        if (answer.section == section && answer.key == key) {
+            return "[" + section + "] " + answer.name + " (" + std::to_string(key) + ")";
+        }
+    }
+    return "[" + section + "] " + std::to_string(key);
+}
+
+std::optional<int> numberIn(const std::string& text) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional<int>(number)
+                                                                    : std::nullopt;
+}
+
+/// The number of a key that is written as a number or by its name.
+std::optional<int> numberOf(const std::string& section, const std::string& key) {
+    for (const auto& answer : builtIn) {
+        if (answer.section == section && answer.name == key) {
+            return answer.key;
+        }
+    }
+    return numberIn(key);
+}
+
+std::string namesIn(const std::string& section) {
+    std::string names;
+    for (const auto& answer : builtIn) {
+        if (answer.section == section) {
+            names += std::string(" ") + answer.name;
+        }
+    }
+    return names;
+}
 
 void logFailure(const std::string& text) {
     __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
@@ -55,7 +94,7 @@ bool readInto(std::stringstream& content, const std::filesystem::path& file) {
 const HostConfiguration& HostConfiguration::instance() {
     static const HostConfiguration configuration([] {
         try {
-            return durableDirectory() / "platform.ini";
+            return isStateInMemory() ? std::filesystem::path() : durableDirectory() / "platform.ini";
         } catch (const std::system_error& noHome) {
             logFailure(std::string("no platform.ini is read: ") + noHome.what());
             return std::filesystem::path();
@@ -66,7 +105,7 @@ const HostConfiguration& HostConfiguration::instance() {
 
 HostConfiguration::HostConfiguration(std::filesystem::path file) : m_file(std::move(file)) {
     for (const auto& answer : builtIn) {
-        m_answers[{answer.section, std::to_string(answer.key)}] = {answer.text, true};
+        m_answers[{answer.section, answer.key}] = {answer.text, false};
     }
     read();
     if (!m_fault.empty()) {
@@ -104,7 +143,7 @@ void HostConfiguration::read() {
                 return;
             }
             for (const auto& [key, value] : keys) {
-                m_answers[{section, key}] = {value.data(), false};
+                override(section, key, value.data());
             }
         }
     } catch (const boost::property_tree::ini_parser_error& fault) {
@@ -112,20 +151,35 @@ void HostConfiguration::read() {
     }
 }
 
+void HostConfiguration::override(const std::string& section, const std::string& key,
+                                 const std::string& text) {
+    const std::optional<int> number = numberOf(section, key);
+    if (!number) {
+        m_fault = m_file.string() + ": [" + section + "] '" + key + "' is neither a number nor one of" +
+                  namesIn(section);
+        return;
+    }
+    Answer& answer = m_answers[{section, *number}];
+    if (answer.isOverridden) {
+        m_fault = m_file.string() + ": " + shown(section, *number) + " is there twice";
+    }
+    answer = {text, true};
+}
+
 std::optional<HostConfiguration::Answer> HostConfiguration::find(const std::string& section, int key) const {
-    const auto known = m_answers.find({section, std::to_string(key)});
+    const auto known = m_answers.find({section, key});
     if (m_fault.empty() && known != m_answers.end()) {
         return known->second;
     }
-    logFailure("no answer for [" + section + "] " + std::to_string(key) + ": " +
+    logFailure("no answer for " + shown(section, key) + ": " +
                (m_fault.empty() ? "neither built in nor in " + m_file.string() : m_fault));
     return std::nullopt;
 }
 
 void HostConfiguration::refuse(const std::string& section, int key, const Answer& answer,
                                const char* wanted) const {
-    logFailure((answer.isBuiltIn ? "built-in answer" : m_file.string()) + ": [" + section + "] " +
-               std::to_string(key) + " is '" + answer.text + "', not " + wanted);
+    logFailure((answer.isOverridden ? m_file.string() : "built-in answer") + ": " + shown(section, key) +
+               " is '" + answer.text + "', not " + wanted);
 }
 
 std::optional<std::string> HostConfiguration::text(const std::string& section, int key) const {
@@ -142,12 +196,9 @@ std::optional<int> HostConfiguration::integer(const std::string& section, int ke
     if (!answer) {
         return std::nullopt;
     }
-    const std::string& digits = answer->text;
-    int number = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (error != std::errc() || end != digits.data() + digits.size()) {
+    const std::optional<int> number = numberIn(answer->text);
+    if (!number) {
         refuse(section, key, *answer, "an integer");
-        return std::nullopt;
     }
     return number;
 }

@@ -11,11 +11,12 @@ namespace Nerix::Platform::Host {
 ///
 ///     ; platform.ini in the durable directory
 ///     [system_info]
-///     128 = T-MYMODELH-1234.5
-///     358 = true
+///     tv_software = T-MYMODELH-1234.5
+///     is_tv = true
 ///     [path]
-///     43 = /run/media
+///     usb_drives = /run/media
 ///
+/// A key is a name of the table in HostConfiguration.cpp, or the number that the device uses for the question.
 /// A key whose answer cannot be used is a failure, never a silent default; every key is when the file cannot
 /// be read, is malformed or is larger than 1 MiB. Each failure is one line in the system log, naming file,
 /// section and key. Immutable; any thread may ask.
@@ -36,17 +37,18 @@ public:
 private:
     struct Answer {
         std::string text;
-        bool isBuiltIn;
+        bool isOverridden;
     };
-    using Name = std::pair<std::string, std::string>; ///< section and key
+    using Question = std::pair<std::string, int>; ///< section and key
 
     void read();
+    void override(const std::string& section, const std::string& key, const std::string& text);
     std::optional<Answer> find(const std::string& section, int key) const;
     void refuse(const std::string& section, int key, const Answer& answer, const char* wanted) const;
 
     std::filesystem::path m_file;
     std::string m_fault; ///< why the file cannot be used; empty when it can
-    std::map<Name, Answer> m_answers;
+    std::map<Question, Answer> m_answers;
 };
 
 } // namespace Nerix::Platform::Host

@@ -1,8 +1,10 @@
 #include "HostPlatform/SettingsStore.h"
 
 #include "HostPlatform/HostDirectories.h"
+#include "HostPlatform/LmdbShelf.h"
+#include "HostPlatform/MemoryShelf.h"
 #include "HostPlatform/ProcessIdentity.h"
-#include "HostPlatform/SettingsShelf.h"
+#include "HostPlatform/StateInMemory.h"
 #include "HostPlatform/SystemLog.h"
 
 #include <algorithm>
@@ -49,9 +51,15 @@ SettingsResult findOn(SettingsShelf& shelf, std::string_view key, Setting& setti
 
 } // namespace
 
-SettingsStore::SettingsStore()
-    : m_durable(std::make_unique<SettingsShelf>("settings", &durableDirectory, true)),
-      m_volatile(std::make_unique<SettingsShelf>("settings-volatile", &volatileDirectory, false)) {}
+SettingsStore::SettingsStore() {
+    if (isStateInMemory()) {
+        m_durable = std::make_unique<MemoryShelf>();
+        m_volatile = std::make_unique<MemoryShelf>();
+        return;
+    }
+    m_durable = std::make_unique<LmdbShelf>("settings", &durableDirectory, true);
+    m_volatile = std::make_unique<LmdbShelf>("settings-volatile", &volatileDirectory, false);
+}
 
 SettingsStore::~SettingsStore() = default;
 

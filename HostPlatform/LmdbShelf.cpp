@@ -1,4 +1,4 @@
-#include "HostPlatform/SettingsShelf.h"
+#include "HostPlatform/LmdbShelf.h"
 
 #include "PlatformInterfaces/dlog.h"
 
@@ -103,13 +103,13 @@ std::string quoted(std::string_view key) {
 
 } // namespace
 
-SettingsShelf::SettingsShelf(const std::string& name, std::filesystem::path (*directory)(), bool isSynced)
+LmdbShelf::LmdbShelf(const std::string& name, std::filesystem::path (*directory)(), bool isSynced)
     : m_fileName(name + "-" + layout() + ".mdb"),
       m_directory(directory),
       m_isSynced(isSynced),
       m_place(m_fileName) {}
 
-void SettingsShelf::open() {
+void LmdbShelf::open() {
     if (m_environment) {
         return;
     }
@@ -134,7 +134,7 @@ void SettingsShelf::open() {
 }
 
 template <class Step>
-auto SettingsShelf::attempt(const std::string& what, Step step) {
+auto LmdbShelf::attempt(const std::string& what, Step step) {
     try {
         open();
         return step();
@@ -145,7 +145,7 @@ auto SettingsShelf::attempt(const std::string& what, Step step) {
     }
 }
 
-void SettingsShelf::fail(const std::string& what, int code, const std::string& reason) {
+void LmdbShelf::fail(const std::string& what, int code, const std::string& reason) {
     if (code != MDB_BAD_VALSIZE) {
         // After a failed write LMDB may refuse everything until the environment is reopened.
         m_environment.reset();
@@ -158,7 +158,7 @@ void SettingsShelf::fail(const std::string& what, int code, const std::string& r
     throw ShelfFailure(text);
 }
 
-std::optional<std::string> SettingsShelf::get(std::string_view key) {
+std::optional<std::string> LmdbShelf::get(std::string_view key) {
     return attempt("read" + quoted(key), [&]() -> std::optional<std::string> {
         if (key.empty() ||
             key.size() > static_cast<std::size_t>(mdb_env_get_maxkeysize(m_environment.get()))) {
@@ -176,7 +176,7 @@ std::optional<std::string> SettingsShelf::get(std::string_view key) {
     });
 }
 
-void SettingsShelf::put(std::string_view key, std::string_view bytes) {
+void LmdbShelf::put(std::string_view key, std::string_view bytes) {
     attempt("write" + quoted(key), [&] {
         Transaction transaction = begin(m_environment.get(), 0);
         MDB_val name = toValue(key);
@@ -186,7 +186,7 @@ void SettingsShelf::put(std::string_view key, std::string_view bytes) {
     });
 }
 
-void SettingsShelf::each(const std::function<void(std::string_view key, std::string_view bytes)>& visit) {
+void LmdbShelf::each(const Visit& visit) {
     attempt("list its settings", [&] {
         const Transaction transaction = begin(m_environment.get(), MDB_RDONLY);
         MDB_cursor* created = nullptr;
