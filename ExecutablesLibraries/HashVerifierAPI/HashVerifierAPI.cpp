@@ -1,16 +1,24 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogStream.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 #include <boost/filesystem/operations.hpp>
 
 namespace Nerix::HashVerifierAPI {
 
-void startVerifyPath(const std::string& path, const std::string& hashMethod) {
+namespace {
+
+FileInput rootAt(const std::string& path) {
     const boost::filesystem::path currentDirectory = boost::filesystem::current_path();
-    const FileInput root(boost::filesystem::canonical(path, currentDirectory));
-    HashWorker::getInstance().start(root, hashMethod);
+    return FileInput(boost::filesystem::canonical(path, currentDirectory));
+}
+
+} // namespace
+
+void startVerifyPath(const std::string& path, const std::string& hashMethod) {
+    HashWorker::getInstance().start(rootAt(path), hashMethod);
 }
 
 void startVerifyFileSystem() {
@@ -22,12 +30,25 @@ std::string nerixVerifyPath(const std::string& path, const std::string& hashMeth
     return HashWorker::getInstance().wait().getResult();
 }
 
+std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod,
+                            const ScanLogStream& scanLog) {
+    return HashWorker::getInstance().start(rootAt(path), hashMethod, scanLog).wait().getResult();
+}
+
 std::string nerixVerifyFileSystem() {
     return nerixVerifyPath("/", "md5");
 }
 
 std::string getProgress() {
     return HashWorker::getInstance().getProgress();
+}
+
+std::uint64_t getEntries() {
+    return HashWorker::getInstance().getEntries();
+}
+
+std::exception_ptr getFailure() {
+    return HashWorker::getInstance().getFailure();
 }
 
 std::string getResult() {

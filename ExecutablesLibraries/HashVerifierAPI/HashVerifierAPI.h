@@ -1,9 +1,15 @@
 #pragma once
 
+#include <cstdint>
+#include <exception>
 #include <string>
 
+namespace Nerix {
+struct ScanLogStream;
+}
+
 /// How a program asks for a verification. All functions work on the one HashWorker of the process; one thread
-/// drives them, getProgress alone may be called from any thread.
+/// drives them; getProgress and getEntries may be called from any thread.
 ///
 /// hashMethod is one of HashFunctions::methods(). The crypto set-up (SINGLETON_OPENSSL_INITIALIZER) must be
 /// registered for as long as a verification runs, and the product be initialised: if it is not, a start
@@ -24,14 +30,24 @@ void startVerifyFileSystem();
 /// (TerminationSignals.h). Throws what startVerifyPath throws.
 std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod);
 
+/// The same with the scan log in a stream of the caller's, in place of the drive or the system log.
+std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod,
+                            const ScanLogStream& scanLog);
+
 /// nerixVerifyPath("/", "md5").
 std::string nerixVerifyFileSystem();
 
 /// The percentage of the running or last verification as of its last report, two decimals, below 100.
 std::string getProgress();
 
+/// How many entries the running or last verification has reported.
+std::uint64_t getEntries();
+
 /// The value of the last verification, or "ERROR". Ask after HashWorker::wait: during a run the call would
 /// race with the worker. Asserts that some run has finished.
 std::string getResult();
+
+/// Why the last verification ended with "ERROR"; null when it did not. Ask as for getResult.
+std::exception_ptr getFailure();
 
 } // namespace Nerix::HashVerifierAPI

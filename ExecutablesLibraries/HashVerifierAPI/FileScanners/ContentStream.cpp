@@ -1,6 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/ContentStream.h"
 
-#include "Common/Utils/Errors/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/AccessError.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 
 #include <algorithm>
@@ -38,19 +38,19 @@ ContentStream::ContentStream(const boost::filesystem::path& path, std::uint64_t 
       m_stream(m_descriptor.isOpen() ? ::fopencookie(this, "r", {&read, nullptr, nullptr, nullptr})
                                      : nullptr) {
     if (!m_stream) {
-        refuse();
+        refuse(errno);
     }
     std::setvbuf(m_stream.get(), m_buffer, _IOFBF, sizeof m_buffer);
 }
 
 void ContentStream::throwIfReplaced() const {
     if (m_isReplaced) {
-        refuse();
+        refuse(0);
     }
 }
 
-void ContentStream::refuse() const {
-    BOOST_THROW_EXCEPTION(Common::Utils::GenericException() << Common::Utils::errinfo_stream(
+void ContentStream::refuse(int error) const {
+    BOOST_THROW_EXCEPTION(accessError("read", m_path, error) << Common::Utils::errinfo_stream(
                               "access error: can't read content of file: ", m_path));
 }
 

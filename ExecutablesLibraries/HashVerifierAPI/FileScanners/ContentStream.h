@@ -36,7 +36,7 @@ private:
 
     static ssize_t read(void* self, char* buffer, std::size_t size);
     bool isWhatItWas();
-    [[noreturn]] void refuse() const;
+    [[noreturn]] void refuse(int error) const;
 
     const boost::filesystem::path& m_path;
     const std::uint64_t m_size;

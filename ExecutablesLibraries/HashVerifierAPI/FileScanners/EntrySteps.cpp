@@ -1,9 +1,10 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
 
-#include "Common/Utils/Errors/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/AccessError.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -13,7 +14,6 @@
 namespace Nerix::FileScanners {
 
 using Common::Utils::errinfo_stream;
-using Common::Utils::GenericException;
 using hash_t = IHashFunction::hash_t;
 
 namespace {
@@ -51,7 +51,7 @@ NameList readNameList(const FileInput& entry) {
     NameList list;
     const auto checked = [&](ssize_t size) {
         if (size < 0) {
-            BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream(
+            BOOST_THROW_EXCEPTION(accessError("read the attributes of", entry.path, errno) << errinfo_stream(
                                       "access error: can't read xattrs for file: ", entry.path));
         }
         return static_cast<std::size_t>(size);
@@ -74,7 +74,7 @@ void listxattr(const FileInput& entry, std::vector<std::string>& names) {
         const NameList first = std::move(list);
         list = readNameList(entry);
         if (list.announced != first.announced || list.delivered.size() != first.delivered.size()) {
-            BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream(
+            BOOST_THROW_EXCEPTION(accessError("read the attributes of", entry.path, 0) << errinfo_stream(
                                       "concurrent access: can't read xattrs for file: ", entry.path));
         }
     }
@@ -90,14 +90,15 @@ void listxattr(const FileInput& entry, std::vector<std::string>& names) {
 std::vector<char> readxattr(const FileInput& entry, const std::string& name) {
     const ssize_t size = ::lgetxattr(entry.path.c_str(), name.c_str(), nullptr, 0);
     if (size < 0) {
-        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("access error: can't read xattribute",
-                                                                   name, " for file: ", entry.path));
+        BOOST_THROW_EXCEPTION(accessError("read the attributes of", entry.path, errno) << errinfo_stream(
+                                  "access error: can't read xattribute", name, " for file: ", entry.path));
     }
     // One byte more than is read: an empty vector's data may be null.
     std::vector<char> value(static_cast<std::size_t>(size) + 1);
     if (::lgetxattr(entry.path.c_str(), name.c_str(), value.data(), static_cast<std::size_t>(size)) != size) {
-        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("concurrent access: can't read xattribute",
-                                                                   name, " for file: ", entry.path));
+        BOOST_THROW_EXCEPTION(
+            accessError("read the attributes of", entry.path, 0)
+            << errinfo_stream("concurrent access: can't read xattribute", name, " for file: ", entry.path));
     }
     value.pop_back();
     return value;

@@ -1,6 +1,8 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
 
-#include "Common/Utils/Errors/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/AccessError.h"
+
+#include <cerrno>
 
 #include <utility>
 
@@ -12,7 +14,7 @@ FileInput::FileInput(boost::filesystem::path entryPath)
 struct stat statusOf(const boost::filesystem::path& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) != 0) {
-        BOOST_THROW_EXCEPTION(Common::Utils::GenericException()
+        BOOST_THROW_EXCEPTION(FileScanners::accessError("examine", path, errno)
                               << Common::Utils::errinfo_stream("access error: can't LSTAT file: ", path));
     }
     return status;

@@ -1,10 +1,11 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/SymbolicLink.h"
 
-#include "Common/Utils/Errors/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/AccessError.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
+#include <cerrno>
 #include <vector>
 
 #include <unistd.h>
@@ -20,7 +21,7 @@ hash_t SymbolicLink::examine(const FileInput& entry, hash_t value, const IHashFu
     const auto length = static_cast<std::size_t>(entry.status.st_size);
     std::vector<char> target(length + 1);
     if (::readlink(entry.path.c_str(), target.data(), target.size()) == -1) {
-        BOOST_THROW_EXCEPTION(Common::Utils::GenericException() << Common::Utils::errinfo_stream(
+        BOOST_THROW_EXCEPTION(accessError("read", entry.path, errno) << Common::Utils::errinfo_stream(
                                   "access error: can't read symlink: ", entry.path));
     }
     return function.apply(value, static_cast<unsigned int>(length), target.data());

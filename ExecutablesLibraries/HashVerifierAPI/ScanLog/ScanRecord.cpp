@@ -1,6 +1,42 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
 
+#include <sys/stat.h>
+
 namespace Nerix {
+
+namespace {
+
+const char* kindOf(mode_t mode) {
+    switch (mode & S_IFMT) {
+    case S_IFREG:
+        return "file";
+    case S_IFDIR:
+        return "directory";
+    case S_IFLNK:
+        return "link";
+    case S_IFIFO:
+        return "pipe";
+    case S_IFSOCK:
+        return "socket";
+    case S_IFBLK:
+        return "block";
+    case S_IFCHR:
+        return "character";
+    default:
+        return "unknown";
+    }
+}
+
+std::string octal4(mode_t mode) {
+    std::string text;
+    for (unsigned int shift = 12; shift != 0;) {
+        shift -= 3;
+        text += static_cast<char>('0' + (mode >> shift & 7U));
+    }
+    return text;
+}
+
+} // namespace
 
 std::string hexadecimal16(std::uint64_t value) {
     std::string text;
@@ -23,6 +59,16 @@ std::string scanRecord(std::uint64_t value, const std::string& path) {
     }
     record += '"';
     return record;
+}
+
+std::string recordDetails(const struct stat& status) {
+    std::string details = " ";
+    for (const std::string& fact :
+         {std::string(kindOf(status.st_mode)), std::to_string(status.st_uid), std::to_string(status.st_gid),
+          std::to_string(status.st_nlink), octal4(status.st_mode)}) {
+        details += fact + ' ';
+    }
+    return details + std::to_string(status.st_size);
 }
 
 } // namespace Nerix

@@ -79,6 +79,16 @@ HashWorker::~HashWorker() {
 }
 
 HashWorker& HashWorker::start(const FileInput& root, const std::string& hashMethod) {
+    return begin(root, hashMethod, nullptr);
+}
+
+HashWorker& HashWorker::start(const FileInput& root, const std::string& hashMethod,
+                              const ScanLogStream& scanLog) {
+    return begin(root, hashMethod, &scanLog);
+}
+
+HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashMethod,
+                              const ScanLogStream* scanLog) {
     if (boost::atomic_load(&m_thread)) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("verification is already started"));
     }
@@ -99,17 +109,24 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashMeth
     m_processedBytes = 0;
     m_reportedBytes = 0;
     m_currentBytes = 0;
+    m_entries = 0;
+    m_failure = nullptr;
 
     PublishedState::begin();
     try {
         PublishedState::progress(PublishedState::noProgress);
-        m_logFile = openScanLog();
+        m_scanLog = scanLog != nullptr ? *scanLog : openDrive();
         launch();
     } catch (...) {
         shutdown(PublishedState::errorResult); // whoever waits for the end of the run would wait for ever
         throw;
     }
     return *this;
+}
+
+ScanLogStream HashWorker::openDrive() {
+    m_logFile = openScanLog();
+    return {m_logFile.is_open() ? &m_logFile : nullptr, false};
 }
 
 void HashWorker::launch() {
@@ -153,15 +170,23 @@ void HashWorker::log(unsigned long long bytes) {
 
 void HashWorker::log(const FileInput& entry, unsigned long long value) {
     throwIfProcessEnds();
-    const std::string record = scanRecord(value, entry.path.native());
-    if (m_logFile.is_open()) {
-        m_logFile << record << '\n';
-    } else {
-        NERIX_LOG_STREAM(INF) << record;
-    }
+    record(entry, value);
+    m_entries.store(m_entries + 1, std::memory_order_relaxed); // this thread alone writes it
     m_processedBytes += Progress::workOf(static_cast<std::uint64_t>(entry.status.st_size), m_blockSize);
     m_currentBytes = 0;
     onProgress();
+}
+
+void HashWorker::record(const FileInput& entry, unsigned long long value) {
+    std::string record = scanRecord(value, entry.path.native());
+    if (m_scanLog.stream == nullptr) {
+        NERIX_LOG_STREAM(INF) << record;
+        return;
+    }
+    if (m_scanLog.hasDetails) {
+        record += recordDetails(entry.status);
+    }
+    *m_scanLog.stream << record << '\n';
 }
 
 void HashWorker::onProgress() {
@@ -195,6 +220,7 @@ void HashWorker::scan() {
 
 void HashWorker::fail() noexcept {
     static const std::string errorMessage = PublishedState::errorResult;
+    m_failure = std::current_exception();
     // Not ERR: those are the records of the levels that the failure passed.
     logCurrentException(LoggingClass::WRN, "Verification failed: ");
     try {
@@ -220,6 +246,10 @@ void HashWorker::publishInactive() noexcept {
 
 void HashWorker::shutdown() {
     if (m_logFile.is_open()) {
+        if (!m_logFile.flush()) { // also after an earlier record that failed
+            NERIX_LOG_STREAM(WRN)
+                << "The scan log on the drive is incomplete: it could not be written to its end.";
+        }
         m_logFile.close();
     }
 }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogStream.h"
 
 #include <boost/core/noncopyable.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 
 #include <atomic>
 #include <cstdint>
+#include <exception>
 #include <fstream>
 #include <future>
 #include <string>
@@ -32,9 +34,9 @@ private:
 /// Runs one verification at a time on a thread of its own, publishes status, progress and result in the
 /// settings store, and holds the result for the caller. There is one instance per process.
 ///
-/// Threads: start, wait and getResult are for one thread at a time, the one that drives the verification;
-/// getProgress may be called from any thread at any time; the rest is called by the worker's own thread while
-/// it runs. No lock is taken: while it runs, the counters and the result are written by the worker's thread
+/// Threads: start, wait, getResult and getFailure are for one thread at a time, the one that drives the
+/// verification; getProgress and getEntries may be called from any thread at any time; the rest is called by
+/// the worker's own thread while it runs. No lock is taken: while it runs, the counters and the result are written by the worker's thread
 /// alone; those that others read are atomic.
 class HashWorker : private boost::noncopyable {
 public:
@@ -56,6 +58,9 @@ public:
     /// boost::thread_interrupted when interrupted there.
     HashWorker& start(const FileInput& root, const std::string& hashMethod);
 
+    /// The same with the scan log in a stream of the caller's, which must live until wait has returned.
+    HashWorker& start(const FileInput& root, const std::string& hashMethod, const ScanLogStream& scanLog);
+
     /// Blocks until the last run has written its last setting and its thread has ended; returns at once when
     /// there is none. Throws boost::thread_resource_error on the worker's own thread; an interruption of the
     /// calling thread leaves as boost::thread_interrupted, and wait may be called again.
@@ -65,8 +70,14 @@ public:
     /// would race with the worker. Asserts that some run has finished.
     std::string getResult();
 
+    /// Why the last finished run ended with "ERROR"; null when it did not. Ask as for getResult.
+    std::exception_ptr getFailure() const { return m_failure; }
+
     /// The percentage as of the last report, see Progress::text; never 100.
     std::string getProgress() const;
+
+    /// How many entries were reported, finished or skipped.
+    std::uint64_t getEntries() const { return m_entries; }
 
     /// The root entry of the current verification; "/" before the first.
     const FileInput& getRoot() const { return m_root; }
@@ -86,7 +97,8 @@ public:
     /// The body of the worker's thread. Every failure ends as the result "ERROR"; none leaves.
     HashWorker& execute();
 
-    /// Closes the scan log.
+    /// Closes the scan log on the drive. Says in the system log, at WRN, when records are missing there, as on
+    /// a drive that got full.
     void shutdown();
 
     /// Ends a successful run: result and progress are published.
@@ -98,12 +110,16 @@ public:
 private:
     HashWorker();
 
+    HashWorker& begin(const FileInput& root, const std::string& hashMethod, const ScanLogStream* scanLog);
+    ScanLogStream openDrive();
     void launch();
+    void record(const FileInput& entry, unsigned long long value);
     void scan();
     void fail() noexcept;
     void publishInactive() noexcept;
 
-    std::fstream m_logFile; ///< open while records go to a drive, closed while they go to the system log
+    std::fstream m_logFile;    ///< open while records go to a drive
+    ScanLogStream m_scanLog{}; ///< m_logFile or the caller's; no stream while they go to the system log
     FileInput m_root;
     std::string m_hashMethod;
     std::uint32_t m_blockSize = 0;
@@ -111,7 +127,9 @@ private:
     std::atomic<std::uint64_t> m_reportedBytes{0}; ///< work done when progress was last published
     std::uint64_t m_processedBytes = 0;            ///< work of all finished entries
     std::uint64_t m_currentBytes = 0;              ///< bytes hashed in the entry in progress
+    std::atomic<std::uint64_t> m_entries{0};
     std::string m_calculatedHash;
+    std::exception_ptr m_failure;
 
     // The life of the thread. start makes it and keeps two handles. The thread first waits for the promise:
     // true once "active" is published, so that "inactive" cannot come before it, false when the store
