@@ -2,15 +2,26 @@
 
 include(GNUInstallDirs)
 install(TARGETS Executables_NerixVerifierHash RUNTIME)
-if(NERIX_HOST_PLATFORM)
-  install(TARGETS Executables_NerixHostSettings RUNTIME)
-endif()
 install(FILES docs/NerixVerifierHash.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+set(NERIX_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+if(NERIX_HOST_PLATFORM)
+  install(TARGETS Executables_NerixHost RUNTIME)
+  install(FILES docs/NerixHost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  # bash looks for a file called as the program is.
+  install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixHost)
+  install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixVerifierHash)
+endif()
+set(CPACK_PACKAGE_NAME nerix-verifier-hash)
+install(FILES README.md docs/hash-definition.md docs/host.md docs/copyright
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_PACKAGE_NAME})
 
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME nerix-verifier-hash)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Fold a file tree into one 64-bit value")
-set(CPACK_PACKAGE_DESCRIPTION "Compares two installations by one value and, when they differ, entry by entry.")
+# Libraries change their packages' names between releases: a package fits the one that it was built on.
+cmake_host_system_information(RESULT NERIX_RELEASE QUERY DISTRIB_INFO)
+set(CPACK_PACKAGE_DESCRIPTION
+  "Compares two installations by one value and, when they differ, entry by entry.\nBuilt on and for ${NERIX_RELEASE_PRETTY_NAME}.")
+set(CPACK_DEBIAN_PACKAGE_RELEASE "1~${NERIX_RELEASE_ID}${NERIX_RELEASE_VERSION_ID}")
 set(CPACK_PACKAGE_CONTACT "Nerix developers <nerix@localhost>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)

@@ -69,6 +69,8 @@ class Device(SystemTest):
             os.mkdir(os.path.join(self.work, f"directory {number}"))
         self.mount("/media/small", "-o", "size=4k")
         self.assertEqual(self.value(self.work), self.expected()[0], "the drive fills up")
+        incomplete = [line for line in self.log_lines("main") if b"[WRN]" in line and b"scan log on the drive" in line]
+        self.assertEqual(len(incomplete), 1)
 
     def test_drive_that_vanishes(self):
         self.mount("/media/usb")
@@ -129,23 +131,23 @@ class Device(SystemTest):
         with open(os.path.join(self.work, "big"), "wb") as file:
             file.truncate(500 << 20)
         value, _ = self.expected()
-        with subprocess.Popen([SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch:
+        with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch:
             watch.stdout.readline()
             self.assertEqual(self.value(self.work), value)
             lines = watch.stdout.read().splitlines()
         self.assertEqual(watch.returncode, 0)
         self.assertTrue(any(re.fullmatch(r"active +\d\d?\.\d\d % \[#* +\] 00000111", line) for line in lines), lines)
-        self.assertRegex(lines[-1], r"^inactive +100\.0 % \[#{40}\] " + value[:8] + "$")
+        self.assertRegex(lines[-1], r"^inactive +100\.0 % \[#{38}\] " + value[:8] + "$")
 
         for arguments, status, output in ((["get", f"db/{PREFIX}result"], 0, value[:8] + "\n"),
-                                          (["get", "missing"], 1, ""), (["get"], 1, ""), ([], 1, "")):
-            get = subprocess.run([SETTINGS, *arguments], env=self.environment, check=False, capture_output=True,
+                                          (["get", "missing"], 1, ""), (["get"], 2, ""), ([], 2, "")):
+            get = subprocess.run([*SETTINGS, *arguments], env=self.environment, check=False, capture_output=True,
                                  text=True)
             self.assertEqual((get.returncode, get.stdout), (status, output))
         with open("/dev/full", "wb") as full:
-            lost = subprocess.run([SETTINGS, "list"], env=self.environment, check=False, stdout=full,
+            lost = subprocess.run([*SETTINGS, "list"], env=self.environment, check=False, stdout=full,
                                   stderr=subprocess.PIPE)
-        self.assertEqual((lost.returncode, lost.stderr), (1, b"NerixHostSettings: cannot write to standard output\n"))
+        self.assertEqual((lost.returncode, lost.stderr), (2, b"NerixHost: cannot write to standard output\n"))
 
 
 if __name__ == "__main__":

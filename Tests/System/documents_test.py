@@ -4,8 +4,9 @@ import os
 import re
 import shutil
 import subprocess
+import unittest
 
-from harness import BUILD, PROJECT, SystemTest, main
+from harness import BUILD, NO_MOUNTS, PROJECT, SystemTest, main
 from tree_value import STEPS
 
 def read(name):
@@ -21,19 +22,22 @@ def shape(output):
 class Documents(SystemTest):
     root = PROJECT
 
-    def run_shell(self, script):
+    def run_shell(self, script, stderr=None):
         programs = ":".join(os.path.join(BUILD, "Executables", name)
-                            for name in ("NerixVerifierHash", "NerixHostSettings"))
+                            for name in ("NerixVerifierHash", "NerixHost"))
         environment = {**os.environ, "TMPDIR": self.work, "PATH": f"{programs}:{os.environ['PATH']}"}
         return subprocess.run(["bash", "-euo", "pipefail", "-c", script], cwd=self.root, env=environment, check=True,
-                              stdout=subprocess.PIPE, text=True).stdout
+                              stdout=subprocess.PIPE, stderr=stderr, text=True).stdout
 
-    def test_example_of_the_readme(self):
-        blocks = re.findall(r"```sh\n(.*?)```\n(?:\n((?:    [^\n]*\n)+))?", read("README.md"), re.DOTALL)
-        example = [(commands, shown) for commands, shown in blocks if shown]
-        self.assertEqual(len(example), 3)
-        output = self.run_shell("".join(commands for commands, _ in example))
-        self.assertEqual(shape(output), shape("".join(shown for _, shown in example).replace("    ", "")))
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
+    def test_examples_that_show_their_output(self):
+        for document, count in (("README.md", 3), ("docs/host.md", 1)):
+            blocks = re.findall(r"```sh\n(.*?)```\n(?:\n((?:    [^\n]*\n)+))?", read(document), re.DOTALL)
+            example = [(commands, shown) for commands, shown in blocks if shown]
+            self.assertEqual(len(example), count)
+            script = "".join(commands for commands, _ in example).replace("sudo ", "")  # here it is root
+            output = self.run_shell(script, stderr=subprocess.STDOUT)
+            self.assertEqual(shape(output), shape("".join(shown for _, shown in example).replace("    ", "")))
 
     def test_builds_of_the_readme(self):
         if not BUILD.endswith("release"):
@@ -47,11 +51,11 @@ class Documents(SystemTest):
         self.assertRegex(self.run_shell(first.split("scripts/test")[0]), r"\A[0-9a-f]{16}\n\Z")
         install = re.search(r"`sudo (cmake --install .*?)`", text).group(1)
         self.run_shell(f"DESTDIR={self.work} {install}")
-        for file in ("bin/NerixVerifierHash", "bin/NerixHostSettings", "share/man/man1/NerixVerifierHash.1"):
+        for file in ("bin/NerixVerifierHash", "bin/NerixHost", "share/man/man1/NerixVerifierHash.1",
+                     "share/bash-completion/completions/NerixHost", "share/doc/nerix-verifier-hash/README.md"):
             self.assertTrue(os.path.isfile(os.path.join(self.work, "usr/local", file)), file)
-        package = re.search(r"`(scripts/packages package\s+&& cpack .*?)`", text).group(1)
-        self.run_shell(f"{package} -B {self.work}")
-        facts = self.run_shell(f"dpkg-deb --field {self.work}/*.deb Depends && dpkg-deb --contents {self.work}/*.deb")
+        self.run_shell(re.search(r"`(scripts/packages package\s+&& cpack .*?)`", text).group(1))
+        facts = self.run_shell("dpkg-deb --field build/package/*.deb && dpkg-deb --contents build/package/*.deb")
         for part in ("libboost-filesystem", "libssl", "liblmdb", " ./usr/bin/NerixVerifierHash\n"):
             self.assertIn(part, facts)
         # The stand-in of the unit tests has every function of the platform.
@@ -59,6 +63,8 @@ class Documents(SystemTest):
         self.run_shell(device.replace("LIBRARY;LIBRARY", platform))
         fake = self.run_shell("build/device/Executables/NerixVerifierHash/NerixVerifierHash --path docs")
         self.assertEqual(fake.strip(), self.value(os.path.join(self.root, "docs")))
+        self.assertEqual(sorted(os.listdir(self.root)), sorted({*os.listdir(PROJECT), "build"} - {".git"}),
+                         "nothing is left behind but in build")
 
     def test_worked_example_of_the_definition(self):
         text = read("docs/hash-definition.md")

@@ -174,7 +174,7 @@ class Faults(SystemTest):
 
     def test_killed_at_any_instant(self):
         def keys():
-            listing = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True, text=True)
+            listing = subprocess.run([*SETTINGS, "list"], env=self.environment, check=True, capture_output=True, text=True)
             return [line.split(" = ")[0] for line in listing.stdout.splitlines()]
 
         with open(os.path.join(self.tree, "big"), "wb") as file:

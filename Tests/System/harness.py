@@ -16,7 +16,8 @@ BUILD = os.path.abspath(sys.argv[1])
 PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 SANITIZED = BUILD.endswith(("asan", "tsan"))
 PROGRAM = os.path.join(BUILD, "Executables/NerixVerifierHash/NerixVerifierHash")
-SETTINGS = os.path.join(BUILD, "Executables/NerixHostSettings/NerixHostSettings")
+HOST = os.path.join(BUILD, "Executables/NerixHost/NerixHost")
+SETTINGS = [HOST, "settings"]
 
 PREFIX = "menu/support/softwareupdate/hashverifier_"
 REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog for details\n", re.DOTALL)
@@ -125,10 +126,13 @@ class SystemTest(unittest.TestCase):
             options["stdout"] = subprocess.PIPE
         return subprocess.run([PROGRAM, *arguments], stderr=subprocess.PIPE, check=False, **options)
 
-    def run_unprivileged(self, *arguments):
+    def run_unprivileged(self, *arguments, program=PROGRAM):
         """Root may read everything: without its capabilities it is held to the permissions of its own files."""
         drop = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"] if os.geteuid() == 0 else []
-        return subprocess.run([*drop, PROGRAM, *arguments], check=False, env=self.environment, capture_output=True)
+        return subprocess.run([*drop, program, *arguments], check=False, env=self.environment, capture_output=True)
+
+    def run_host(self, *arguments):
+        return subprocess.run([HOST, *arguments], check=False, env=self.environment, capture_output=True)
 
     def value(self, path, method="md5", **options):
         run = self.run_program("--path", path, "--hash", method, **options)
@@ -137,7 +141,7 @@ class SystemTest(unittest.TestCase):
 
     def settings(self):
         """status, progress and result as they stand in the store; None for what is not there."""
-        listing = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True, text=True)
+        listing = subprocess.run([*SETTINGS, "list"], env=self.environment, check=True, capture_output=True, text=True)
         held = dict(line.split(" = ", 1) for line in listing.stdout.splitlines())
         return (held.get(f"memory/{PREFIX}status"), held.get(f"memory/{PREFIX}progress"),
                 held.get(f"db/{PREFIX}result"))

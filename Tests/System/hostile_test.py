@@ -129,7 +129,7 @@ class Hostile(SystemTest):
     def test_signals_end_a_run_in_good_order(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             for method in ("md5", "none"):
-                with subprocess.Popen([SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
+                with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
                     with self.start_long_run(method) as run:
                         while not watch.stdout.readline().startswith(b"active"):
                             pass
@@ -141,14 +141,14 @@ class Hostile(SystemTest):
         self.assertIn(b"ended by signal 1", b"".join(self.log_lines("system")))
 
     def test_killed_run_is_recognised(self):
-        with subprocess.Popen([SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
+        with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
             with self.start_long_run() as run:
                 while not watch.stdout.readline().startswith(b"active"):
                     pass
-                live = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True)
+                live = subprocess.run([*SETTINGS, "list"], env=self.environment, check=True, capture_output=True)
                 run.kill()
             self.assertRegex(watch.communicate(timeout=60)[0].splitlines()[-1], rb"^killed .* 00000111$")
-        dead = subprocess.run([SETTINGS, "list"], env=self.environment, check=True, capture_output=True)
+        dead = subprocess.run([*SETTINGS, "list"], env=self.environment, check=True, capture_output=True)
         self.assertIn(b"status = active\n", live.stdout)
         self.assertEqual(live.stderr, b"")
         self.assertEqual(dead.stderr.count(b"hashverifier_status was killed\n"), 1)
@@ -215,7 +215,7 @@ class Hostile(SystemTest):
         with subprocess.Popen([*hold, PROGRAM, "--path", self.tree], env=self.environment, stdout=subprocess.DEVNULL,
                               stderr=subprocess.DEVNULL) as run:
             time.sleep(1)
-            subprocess.run([SETTINGS, "list"], env=self.environment, check=True, stdout=subprocess.DEVNULL, timeout=4)
+            subprocess.run([*SETTINGS, "list"], env=self.environment, check=True, stdout=subprocess.DEVNULL, timeout=4)
             self.assertIsNone(run.poll())
             subprocess.run(["pkill", "-KILL", "-P", str(run.pid)], check=True)
 

@@ -5,7 +5,7 @@ import re
 import subprocess
 import threading
 
-from harness import PROGRAM, SETTINGS, SystemTest, main
+from harness import HOST, PROGRAM, SystemTest, main
 from tree_value import Model
 
 
@@ -68,9 +68,9 @@ class Runs(SystemTest):
             run = subprocess.run(f"'{PROGRAM}' --path '{self.work}' {descriptors}", shell=True, check=False,
                                  env=self.environment, stderr=subprocess.PIPE)
             self.assertEqual(run.returncode, 1)
-            listing = subprocess.run(f"'{SETTINGS}' list {descriptors}", shell=True, check=False, env=self.environment,
+            listing = subprocess.run(f"'{HOST}' settings list {descriptors}", shell=True, check=False, env=self.environment,
                                      stderr=subprocess.DEVNULL)
-            self.assertEqual(listing.returncode, 1)
+            self.assertEqual(listing.returncode, 2)
             self.assertEqual(self.settings()[:2], ("inactive", "100.0"), "the store is not written over")
 
     def test_help(self):

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+/// What the words of the command line ask for.
+namespace Nerix {
+
+/// The words ask for nothing that there is; what() says why, and where help is.
+class UsageError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Text that was asked for: help or the version.
+struct TextRequest {
+    std::string text;
+};
+
+struct ScanRequest {
+    std::string path;
+    std::string hashMethod;
+    std::string logFile;                 ///< empty for none
+    std::optional<std::string> expected; ///< the value that alone counts as success
+    bool isQuiet;
+    bool hasDetails;
+};
+
+struct CompareRequest {
+    std::string before;
+    std::string after;
+    bool isJson;
+};
+
+struct SettingsRequest {
+    enum class Action { List, Get, Watch };
+    Action action;
+    std::string key; ///< for Get
+    bool isJson;
+};
+
+using Request = std::variant<TextRequest, ScanRequest, CompareRequest, SettingsRequest>;
+
+/// words are those after the program's name. Throws UsageError.
+Request parseCommandLine(const std::vector<std::string>& words);
+
+} // namespace Nerix

@@ -1,0 +1,107 @@
+#include "Executables/NerixHost/Compare.h"
+
+#include "Executables/NerixHost/EntryChange.h"
+#include "Executables/NerixHost/Json.h"
+#include "Executables/NerixHost/QuotedName.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/WalkOrder.h"
+
+#include <cstdlib>
+#include <iostream>
+
+namespace Nerix {
+
+namespace {
+
+/// One of the two logs, with the record at which it stands.
+struct Side {
+    explicit Side(const std::string& file) : log(file) { advance(); }
+    void advance() { hasRecord = log.next(record); }
+
+    ScanLogReader log;
+    ScanLogRecord record;
+    bool hasRecord = false;
+};
+
+std::string lineOf(const EntryChange& change) {
+    std::string line = change.what + (' ' + quotedName(change.path));
+    const char* separator = ": ";
+    for (const FactChange& fact : change.facts) {
+        line += separator + (fact.name + (' ' + fact.before + " -> " + fact.after));
+        separator = ", ";
+    }
+    return change.hasDetails && change.facts.empty() ? line + ": content, attributes or target" : line;
+}
+
+class Comparison {
+public:
+    explicit Comparison(const CompareRequest& request)
+        : m_before(request.before), m_after(request.after), m_isJson(request.isJson) {
+        if (m_before.log.root() != m_after.log.root()) {
+            throw ScanLogError(
+                "the logs are of different trees, " + quotedName(m_before.log.root()) + " and " +
+                quotedName(m_after.log.root()) +
+                "; as paths enter the values, both have to be scanned under one path, such as a "
+                "directory on which each is mounted in turn (mount --bind)");
+        }
+    }
+
+    /// Both logs come in the order of the walk and are merged as they are read.
+    int run() {
+        while (m_before.hasRecord || m_after.hasRecord) {
+            const int order = !m_before.hasRecord ? 1
+                              : !m_after.hasRecord
+                                  ? -1
+                                  : compareInWalkOrder(m_before.record.path, m_after.record.path);
+            if (order == 0) {
+                compareRecords();
+                m_before.advance();
+                m_after.advance();
+            } else {
+                Side& side = order < 0 ? m_before : m_after;
+                tellOfOneSide(side.record, order < 0 ? "removed" : "added");
+                side.advance();
+            }
+        }
+        std::cout << std::flush;
+        return m_lastTold.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
+
+private:
+    /// Whether a difference was told below the path: everything there stands right in front of it.
+    bool isExplained(const std::string& path) const { return isBelow(m_lastTold, path); }
+
+    void compareRecords() {
+        if (m_before.record.value == m_after.record.value) {
+            return;
+        }
+        const bool belowExplains = isExplained(m_after.record.path);
+        const EntryChange change = changeOf(m_before.record, m_after.record, belowExplains);
+        if (!belowExplains || !change.facts.empty()) {
+            tell(change);
+        }
+    }
+
+    void tellOfOneSide(const ScanLogRecord& record, const char* what) {
+        if (!isExplained(record.path)) {
+            tell({what, record.path, false, {}});
+        }
+    }
+
+    void tell(const EntryChange& change) {
+        std::cout << (m_isJson ? jsonOf(change) : lineOf(change)) << '\n';
+        m_lastTold = change.path;
+    }
+
+    Side m_before;
+    Side m_after;
+    const bool m_isJson;
+    std::string m_lastTold;
+};
+
+} // namespace
+
+int compare(const CompareRequest& request) {
+    return Comparison(request).run();
+}
+
+} // namespace Nerix

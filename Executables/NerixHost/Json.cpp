@@ -1,0 +1,66 @@
+#include "Executables/NerixHost/Json.h"
+
+#include "Executables/NerixHost/EntryChange.h"
+#include "Executables/NerixHost/RunState.h"
+#include "Executables/NerixHost/SettingValue.h"
+
+#include <nlohmann/json.hpp>
+
+namespace Nerix {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json textOrBytes(const std::string& text) {
+    try {
+        Json json = text;
+        json.dump(); // the library checks the text here
+        return json;
+    } catch (const Json::type_error&) {
+        Json bytes = Json::array();
+        for (const char character : text) {
+            bytes.push_back(static_cast<unsigned char>(character));
+        }
+        return bytes;
+    }
+}
+
+} // namespace
+
+std::string jsonOf(const EntryChange& change) {
+    Json json = {{"change", change.what}, {"path", textOrBytes(change.path)}};
+    if (change.hasDetails) {
+        json["facts"] = Json::object();
+        for (const FactChange& fact : change.facts) {
+            json["facts"][fact.name] = {{"before", fact.before}, {"after", fact.after}};
+        }
+    }
+    return json.dump();
+}
+
+std::string jsonOf(const Platform::Host::Setting& setting) {
+    Json json = {{"key", textOrBytes(setting.key)}};
+    std::visit(
+        [&](const auto& value) {
+            if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::string>) {
+                json["value"] = textOrBytes(value);
+            } else {
+                json["value"] = value;
+            }
+        },
+        valueOf(setting));
+    if (isOfRun(setting) && !isOfLiveRun(setting)) {
+        json["killed"] = true;
+    }
+    return json.dump();
+}
+
+std::string jsonOf(const RunState& state) {
+    return Json{{"status", textOrBytes(state.status)},
+                {"progress", textOrBytes(state.progress)},
+                {"result", textOrBytes(state.result)}}
+        .dump();
+}
+
+} // namespace Nerix

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "Common/Utils/Descriptor.h"
+
+#include <ostream>
+#include <streambuf>
+#include <string>
+
+namespace Nerix {
+
+/// A file that is there when it is complete, and not before: it is written under another name beside it and
+/// renamed at the end. One thread at a time may use it.
+class LogFile {
+public:
+    /// Throws std::runtime_error when it cannot be written there, or when something else than a regular file
+    /// has that name.
+    explicit LogFile(const std::string& file);
+
+    /// Removes what was written unless it was committed.
+    ~LogFile();
+
+    LogFile(const LogFile&) = delete;
+    LogFile& operator=(const LogFile&) = delete;
+
+    /// Its state is bad from the first byte on that could not be written.
+    std::ostream& stream() { return m_stream; }
+
+    /// Puts the file in place. Throws std::runtime_error when not all of it could be written; it is then not
+    /// there.
+    void commit();
+
+private:
+    /// Keeps the reason of a failure, which the standard's file buffer forgets.
+    class Buffer final : public std::streambuf {
+    public:
+        explicit Buffer(int descriptor) : m_descriptor(descriptor) {
+            setp(m_bytes, m_bytes + sizeof m_bytes);
+        }
+        int error() const { return m_error; }
+
+    protected:
+        int_type overflow(int_type character) override;
+        int sync() override;
+
+    private:
+        int m_descriptor;
+        int m_error = 0;
+        char m_bytes[65536];
+    };
+
+    const std::string m_file;
+    const std::string m_partial; ///< the name until it is complete
+    Common::Utils::Descriptor m_descriptor;
+    Buffer m_buffer;
+    std::ostream m_stream;
+    bool m_isCommitted = false;
+};
+
+} // namespace Nerix

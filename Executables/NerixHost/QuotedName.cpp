@@ -1,0 +1,18 @@
+#include "Executables/NerixHost/QuotedName.h"
+
+#include "HostPlatform/EscapedText.h"
+
+namespace Nerix {
+
+std::string quotedName(const std::string& path) {
+    std::string quoted = "\"";
+    for (const char character : Platform::Host::escaped(path)) {
+        if (character == '"') {
+            quoted += '\\';
+        }
+        quoted += character;
+    }
+    return quoted + '"';
+}
+
+} // namespace Nerix

@@ -1,0 +1,136 @@
+#include "Executables/NerixHost/Scan.h"
+
+#include "Common/Debug/ThreadDebug.h"
+#include "Common/IO/OpenSSLInit.h"
+#include "Common/Logging/LoggingClass.h"
+#include "Common/Utils/Singletons/SingletonServiceGuard.h"
+#include "Common/Utils/StandardStreams.h"
+#include "Common/Utils/TerminationSignals.h"
+#include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
+#include "Executables/NerixHost/FailureSentence.h"
+#include "Executables/NerixHost/LogFile.h"
+#include "Executables/NerixHost/ProgressLine.h"
+#include "Executables/NerixHost/QuotedName.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogStream.h"
+#include "HostPlatform/StateInMemory.h"
+#include "Platform/Product/IProductInfo.h"
+
+#include <boost/thread/thread_only.hpp>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <future>
+#include <iostream>
+#include <optional>
+#include <stdexcept>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Nerix {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+/// What NerixVerifierHash does before a run, with a state that ends with the process.
+void prepare() {
+    Platform::Host::keepStateInMemory();
+    Common::Logging::LoggingClass::init("NerixHost");
+    Common::Debug::ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
+    Common::Utils::catchTerminationSignals();
+    Platform::IProductInfo::initializeProduct(Platform::DEFAULT_PRODUCT);
+    Common::DebugAndTestParameters::loadDebugAndTestParameters("NerixHost");
+}
+
+/// Whether a file in that directory belongs to the tree at root: nothing else is mounted between them.
+bool isScanned(const fs::path& directory, const fs::path& root) {
+    struct stat rootStatus {};
+    ::lstat(root.c_str(), &rootStatus);
+    for (fs::path at = directory; at != root; at = at.parent_path()) {
+        struct stat status {};
+        if (at == at.root_path() || ::lstat(at.c_str(), &status) != 0 || status.st_dev != rootStatus.st_dev ||
+            MountPoints::getInstance().isMountPoint(at.string())) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The log's whole path. Throws std::runtime_error where it would change the value of the tree.
+fs::path logOutside(const fs::path& root, const std::string& logFile) {
+    const fs::path file = fs::weakly_canonical(fs::absolute(logFile));
+    if (file == root || isScanned(file.parent_path(), root)) {
+        throw std::runtime_error(
+            "the log " + quotedName(file.string()) + " would lie in the tree that is scanned, " +
+            "and change its value; choose a place outside of " + quotedName(root.string()));
+    }
+    return file;
+}
+
+std::string duration(Clock::duration elapsed) {
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
+    const std::string twoDigits = std::to_string(seconds % 60 + 100).substr(1);
+    return std::to_string(seconds / 60) + ':' + twoDigits;
+}
+
+/// Runs the verification on a thread of its own, and shows its progress on this one.
+std::string verify(const ScanRequest& request, const ScanLogStream& log) {
+    ProgressLine line(STDERR_FILENO, std::chrono::seconds(5));
+    const Clock::time_point begin = Clock::now();
+    std::future<std::string> result = std::async(std::launch::async, [&] {
+        return HashVerifierAPI::nerixVerifyPath(request.path, request.hashMethod, log);
+    });
+    while (result.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
+        if (!request.isQuiet) {
+            line.show({"", HashVerifierAPI::getProgress(),
+                       std::to_string(HashVerifierAPI::getEntries()) + " entries " +
+                           duration(Clock::now() - begin)});
+        }
+    }
+    line.clear();
+    return result.get();
+}
+
+int fail(const std::string& reason) {
+    std::cerr << "NerixHost: " << reason << std::endl;
+    return EXIT_FAILURE;
+}
+
+} // namespace
+
+int scan(const ScanRequest& request) {
+    prepare();
+    const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(
+        Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
+    std::string value;
+    try {
+        std::optional<LogFile> file;
+        if (!request.logFile.empty()) {
+            file.emplace(logOutside(fs::canonical(request.path), request.logFile).string());
+        }
+        std::ostream nowhere(nullptr);
+        value = verify(request, {file ? &file->stream() : &nowhere, request.hasDetails});
+        if (value == "ERROR") {
+            return fail(failureSentence(HashVerifierAPI::getFailure()));
+        }
+        if (file) {
+            file->commit();
+        }
+    } catch (const fs::filesystem_error& failure) {
+        return fail("cannot read " + quotedName(failure.path1().string()) + ": " + failure.code().message());
+    } catch (...) {
+        return fail(failureSentence(std::current_exception()));
+    }
+    Common::Utils::writeToStandardOutput(value + '\n');
+    if (request.expected && *request.expected != value) {
+        return fail("the value is " + value + ", not " + *request.expected);
+    }
+    return EXIT_SUCCESS;
+}
+
+} // namespace Nerix

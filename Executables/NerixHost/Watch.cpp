@@ -1,0 +1,120 @@
+#include "Executables/NerixHost/Watch.h"
+
+#include "Executables/NerixHost/Json.h"
+#include "Executables/NerixHost/ProgressLine.h"
+#include "Executables/NerixHost/RunState.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
+#include "HostPlatform/EscapedText.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <ctime>
+#include <iostream>
+#include <string>
+
+#include <unistd.h>
+
+namespace Nerix {
+
+namespace {
+
+using Platform::Host::escaped;
+
+volatile std::sig_atomic_t interrupted = 0;
+
+void interrupt(int) {
+    interrupted = 1;
+}
+
+void endOnSignals() {
+    struct sigaction action {};
+    action.sa_handler = &interrupt; // without SA_RESTART: the pause ends at once
+    ::sigaction(SIGINT, &action, nullptr);
+    ::sigaction(SIGTERM, &action, nullptr);
+}
+
+void pause() {
+    const std::timespec time{0, 50'000'000};
+    ::nanosleep(&time, nullptr);
+}
+
+bool operator==(const RunState& a, const RunState& b) {
+    return a.status == b.status && a.progress == b.progress && a.result == b.result && a.writer == b.writer;
+}
+
+ProgressLine::Content contentOf(const RunState& state) {
+    return {escaped(state.status), escaped(state.progress), escaped(state.result)};
+}
+
+/// What stood in the store before the run that is waited for.
+ProgressLine::Content waiting(const RunState& last) {
+    return {"waiting for a run", "",
+            last.status == "killed" ? "(the last one was killed)"
+            : last.result.empty()   ? ""
+                                    : "(the last one: " + escaped(last.result) + ")"};
+}
+
+/// Where the state goes: a line for people, or objects.
+class Display {
+public:
+    explicit Display(bool isJson) : m_isJson(isJson), m_line(STDOUT_FILENO, std::chrono::seconds(1)) {}
+
+    void wait(const RunState& last) {
+        if (!m_isJson) {
+            m_line.showNow(waiting(last));
+        }
+    }
+    void show(const RunState& state) {
+        if (!m_isJson) {
+            m_line.show(contentOf(state));
+        } else if (std::time(nullptr) != m_lastObject) {
+            showNow(state);
+        }
+    }
+    void showNow(const RunState& state) {
+        if (!m_isJson) {
+            m_line.showNow(contentOf(state));
+            return;
+        }
+        m_lastObject = std::time(nullptr);
+        std::cout << jsonOf(state) << std::endl;
+    }
+    void leave() { m_line.end(); }
+
+private:
+    const bool m_isJson;
+    ProgressLine m_line;
+    std::time_t m_lastObject = 0;
+};
+
+} // namespace
+
+int watch(bool isJson) {
+    endOnSignals();
+    Display display(isJson);
+    const RunState before = RunState::read();
+    RunState state = before;
+    if (!state.isRunning) {
+        display.wait(state);
+    }
+    while (interrupted == 0 && !state.isRunning && state == before) { // a short run is never seen active
+        pause();
+        state = RunState::read();
+    }
+    if (state.isRunning) {
+        display.showNow(state);
+    }
+    while (interrupted == 0 && state.isRunning) {
+        display.show(state);
+        pause();
+        state = RunState::read();
+    }
+    if (interrupted == 0) {
+        display.showNow(state);
+    }
+    display.leave();
+    const bool hasNoValue = state.status == "killed" || state.result == PublishedState::errorResult;
+    return interrupted == 0 && hasNoValue ? EXIT_FAILURE : EXIT_SUCCESS;
+}
+
+} // namespace Nerix

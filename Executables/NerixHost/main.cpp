@@ -1,0 +1,48 @@
+#include "Common/Utils/StandardStreams.h"
+#include "Executables/NerixHost/CommandLine.h"
+#include "Executables/NerixHost/Compare.h"
+#include "Executables/NerixHost/Scan.h"
+#include "Executables/NerixHost/Settings.h"
+
+#include <cstdlib>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace {
+
+constexpr int trouble = 2;
+
+/// Runs what was asked for, and gives the exit status.
+struct Runner {
+    int operator()(const Nerix::TextRequest& request) const {
+        std::cout << request.text << std::flush;
+        return EXIT_SUCCESS;
+    }
+    int operator()(const Nerix::ScanRequest& request) const { return Nerix::scan(request); }
+    int operator()(const Nerix::CompareRequest& request) const { return Nerix::compare(request); }
+    int operator()(const Nerix::SettingsRequest& request) const { return Nerix::settings(request); }
+};
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    if (!Nerix::Common::Utils::secureStandardStreams()) {
+        return trouble;
+    }
+    std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // lost output is a failure
+    try {
+        return std::visit(Runner(), Nerix::parseCommandLine({argv + 1, argv + argc}));
+    } catch (const Nerix::UsageError& failure) {
+        std::cerr << "NerixHost: " << failure.what() << "\nNerixHost --help tells what there is.\n";
+    } catch (const std::ios_base::failure&) {
+        // The flush at exit must not throw: nobody would catch it.
+        std::cout.exceptions(std::ios_base::goodbit);
+        std::cerr << "NerixHost: cannot write to standard output\n";
+    } catch (const std::exception& failure) {
+        std::cerr << "NerixHost: " << failure.what() << '\n';
+    }
+    return trouble;
+}
