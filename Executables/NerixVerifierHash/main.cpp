@@ -50,7 +50,7 @@ std::string helpText(const options::options_description& outer) {
     for (const std::string& hashMethod : Nerix::HashFunctions::methods()) {
         text << ' ' << hashMethod;
     }
-    text << '\n' << outer << '\n';
+    text << ". On a host, NerixHost scans, compares and watches.\n" << outer << '\n';
     return text.str();
 }
 
