@@ -10,7 +10,7 @@ import subprocess
 import sys
 import time
 
-from harness import NO_MOUNTS, PROGRAM, SANITIZED, SystemTest, main, unescape
+from harness import BUILD, NO_MOUNTS, PROGRAM, SANITIZED, SystemTest, main, unescape
 from tree_value import Model
 import random_tree
 
@@ -76,6 +76,19 @@ class Threads(SystemTest):
                 depth = unreadable.count("/") - self.work.count("/")
                 self.assertEqual(sum(b"Exception when scanning" in line for line in lines), depth)
             os.chmod(unreadable, mode)
+
+    def test_number_of_threads_is_as_set(self):
+        for number in range(16):
+            with open(os.path.join(self.work, str(number)), "wb") as file:
+                file.truncate(16 << 20)
+        for count in (1, 3, 8):
+            self.use_threads(count)
+            most = 0
+            with subprocess.Popen([PROGRAM, "--path", self.work], env=self.environment, stdout=subprocess.DEVNULL) as run:
+                while run.poll() is None:
+                    most = max(most, len(os.listdir(f"/proc/{run.pid}/task")))
+            sanitizers = 1 if BUILD.endswith("tsan") else 0
+            self.assertEqual(most, count + 2 + sanitizers, "beside main and the log's")
 
     def test_large_files_between_small_ones(self):
         for number in range(2000):
