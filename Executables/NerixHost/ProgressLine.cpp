@@ -42,7 +42,7 @@ std::string fitted(const ProgressLine::Content& content, std::size_t columns) {
     const std::string padding(content.percent.size() < 5 ? 5 - content.percent.size() : 0, ' ');
     const std::string number = content.percent.empty() ? "" : padding + content.percent + " %";
     const std::string front = joined(content.before, number);
-    const std::string whole = joined(front, content.after);
+    std::string whole = joined(front, content.after);
     if (whole.size() > columns) {
         return front.substr(0, columns);
     }

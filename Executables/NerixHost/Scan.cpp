@@ -63,7 +63,7 @@ bool isScanned(const fs::path& directory, const fs::path& root) {
 
 /// The log's whole path. Throws std::runtime_error where it would change the value of the tree.
 fs::path logOutside(const fs::path& root, const std::string& logFile) {
-    const fs::path file = fs::weakly_canonical(fs::absolute(logFile));
+    fs::path file = fs::weakly_canonical(fs::absolute(logFile));
     if (file == root || isScanned(file.parent_path(), root)) {
         throw std::runtime_error(
             "the log " + quotedName(file.string()) + " would lie in the tree that is scanned, " +

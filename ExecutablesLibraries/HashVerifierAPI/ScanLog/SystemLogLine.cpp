@@ -1,6 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/SystemLogLine.h"
 
 #include <charconv>
+#include <utility>
 
 namespace Nerix {
 
@@ -23,25 +24,30 @@ bool isNumber(std::string_view text, Number& number, int base) {
     return error == std::errc() && end == text.data() + text.size();
 }
 
-/// The text of which the host's log wrote what is made for one line: \n, \r, \t, \\ and \xHH.
-std::string unescaped(std::string_view text) {
+/// The character of an escape sequence at the front of text, and the sequence's length; of anything else the first
+/// character itself.
+std::pair<char, std::size_t> character(std::string_view text) {
     constexpr std::string_view letters = "nrt\\";
     constexpr std::string_view named = "\n\r\t\\";
-    std::string result;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        unsigned char byte = 0;
-        if (text[at] != '\\' || at + 1 == text.size()) {
-            result += text[at];
-        } else if (const std::size_t place = letters.find(text[at + 1]); place != std::string_view::npos) {
-            result += named[place];
-            ++at;
-        } else if (text[at + 1] == 'x' && at + 3 < text.size() &&
-                   isNumber(text.substr(at + 2, 2), byte, 16)) {
-            result += static_cast<char>(byte);
-            at += 3;
-        } else {
-            result += text[at];
+    unsigned char byte = 0;
+    if (text[0] == '\\' && text.size() > 1) {
+        if (const std::size_t place = letters.find(text[1]); place != std::string_view::npos) {
+            return {named[place], 2};
         }
+        if (text[1] == 'x' && text.size() > 3 && isNumber(text.substr(2, 2), byte, 16)) {
+            return {static_cast<char>(byte), 4};
+        }
+    }
+    return {text[0], 1};
+}
+
+/// What the host's log escaped to make a text one line: \n, \r, \t, \\ and \xHH.
+std::string unescaped(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const auto [plain, length] = character(text);
+        result += plain;
+        text.remove_prefix(length);
     }
     return result;
 }

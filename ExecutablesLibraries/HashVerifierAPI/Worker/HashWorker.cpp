@@ -177,7 +177,7 @@ void HashWorker::log(const FileInput& entry, unsigned long long value) {
     onProgress();
 }
 
-void HashWorker::record(const FileInput& entry, unsigned long long value) {
+void HashWorker::record(const FileInput& entry, unsigned long long value) const {
     std::string record = scanRecord(value, entry.path.native());
     if (m_scanLog.stream == nullptr) {
         NERIX_LOG_STREAM(INF) << record;

@@ -113,7 +113,7 @@ private:
     HashWorker& begin(const FileInput& root, const std::string& hashMethod, const ScanLogStream* scanLog);
     ScanLogStream openDrive();
     void launch();
-    void record(const FileInput& entry, unsigned long long value);
+    void record(const FileInput& entry, unsigned long long value) const;
     void scan();
     void fail() noexcept;
     void publishInactive() noexcept;
