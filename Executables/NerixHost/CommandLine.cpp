@@ -28,13 +28,19 @@ constexpr const char* overview =
     "\n"
     "NerixHost VERB --help tells the options of a verb, NerixHost --version the version.\n";
 
+/// A word that stands by itself on the command line, and what a message calls it.
+struct Word {
+    const char* name;
+    const char* shown;
+    bool isRequired;
+};
+
 /// What a verb takes, and how its help begins and ends.
 struct Verb {
     const char* usage;
     const char* ending;
-    options::options_description named{"Options"};
-    std::vector<const char*> words; ///< names of those that need no option's name, in order
-    std::size_t required;           ///< how many of them
+    options::options_description named;
+    std::vector<Word> words;
 };
 
 Verb scanVerb() {
@@ -44,8 +50,7 @@ Verb scanVerb() {
         "\nExample: NerixHost scan /usr/share --log share.log --details\n\n"
         "Status: 0 for a value, 1 when there is none or it is not the one expected, 2 for wrong options.\n",
         options::options_description("Options"),
-        {"path"},
-        1};
+        {{"path", "PATH", true}}};
     auto add = verb.named.add_options();
     std::string methods = "how values are folded:";
     for (const std::string& method : HashFunctions::methods()) {
@@ -69,8 +74,7 @@ Verb compareVerb() {
         "\nExample: NerixHost compare before.log after.log\n\n"
         "Status: 0 for no difference, 1 for some, 2 for trouble.\n",
         options::options_description("Options"),
-        {"before", "after"},
-        2};
+        {{"before", "BEFORE", true}, {"after", "AFTER", true}}};
     verb.named.add_options()("json", "a JSON object for each difference");
     return verb;
 }
@@ -83,8 +87,7 @@ Verb settingsVerb() {
         "\nExample: NerixHost settings get db/menu/support/softwareupdate/hashverifier_result\n\n"
         "Status: 0, or 1 when there is no such setting or the watched run gave no value, 2 for trouble.\n",
         options::options_description("Options"),
-        {"action", "key"},
-        1};
+        {{"action", "list, get or watch", true}, {"key", "KEY", false}}};
     verb.named.add_options()("json", "a JSON object for each line");
     return verb;
 }
@@ -100,20 +103,15 @@ options::variables_map parse(const Verb& verb, const std::vector<std::string>& w
     options::options_description all;
     all.add(verb.named).add_options()("help,h", "");
     options::positional_options_description places;
-    for (const char* const word : verb.words) {
-        all.add_options()(word, options::value<std::string>());
-        places.add(word, 1);
+    for (const Word& word : verb.words) {
+        all.add_options()(word.name, options::value<std::string>());
+        places.add(word.name, 1);
     }
     options::variables_map values;
     options::store(options::command_line_parser(words).options(all).positional(places).run(), values);
-    if (values.count("help") == 0) {
-        for (std::size_t place = 0; place != verb.required; ++place) {
-            if (values.count(verb.words[place]) == 0) {
-                std::string name = verb.words[place];
-                std::transform(name.begin(), name.end(), name.begin(),
-                               [](char c) { return static_cast<char>(c - 'a' + 'A'); });
-                throw UsageError(name + " is missing");
-            }
+    for (const Word& word : verb.words) {
+        if (word.isRequired && values.count("help") + values.count(word.name) == 0) {
+            throw UsageError(std::string(word.shown) + " is missing");
         }
     }
     return values;
@@ -168,23 +166,26 @@ SettingsRequest settingsRequest(const options::variables_map& values) {
     return request;
 }
 
+CompareRequest compareRequest(const options::variables_map& values) {
+    return {textOf(values, "before"), textOf(values, "after"), values.count("json") != 0};
+}
+
+/// The verb's help when that was asked for, else what make makes of the words.
+template <class Make>
+Request answer(const Verb& verb, const std::vector<std::string>& words, Make make) {
+    const options::variables_map values = parse(verb, words);
+    return values.count("help") != 0 ? Request(TextRequest{helpOf(verb)}) : Request(make(values));
+}
+
 Request requestOf(const std::string& name, const std::vector<std::string>& words) {
     if (name == "scan") {
-        const Verb verb = scanVerb();
-        const options::variables_map values = parse(verb, words);
-        return values.count("help") != 0 ? Request(TextRequest{helpOf(verb)}) : scanRequest(values);
+        return answer(scanVerb(), words, &scanRequest);
     }
     if (name == "compare") {
-        const Verb verb = compareVerb();
-        const options::variables_map values = parse(verb, words);
-        return values.count("help") != 0 ? Request(TextRequest{helpOf(verb)})
-                                         : CompareRequest{textOf(values, "before"), textOf(values, "after"),
-                                                          values.count("json") != 0};
+        return answer(compareVerb(), words, &compareRequest);
     }
     if (name == "settings") {
-        const Verb verb = settingsVerb();
-        const options::variables_map values = parse(verb, words);
-        return values.count("help") != 0 ? Request(TextRequest{helpOf(verb)}) : settingsRequest(values);
+        return answer(settingsVerb(), words, &settingsRequest);
     }
     throw UsageError("there is no '" + name + "', but: scan compare settings");
 }
