@@ -14,12 +14,14 @@
 #include <boost/filesystem/operations.hpp>
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <future>
 #include <regex>
 #include <thread>
 
 #include <sched.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 
 namespace Nerix::Tests {
 namespace {
@@ -47,6 +49,18 @@ protected:
     static FakePlatform& platform() { return FakePlatform::instance(); }
 
     std::string verify() const { return HashVerifierAPI::nerixVerifyPath(m_tree.path().native(), "md5"); }
+
+    Writes writesOfRun() const {
+        platform().reset();
+        EXPECT_NE(verify(), "ERROR");
+        return platform().written();
+    }
+
+    std::uint64_t bytesInUse() const {
+        struct statvfs statistics {};
+        EXPECT_EQ(::statvfs(m_tree.path().c_str(), &statistics), 0);
+        return (std::uint64_t{statistics.f_blocks} - statistics.f_bfree) * statistics.f_bsize;
+    }
 
     const TemporaryDirectory m_tree;
     const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> m_openSSL{
@@ -142,17 +156,21 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
     ASSERT_EQ(::sched_getaffinity(0, sizeof all, &all), 0);
     cpu_set_t one{};
     CPU_SET(::sched_getcpu(), &one);
-    ::sched_setaffinity(0, sizeof one, &one);
-    EXPECT_NE(verify(), "ERROR");
-    const Writes expected = platform().written();
-    EXPECT_GT(expected.size(), 20U);
-    ::sched_setaffinity(0, sizeof all, &all);
-    for (int run = 0; run < 10; ++run) {
-        platform().reset();
+    for (int run = 0, attempt = 0; run < 6; ++attempt) {
+        ASSERT_LT(attempt, 100)
+            << "what is in use on the file system, the whole of progress, changes all the time";
+        const auto inUse = bytesInUse();
+        ::sched_setaffinity(0, sizeof one, &one);
+        const Writes expected = writesOfRun();
+        ::sched_setaffinity(0, sizeof all, &all);
         std::thread asking([] { EXPECT_GE(HashVerifierAPI::getProgress().size(), 4U); });
-        verify();
+        const Writes written = writesOfRun();
         asking.join();
-        EXPECT_EQ(platform().written(), expected);
+        if (bytesInUse() == inUse) {
+            EXPECT_GT(expected.size(), 20U);
+            EXPECT_TRUE(written == expected) << "run " << run;
+            ++run;
+        }
     }
 }
 
