@@ -1,5 +1,6 @@
 """The device around a run: drives, mount points, product data, places that cannot be written."""
 
+import json
 import os
 import re
 import subprocess
@@ -131,11 +132,20 @@ class Device(SystemTest):
         with open(os.path.join(self.work, "big"), "wb") as file:
             file.truncate(500 << 20)
         value, _ = self.expected()
-        with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch:
+        with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch, \
+                subprocess.Popen([*SETTINGS, "watch", "--json"], env=self.environment, stdout=subprocess.PIPE) as objects:
             watch.stdout.readline()
+            time.sleep(0.2)  # the other one says nothing while it waits
             self.assertEqual(self.value(self.work), value)
             lines = watch.stdout.read().splitlines()
-        self.assertEqual(watch.returncode, 0)
+            last = json.loads(objects.stdout.read().splitlines()[-1])
+        self.assertEqual((watch.returncode, objects.returncode), (0, 0))
+        self.assertEqual(last, {"status": "inactive", "progress": "100.0", "result": value[:8]})
+        listing = subprocess.run([*SETTINGS, "list", "--json"], env=self.environment, check=True, capture_output=True)
+        self.assertEqual([json.loads(line) for line in listing.stdout.splitlines()],
+                         [{"key": key, "value": held} for key, held in (
+                             (f"db/{PREFIX}result", value[:8]), (f"memory/{PREFIX}progress", "100.0"),
+                             (f"memory/{PREFIX}status", "inactive"))])
         self.assertTrue(any(re.fullmatch(r"active +\d\d?\.\d\d % \[#* +\] 00000111", line) for line in lines), lines)
         self.assertRegex(lines[-1], r"^inactive +100\.0 % \[#{38}\] " + value[:8] + "$")
 

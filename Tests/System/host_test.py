@@ -100,6 +100,9 @@ class Host(SystemTest):
             (["scan", tree, "--details"], 2, "--details needs --log"),
             (["compare", "a"], 2, "AFTER is missing"),
             (["compare", "/nowhere", "/nowhere"], 2, "/nowhere: No such file or directory"),
+            (["settings", "get", "memory/menu/support/softwareupdate/hasherifier_statos"], 1, "there is no setting "
+             "'memory/menu/support/softwareupdate/hasherifier_statos'; did you mean "
+             "'memory/menu/support/softwareupdate/hashverifier_status'?"),
             (["settings", "get", "progress"], 1, "there is no setting 'progress'; did you mean "
              "'memory/menu/support/softwareupdate/hashverifier_progress'?"),
         )
