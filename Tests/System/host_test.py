@@ -195,6 +195,9 @@ class Host(SystemTest):
         shutil.copy(system, self.logs[0])
         self.scan(self.logs[1])
         self.assertEqual(self.compare(*self.logs, status=0), [])
+        with open(self.logs[0], "ab") as log, open(system, "rb") as again:
+            log.write(again.read())  # as of two containers, whose threads have the same numbers
+        self.assertEqual(self.compare(*self.logs, status=0), [])
         os.mkdir(long + b"/new")
         self.value(self.tree)
         self.assertEqual([read_back(line)[:2] for line in self.compare(self.logs[1], system)], [("added", long + b"/new")])

@@ -5,7 +5,7 @@
 
 #include <cerrno>
 #include <charconv>
-#include <cstring>
+#include <map>
 #include <system_error>
 
 #include <fcntl.h>
@@ -165,7 +165,7 @@ bool ScanLogReader::nextOfSystemLog(ScanLogRecord& record) {
     std::size_t lastPiece = 0; // its bytes
     while (readLine()) {
         const std::optional<SystemLogLine> line = SystemLogLine::parse(m_line);
-        if (!line || line->thread != m_run) {
+        if (!line || line->thread != m_run || m_lineNumber < m_runBegin) {
             continue;
         }
         if (m_lineNumber == 1 || (m_recordNumber != 0 && line->number != m_recordNumber + 1)) {
@@ -206,12 +206,25 @@ void ScanLogReader::detectFormat() {
 }
 
 void ScanLogReader::findLastRun() {
+    struct Run {
+        std::uint64_t beginLine = 0;
+        std::uint64_t number = 0; // of its last record
+    };
+    std::map<std::string, Run, std::less<>> runs; // by thread: those of several processes may alternate
     rewind();
     while (readLine()) {
         const std::optional<SystemLogLine> line = SystemLogLine::parse(m_line);
-        if (line && !recordIn(line->text).empty()) {
-            m_run = line->thread;
+        if (!line || recordIn(line->text).empty()) {
+            continue;
         }
+        m_run = line->thread;
+        Run& run = runs[m_run];
+        if (run.beginLine == 0 ||
+            line->number <= run.number) { // a later process may get the same thread number
+            run.beginLine = m_lineNumber;
+        }
+        run.number = line->number;
+        m_runBegin = run.beginLine;
     }
     rewind();
 }

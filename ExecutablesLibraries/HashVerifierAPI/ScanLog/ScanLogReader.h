@@ -69,6 +69,7 @@ private:
     std::uint64_t m_lineNumber = 0;
     bool m_isSystemLog = false;
     std::string m_run;                ///< the thread field of the last run's records, in a system log
+    std::uint64_t m_runBegin = 0;     ///< the line of its first record
     std::uint64_t m_recordNumber = 0; ///< of the run's last line that was read; 0 for none
     std::string m_root;
 };
