@@ -16,10 +16,10 @@ namespace Nerix::Platform::Host {
 ///     [path]
 ///     usb_drives = /run/media
 ///
-/// A key is a name of the table in HostConfiguration.cpp, or the number that the device uses for the question.
-/// A key whose answer cannot be used is a failure, never a silent default; every key is when the file cannot
-/// be read, is malformed or is larger than 1 MiB. Each failure is one line in the system log, naming file,
-/// section and key. Immutable; any thread may ask.
+/// A key is a name of the table in HostConfiguration.cpp, or the number that the device uses for the
+/// question. A key whose answer cannot be used is a failure, never a silent default; every key is when the
+/// file cannot be read, is malformed or is larger than 1 MiB. Each failure is one line in the system log,
+/// naming file, section and key. Immutable; any thread may ask.
 class HostConfiguration {
 public:
     /// The configuration of this process, read when first asked for.

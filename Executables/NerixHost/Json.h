@@ -4,7 +4,8 @@
 
 #include <string>
 
-/// What --json prints: objects of one line. Text that is no UTF-8 is an array of its bytes, as journalctl has it.
+/// What --json prints: objects of one line. Text that is no UTF-8 is an array of its bytes, as journalctl has
+/// it.
 namespace Nerix {
 
 struct EntryChange;
@@ -14,8 +15,8 @@ struct RunState;
 /// between two logs with details.
 std::string jsonOf(const EntryChange& change);
 
-/// {"key":"db/x","value":1}: text, number or truth, as it is stored; "killed":true when it is left of a run that
-/// was killed.
+/// {"key":"db/x","value":1}: text, number or truth, as it is stored; "killed":true when it is left of a run
+/// that was killed.
 std::string jsonOf(const Platform::Host::Setting& setting);
 
 /// {"status":"active","progress":"42.17","result":"00000111"}; see RunState.h.

@@ -50,8 +50,8 @@ private:
     Content m_shown;
 };
 
-/// The content in at most so many columns: the bar takes what is left, up to 40, and goes first when there is no
-/// room for it, then what stands behind it; the rest is cut.
+/// The content in at most so many columns: the bar takes what is left, up to 40, and goes first when there is
+/// no room for it, then what stands behind it; the rest is cut.
 std::string fitted(const ProgressLine::Content& content, std::size_t columns);
 
 } // namespace Nerix

@@ -24,15 +24,15 @@ struct ScanLogRecord {
     std::string details; ///< without the blank in front; empty in a log without details
 };
 
-/// Reads a scan log back, record by record in the order of the walk: the file of a drive, or one with details,
-/// or a host's system log, of which it takes the last run and puts the pieces of long records together again.
-/// Memory does not grow with the log. One thread at a time may use a reader.
+/// Reads a scan log back, record by record in the order of the walk: the file of a drive, or one with
+/// details, or a host's system log, of which it takes the last run and puts the pieces of long records
+/// together again. Memory does not grow with the log. One thread at a time may use a reader.
 class ScanLogReader {
 public:
-    /// Reads the log once from beginning to end, and stands at its beginning then. A pipe is copied into a file
-    /// without a name first. Throws ScanLogError when the log cannot be read, has no record or is damaged, and
-    /// when it is incomplete: its last record is not the root of the others, or records are missing in a
-    /// system log that was rotated away.
+    /// Reads the log once from beginning to end, and stands at its beginning then. A pipe is copied into a
+    /// file without a name first. Throws ScanLogError when the log cannot be read, has no record or is
+    /// damaged, and when it is incomplete: its last record is not the root of the others, or records are
+    /// missing in a system log that was rotated away.
     explicit ScanLogReader(const std::string& file);
 
     /// The path of the last record, that of the whole tree.

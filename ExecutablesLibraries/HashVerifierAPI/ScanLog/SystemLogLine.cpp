@@ -24,8 +24,8 @@ bool isNumber(std::string_view text, Number& number, int base) {
     return error == std::errc() && end == text.data() + text.size();
 }
 
-/// The character of an escape sequence at the front of text, and the sequence's length; of anything else the first
-/// character itself.
+/// The character of an escape sequence at the front of text, and the sequence's length; of anything else the
+/// first character itself.
 std::pair<char, std::size_t> character(std::string_view text) {
     constexpr std::string_view letters = "nrt\\";
     constexpr std::string_view named = "\n\r\t\\";

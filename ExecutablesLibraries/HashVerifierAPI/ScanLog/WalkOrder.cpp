@@ -11,7 +11,8 @@ std::string_view withoutSlash(std::string_view path) {
     return path == "/" ? std::string_view() : path;
 }
 
-/// A byte in the order of names: a name that ends, at the end of a directory's, is less than one that goes on.
+/// A byte in the order of names: a name that ends, at the end of a directory's, is less than one that goes
+/// on.
 int rank(char character) {
     return character == '/' ? 0 : static_cast<unsigned char>(character) + 1;
 }
@@ -30,7 +31,8 @@ int compareInWalkOrder(std::string_view a, std::string_view b) {
     if (a.size() == b.size()) {
         return 0;
     }
-    // One begins with the other: a directory comes behind what is below it, a shorter name before a longer one.
+    // One begins with the other: a directory comes behind what is below it, a shorter name before a longer
+    // one.
     const bool isDirectory = (a.size() > b.size() ? a : b)[shorter] == '/';
     return (a.size() > b.size()) == isDirectory ? -1 : 1;
 }

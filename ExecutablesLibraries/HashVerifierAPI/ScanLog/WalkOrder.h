@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-/// The order of a scan log: a directory's entries by the bytes of their names, and each directory behind all that
-/// is below it. Paths are absolute, without a slash at the end but for "/" itself.
+/// The order of a scan log: a directory's entries by the bytes of their names, and each directory behind all
+/// that is below it. Paths are absolute, without a slash at the end but for "/" itself.
 namespace Nerix {
 
 /// Below 0 when a walk reports the entry a before b, above 0 when after, 0 when they are the same.

@@ -36,8 +36,8 @@ private:
 ///
 /// Threads: start, wait, getResult and getFailure are for one thread at a time, the one that drives the
 /// verification; getProgress and getEntries may be called from any thread at any time; the rest is called by
-/// the worker's own thread while it runs. No lock is taken: while it runs, the counters and the result are written by the worker's thread
-/// alone; those that others read are atomic.
+/// the worker's own thread while it runs. No lock is taken: while it runs, the counters and the result are
+/// written by the worker's thread alone; those that others read are atomic.
 class HashWorker : private boost::noncopyable {
 public:
     /// Created on the first call, when it examines "/" and throws GenericException if it cannot.
@@ -97,8 +97,8 @@ public:
     /// The body of the worker's thread. Every failure ends as the result "ERROR"; none leaves.
     HashWorker& execute();
 
-    /// Closes the scan log on the drive. Says in the system log, at WRN, when records are missing there, as on
-    /// a drive that got full.
+    /// Closes the scan log on the drive. Says in the system log, at WRN, when records are missing there, as
+    /// on a drive that got full.
     void shutdown();
 
     /// Ends a successful run: result and progress are published.
