@@ -8,12 +8,12 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/Progress.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
-#include "ExecutablesLibraries/HashVerifierAPI/Worker/RunSteps.h"
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 
 #include <boost/exception/diagnostic_information.hpp>
@@ -44,6 +44,16 @@ void throwIfProcessEnds() {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("ended by signal ", signal));
     }
 }
+
+/// While it lives, the digest steps of the worker's thread are the run's progress.
+class RunSteps final : public HashFunctions::StepObserver {
+public:
+    explicit RunSteps(HashWorker& worker) : m_worker(worker) {}
+    void onStep(unsigned long long bytes) override { m_worker.log(bytes); }
+
+private:
+    HashWorker& m_worker;
+};
 
 /// For handlers on the worker's thread, which must not end the process.
 void logCurrentException(LoggingClass::Level level, const char* what) noexcept {

@@ -8,7 +8,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
-#include "ExecutablesLibraries/HashVerifierAPI/Worker/RunSteps.h"
 
 #include <boost/exception/diagnostic_information.hpp>
 #include <boost/thread/thread.hpp>
@@ -120,6 +119,14 @@ private:
     unsigned long long m_bytes = 0;
 };
 
+/// The steps of a fold that is tried again when it fails: they are reported when it has succeeded.
+class Walk::FoldSteps final : public HashFunctions::StepObserver {
+public:
+    void onStep(unsigned long long bytes) override { steps.add({bytes, 1}); }
+
+    Steps steps;
+};
+
 Walk::Walk(const IFileScanner& directory, const IHashFunction& function, Place place)
     : m_directory(directory),
       m_function(function),
@@ -180,8 +187,7 @@ void Walk::report(Cell& cell) {
         return;
     }
     if (cell.listing) {
-        const RunSteps observer(m_worker); // also in the middle of an entry ahead, which has its own
-        cell.value = m_function.apply(cell.value, cell.listing->values);
+        foldEntries(cell);
     } else {
         reportSteps(cell, cell.steps);
     }
@@ -192,9 +198,28 @@ void Walk::report(Cell& cell) {
     }
     Listing& listing = *cell.parent->listing;
     constexpr std::size_t longestLine = 21; // twenty digits and the line feed
-    listing.values.reserve(listing.names.size() * longestLine);
+    retryAlone([&] { listing.values.reserve(listing.names.size() * longestLine); });
     listing.values += std::to_string(cell.value);
     listing.values += '\n';
+}
+
+void Walk::foldEntries(Cell& directory) {
+    FoldSteps observer; // also in the middle of an entry ahead, which has its own
+    retryAlone([&] { directory.value = m_function.apply(directory.value, directory.listing->values); });
+    reportSteps(directory, observer.steps);
+}
+
+template <class Action>
+void Walk::retryAlone(Action action) {
+    try {
+        action();
+    } catch (...) {
+        if (m_helpers.empty()) {
+            throw;
+        }
+        stopHelpers();
+        action();
+    }
 }
 
 void Walk::reportDirectories(Cell* innermost) {

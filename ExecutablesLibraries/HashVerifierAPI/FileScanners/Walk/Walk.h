@@ -46,9 +46,11 @@ private:
     using hash_t = IFileScanner::hash_t;
     class FrontSteps;
     class AheadSteps;
+    class FoldSteps;
 
     void step();
     void report(Cell& cell);
+    void foldEntries(Cell& directory);
     void reportDirectories(Cell* innermost);
     void reportSteps(Cell& cell, const Steps& steps);
     void reportProgress();
@@ -60,6 +62,12 @@ private:
 
     void startHelpers();
     void stopHelpers() noexcept;
+
+    /// Takes the action; when it fails, once more without the helpers, which may hold the memory or the
+    /// descriptors that it lacks.
+    template <class Action>
+    void retryAlone(Action action);
+
     void help();
     [[noreturn]] void passOn() const;
 
