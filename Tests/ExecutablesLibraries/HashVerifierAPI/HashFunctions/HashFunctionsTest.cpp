@@ -65,7 +65,8 @@ TEST_F(HashFunctionsTest, UnknownMethodIsNamed) {
 }
 
 TEST_F(HashFunctionsTest, DigestStepsReportTheirBytesToTheLastObserverOfTheirThread) {
-    const IHashFunction& md5 = HashFunctions::getInstance("md5");
+    const std::string method = "md5";
+    const IHashFunction& md5 = HashFunctions::getInstance(method);
     std::string content(4097, 'x');
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(
         ::fmemopen(content.data(), content.size(), "r"), &std::fclose);
