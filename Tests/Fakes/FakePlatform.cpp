@@ -34,6 +34,7 @@ void FakePlatform::reset() {
     m_failures.clear();
     onWrite = nullptr;
     systemInfo.clear();
+    settings.clear();
     pathVariables.clear();
 }
 
@@ -85,15 +86,24 @@ void FakePlatform::addLogRecord(LogRecord record) {
 
 namespace {
 
-template <class Value, class Out>
-int systemInfo(int key, Out* out) {
-    const auto& answers = FakePlatform::instance().systemInfo;
-    const auto answer = answers.find(key);
-    if (answer == answers.end() || !std::holds_alternative<Value>(answer->second)) {
+template <class Value, class Key, class Out>
+int answer(const std::map<Key, FakePlatform::Value>& answers, const Key& key, Out* out) {
+    const auto known = answers.find(key);
+    if (known == answers.end() || !std::holds_alternative<Value>(known->second)) {
         return FakePlatform::failure;
     }
-    *out = std::get<Value>(answer->second);
+    *out = std::get<Value>(known->second);
     return 0;
+}
+
+template <class Value, class Out>
+int systemInfo(int key, Out* out) {
+    return answer<Value>(FakePlatform::instance().systemInfo, key, out);
+}
+
+template <class Value, class Out>
+int setting(const char* key, Out* out) {
+    return answer<Value>(FakePlatform::instance().settings, std::string(key), out);
 }
 
 } // namespace
@@ -101,18 +111,18 @@ int systemInfo(int key, Out* out) {
 
 using namespace Nerix::Tests; // NOLINT(google-build-using-namespace): its names fill this test
 
-// Nothing that runs here reads settings back.
-int vconf_get_int(const char*, int*) {
-    return FakePlatform::failure;
+int vconf_get_int(const char* key, int* value) {
+    return setting<int>(key, value);
 }
-int vconf_get_dbl(const char*, double*) {
-    return FakePlatform::failure;
+int vconf_get_dbl(const char* key, double* value) {
+    return setting<double>(key, value);
 }
-int vconf_get_bool(const char*, int*) {
-    return FakePlatform::failure;
+int vconf_get_bool(const char* key, int* value) {
+    return setting<bool>(key, value);
 }
-char* vconf_get_str(const char*) {
-    return nullptr;
+char* vconf_get_str(const char* key) {
+    std::string text;
+    return setting<std::string>(key, &text) == 0 ? ::strdup(text.c_str()) : nullptr;
 }
 int vconf_set_int(const char* key, int value) {
     return FakePlatform::instance().set(key, value);

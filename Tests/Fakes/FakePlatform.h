@@ -20,9 +20,9 @@ struct LogRecord {
     std::string withoutHeader() const;
 };
 
-/// The platform in memory: it remembers what it is told, fails on demand and gives no setting back. Functions
-/// may be called from any thread; what a test sets up, it sets up before it starts one. Fatal log records
-/// also go to standard error, where death tests look.
+/// The platform in memory: it remembers what it is told and fails on demand. Functions may be called from any
+/// thread; what a test sets up, it sets up before it starts one. Fatal log records also go to standard error,
+/// where death tests look.
 class FakePlatform {
 public:
     using Value = std::variant<int, double, bool, std::string>;
@@ -49,8 +49,10 @@ public:
     /// Called after a setting was written, without a lock held.
     std::function<void(const std::string& key, const Value& value)> onWrite;
 
-    /// Answers of the system-information service and of the path configuration; what is not there fails.
+    /// Answers of the system-information service, the path configuration and the settings store, which gives
+    /// back no setting that was written; what is not there, or of another type, fails.
     std::map<int, Value> systemInfo;
+    std::map<std::string, Value> settings;
     std::map<int, std::string> pathVariables;
 
     int set(const char* key, const Value& value);

@@ -1,10 +1,13 @@
 #include "Common/Logging/Log.h"
+#include "Common/Logging/MaxElapsed.h"
 #include "PlatformInterfaces/dlog.h"
 #include "Tests/Fakes/FakePlatform.h"
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <stdexcept>
+#include <thread>
 
 namespace Nerix::Tests {
 namespace {
@@ -46,6 +49,73 @@ TEST_F(LoggingTest, RecordCarriesProcessThreadNumberAndPosition) {
     EXPECT_EQ(records[2].withoutHeader(), "[INF] LoggingTest.cpp:" + std::to_string(line) + ">100% of 2");
 }
 
+TEST_F(LoggingTest, LevelsHaveTheirBuffersPrioritiesAndNames) {
+    const struct {
+        LoggingClass::Level level;
+        const char* name;
+        int buffer;
+        int priority;
+        const char* shown;
+    } cases[] = {
+        {LoggingClass::NONE, "UNKNOWN LEVEL", 0, 0, nullptr},
+        {LoggingClass::VERBOSE, "VERBOSE", 0, 0, nullptr},
+        {LoggingClass::DBG, "DBG", DLOG_BUFFER_MAIN, DLOG_PRIORITY_DEBUG, "[DBG] x"},
+        {LoggingClass::INF, "INF", DLOG_BUFFER_MAIN, DLOG_PRIORITY_INFO, "[INF] x"},
+        {LoggingClass::WRN, "WRN", DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "[WRN] x"},
+        {LoggingClass::ERR, "ERR", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_WARNING, "[ERR] x"},
+        {LoggingClass::FTL, "FTL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_FATAL, "[FTL] x"},
+        {static_cast<LoggingClass::Level>(7), "UNKNOWN LEVEL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR,
+         "[INF] x"},
+    };
+    for (const auto& expected : cases) {
+        FakePlatform::instance().reset();
+        EXPECT_STREQ(LoggingClass::logLevelToString(expected.level), expected.name);
+        LoggingClass::print(&LoggingClass::printLines, "tag", expected.level, "%s", "x");
+        const std::vector<LogRecord> records = FakePlatform::instance().log();
+        ASSERT_EQ(records.size(), expected.shown == nullptr ? 0U : 1U) << expected.name;
+        if (expected.shown != nullptr) {
+            EXPECT_EQ(std::make_pair(records[0].buffer, records[0].priority),
+                      std::make_pair(expected.buffer, expected.priority));
+            EXPECT_EQ(records[0].withoutHeader(), expected.shown);
+        }
+    }
+    FakePlatform::instance().reset();
+    Common::Logging::LoggingStream("tag", LoggingClass::NONE, "file", 1).getStream() << "nothing" << 1;
+    EXPECT_EQ(FakePlatform::instance().log().size(), 0U);
+}
+
+TEST_F(LoggingTest, RecordNumbersOfAllThreadsAreDifferent) {
+    FakePlatform::instance().reset();
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([] {
+            for (int record = 0; record < 500; ++record) {
+                NERIX_LOG(INF, "%d", record);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    std::set<unsigned long> numbers;
+    for (const LogRecord& record : FakePlatform::instance().log()) {
+        const std::string& text = record.text;
+        numbers.insert(std::stoul(text.substr(text.find("][", text.find("][") + 1) + 2)));
+    }
+    EXPECT_EQ(numbers.size(), 2000U);
+    EXPECT_EQ(*numbers.rbegin() - *numbers.begin(), 1999U);
+}
+
+TEST_F(LoggingTest, LimitOfTheFirstCallHoldsForAllOthers) {
+    using Common::Logging::maxElapsed;
+    const auto ago = [](int milliseconds) {
+        return std::chrono::steady_clock::now() - std::chrono::milliseconds(milliseconds);
+    };
+    EXPECT_FALSE(maxElapsed(ago(0), 60'000));
+    EXPECT_TRUE(maxElapsed(ago(60'000), 1'000'000));
+    EXPECT_FALSE(maxElapsed(ago(30'000), 1));
+}
+
 TEST_F(LoggingTest, LongTextsAreCutIntoRecords) {
     const std::string full(768, 'a');
     const std::string lines = std::string(700, 'b') + "\n" + std::string(67, 'c');
@@ -58,6 +128,7 @@ TEST_F(LoggingTest, LongTextsAreCutIntoRecords) {
         {full + "\n", {full}},
         {full + "\n\nd", {full, "", "d"}},
         {full + "a\n" + full, {full, "a", full}},
+        {std::string(17000, '\n'), std::vector<std::string>(16383)},
     };
     for (const auto& [message, expected] : cases) {
         std::vector<std::string> texts;

@@ -1,9 +1,11 @@
 #include "Common/Utils/Errors/Errors.h"
 #include "Common/Utils/Errors/RethrowExceptionStream.h"
+#include "Common/Utils/Errors/SupportCode.h"
 #include "Common/Utils/Errors/ThreadInterrupted.h"
 #include "Tests/Fakes/FakePlatform.h"
 
 #include <boost/exception/diagnostic_information.hpp>
+#include <boost/exception/errinfo_nested_exception.hpp>
 #include <boost/exception/get_error_info.hpp>
 #include <gtest/gtest.h>
 
@@ -55,11 +57,52 @@ TEST(Rethrow, WhatCarriesNoEntriesIsWrappedOrLogged) {
     }
     EXPECT_THROW(throughFrame("X", interrupt), boost::thread_interrupted)
         << "for those who know only the library's";
+    EXPECT_THROW(RethrowExceptionStream(boost::copy_exception(boost::thread_interrupted())),
+                 Common::Utils::thread_interrupted);
+    const auto writeFails = [](std::ostream&) -> std::ostream& { throw std::runtime_error("writing"); };
+    EXPECT_THROW(RethrowExceptionStream(boost::copy_exception(GenericException())).getStream() << writeFails,
+                 std::runtime_error);
+    EXPECT_DEATH(RethrowExceptionStream(boost::exception_ptr()), "ASSERTION FAILED: excPtr, ");
 
     FakePlatform::instance().reset();
     EXPECT_THROW(throughFrame("X", [] { throw std::runtime_error("plain"); }), std::runtime_error);
     EXPECT_EQ(FakePlatform::instance().logged(">Rethrowing unknown exception:  -> void"), 1U);
     EXPECT_EQ(FakePlatform::instance().logged("frame X"), 1U);
+}
+
+TEST(SupportCode, ChainsAreOutermostFirst) {
+    GenericException inner;
+    EXPECT_EQ(get_combined_supportcode(inner), "");
+    add_supportcode_context(inner, "3");
+    add_supportcode_context(inner, "2");
+    EXPECT_EQ(get_combined_supportcode(inner), "2-3");
+    GenericException outer;
+    outer << boost::errinfo_nested_exception(boost::copy_exception(inner));
+    EXPECT_EQ(get_combined_supportcode(outer), "2-3");
+    add_supportcode_context(outer, "1");
+    EXPECT_EQ(get_combined_supportcode(outer), "1-2-3");
+    GenericException other;
+    add_supportcode_context(other, outer, "0");
+    EXPECT_EQ(get_combined_supportcode(other), "0-1");
+    outer << boost::errinfo_nested_exception(boost::copy_exception(std::runtime_error("without entries")));
+    EXPECT_EQ(get_combined_supportcode(outer), "1");
+}
+
+TEST(ErrorInfo, SubjectIsTheDebugNameOrTypeAndAddress) {
+    struct Plain {
+    } plain;
+    struct Base {
+        virtual ~Base() = default;
+    };
+    struct Named : Base, IDebugName {
+        std::string debugName() const override { return "named"; }
+    } named;
+    EXPECT_EQ(errinfo_subject(named).value(), "named");
+    EXPECT_EQ(errinfo_subject(static_cast<Base&>(named)).value(), "named");
+    std::ostringstream address;
+    address << "Plain=" << &plain;
+    const std::string text = errinfo_subject(plain).value();
+    EXPECT_EQ(text.substr(text.find("Plain")), address.str()) << text;
 }
 
 TEST(ErrorInfo, StreamEntryQuotesPathsAndIsReplacedByErrno) {

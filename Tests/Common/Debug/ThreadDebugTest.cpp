@@ -1,0 +1,56 @@
+#include "Common/Debug/ThreadDebug.h"
+
+#include "Tests/Fakes/FakePlatform.h"
+
+#include <boost/thread/thread.hpp>
+#include <gtest/gtest.h>
+
+#include <future>
+
+namespace Nerix::Tests {
+namespace {
+
+using Common::Debug::ThreadDebug;
+
+TEST(ThreadDebugDeathTest, ThreadsButTheMainOneGetSanitisedNames) {
+    FakePlatform& platform = FakePlatform::instance();
+    const std::string twenty = "abcdefghijklmnopqrst";
+    EXPECT_EQ(ThreadDebug::sanitizeThreadName("hash worker-1_Z\xc3\xa4"), "hash_worker_1_Z__");
+    EXPECT_EQ(ThreadDebug::sanitizeThreadName(twenty.c_str()), twenty);
+    const std::string mainName = ThreadDebug::GetThreadName();
+    EXPECT_DEATH(
+        {
+            ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
+            ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
+        },
+        "ASSERTION FAILED: m_mainThreadId == boost::thread::id\\(\\), ");
+    ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
+    EXPECT_EQ(platform.logged(">Registering main thread id "), 1U);
+    EXPECT_EQ(platform.logged(" named " + mainName + "."), 1U);
+    ThreadDebug::SetThreadName("other");
+    EXPECT_EQ(ThreadDebug::GetThreadName(), mainName);
+    EXPECT_EQ(platform.logged("[WRN] ThreadDebug.cpp:"), 1U);
+    EXPECT_EQ(platform.logged(">Main thread name: other."), 1U);
+
+    std::promise<void> named;
+    boost::thread thread([&] {
+        named.get_future().wait();
+        EXPECT_EQ(ThreadDebug::GetThreadName(), "by_main");
+        ThreadDebug::SetThreadName(twenty.c_str());
+        EXPECT_EQ(ThreadDebug::GetThreadName(), twenty.substr(0, 15));
+    });
+    ThreadDebug::SetThreadName(thread, "by main");
+    ThreadDebug::SetThreadName(thread, twenty.c_str());
+    named.set_value();
+    thread.join();
+    ThreadDebug::SetThreadName(thread, "gone");
+    EXPECT_EQ(platform.logged(" to by_main."), 1U);
+    EXPECT_EQ(platform.logged(" to " + twenty + "."), 1U);
+    for (const std::string& refused : {twenty, std::string("gone")}) {
+        EXPECT_EQ(platform.logged(">pthread_setname_np Failed to give the name to thread: " + refused), 1U);
+    }
+    EXPECT_EQ(platform.logged("[ERR] ThreadDebug.cpp:"), 2U);
+}
+
+} // namespace
+} // namespace Nerix::Tests
