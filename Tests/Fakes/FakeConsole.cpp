@@ -1,8 +1,9 @@
 // No unit test may write on the machine's console, nor lose its standard output to it: in a program that
-// links the fakes /dev/console cannot be opened. Linked with --wrap for freopen by both its names: which one
+// links the fakes /dev/console is the file that NERIX_TEST_CONSOLE names; without it, it cannot be opened. Linked with --wrap for freopen by both its names: which one
 // is called hangs on the width of file offsets.
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 extern "C" {
@@ -11,7 +12,10 @@ std::FILE* __wrap_freopen64(const char* path, const char* mode, std::FILE* strea
 std::FILE* __wrap_freopen(const char* path, const char* mode, std::FILE* stream);
 
 std::FILE* __wrap_freopen64(const char* path, const char* mode, std::FILE* stream) {
-    return std::strcmp(path, "/dev/console") == 0 ? nullptr : __real_freopen64(path, mode, stream);
+    if (std::strcmp(path, "/dev/console") == 0) {
+        path = std::getenv("NERIX_TEST_CONSOLE");
+    }
+    return path == nullptr ? nullptr : __real_freopen64(path, mode, stream);
 }
 
 std::FILE* __wrap_freopen(const char* path, const char* mode, std::FILE* stream) {

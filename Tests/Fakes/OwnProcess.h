@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <functional>
+#include <iostream>
 #include <string>
 
 #include <sys/wait.h>
@@ -24,6 +25,11 @@ inline void inOwnProcess(const std::function<void()>& body) {
     EXPECT_EXIT(
         {
             body();
+            const testing::TestResult& result =
+                *testing::UnitTest::GetInstance()->current_test_info()->result();
+            for (int part = 0; part < result.total_part_count(); ++part) { // nobody else prints them there
+                std::cerr << result.GetTestPartResult(part);
+            }
             std::exit(testing::Test::IsSkipped() ? skipped : testing::Test::HasFailure() ? 1 : 0);
         },
         endedWell, "");

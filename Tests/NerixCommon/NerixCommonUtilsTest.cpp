@@ -36,6 +36,14 @@ TEST(NerixCommonUtils, VersionsSplitAtTheFirstDot) {
     }
 }
 
+TEST(NerixCommonUtilsDeathTest, UpgradeTypesHaveNames) {
+    EXPECT_EQ(Utils::upgradeTypeToString(NerixCommon::UpgradeType::OTA), "OTA");
+    EXPECT_EQ(Utils::upgradeTypeToString(NerixCommon::UpgradeType::OTN), "OTN");
+    EXPECT_EQ(Utils::upgradeTypeToString(NerixCommon::UpgradeType::USB), "USB");
+    EXPECT_DEATH(Utils::upgradeTypeToString(static_cast<NerixCommon::UpgradeType>(77)),
+                 "ASSERTION FAILED: false");
+}
+
 TEST(NerixCommonUtils, TransactionIdsAreChecksums) {
     const std::string digits = "123456789";
     EXPECT_EQ(Utils::getTransactionIdForUpgrade({digits.begin(), digits.end()}), "2639f4cb");

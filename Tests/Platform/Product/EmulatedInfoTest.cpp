@@ -1,9 +1,9 @@
 #include "Platform/Product/IProductInfo.h"
 
-#include "Common/Utils/Errors/Errors.h"
+#include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"
+#include "Tests/Fakes/Report.h"
 
-#include <boost/exception/get_error_info.hpp>
 #include <boost/filesystem/fstream.hpp>
 #include <boost/filesystem/operations.hpp>
 #include <boost/optional/optional_io.hpp>
@@ -33,15 +33,9 @@ std::string contentOf(const boost::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::string failureOf(const std::function<void()>& operation) {
-    using namespace Common::Utils; // NOLINT(google-build-using-namespace): its names fill this test
-    try {
-        operation();
-        return "none";
-    } catch (const GenericException& exception) {
-        const auto* const description = boost::get_error_info<errinfo_description>(exception);
-        return description != nullptr ? *description : *boost::get_error_info<errinfo_string>(exception);
-    }
+void expectFailure(const std::string& text, const std::function<void()>& operation) {
+    const std::string report = reportOf(operation);
+    EXPECT_TRUE(has(report, "] = " + text + "\n")) << text << " in " << report;
 }
 
 TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {
@@ -56,8 +50,17 @@ TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {
                   "VersionMinor:65535\nModelString:M H\nDate:2016-01-01\nOTNZone:E\nVersionMajor:8\n");
         EXPECT_EQ(Info::getEmulatedVersionString(), std::string("8.65535"));
         EXPECT_EQ(Info::getEmulatedOTNZone(), 'E');
+        EXPECT_EQ(Info::getEmulatedMainSoftwareVersionMinor().get(), 65535);
+        boost::filesystem::ofstream(file)
+            << "PartitionTxtFilePath:/p\nSubmicom:0.7\nServiceID:q\nVersionMajor:65536\nVersionMinor:-1\n";
+        EXPECT_EQ(Info::getEmulatedPartitionTxtFilePath(), boost::filesystem::path("/p"));
+        EXPECT_EQ(Info::getEmulatedSubmicomVersion(), std::string("0.7"));
+        EXPECT_EQ(Info::getEmulatedQorlServiceID(), std::string("q"));
+        EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMajor(); }), "bad_lexical_cast"));
+        EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMinor(); }), "bad_lexical_cast"));
         Info::removeEmulationInfo();
-        EXPECT_FALSE(Info::getEmulatedModelString());
+        EXPECT_FALSE(Info::getEmulatedVersionString());
+        EXPECT_EQ(FakePlatform::instance().logged("[WRN] ProductEmulation.cpp:"), 1U);
     });
 }
 
@@ -69,21 +72,27 @@ TEST(EmulatedInfo, BadLinesFailAndLoseNothing) {
                  {":value", noKey}, {"", noKey}, {"Key:", noValue}, {"Key", noValue}, {"Key::x", noValue}}) {
             const std::string content = "A:1\n" + bad + "\nModelString:m\n";
             boost::filesystem::ofstream(file) << content;
-            EXPECT_EQ(failureOf([] { Info::getEmulatedModelString(); }), failure) << bad;
-            EXPECT_EQ(failureOf([] { Info::setEmulatedModelString("n"); }), failure) << bad;
-            EXPECT_EQ(contentOf(file), content);
+            expectFailure(failure, [] { Info::getEmulatedModelString(); });
+            expectFailure(failure, [] { Info::setEmulatedModelString("n"); });
+            EXPECT_EQ(contentOf(file), content) << bad;
         }
         boost::filesystem::ofstream(file) << "A:1\n";
         for (const char* const value : {"", "two\nlines"}) {
-            EXPECT_EQ(failureOf([&] { Info::setEmulatedModelString(value); }),
-                      "Can't store an empty text, or one with a line break, in EmulatedInfo.txt.")
-                << value;
+            expectFailure("Can't store an empty text, or one with a line break, in EmulatedInfo.txt.",
+                          [&] { Info::setEmulatedModelString(value); });
         }
         EXPECT_EQ(contentOf(file), "A:1\n");
         Info::setEmulatedMainSoftwareVersionDate("2016-01-01:extra");
         EXPECT_EQ(Info::getEmulatedMainSoftwareVersionDate(), std::string("2016-01-01"));
         Info::setEmulatedOTNZone(':');
         EXPECT_EQ(contentOf(file), "A:1\nDate:2016-01-01\nOTNZone::\n");
+        boost::filesystem::ofstream(file) << "A:1\n";
+        expectFailure("Requested key doesn't exist in EmulatedInfo.txt. Key: Submicom",
+                      [] { Info::getEmulatedSubmicomVersion(); });
+        boost::filesystem::remove(file);
+        boost::filesystem::create_directory(file);
+        expectFailure("Opening EmulatedInfo.txt failed.", [] { Info::getEmulatedModelString(); });
+        expectFailure("Couldn't open file.", [] { Info::setEmulatedModelString("n"); });
     });
 }
 

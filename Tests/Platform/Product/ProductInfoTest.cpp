@@ -1,8 +1,8 @@
 #include "Platform/Product/IProductInfo.h"
 
-#include "Common/Utils/Errors/Errors.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"
+#include "Tests/Fakes/Report.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,14 @@ TEST(ProductInfo, TelevisionByDefault) {
             {128, "T-ABHCHD-66770.5"}, {8, "2026-01-02"}, {133, "0.7"}, {301, "/p.txt"}, {203, 540}};
         Info::initializeProduct(Platform::DEFAULT_PRODUCT);
         EXPECT_EQ(platform.logged(">Product type set to TV_PRODUCT"), 1U);
-        EXPECT_EQ(Info::getListOfCores(), std::vector<std::string>{"TV"});
+        EXPECT_EQ(platform.logged(">Product was build for emulator32"), 1U);
+        EXPECT_EQ(platform.logged(">Flag m_isZebConnected is set to false"), 1U);
+        EXPECT_EQ(Info::getDeviceType(), Platform::TV_PRODUCT);
+        EXPECT_EQ(Info::getListOfVerifiers(), std::vector<std::string>{"TV"});
+        EXPECT_FALSE(Info::isSecondDeviceConnected());
+        EXPECT_TRUE(Info::isMasterDevice());
+        EXPECT_EQ(Info::getMasterDeviceType(), Platform::TV_PRODUCT);
+        EXPECT_FALSE(Info::isGuestCore());
         EXPECT_TRUE(Info::isScreenRatioFitNeeded());
         EXPECT_EQ(Info::getModelString(), "T-ABHCHD");
         EXPECT_EQ(Info::getVersionString(), "66770.5");
@@ -28,12 +35,97 @@ TEST(ProductInfo, TelevisionByDefault) {
         EXPECT_EQ(Info::getSubmicomVersion(), "0.7");
         EXPECT_EQ(Info::getPartitionTxtFilePath(), "/p.txt");
         EXPECT_EQ(Info::getVarikModelString(), "T-ABHCBD");
+        EXPECT_EQ(Info::getVarikSoftwareVersionDate(), "0000-00-00");
+        EXPECT_EQ(Info::getVarikSoftwareVersionMajor(), 1000);
+        EXPECT_EQ(Info::getVarikSoftwareVersionMinor(), 0);
+        for (const char* const record :
+             {">Model string: T-ABHCHD.", ">Version string: 66770.5.", ">MAJOR SW VERSION: 1234",
+              ">MINOR SW VERSION: 5", ">Partition.txt file path is: /p.txt"}) {
+            EXPECT_GE(platform.logged(record), 1U) << record;
+        }
         platform.systemInfo = {{128, "no.dash"}};
-        EXPECT_THROW(Info::getModelString(), Common::Utils::GenericException);
-        EXPECT_EQ(platform.logged(">getParsedModelAndVersion: Wrong string format - lack of dash: no.dash"),
-                  1U);
-        EXPECT_THROW(Info::getSubmicomVersion(), Platform::SystemInfoAPIInternalProblemException);
+        const std::string noVersion = "Unable to read SW version from system-info";
+        const std::string noType = "Unable to get product type configuration - ";
+        const std::pair<std::function<void()>, std::string> failures[] = {
+            {[] { Info::getModelString(); }, "getParsedModelAndVersion: Wrong string format - lack of dash"},
+            {[] { Info::getVersionString(); }, "getVersionString: Wrong string format - lack of dash"},
+            {[] { Info::getMainSoftwareVersionDate(); }, noVersion},
+            {[] { Info::getSubmicomVersion(); }, noVersion},
+            {[] { Info::getPartitionTxtFilePath(); }, "Unable to read partition file path from system-info"},
+            {[] { Info::isGenuineTV(); }, noType + "TV"},
+            {[] { Info::isGenuineZeb(); }, noType + "Zeb"},
+        };
+        for (const auto& [operation, failure] : failures) {
+            const std::string report = reportOf(operation);
+            EXPECT_TRUE(has(report, "] = " + failure + "\n")) << report;
+            EXPECT_GE(platform.logged(">" + failure), 1U);
+        }
+        EXPECT_TRUE(has(reportOf(failures[0].first), "tag_errinfo_string*] = no.dash\n"));
+        EXPECT_TRUE(
+            has(reportOf([] { Info::getVarikModelFromCorvanModel("ABC"); }),
+                "] = Can't figure out Varik model string. Corvan model string does not have 'H': ABC\n"));
         EXPECT_FALSE(Info::isScreenRatioFitNeeded());
+        EXPECT_EQ(platform.logged("[ERR] ProductIdentity.cpp:"), 1U);
+    });
+}
+
+TEST(ProductInfo, PathsAreJoinedFromTheirParts) {
+    for (const bool isTV : {true, false}) {
+        inOwnProcess([isTV] {
+            FakePlatform& platform = FakePlatform::instance();
+            platform.pathVariables = {
+                {6, "/bin6"}, {20, "/apps20"}, {25, "/share25"}, {31, "/apps31"}, {43, "/usb43"}};
+            Info::initializeProduct(isTV ? Platform::TV_PRODUCT : Platform::ZEB_PRODUCT);
+            const std::string data = std::string("/org.corvan.tv.nerix/data/") + (isTV ? "tv" : "zeb");
+            const std::string partition = "/mnt/systemrw" + data;
+            const std::pair<std::string, std::string> paths[] = {
+                {Info::getFlashDeviceRootPath(), ""},
+                {Info::getNerixPartitionPath(), partition},
+                {Info::getNerixBigTempPath(), "/apps31" + data},
+                {Info::getFileSystemRootPath(), ""},
+                {Info::getMBUPartitionMountPath(), partition + "/mbu_mount_point"},
+                {Info::getUSBMountPath(), "/usb43"},
+                {Info::getLastSearchingDateFilePath(), partition + "/LastSearchingDate"},
+                {Info::getNerixFactoryResetFlagPath(), partition + "/NerixFactoryResetFlag"},
+                {Info::getNerixFinalizingUpgradeFlagPath(), partition + "/NerixFinalizingUpgradeFlag"},
+                {Info::getEmulatedInfoPath(), partition + "/EmulatedInfo.txt"},
+                {Info::getLastPluginFailureFlagFilePath(), partition + "/plugin_failure_flags"},
+                {Info::getKrafsScriptsDirectory(), "/apps20/org.corvan.tv.nerix"},
+                {Info::getLibraryKeyPath(), "/share25/org.corvan.tv.nerix/libnerixprodkeys.so"},
+                {Info::getUpdateInfoFilePath(), partition + "/UpdateInfo.xml"},
+                {Info::getKPIDescriptionFilePath(), "/mnt/systemrw/org.corvan.tv.nerix/datakpi"},
+                {Info::getSystemUsrAppsROPath().native(), "/apps20"},
+                {Info::getSystemUsrBinPath().native(), "/bin6"},
+                {Info::getBackupPath().native(), "/mnt/backup"},
+            };
+            for (const auto& [path, expected] : paths) {
+                EXPECT_EQ(path, expected);
+            }
+            EXPECT_EQ(Info::getNerixBigTempStorageMaxSize(), 943718400U);
+            EXPECT_EQ(Info::getNerixSmallTempStorageMaxSize(), 10485760U);
+            platform.reset();
+            EXPECT_EQ(Info::getSystemUsrBinPath(), "");
+            EXPECT_EQ(platform.logged("[WRN] SystemDirectories.cpp:"), 1U);
+        });
+    }
+}
+
+TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
+    inOwnProcess([] {
+        FakePlatform& platform = FakePlatform::instance();
+        platform.systemInfo = {{128, "T-TVH-1.2"}, {378, "Z-BOXH-3"}, {358, false}, {359, true}, {203, 1080}};
+        Info::initializeProduct(Platform::ZEB_PRODUCT);
+        EXPECT_EQ(platform.logged(">Product type set to ZEB_PRODUCT"), 1U);
+        EXPECT_EQ(Info::getDeviceType(), Platform::ZEB_PRODUCT);
+        EXPECT_EQ(Info::getModelString(), "Z-BOXH");
+        EXPECT_EQ(Info::getMainSoftwareVersionMinor(), 0);
+        EXPECT_FALSE(Info::isGenuineTV());
+        EXPECT_TRUE(Info::isGenuineZeb());
+        EXPECT_FALSE(Info::isScreenRatioFitNeeded());
+        EXPECT_THROW(Info::getVarikModelString(), Platform::UnproperProductException);
+        EXPECT_THROW(Info::getVarikSoftwareVersionDate(), Platform::UnproperProductException);
+        EXPECT_THROW(Info::getVarikSoftwareVersionMajor(), Platform::UnproperProductException);
+        EXPECT_THROW(Info::getVarikSoftwareVersionMinor(), Platform::UnproperProductException);
     });
 }
 
@@ -42,6 +134,9 @@ TEST(ProductInfoDeathTest, IsInitialisedOnceAndKnowsNothingBefore) {
     EXPECT_THROW(Info::getSystemUsrBinPath(), Platform::ProductUninitializedException);
     EXPECT_THROW(Info::getEmulatedOTNZone(), Platform::ProductUninitializedException);
     EXPECT_TRUE(Info::checkBoardType("emulator32"));
+    EXPECT_FALSE(Info::checkBoardType("Emulator32") || Info::isPreCorvanBoard());
+    EXPECT_EQ(Info::getCoreName(Platform::TV_PRODUCT) + Info::getCoreName(Platform::ZEB_PRODUCT), "TVZeb");
+    EXPECT_DEATH(Info::getCoreName(Platform::UNDEFINED_PRODUCT), "ASSERTION FAILED: type == TV_PRODUCT");
     EXPECT_DEATH(Info::initializeProduct(Platform::UNDEFINED_PRODUCT), "ASSERTION FAILED: false, ");
     EXPECT_DEATH(Info::initializeProduct(Platform::TV_PRODUCT);
                  Info::initializeProduct(Platform::TV_PRODUCT),

@@ -1,11 +1,16 @@
 #include "Common/Utils/Errors/Assert.h"
 
+#include "Tests/Fakes/TemporaryDirectory.h"
+
 #include <boost/assert.hpp>
+#include <boost/filesystem/fstream.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <iterator>
 #include <new>
+#include <regex>
 #include <string>
 
 namespace {
@@ -50,6 +55,17 @@ TEST(AssertDeathTest, WithoutConsoleTheReportGoesToStandardErrorAndTheLog) {
             }
         },
         header + "false, .*\nMESSAGE: why\n");
+}
+
+TEST(AssertDeathTest, ReportStandsOnTheConsoleBeforeTheProcessEnds) {
+    const TemporaryDirectory directory;
+    const boost::filesystem::path console = directory.path() / "console";
+    ::setenv("NERIX_TEST_CONSOLE", console.c_str(), 1);
+    EXPECT_DEATH(NerixAssertMsg(false, "why"), "^dlog fatal: ");
+    ::unsetenv("NERIX_TEST_CONSOLE");
+    boost::filesystem::ifstream file(console);
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    EXPECT_TRUE(std::regex_match(text, std::regex(header + "false, .*\nMESSAGE: why\n"))) << text;
 }
 
 TEST(AssertDeathTest, AssertionsInsideBoostEndInTheSameReport) {

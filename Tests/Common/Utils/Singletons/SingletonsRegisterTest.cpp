@@ -1,3 +1,4 @@
+#include "Common/Utils/Singletons/SRegisterItem.h"
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
 
 #include <boost/thread/thread.hpp>
@@ -5,6 +6,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <stdexcept>
 
 namespace Nerix::Tests {
 namespace {
@@ -25,6 +27,11 @@ struct Service : RegisterableSingleton {
 struct Dependent : RegisterableSingleton {
     static std::list<SingletonsID> requirements() { return {DUMMY_SINGLETON}; }
     ~Dependent() override { lifeEvents.emplace_back("dependent gone"); }
+};
+
+struct Topmost : RegisterableSingleton {
+    static std::list<SingletonsID> requirements() { return {DEPENDENT_DUMMY_SINGLETON}; }
+    ~Topmost() override { lifeEvents.emplace_back("topmost gone"); }
 };
 
 using ServiceGuard = SingletonServiceGuard<Service>;
@@ -57,9 +64,79 @@ TEST(SingletonsRegister, RequiredServiceOutlivesItsDependent) {
     lifeEvents.clear();
     auto service = std::make_unique<ServiceGuard>(DUMMY_SINGLETON);
     auto dependent = std::make_unique<DependentGuard>(DEPENDENT_DUMMY_SINGLETON);
+    auto topmost = std::make_unique<SingletonServiceGuard<Topmost>>(G_MAIN_LOOP);
     service.reset();
     dependent.reset();
-    EXPECT_EQ(lifeEvents, (std::vector<std::string>{"service made", "dependent gone", "service gone"}));
+    EXPECT_EQ(lifeEvents.size(), 1U) << "all are needed by the topmost";
+    topmost.reset();
+    EXPECT_EQ(lifeEvents,
+              (std::vector<std::string>{"service made", "topmost gone", "dependent gone", "service gone"}));
+}
+
+TEST(SingletonsRegister, FactoriesMakeServicesOnceAndMayFail) {
+    int made = 0;
+    const auto factory = [&]() -> boost::shared_ptr<RegisterableSingleton> {
+        if (++made == 1) {
+            throw std::runtime_error("factory");
+        }
+        return boost::make_shared<Service>();
+    };
+    EXPECT_THROW(theRegister().markNeeded<Service>(DUMMY_SINGLETON, factory), std::runtime_error);
+    for (int time = 0; time < 2; ++time) {
+        theRegister().markNeeded<Service>(DUMMY_SINGLETON, factory);
+    }
+    EXPECT_EQ(made, 2);
+    theRegister().unmarkNeeded(DUMMY_SINGLETON);
+    theRegister().getService<Service>("user", DUMMY_SINGLETON);
+    lifeEvents.clear();
+    theRegister().unmarkNeeded(DUMMY_SINGLETON);
+    EXPECT_EQ(lifeEvents, std::vector<std::string>{"service gone"});
+}
+
+TEST(SingletonsRegister, ServicesAreUsedFromSeveralThreadsAtOnce) {
+    const ServiceGuard guard(DUMMY_SINGLETON);
+    std::vector<boost::thread> threads;
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([] {
+            for (int time = 0; time < 500; ++time) {
+                const ServiceGuard again(DUMMY_SINGLETON);
+                EXPECT_EQ(theRegister().getService<Service>("user", DUMMY_SINGLETON)->answer(), 42);
+            }
+        });
+    }
+    for (boost::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+TEST(SingletonsRegister, IdsHaveNames) {
+    const char* const names[] = {"USER_DATA_REGISTER",
+                                 "TVS_SIGNAL_DISTRIBUTOR",
+                                 "POWER_OFF_CB_DISTRIBUTOR",
+                                 "G_MAIN_LOOP",
+                                 "DEBUG_AND_TEST_PARMS",
+                                 "INSTALLATION_PERFORMANCE_PARAMS",
+                                 "SINGLETON_PANEL_SERVICE",
+                                 "SINGLETON_CAMERA_PLUGIN",
+                                 "SINGLETON_SUBMICOM_PLUGIN",
+                                 "SINGLETON_EXAMPLE_PLUGIN",
+                                 "SINGLETON_INDEPENDENT_FIRMWARE_PLUGIN",
+                                 "SINGLETON_TVTIMER_INITIALIZER",
+                                 "SINGLETON_CSP_INITIALIZER",
+                                 "SINGLETON_WAKEUP_ENABLER",
+                                 "SINGLETON_USB_DEVICE_INITIALIZER",
+                                 "SINGLETON_POWER_API_INITIALIZER",
+                                 "SINGLETON_USB_CB_DISTRIBUTOR",
+                                 "SINGLETON_USB_NFS_MOUNT",
+                                 "SINGLETON_UNIRO_MOUNTER",
+                                 "SINGLETON_OPENSSL_INITIALIZER",
+                                 "DUMMY_SINGLETON",
+                                 "DEPENDENT_DUMMY_SINGLETON",
+                                 "Error: singleton identifier not recognized (22)"};
+    int id = 0;
+    for (const char* const name : names) {
+        EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(id++)), name);
+    }
 }
 
 TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
@@ -71,6 +148,15 @@ TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
         DependentGuard{TVS_SIGNAL_DISTRIBUTOR},
         "0, .*checkRequirements.*\nMESSAGE: Cannot meet requirements of given singleton. Cannot find "
         "singletons required by given singleton.");
+    EXPECT_DEATH(
+        {
+            const auto item = boost::make_shared<SRegisterItem>(boost::make_shared<Service>(),
+                                                                DUMMY_SINGLETON, std::list<SingletonsID>());
+            item->incrementUsage("a");
+            item->decrementUsage("b");
+        },
+        "MESSAGE: User 'b' is not registered as user of this singleton "
+        "\\(DUMMY_SINGLETON=DUMMY_SINGLETON\\)");
     EXPECT_DEATH(theRegister().getService<Service>("u", POWER_OFF_CB_DISTRIBUTOR),
                  "MESSAGE: Singleton POWER_OFF_CB_DISTRIBUTOR does not exist.");
     EXPECT_DEATH(theRegister().getService<Dependent>("u", DUMMY_SINGLETON),
