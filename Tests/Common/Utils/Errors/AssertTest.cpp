@@ -20,8 +20,11 @@ void* (*volatile allocate)(std::size_t) = std::malloc;
 void (*volatile release)(void*) = std::free;
 } // namespace
 
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return isMemoryGone ? nullptr : allocate(size);
+}
 void* operator new(std::size_t size) {
-    if (void* const memory = isMemoryGone ? nullptr : allocate(size)) {
+    if (void* const memory = operator new(size, std::nothrow)) {
         return memory;
     }
     throw std::bad_alloc();
