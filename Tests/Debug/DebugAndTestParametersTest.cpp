@@ -1,11 +1,13 @@
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
 
-#include "Common/Utils/Errors/Errors.h"
 #include "Platform/Product/IProductInfo.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"
+#include "Tests/Fakes/Report.h"
+#include "Tests/Fakes/TemporaryDirectory.h"
 
+#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/archive/basic_archive.hpp>
 #include <boost/filesystem/fstream.hpp>
@@ -24,11 +26,13 @@ namespace {
 using boost::algorithm::replace_all_copy;
 using Common::DebugAndTestParameters;
 
+std::string contentOf(const std::string& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
 /// As an older library wrote it; every field differs from its default.
-const std::string golden = [] {
-    std::ifstream file(NERIX_GOLDEN_PARAMETERS);
-    return std::string(std::istreambuf_iterator<char>(file), {});
-}();
+const std::string golden = contentOf(NERIX_SEEDS "/golden");
 
 /// What could be read, and whether that was everything.
 std::pair<DebugAndTestParameters, bool> readFrom(const std::string& text) {
@@ -68,9 +72,12 @@ TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
         const auto [parameters, isWhole] = readFrom(text);
         EXPECT_TRUE(isWhole);
         EXPECT_EQ(written(parameters), withTodaysVersion(golden));
+        EXPECT_TRUE(parameters.isNoRebootFlag() && parameters.isSkipCompatibilityChecker() &&
+                    parameters.isSkipVersionChecker() && parameters.isSkipIntegrityChecker() &&
+                    parameters.isDontSwitchPartitions() && parameters.isEmulateWasSuccessfulUpgrade() &&
+                    parameters.isTestTransformationFailure() && parameters.isDurationReduced());
         EXPECT_EQ(parameters.getNumberOfFailures(), 4294967295U);
         EXPECT_EQ(parameters.getInstallationPerformanceParameters().getFlashStreamBufferSize().get(), 11U);
-        EXPECT_FALSE(parameters.getInstallationPerformanceParameters().getFlashSinkBufferSize());
     }
     const std::string optionalClass = "class_id=\"2\" tracking_level=\"0\" version=";
     for (const std::string& mixed :
@@ -83,26 +90,132 @@ TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
     }
 }
 
-TEST(ParametersArchive, DamagedFilesFailAndKeepWhatWasRead) {
-    const std::size_t end = golden.find("</boost_serialization>") + 20;
-    const std::size_t flagRead = golden.find("<skipCompatibilityChecker>");
-    for (std::size_t length = 0; length < end; length += 7) {
-        const auto [parameters, isWhole] = readFrom(golden.substr(0, length));
-        ASSERT_FALSE(isWhole) << length;
-        ASSERT_TRUE(parameters.isNoRebootFlag() || length < flagRead) << length;
+TEST(ParametersArchive, BuiltInValuesAreTheGoldenOnes) {
+    EXPECT_EQ(written(DebugAndTestParameters()), withTodaysVersion(contentOf(NERIX_SEEDS "/defaults")));
+    const InstallationPerformanceParameters& defaults =
+        InstallationPerformanceParameters::getDefaultParameters();
+    EXPECT_EQ(defaults.getDecompressorInputChunkSize(), 262144U);
+    EXPECT_EQ(defaults.getDecompressorOutputBufferSize(), 1048576U);
+}
+
+TEST(ParametersArchive, EachLineCountsAndWhatStandsBeforeIsKept) {
+    std::vector<std::string> lines;
+    std::istringstream stream(golden);
+    for (std::string line; std::getline(stream, line);) {
+        lines.push_back(line + '\n');
     }
+    const auto expectDamaged = [](const std::vector<std::string>& text, std::size_t line) {
+        const auto [parameters, isWhole] = readFrom(boost::algorithm::join(text, ""));
+        EXPECT_FALSE(isWhole) << line << text[line];
+        EXPECT_EQ(parameters.isNoRebootFlag(), line > 7) << line << text[line];
+        EXPECT_EQ(parameters.getPanelServiceName() == "panel", line > 59) << line << text[line];
+    };
+    for (std::size_t line = 3; line + 1 < lines.size(); ++line) { // behind the archive's own three
+        std::vector<std::string> damaged = lines;
+        damaged.erase(damaged.begin() + static_cast<std::ptrdiff_t>(line));
+        expectDamaged(damaged, line);
+        damaged = lines;
+        damaged[line].insert(damaged[line].find_first_of("> ", damaged[line].find('<')), "x");
+        expectDamaged(damaged, line);
+        if (line + 2 < lines.size()) {
+            damaged = lines;
+            std::swap(damaged[line], damaged[line + 1]);
+            expectDamaged(damaged, line);
+        }
+    }
+}
+
+TEST(InstallationPerformanceParameters, WhatIsSetIsStoredInAFileOfItsOwn) {
+    const InstallationPerformanceParameters from =
+        readFrom(golden).first.getInstallationPerformanceParameters();
+    InstallationPerformanceParameters to;
+    to.setFlashStreamBufferSize(from.getFlashStreamBufferSize());
+    to.setFlashSinkBufferSize(from.getFlashSinkBufferSize());
+    to.setNetworkStreamBufferSize(from.getNetworkStreamBufferSize());
+    to.setUSBFileStreamBufferSize(from.getUSBFileStreamBufferSize());
+    to.setDecrypterMaxInputBufferSize(from.getDecrypterMaxInputBufferSize());
+    to.setInstallationChunkSize(from.getInstallationChunkSize());
+    to.setVerificationChunkSize(from.getVerificationChunkSize());
+    to.setEnableInstallationResuming(from.getEnableInstallationResuming());
+    to.setForceInstallationRewriteMode(from.getForceInstallationRewriteMode());
+    to.setForceVerificationRewriteMode(from.getForceVerificationRewriteMode());
+    to.setInstallationWorkerThreads(from.getInstallationWorkerThreads());
+    to.setAllowBpsProviders(from.getAllowBpsProviders());
+    to.setParallelizeReads(from.getParallelizeReads());
+    to.setParallelizeWrites(from.getParallelizeWrites());
+    to.setNumberOfBuffersForParallelization(from.getNumberOfBuffersForParallelization());
+    to.setBuffersSizeForParallelization(from.getBuffersSizeForParallelization());
+    to.setNumberOfMBUCommandProcessedAtOnce(from.getNumberOfMBUCommandProcessedAtOnce());
+    to.setMBUProcessedCommandsPerSecond(from.getMBUProcessedCommandsPerSecond());
+    to.setMBUVerifiedCommandsPerSecond(from.getMBUVerifiedCommandsPerSecond());
+    to.setVerificationInitialBpsEstimate(from.getVerificationInitialBpsEstimate());
+    to.setOTADownloadingProgressScale(from.getOTADownloadingProgressScale());
+    to.setVerificationScale(from.getVerificationScale());
+    to.setDecompressorInputChunkSize(1);
+    to.setDecompressorOutputBufferSize(2);
+    EXPECT_EQ(to.getDecompressorInputChunkSize() + to.getDecompressorOutputBufferSize(), 3U);
+
+    const TemporaryDirectory directory;
+    const std::string file = (directory.path() / "file").native();
+    to.save(file);
+    from.save(file + "2");
+    EXPECT_EQ(contentOf(file), contentOf(file + "2"));
+    EXPECT_TRUE(has(contentOf(file), "\n<InstallationPerformanceParameters class_id=\"0\""));
+    InstallationPerformanceParameters again;
+    again.load(file);
+    again.save(file + "2");
+    EXPECT_EQ(contentOf(file), contentOf(file + "2"));
+    again.load("/nowhere/file");
+    again.save("/nowhere/file");
+    FakePlatform& platform = FakePlatform::instance();
+    EXPECT_EQ(platform.logged(">Failed to load InstallationPerformanceParameters from /nowhere/file"), 1U);
+    EXPECT_EQ(platform.logged(">Failed to save InstallationPerformanceParameters to /nowhere/file"), 1U);
+    EXPECT_EQ(platform.logged("[WRN]"), 2U);
+}
+
+TEST(DebugAndTestParameters, TextsAndCustomValuesAreSet) {
+    DebugAndTestParameters parameters;
+    parameters.setUseOTNTestServer(true);
+    parameters.setOTNTestServerAddress("1");
+    parameters.setNumberOfFailures(2);
+    parameters.setPanelServiceName("3");
+    parameters.setServiceTransactionStubScenarioPath("4");
+    parameters.setCoreTransactionStubScenarioPath("5");
+    parameters.setOtnOUItemDownloadDirectory("6");
+    parameters.setResumeDataBackupDirectory("7");
+    EXPECT_TRUE(parameters.isUseOTNTestServer());
+    EXPECT_EQ(parameters.getOTNTestServerAddress() + std::to_string(parameters.getNumberOfFailures()) +
+                  parameters.getPanelServiceName() + parameters.getServiceTransactionStubScenarioPath() +
+                  parameters.getCoreTransactionStubScenarioPath() +
+                  parameters.getOtnOUItemDownloadDirectory() + parameters.getResumeDataBackupDirectory(),
+              "1234567");
+    parameters.setCustomBoolParam("yes", true);
+    parameters.setCustomBoolParam("no", false);
+    parameters.setCustomIntParam("many", 5);
+    EXPECT_EQ(parameters.getCustomIntParam("yes", 9) + 2 * parameters.getCustomIntParam("no", 9), 1);
+    EXPECT_TRUE(parameters.getCustomBoolParam("many").get() && !parameters.getCustomBoolParam("no", true));
+    parameters.setCustomIntParam("many", boost::none);
+    parameters.setCustomBoolParam("yes", boost::none);
+    EXPECT_FALSE(parameters.getCustomIntParam("many") || parameters.getCustomBoolParam("yes"));
+    EXPECT_EQ(parameters.getCustomIntParam("many", 9), 9);
 }
 
 TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
     withOwnMnt([] {
         Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
-        EXPECT_THROW(Common::getDebugAndTestParameters(), Common::Utils::GenericException);
+        EXPECT_TRUE(has(reportOf([] { Common::getDebugAndTestParameters(); }),
+                        "] = DebugAndTestParameters were not loaded.\n"));
+        EXPECT_TRUE(has(reportOf([] { Common::loadDebugAndTestParameters("path"); }), "were not loaded."));
+        EXPECT_TRUE(has(reportOf([] { DebugAndTestParameters().reload(); }),
+                        "] = load DebugAndTestParameters before reload\n"));
+        EXPECT_FALSE(DebugAndTestParameters::loaded());
         DebugAndTestParameters::loadDebugAndTestParameters("test");
         Common::loadDebugAndTestParameters("again");
         DebugAndTestParameters& parameters = Common::getDebugAndTestParameters();
         EXPECT_EQ(parameters.getNumberOfFailures(), 0U);
-        EXPECT_TRUE(parameters.getCustomIntParam("testParam1") == 1);
-        EXPECT_TRUE(parameters.getCustomBoolParam("unset", true));
+        EXPECT_EQ(&Nerix::getInstallationPerformanceParameters(),
+                  &parameters.getInstallationPerformanceParameters());
+        EXPECT_TRUE(DebugAndTestParameters::loaded() && parameters.getCustomBoolParam("unset", true));
 
         const boost::filesystem::path path = DebugAndTestParameters::getConfigFilePath();
         EXPECT_EQ(path, "/mnt/systemrw/org.corvan.tv.nerix/data/tv/DebugAndTestParameters.xml");
