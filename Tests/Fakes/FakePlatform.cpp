@@ -45,9 +45,8 @@ std::vector<LogRecord> FakePlatform::log() const {
 
 std::size_t FakePlatform::logged(const std::string& part) const {
     const std::vector<LogRecord> records = log();
-    const auto count = std::count_if(records.begin(), records.end(), [&](const LogRecord& record) {
-        return record.text.find(part) != std::string::npos;
-    });
+    const auto count = std::count_if(records.begin(), records.end(),
+                                     [&](const LogRecord& record) { return record.text.find(part) != std::string::npos; });
     return static_cast<std::size_t>(count);
 }
 
@@ -111,31 +110,17 @@ int setting(const char* key, Out* out) {
 
 using namespace Nerix::Tests; // NOLINT(google-build-using-namespace): its names fill this test
 
-int vconf_get_int(const char* key, int* value) {
-    return setting<int>(key, value);
-}
-int vconf_get_dbl(const char* key, double* value) {
-    return setting<double>(key, value);
-}
-int vconf_get_bool(const char* key, int* value) {
-    return setting<bool>(key, value);
-}
+int vconf_get_int(const char* key, int* value) { return setting<int>(key, value); }
+int vconf_get_dbl(const char* key, double* value) { return setting<double>(key, value); }
+int vconf_get_bool(const char* key, int* value) { return setting<bool>(key, value); }
 char* vconf_get_str(const char* key) {
     std::string text;
     return setting<std::string>(key, &text) == 0 ? ::strdup(text.c_str()) : nullptr;
 }
-int vconf_set_int(const char* key, int value) {
-    return FakePlatform::instance().set(key, value);
-}
-int vconf_set_dbl(const char* key, double value) {
-    return FakePlatform::instance().set(key, value);
-}
-int vconf_set_bool(const char* key, int value) {
-    return FakePlatform::instance().set(key, value != 0);
-}
-int vconf_set_str(const char* key, const char* value) {
-    return FakePlatform::instance().set(key, std::string(value));
-}
+int vconf_set_int(const char* key, int value) { return FakePlatform::instance().set(key, value); }
+int vconf_set_dbl(const char* key, double value) { return FakePlatform::instance().set(key, value); }
+int vconf_set_bool(const char* key, int value) { return FakePlatform::instance().set(key, value != 0); }
+int vconf_set_str(const char* key, const char* value) { return FakePlatform::instance().set(key, std::string(value)); }
 
 int system_info_get_value_string(int key, char** value) {
     std::string text;
@@ -143,12 +128,8 @@ int system_info_get_value_string(int key, char** value) {
     *value = code == 0 ? ::strdup(text.c_str()) : nullptr;
     return code;
 }
-int system_info_get_value_int(int key, int* value) {
-    return systemInfo<int>(key, value);
-}
-int system_info_get_value_bool(int key, bool* value) {
-    return systemInfo<bool>(key, value);
-}
+int system_info_get_value_int(int key, int* value) { return systemInfo<int>(key, value); }
+int system_info_get_value_bool(int key, bool* value) { return systemInfo<bool>(key, value); }
 
 const char* path_config_get(int variable) {
     const auto& directories = FakePlatform::instance().pathVariables;

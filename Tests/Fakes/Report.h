@@ -18,8 +18,6 @@ inline std::string reportOf(const std::function<void()>& operation) {
 }
 
 /// Whether the text holds the part.
-inline bool has(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
+inline bool has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 } // namespace Nerix::Tests

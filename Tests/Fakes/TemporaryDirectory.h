@@ -9,8 +9,7 @@ namespace Nerix::Tests {
 class TemporaryDirectory {
 public:
     TemporaryDirectory()
-        : m_path(boost::filesystem::temp_directory_path() /
-                 boost::filesystem::unique_path("nerix-%%%%%%%%")) {
+        : m_path(boost::filesystem::temp_directory_path() / boost::filesystem::unique_path("nerix-%%%%%%%%")) {
         boost::filesystem::create_directory(m_path);
     }
     ~TemporaryDirectory() {

@@ -54,8 +54,7 @@ TEST(EscapedText, IsOneLineThatATerminalOnlyShows) {
 TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswers) {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"", "/media|1080|true"},
-        {"; comment\n\n[path]\n43=/usb stick\n[system_info]\n203 = 540\n358 = false\n",
-         "/usb stick|540|false"},
+        {"; comment\n\n[path]\n43=/usb stick\n[system_info]\n203 = 540\n358 = false\n", "/usb stick|540|false"},
         {"[path]\nusb_drives = /u\n[system_info]\nscreen_lines = 7\nis_tv = false\n", "/u|7|false"},
         {"[path]\nusb_drive = /u\n", "!|!|!"},
         {"[path]\nusb_drives = /u\n43 = /u\n", "!|!|!"},

@@ -27,8 +27,7 @@ TEST(NerixCommonUtils, VersionsSplitAtTheFirstDot) {
         EXPECT_EQ(std::make_pair(major, minor), std::make_pair(version.major, version.minor)) << version.text;
         EXPECT_EQ(Utils::versionStringForUI(version.text), std::to_string(version.major));
     }
-    for (const char* const bad :
-         {"", ".", ".5", "1.", "1.2.3", "99999999999", " 1", "1 ", "0x1", "1e3", "1,5", "+"}) {
+    for (const char* const bad : {"", ".", ".5", "1.", "1.2.3", "99999999999", " 1", "1 ", "0x1", "1e3", "1,5", "+"}) {
         FakePlatform::instance().reset();
         EXPECT_THROW(Utils::parseVersion(bad, major, minor), boost::bad_lexical_cast) << bad;
         EXPECT_EQ(Utils::versionStringForUI(bad), bad);
@@ -40,8 +39,7 @@ TEST(NerixCommonUtilsDeathTest, UpgradeTypesHaveNames) {
     EXPECT_EQ(Utils::upgradeTypeToString(NerixCommon::UpgradeType::OTA), "OTA");
     EXPECT_EQ(Utils::upgradeTypeToString(NerixCommon::UpgradeType::OTN), "OTN");
     EXPECT_EQ(Utils::upgradeTypeToString(NerixCommon::UpgradeType::USB), "USB");
-    EXPECT_DEATH(Utils::upgradeTypeToString(static_cast<NerixCommon::UpgradeType>(77)),
-                 "ASSERTION FAILED: false");
+    EXPECT_DEATH(Utils::upgradeTypeToString(static_cast<NerixCommon::UpgradeType>(77)), "ASSERTION FAILED: false");
 }
 
 TEST(NerixCommonUtils, TransactionIdsAreChecksums) {

@@ -1,6 +1,7 @@
 """What people do with NerixHost: scan a tree, compare scans, read why one failed, watch a bar."""
 
 import ast
+import contextlib
 import fcntl
 import json
 import os
@@ -8,6 +9,7 @@ import pty
 import random
 import re
 import shutil
+import stat
 import struct
 import subprocess
 import termios
@@ -18,32 +20,69 @@ from harness import HOST, NO_MOUNTS, SystemTest, main
 from tree_value import Model
 
 
+KINDS = {stat.S_IFREG: "file", stat.S_IFDIR: "directory", stat.S_IFLNK: "link"}
+
+
 def facts(path):
-    """What a record with details says of an entry, by another road than the program's."""
-    kinds = {"regular file": "file", "regular empty file": "file", "directory": "directory", "symbolic link": "link"}
-    kind, *rest = subprocess.run(["stat", "--printf", "%F|%u|%g|%h|%a|%s", path], check=True, capture_output=True,
-                                 text=True).stdout.split("|")
-    rest[3] = rest[3].zfill(4)
-    return " ".join((kinds[kind], *rest)).encode()
+    """What a record with details says of an entry, by name."""
+    status = os.lstat(path)
+    return {"kind": KINDS[stat.S_IFMT(status.st_mode)], "owner": str(status.st_uid), "group": str(status.st_gid),
+            "links": str(status.st_nlink), "mode": f"{status.st_mode & 0o7777:04o}", "size": str(status.st_size)}
 
 
 def walk_order(path):
     return [(0, name) for name in path.split(b"/")] + [(1, b"")]
 
 
-def differences(before, after):
-    """Change and path of each difference that no other one below it explains, in the order of the walk."""
-    old, new = ({path: value for value, path in records} for records in (before, after))
-    changes = {path: "removed" if path not in new else "added" if path not in old else "changed"
-               for path in old.keys() | new.keys() if old.get(path) != new.get(path)}
-    return [(changes[path], path) for path in sorted(changes, key=walk_order)
-            if not any(other.startswith(path + b"/") for other in changes)]
+def differences(before, after, hasDetails):
+    """What a comparison tells, in its order: change, path and facts. Entries are values and facts by path."""
+    told = []
+    for path in sorted(before.keys() | after.keys(), key=walk_order):
+        isExplained = any(other.startswith(path + b"/") for _, other, _ in told)
+        old, new = before.get(path), after.get(path)
+        if old is None or new is None:
+            if not isExplained:
+                told.append(("removed" if old else "added", path, ""))
+        elif old[0] != new[0]:
+            changes = [f"{name} {old[1][name]} -> {new[1][name]}" for name in old[1] if old[1][name] != new[1][name]
+                       and hasDetails and not (isExplained and name in ("links", "size"))]
+            if changes or not isExplained:
+                nothing = "content, attributes or target" if hasDetails else ""
+                told.append(("changed", path, ", ".join(changes) or nothing))
+    return told
 
 
 def read_back(line):
     """Change, path and the rest of one line of a comparison."""
-    change, quoted, rest = re.fullmatch(r'(\w+) ("(?:[^"\\]|\\.)*")(.*)', line.decode("latin-1"), re.DOTALL).groups()
+    change, quoted, rest = re.fullmatch(r'(\w+) ("(?:[^"\\]|\\.)*")(?:: )?(.*)', line.decode("latin-1"), re.DOTALL).groups()
     return change, ast.literal_eval(quoted).encode("latin-1"), rest
+
+
+def rewrite(path):
+    with open(path, "r+b") as file:
+        file.write(b"!")
+
+
+def relink(path):
+    os.unlink(path)
+    os.symlink("elsewhere", path)
+
+
+# What may happen to an entry; nothing but the first follows a link.
+TO_FILES = (rewrite, lambda path: os.truncate(path, 13), lambda path: os.chmod(path, 0o4711), os.unlink,
+            lambda path: os.setxattr(path, b"user.new", b"x"), lambda path: os.link(path, path[:99] + b"+"))
+TO_ANY = (lambda path: os.rename(path, path[:99] + b'\x1b[31m"\\\n\xff\xc2\x9b&'), lambda path: os.lchown(path, 1234, -1))
+TO_DIRECTORIES = (lambda path: os.mkdir(path + b"/added"), lambda path: os.chmod(path, 0o700), shutil.rmtree)
+
+
+def change(tree, chance):
+    for directory, directories, files in os.walk(tree, topdown=False):
+        for name in directories + files:
+            path = os.path.join(directory, name)
+            actions = (relink,) if os.path.islink(path) else TO_DIRECTORIES if os.path.isdir(path) else TO_FILES
+            if chance.random() < 0.3:
+                with contextlib.suppress(OSError):  # not allowed to this user, or on this kind of entry
+                    chance.choice(actions + TO_ANY)(path)
 
 
 class Host(SystemTest):
@@ -53,10 +92,12 @@ class Host(SystemTest):
         os.mkdir(self.tree)
         self.logs = [os.path.join(self.work, name) for name in ("before.log", "after.log")]
 
-    def records(self):
+    def entries(self):
+        """The tree by the reference model: value and facts by path, in the order of the walk."""
         model = Model("md5")
         self.tree_value = model.value(self.tree)
-        return model
+        self.records = model.record_lines()
+        return {path: (value, facts(path)) for value, path in model.records}
 
     def scan(self, log, *options):
         run = self.run_host("scan", self.tree, "--log", log, *options)
@@ -70,16 +111,47 @@ class Host(SystemTest):
 
     def test_scan_gives_the_value_and_all_records_and_leaves_nothing(self):
         random_tree.make(self.tree, random.Random(15), entries=19)
-        model = self.records()
-        for options, behind in ((("--quiet",), lambda path: b""), (("--details",), lambda path: b" " + facts(path))):
+        entries = self.entries()
+        details = [b" " + " ".join(known.values()).encode() for _, known in entries.values()]
+        for options, behind in ((("--quiet",), [b""] * len(entries)), (("--details",), details)):
             self.assertEqual(self.scan(self.logs[0], *options), self.tree_value)
             with open(self.logs[0], "rb") as log:
-                wanted = [record + behind(path) for record, (_, path) in zip(model.record_lines(), model.records)]
-                self.assertEqual(log.read(), b"\n".join(wanted) + b"\n")
+                self.assertEqual(log.read(), b"".join(map(b"%b%b\n".__mod__, zip(self.records, behind))))
         self.assertEqual(os.listdir(self.home), [])
         self.assertEqual(sorted(os.listdir(self.work)), ["before.log", "tree"])
         self.assertEqual(self.compare(self.logs[0], self.logs[0], status=0), [])
         self.assertEqual(self.run_host("scan", self.tree, "--expect", self.tree_value).returncode, 0)
+
+    def test_compare_tells_what_happened_to_a_tree(self):
+        seen = set()
+        for seed in range(25):
+            shutil.rmtree(self.tree)
+            os.mkdir(self.tree)
+            random_tree.make(self.tree, random.Random(seed), entries=16)
+            states = []
+            for log in self.logs:
+                states.append(self.entries())
+                self.scan(log)
+                self.scan(log + ".details", "--details")
+                change(self.tree, random.Random(seed))
+            plain, detailed = (differences(*states, hasDetails) for hasDetails in (False, True))
+            self.assertEqual([read_back(line) for line in self.compare(*self.logs)], plain)
+            details = [log + ".details" for log in self.logs]
+            self.assertEqual([read_back(line) for line in self.compare(*details)], detailed)
+            objects = [json.loads(line) for line in self.compare(*details, "--json")]
+            self.assertEqual(objects, [self.object_of(*told) for told in detailed])
+            seen.update(re.sub(r"[\d.]+|: .*", "", words) for _, _, rest in detailed for words in rest.split(", "))
+        self.assertGreaterEqual(len(seen), 6, seen)
+
+    @staticmethod
+    def object_of(change_, path, rest):
+        try:
+            shown = path.decode()
+        except UnicodeDecodeError:
+            shown = list(path)
+        changed = {"facts": {name: {"before": old, "after": new} for name, old, new in
+                             re.findall(r"(\w+) (\w+) -> (\w+)", rest)}} if change_ == "changed" else {}
+        return {"change": change_, "path": shown, **changed}
 
     def test_scan_says_why_it_failed_and_leaves_no_log(self):
         os.mkdir(self.tree + b"/sub")
@@ -121,71 +193,6 @@ class Host(SystemTest):
         self.assertEqual((run.returncode, run.stdout), (1, b""))
         self.assertEqual(run.stderr, b'NerixHost: cannot write "/mnt/small/log": No space left on device\n')
         self.assertEqual(os.listdir("/mnt/small"), [])
-
-    def change(self):
-        """The tree of test_compare, with one manipulation of each kind."""
-        for number, change in enumerate((
-                lambda path: os.truncate(path + b"/content", 13),
-                lambda path: os.chmod(path + b"/mode", 0o600),
-                lambda path: os.chown(path, 1234, -1) if os.geteuid() == 0 else os.chmod(path, 0o700),
-                lambda path: os.setxattr(path + b"/attribute", b"user.a", b"x"),
-                lambda path: (os.unlink(path + b"/link"), os.symlink(b"there", path + b"/link")),
-                lambda path: os.mkdir(path + b"/added"),
-                lambda path: os.unlink(path + b"/content"),
-                lambda path: os.rename(path + b"/content", path + b"/renamed"),
-                lambda path: os.rename(path + b"/full", path + b"/emptied"),
-                lambda path: os.rename(path + b"/content", path + b'/\x1b[31m"\\\n\xff\xc2\x9b&'),
-                lambda path: os.link(path + b"/content", path + b"/other name"))):
-            change(self.tree + b"/%02d" % number)
-
-    def test_compare_finds_each_manipulation(self):
-        for number in range(11):
-            path = self.tree + b"/%02d" % number
-            os.makedirs(path + b"/full/er")
-            for name in (b"content", b"mode", b"attribute", b"full/file"):
-                with open(os.path.join(path, name), "wb") as file:
-                    file.write(b"something")
-            os.symlink("here", path + b"/link")
-        before = self.records().records
-        self.scan(self.logs[0])
-        detailed = self.scan(self.logs[0] + ".details", "--details")
-        self.change()
-        after = self.records().records
-        self.assertNotEqual(self.scan(self.logs[1]), detailed)
-        self.scan(self.logs[1] + ".details", "--details")
-        wanted = differences(before, after)
-        self.assertEqual(len(wanted), 17)
-
-        plain = [read_back(line) for line in self.compare(*self.logs)]
-        self.assertEqual(plain, [(*change, "") for change in wanted])
-        objects = [json.loads(line) for line in self.compare(*self.logs, "--json")]
-        paths = [os.fsencode(o["path"]) if isinstance(o["path"], str) else bytes(o["path"]) for o in objects]
-        self.assertEqual([(o["change"], path) for o, path in zip(objects, paths)], wanted)
-        lines = self.compare(*(log + ".details" for log in self.logs))
-        told = {path[len(self.tree):]: rest for _, path, rest in map(read_back, lines)}
-        self.assertEqual(len(told), len(wanted))
-        for path, rest in ((b"/00/content", ": size 9 -> 13"), (b"/01/mode", ": mode 0644 -> 0600"),
-                           (b"/02", f": owner 0 -> 1234" if os.geteuid() == 0 else ": mode 0755 -> 0700"),
-                           (b"/03/attribute", ": content, attributes or target"), (b"/05/added", ""),
-                           (b"/04/link", ": size 4 -> 5"), (b"/10/content", ": links 1 -> 2")):
-            self.assertEqual(told[path], rest, path)
-
-    def test_compare_merges_trees_of_any_shape(self):
-        for seed in range(20):
-            records = []
-            for log in self.logs:
-                shutil.rmtree(self.tree)
-                os.mkdir(self.tree)
-                random_tree.make(self.tree, random.Random(seed), entries=10)
-                if log is not self.logs[0]:
-                    for path, directories, files in os.walk(self.tree, topdown=False):
-                        for name in directories + files:
-                            if random.Random(repr((seed, path, name))).random() < 0.2:
-                                os.rename(os.path.join(path, name), os.path.join(path, name[:200] + b"-\x01"))
-                records.append(self.records().records)
-                self.scan(log)
-            wanted = differences(*records)
-            self.assertEqual([read_back(line)[:2] for line in self.compare(*self.logs, status=1 if wanted else 0)], wanted)
 
     def test_logs_of_every_kind_compare(self):
         long = self.tree + b"/" + b"/".join((b"d" * 250, b"\\\n" + b'"e&' * 60, b"f" * 200, b"g" * 250))

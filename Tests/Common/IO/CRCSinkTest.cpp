@@ -56,8 +56,7 @@ TEST(CRCSink, StoredStateGoesOnInAnotherSink) {
     Record again(false, ended.bytes);
     first.transactionSerialize(&again);
     EXPECT_TRUE(first.endOfDataMarked());
-    for (const auto& late :
-         {std::function<void()>([&] { write(first, ""); }), {[&] { first.markEndOfData(); }}}) {
+    for (const auto& late : {std::function<void()>([&] { write(first, ""); }), {[&] { first.markEndOfData(); }}}) {
         const std::string report = reportOf(late);
         EXPECT_TRUE(has(report, "EndOfDataMarkedException") && has(report, "] = CRCSink\n")) << report;
     }

@@ -78,8 +78,8 @@ TEST(OpenSSLInitDeathTest, CallbacksLockWhatTheyNameAndGoWithTheSetUp) {
     namespace Compat = Common::IO::OpenSSLCompat;
     {
         const SingletonServiceGuard<OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
-        const auto set = SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>(
-            "test", SINGLETON_OPENSSL_INITIALIZER);
+        const auto set =
+            SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>("test", SINGLETON_OPENSSL_INITIALIZER);
         Compat::getLockingCallback()(Compat::lockBit, 0, "", 0);
         EXPECT_DEATH(
             {

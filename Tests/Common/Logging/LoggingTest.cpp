@@ -64,8 +64,7 @@ TEST_F(LoggingTest, LevelsHaveTheirBuffersPrioritiesAndNames) {
         {LoggingClass::WRN, "WRN", DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "[WRN] x"},
         {LoggingClass::ERR, "ERR", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_WARNING, "[ERR] x"},
         {LoggingClass::FTL, "FTL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_FATAL, "[FTL] x"},
-        {static_cast<LoggingClass::Level>(7), "UNKNOWN LEVEL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR,
-         "[INF] x"},
+        {static_cast<LoggingClass::Level>(7), "UNKNOWN LEVEL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "[INF] x"},
     };
     for (const auto& expected : cases) {
         FakePlatform::instance().reset();

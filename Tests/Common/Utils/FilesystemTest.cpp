@@ -104,8 +104,7 @@ TEST(Filesystem, PrefixesMatchWholeElements) {
         if (expected.rest != nullptr) {
             EXPECT_EQ(filesystem::removePathPrefix(expected.path, expected.prefix).native(), expected.rest);
         } else {
-            EXPECT_THROW(filesystem::removePathPrefix(expected.path, expected.prefix),
-                         Common::Utils::GenericException);
+            EXPECT_THROW(filesystem::removePathPrefix(expected.path, expected.prefix), Common::Utils::GenericException);
         }
     }
 }

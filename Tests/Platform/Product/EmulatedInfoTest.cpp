@@ -39,29 +39,29 @@ void expectFailure(const std::string& text, const std::function<void()>& operati
 }
 
 TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {
-    inDevice([](const boost::filesystem::path& file) {
-        Info::setEmulatedMainSoftwareVersionMajor(7);
-        Info::setEmulatedMainSoftwareVersionMinor(65535);
-        Info::setEmulatedModelString("M H");
-        Info::setEmulatedMainSoftwareVersionDate("2016-01-01");
-        Info::setEmulatedOTNZone('E');
-        Info::setEmulatedMainSoftwareVersionMajor(8);
-        EXPECT_EQ(contentOf(file),
-                  "VersionMinor:65535\nModelString:M H\nDate:2016-01-01\nOTNZone:E\nVersionMajor:8\n");
-        EXPECT_EQ(Info::getEmulatedVersionString(), std::string("8.65535"));
-        EXPECT_EQ(Info::getEmulatedOTNZone(), 'E');
-        EXPECT_EQ(Info::getEmulatedMainSoftwareVersionMinor().get(), 65535);
-        boost::filesystem::ofstream(file)
-            << "PartitionTxtFilePath:/p\nSubmicom:0.7\nServiceID:q\nVersionMajor:65536\nVersionMinor:-1\n";
-        EXPECT_EQ(Info::getEmulatedPartitionTxtFilePath(), boost::filesystem::path("/p"));
-        EXPECT_EQ(Info::getEmulatedSubmicomVersion(), std::string("0.7"));
-        EXPECT_EQ(Info::getEmulatedQorlServiceID(), std::string("q"));
-        EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMajor(); }), "bad_lexical_cast"));
-        EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMinor(); }), "bad_lexical_cast"));
-        Info::removeEmulationInfo();
-        EXPECT_FALSE(Info::getEmulatedVersionString());
-        EXPECT_EQ(FakePlatform::instance().logged("[WRN] ProductEmulation.cpp:"), 1U);
-    });
+    inDevice(
+        [](const boost::filesystem::path& file) {
+            Info::setEmulatedMainSoftwareVersionMajor(7);
+            Info::setEmulatedMainSoftwareVersionMinor(65535);
+            Info::setEmulatedModelString("M H");
+            Info::setEmulatedMainSoftwareVersionDate("2016-01-01");
+            Info::setEmulatedOTNZone('E');
+            Info::setEmulatedMainSoftwareVersionMajor(8);
+            EXPECT_EQ(contentOf(file), "VersionMinor:65535\nModelString:M H\nDate:2016-01-01\nOTNZone:E\nVersionMajor:8\n");
+            EXPECT_EQ(Info::getEmulatedVersionString(), std::string("8.65535"));
+            EXPECT_EQ(Info::getEmulatedOTNZone(), 'E');
+            EXPECT_EQ(Info::getEmulatedMainSoftwareVersionMinor().get(), 65535);
+            boost::filesystem::ofstream(file)
+                << "PartitionTxtFilePath:/p\nSubmicom:0.7\nServiceID:q\nVersionMajor:65536\nVersionMinor:-1\n";
+            EXPECT_EQ(Info::getEmulatedPartitionTxtFilePath(), boost::filesystem::path("/p"));
+            EXPECT_EQ(Info::getEmulatedSubmicomVersion(), std::string("0.7"));
+            EXPECT_EQ(Info::getEmulatedQorlServiceID(), std::string("q"));
+            EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMajor(); }), "bad_lexical_cast"));
+            EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMinor(); }), "bad_lexical_cast"));
+            Info::removeEmulationInfo();
+            EXPECT_FALSE(Info::getEmulatedVersionString());
+            EXPECT_EQ(FakePlatform::instance().logged("[WRN] ProductEmulation.cpp:"), 1U);
+        });
 }
 
 TEST(EmulatedInfo, BadLinesFailAndLoseNothing) {

@@ -14,8 +14,7 @@ using Info = Platform::IProductInfo;
 TEST(ProductInfo, TelevisionByDefault) {
     inOwnProcess([] {
         FakePlatform& platform = FakePlatform::instance();
-        platform.systemInfo = {
-            {128, "T-ABHCHD-66770.5"}, {8, "2026-01-02"}, {133, "0.7"}, {301, "/p.txt"}, {203, 540}};
+        platform.systemInfo = {{128, "T-ABHCHD-66770.5"}, {8, "2026-01-02"}, {133, "0.7"}, {301, "/p.txt"}, {203, 540}};
         Info::initializeProduct(Platform::DEFAULT_PRODUCT);
         EXPECT_EQ(platform.logged(">Product type set to TV_PRODUCT"), 1U);
         EXPECT_EQ(platform.logged(">Product was build for emulator32"), 1U);
@@ -38,9 +37,8 @@ TEST(ProductInfo, TelevisionByDefault) {
         EXPECT_EQ(Info::getVarikSoftwareVersionDate(), "0000-00-00");
         EXPECT_EQ(Info::getVarikSoftwareVersionMajor(), 1000);
         EXPECT_EQ(Info::getVarikSoftwareVersionMinor(), 0);
-        for (const char* const record :
-             {">Model string: T-ABHCHD.", ">Version string: 66770.5.", ">MAJOR SW VERSION: 1234",
-              ">MINOR SW VERSION: 5", ">Partition.txt file path is: /p.txt"}) {
+        for (const char* const record : {">Model string: T-ABHCHD.", ">Version string: 66770.5.", ">MAJOR SW VERSION: 1234",
+                                         ">MINOR SW VERSION: 5", ">Partition.txt file path is: /p.txt"}) {
             EXPECT_GE(platform.logged(record), 1U) << record;
         }
         platform.systemInfo = {{128, "no.dash"}};
@@ -61,9 +59,8 @@ TEST(ProductInfo, TelevisionByDefault) {
             EXPECT_GE(platform.logged(">" + failure), 1U);
         }
         EXPECT_TRUE(has(reportOf(failures[0].first), "tag_errinfo_string*] = no.dash\n"));
-        EXPECT_TRUE(
-            has(reportOf([] { Info::getVarikModelFromCorvanModel("ABC"); }),
-                "] = Can't figure out Varik model string. Corvan model string does not have 'H': ABC\n"));
+        EXPECT_TRUE(has(reportOf([] { Info::getVarikModelFromCorvanModel("ABC"); }),
+                        "] = Can't figure out Varik model string. Corvan model string does not have 'H': ABC\n"));
         EXPECT_FALSE(Info::isScreenRatioFitNeeded());
         EXPECT_EQ(platform.logged("[ERR] ProductIdentity.cpp:"), 1U);
     });
@@ -73,8 +70,7 @@ TEST(ProductInfo, PathsAreJoinedFromTheirParts) {
     for (const bool isTV : {true, false}) {
         inOwnProcess([isTV] {
             FakePlatform& platform = FakePlatform::instance();
-            platform.pathVariables = {
-                {6, "/bin6"}, {20, "/apps20"}, {25, "/share25"}, {31, "/apps31"}, {43, "/usb43"}};
+            platform.pathVariables = {{6, "/bin6"}, {20, "/apps20"}, {25, "/share25"}, {31, "/apps31"}, {43, "/usb43"}};
             Info::initializeProduct(isTV ? Platform::TV_PRODUCT : Platform::ZEB_PRODUCT);
             const std::string data = std::string("/org.corvan.tv.nerix/data/") + (isTV ? "tv" : "zeb");
             const std::string partition = "/mnt/systemrw" + data;
@@ -139,8 +135,7 @@ TEST(ProductInfoDeathTest, IsInitialisedOnceAndKnowsNothingBefore) {
     EXPECT_DEATH(Info::getCoreName(Platform::UNDEFINED_PRODUCT), "ASSERTION FAILED: type == TV_PRODUCT");
     EXPECT_DEATH(Info::initializeProduct(Platform::UNDEFINED_PRODUCT), "ASSERTION FAILED: false, ");
     EXPECT_DEATH(Info::initializeProduct(Platform::TV_PRODUCT);
-                 Info::initializeProduct(Platform::TV_PRODUCT),
-                 "ASSERTION FAILED: m_productType == UNDEFINED_PRODUCT, ");
+                 Info::initializeProduct(Platform::TV_PRODUCT), "ASSERTION FAILED: m_productType == UNDEFINED_PRODUCT, ");
 }
 
 } // namespace

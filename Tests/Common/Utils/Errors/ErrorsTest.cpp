@@ -55,8 +55,7 @@ TEST(Rethrow, WhatCarriesNoEntriesIsWrappedOrLogged) {
     } catch (const Common::Utils::thread_interrupted& interruption) {
         EXPECT_NE(entryOf<errinfo_rethrows>(interruption).find("frame outer\n -> "), std::string::npos);
     }
-    EXPECT_THROW(throughFrame("X", interrupt), boost::thread_interrupted)
-        << "for those who know only the library's";
+    EXPECT_THROW(throughFrame("X", interrupt), boost::thread_interrupted) << "for those who know only the library's";
     EXPECT_THROW(RethrowExceptionStream(boost::copy_exception(boost::thread_interrupted())),
                  Common::Utils::thread_interrupted);
     const auto writeFails = [](std::ostream&) -> std::ostream& { throw std::runtime_error("writing"); };

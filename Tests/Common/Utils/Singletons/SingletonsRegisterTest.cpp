@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 
 namespace Nerix::Tests {
@@ -37,9 +38,7 @@ struct Topmost : RegisterableSingleton {
 using ServiceGuard = SingletonServiceGuard<Service>;
 using DependentGuard = SingletonServiceGuard<Dependent>;
 
-SingletonsRegister& theRegister() {
-    return SingletonsRegister::getSingletonsRegister();
-}
+SingletonsRegister& theRegister() { return SingletonsRegister::getSingletonsRegister(); }
 
 TEST(SingletonsRegister, GuardsShareOneInstance) {
     lifeEvents.clear();
@@ -69,8 +68,7 @@ TEST(SingletonsRegister, RequiredServiceOutlivesItsDependent) {
     dependent.reset();
     EXPECT_EQ(lifeEvents.size(), 1U) << "all are needed by the topmost";
     topmost.reset();
-    EXPECT_EQ(lifeEvents,
-              (std::vector<std::string>{"service made", "topmost gone", "dependent gone", "service gone"}));
+    EXPECT_EQ(lifeEvents, (std::vector<std::string>{"service made", "topmost gone", "dependent gone", "service gone"}));
 }
 
 TEST(SingletonsRegister, FactoriesMakeServicesOnceAndMayFail) {
@@ -110,48 +108,32 @@ TEST(SingletonsRegister, ServicesAreUsedFromSeveralThreadsAtOnce) {
 }
 
 TEST(SingletonsRegister, IdsHaveNames) {
-    const char* const names[] = {"USER_DATA_REGISTER",
-                                 "TVS_SIGNAL_DISTRIBUTOR",
-                                 "POWER_OFF_CB_DISTRIBUTOR",
-                                 "G_MAIN_LOOP",
-                                 "DEBUG_AND_TEST_PARMS",
-                                 "INSTALLATION_PERFORMANCE_PARAMS",
-                                 "SINGLETON_PANEL_SERVICE",
-                                 "SINGLETON_CAMERA_PLUGIN",
-                                 "SINGLETON_SUBMICOM_PLUGIN",
-                                 "SINGLETON_EXAMPLE_PLUGIN",
-                                 "SINGLETON_INDEPENDENT_FIRMWARE_PLUGIN",
-                                 "SINGLETON_TVTIMER_INITIALIZER",
-                                 "SINGLETON_CSP_INITIALIZER",
-                                 "SINGLETON_WAKEUP_ENABLER",
-                                 "SINGLETON_USB_DEVICE_INITIALIZER",
-                                 "SINGLETON_POWER_API_INITIALIZER",
-                                 "SINGLETON_USB_CB_DISTRIBUTOR",
-                                 "SINGLETON_USB_NFS_MOUNT",
-                                 "SINGLETON_UNIRO_MOUNTER",
-                                 "SINGLETON_OPENSSL_INITIALIZER",
-                                 "DUMMY_SINGLETON",
-                                 "DEPENDENT_DUMMY_SINGLETON",
-                                 "Error: singleton identifier not recognized (22)"};
+    std::istringstream names(
+        "USER_DATA_REGISTER TVS_SIGNAL_DISTRIBUTOR POWER_OFF_CB_DISTRIBUTOR G_MAIN_LOOP DEBUG_AND_TEST_PARMS "
+        "INSTALLATION_PERFORMANCE_PARAMS SINGLETON_PANEL_SERVICE SINGLETON_CAMERA_PLUGIN SINGLETON_SUBMICOM_PLUGIN "
+        "SINGLETON_EXAMPLE_PLUGIN SINGLETON_INDEPENDENT_FIRMWARE_PLUGIN SINGLETON_TVTIMER_INITIALIZER "
+        "SINGLETON_CSP_INITIALIZER SINGLETON_WAKEUP_ENABLER SINGLETON_USB_DEVICE_INITIALIZER "
+        "SINGLETON_POWER_API_INITIALIZER SINGLETON_USB_CB_DISTRIBUTOR SINGLETON_USB_NFS_MOUNT SINGLETON_UNIRO_MOUNTER "
+        "SINGLETON_OPENSSL_INITIALIZER DUMMY_SINGLETON DEPENDENT_DUMMY_SINGLETON");
     int id = 0;
-    for (const char* const name : names) {
-        EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(id++)), name);
+    for (std::string name; names >> name; ++id) {
+        EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(id)), name);
     }
+    EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(id)), "Error: singleton identifier not recognized (22)");
 }
 
 TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
     const ServiceGuard guard(DUMMY_SINGLETON);
     auto shortLived = std::make_unique<ServiceGuard>(G_MAIN_LOOP);
     const SingletonPointer<Service> dangling("a", nullptr);
-    EXPECT_DEATH(
-        theRegister().unmarkNeeded(DUMMY_SINGLETON);
-        DependentGuard{TVS_SIGNAL_DISTRIBUTOR},
-        "0, .*checkRequirements.*\nMESSAGE: Cannot meet requirements of given singleton. Cannot find "
-        "singletons required by given singleton.");
+    EXPECT_DEATH(theRegister().unmarkNeeded(DUMMY_SINGLETON);
+                 DependentGuard{TVS_SIGNAL_DISTRIBUTOR},
+                 "0, .*checkRequirements.*\nMESSAGE: Cannot meet requirements of given singleton. Cannot find "
+                 "singletons required by given singleton.");
     EXPECT_DEATH(
         {
-            const auto item = boost::make_shared<SRegisterItem>(boost::make_shared<Service>(),
-                                                                DUMMY_SINGLETON, std::list<SingletonsID>());
+            const auto item =
+                boost::make_shared<SRegisterItem>(boost::make_shared<Service>(), DUMMY_SINGLETON, std::list<SingletonsID>());
             item->incrementUsage("a");
             item->decrementUsage("b");
         },
@@ -161,11 +143,9 @@ TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
                  "MESSAGE: Singleton POWER_OFF_CB_DISTRIBUTOR does not exist.");
     EXPECT_DEATH(theRegister().getService<Dependent>("u", DUMMY_SINGLETON),
                  "MESSAGE: Singleton's type probably doesn't match with its id");
-    EXPECT_DEATH(theRegister().unmarkNeeded(POWER_OFF_CB_DISTRIBUTOR),
-                 "ASSERTION FAILED: 0, .*internalUnmarkNeeded");
-    EXPECT_DEATH(dangling->answer(),
-                 "MESSAGE: You are trying to use non-existent singleton! It has been probably "
-                 "destroyed since your getService.");
+    EXPECT_DEATH(theRegister().unmarkNeeded(POWER_OFF_CB_DISTRIBUTOR), "ASSERTION FAILED: 0, .*internalUnmarkNeeded");
+    EXPECT_DEATH(dangling->answer(), "MESSAGE: You are trying to use non-existent singleton! It has been probably "
+                                     "destroyed since your getService.");
     EXPECT_DEATH(
         {
             const auto first = theRegister().getService<Service>("<unknown>", G_MAIN_LOOP);

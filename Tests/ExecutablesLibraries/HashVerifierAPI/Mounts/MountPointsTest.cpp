@@ -37,8 +37,7 @@ TEST(MountPoints, LastDriveOfTheTableIsFoundByEitherRule) {
                 const MountPoints mounts(std::istringstream(expected.table));
                 const std::string drive = hasVariable ? expected.drive : expected.driveByMediaAlone;
                 EXPECT_EQ(mounts.findUSB(), drive) << expected.table;
-                EXPECT_EQ(mounts.isMountPoint(drive),
-                          !drive.empty() || std::string(expected.table).find("word") == 0);
+                EXPECT_EQ(mounts.isMountPoint(drive), !drive.empty() || std::string(expected.table).find("word") == 0);
                 EXPECT_FALSE(mounts.isMountPoint("/") || mounts.isMountPoint("/media/none"));
             }
         });

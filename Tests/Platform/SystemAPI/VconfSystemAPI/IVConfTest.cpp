@@ -12,8 +12,7 @@ using Platform::IVConf;
 
 TEST(IVConf, EachOperationIsOneCallThatItsFailureNames) {
     FakePlatform& platform = FakePlatform::instance();
-    platform.settings = {
-        {"int", 7}, {"double", 0.5}, {"text", std::string("held")}, {"yes", true}, {"no", false}};
+    platform.settings = {{"int", 7}, {"double", 0.5}, {"text", std::string("held")}, {"yes", true}, {"no", false}};
     EXPECT_EQ(IVConf::getInt("int"), 7);
     EXPECT_EQ(IVConf::getDouble("double"), 0.5);
     EXPECT_EQ(IVConf::getString("text"), "held");
@@ -46,8 +45,7 @@ TEST(IVConf, EachOperationIsOneCallThatItsFailureNames) {
         const std::string report = reportOf([&] { each.operation("key"); });
         const std::string text = std::string(each.call) + " failed while trying to access key: key";
         EXPECT_TRUE(has(report, "VConfException") && has(report, "] = " + text + "\n")) << report;
-        EXPECT_EQ(has(report, "tag_errinfo_errorcode*] = -13"), each.call != std::string("vconf_get_str"))
-            << report;
+        EXPECT_EQ(has(report, "tag_errinfo_errorcode*] = -13"), each.call != std::string("vconf_get_str")) << report;
         EXPECT_EQ(platform.logged("[WRN] IVConf.cpp:"), 1U);
         EXPECT_EQ(platform.logged(">" + text), 1U);
     }
