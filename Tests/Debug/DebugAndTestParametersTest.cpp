@@ -41,9 +41,7 @@ std::pair<DebugAndTestParameters, bool> readFrom(const std::string& text) {
     try {
         ParametersArchive::read(stream, parameters);
         return {parameters, true};
-    } catch (const std::exception&) {
-        return {parameters, false};
-    }
+    } catch (const std::exception&) { return {parameters, false}; }
 }
 
 std::string written(const DebugAndTestParameters& parameters) {
@@ -98,9 +96,7 @@ TEST(ParametersArchive, BuiltInValuesAreTheGoldenOnes) {
 TEST(ParametersArchive, EachLineCountsAndWhatStandsBeforeIsKept) {
     std::vector<std::string> lines;
     std::istringstream stream(golden);
-    for (std::string line; std::getline(stream, line);) {
-        lines.push_back(line + '\n');
-    }
+    for (std::string line; std::getline(stream, line);) { lines.push_back(line + '\n'); }
     const auto expectDamaged = [](const std::vector<std::string>& text, std::size_t line) {
         const auto [parameters, isWhole] = readFrom(boost::algorithm::join(text, ""));
         EXPECT_FALSE(isWhole) << line << text[line];

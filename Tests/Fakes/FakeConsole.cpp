@@ -12,9 +12,7 @@ std::FILE* __wrap_freopen64(const char* path, const char* mode, std::FILE* strea
 std::FILE* __wrap_freopen(const char* path, const char* mode, std::FILE* stream);
 
 std::FILE* __wrap_freopen64(const char* path, const char* mode, std::FILE* stream) {
-    if (std::strcmp(path, "/dev/console") == 0) {
-        path = std::getenv("NERIX_TEST_CONSOLE");
-    }
+    if (std::strcmp(path, "/dev/console") == 0) { path = std::getenv("NERIX_TEST_CONSOLE"); }
     return path == nullptr ? nullptr : __real_freopen64(path, mode, stream);
 }
 

@@ -16,9 +16,7 @@ using Lock = std::lock_guard<std::mutex>;
 
 std::string LogRecord::withoutHeader() const {
     std::size_t end = 0;
-    for (int field = 0; field < 3; ++field) {
-        end = text.find(']', end) + 1;
-    }
+    for (int field = 0; field < 3; ++field) { end = text.find(']', end) + 1; }
     return text.substr(end);
 }
 
@@ -69,16 +67,12 @@ int FakePlatform::set(const char* key, const Value& value) {
         }
         m_writes.emplace_back(key, value);
     }
-    if (onWrite) {
-        onWrite(key, value);
-    }
+    if (onWrite) { onWrite(key, value); }
     return 0;
 }
 
 void FakePlatform::addLogRecord(LogRecord record) {
-    if (record.priority == DLOG_PRIORITY_FATAL) {
-        std::fprintf(stderr, "dlog fatal: %s\n", record.text.c_str());
-    }
+    if (record.priority == DLOG_PRIORITY_FATAL) { std::fprintf(stderr, "dlog fatal: %s\n", record.text.c_str()); }
     const Lock lock(m_mutex);
     m_log.push_back(std::move(record));
 }
@@ -88,9 +82,7 @@ namespace {
 template <class Value, class Key, class Out>
 int answer(const std::map<Key, FakePlatform::Value>& answers, const Key& key, Out* out) {
     const auto known = answers.find(key);
-    if (known == answers.end() || !std::holds_alternative<Value>(known->second)) {
-        return FakePlatform::failure;
-    }
+    if (known == answers.end() || !std::holds_alternative<Value>(known->second)) { return FakePlatform::failure; }
     *out = std::get<Value>(known->second);
     return 0;
 }

@@ -31,17 +31,13 @@ inline void inOwnProcess(const std::function<void()>& body) {
             std::exit(testing::Test::IsSkipped() ? skipped : testing::Test::HasFailure() ? 1 : 0);
         },
         endedWell, "");
-    if (isSkipped) {
-        GTEST_SKIP() << "no private mounts on this machine";
-    }
+    if (isSkipped) { GTEST_SKIP() << "no private mounts on this machine"; }
 }
 
 /// The same, with an empty /mnt in memory, where the product's data lives on a device.
 inline void withOwnMnt(const std::function<void()>& body) {
     inOwnProcess([&] {
-        if (!mountPrivately("/mnt")) {
-            GTEST_SKIP();
-        }
+        if (!mountPrivately("/mnt")) { GTEST_SKIP(); }
         body();
     });
 }

@@ -12,9 +12,7 @@ inline std::string reportOf(const std::function<void()>& operation) {
     try {
         operation();
         return "";
-    } catch (...) {
-        return boost::current_exception_diagnostic_information(true);
-    }
+    } catch (...) { return boost::current_exception_diagnostic_information(true); }
 }
 
 /// Whether the text holds the part.

@@ -21,16 +21,12 @@ void roundTrip(const std::string& text) {
     try {
         std::istringstream stream(text);
         Nerix::ParametersArchive::read(stream, parameters);
-    } catch (const std::exception&) {
-        return;
-    }
+    } catch (const std::exception&) { return; }
     const std::string once = written(parameters);
     Parameters again;
     std::istringstream stream(once);
     Nerix::ParametersArchive::read(stream, again);
-    if (written(again) != once) {
-        __builtin_trap();
-    }
+    if (written(again) != once) { __builtin_trap(); }
 }
 
 } // namespace

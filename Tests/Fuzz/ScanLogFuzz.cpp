@@ -9,17 +9,12 @@
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     static const int file = ::memfd_create("log", 0);
     static const std::string name = "/proc/self/fd/" + std::to_string(file);
-    if (::ftruncate(file, 0) != 0 || ::pwrite(file, data, size, 0) != static_cast<ssize_t>(size)) {
-        __builtin_trap();
-    }
+    if (::ftruncate(file, 0) != 0 || ::pwrite(file, data, size, 0) != static_cast<ssize_t>(size)) { __builtin_trap(); }
     try {
         Nerix::ScanLogReader log(name);
         Nerix::ScanLogRecord record;
-        while (log.next(record)) {
-        }
-        if (record.path != log.root()) {
-            __builtin_trap();
-        }
+        while (log.next(record)) {}
+        if (record.path != log.root()) { __builtin_trap(); }
     } catch (const Nerix::ScanLogError&) { // NOLINT(bugprone-empty-catch): most are
     }
     return 0;

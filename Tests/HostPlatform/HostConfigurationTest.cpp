@@ -46,9 +46,7 @@ TEST(EscapedText, IsOneLineThatATerminalOnlyShows) {
          "1m a\x80",
          "\\x9b1m a\\x80"},
     };
-    for (const auto& [text, shown] : cases) {
-        EXPECT_EQ(escaped(text), shown);
-    }
+    for (const auto& [text, shown] : cases) { EXPECT_EQ(escaped(text), shown); }
 }
 
 TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswers) {
@@ -66,9 +64,7 @@ TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswers) {
         {"203=1\n", "!|!|!"},
         {"[path]\n43=/x\n" + std::string(1U << 20U, ';'), "!|!|!"},
     };
-    for (const auto& [content, expected] : cases) {
-        EXPECT_EQ(answersOf(content), expected) << content.substr(0, 100);
-    }
+    for (const auto& [content, expected] : cases) { EXPECT_EQ(answersOf(content), expected) << content.substr(0, 100); }
 }
 
 } // namespace

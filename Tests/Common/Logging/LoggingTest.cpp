@@ -88,14 +88,10 @@ TEST_F(LoggingTest, RecordNumbersOfAllThreadsAreDifferent) {
     std::vector<std::thread> threads;
     for (int number = 0; number < 4; ++number) {
         threads.emplace_back([] {
-            for (int record = 0; record < 500; ++record) {
-                NERIX_LOG(INF, "%d", record);
-            }
+            for (int record = 0; record < 500; ++record) { NERIX_LOG(INF, "%d", record); }
         });
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    for (std::thread& thread : threads) { thread.join(); }
     std::set<unsigned long> numbers;
     for (const LogRecord& record : FakePlatform::instance().log()) {
         const std::string& text = record.text;

@@ -94,9 +94,7 @@ TEST(ProductInfo, PathsAreJoinedFromTheirParts) {
                 {Info::getSystemUsrBinPath().native(), "/bin6"},
                 {Info::getBackupPath().native(), "/mnt/backup"},
             };
-            for (const auto& [path, expected] : paths) {
-                EXPECT_EQ(path, expected);
-            }
+            for (const auto& [path, expected] : paths) { EXPECT_EQ(path, expected); }
             EXPECT_EQ(Info::getNerixBigTempStorageMaxSize(), 943718400U);
             EXPECT_EQ(Info::getNerixSmallTempStorageMaxSize(), 10485760U);
             platform.reset();

@@ -21,9 +21,7 @@ using namespace Common::Utils; // NOLINT(google-build-using-namespace): its name
 void throughFrame(const char* name, const std::function<void()>& inner) {
     try {
         inner();
-    } catch (...) {
-        NERIX_RETHROW_WITH_CONTEXT("frame ", name);
-    }
+    } catch (...) { NERIX_RETHROW_WITH_CONTEXT("frame ", name); }
 }
 
 template <class Entry>

@@ -52,8 +52,7 @@ TEST(SingletonsRegister, GuardsShareOneInstance) {
 
     boost::thread interrupted([] {
         const ServiceGuard guard(DUMMY_SINGLETON);
-        while (!boost::this_thread::interruption_requested()) {
-        }
+        while (!boost::this_thread::interruption_requested()) {}
     });
     interrupted.interrupt();
     interrupted.join();
@@ -74,15 +73,11 @@ TEST(SingletonsRegister, RequiredServiceOutlivesItsDependent) {
 TEST(SingletonsRegister, FactoriesMakeServicesOnceAndMayFail) {
     int made = 0;
     const auto factory = [&]() -> boost::shared_ptr<RegisterableSingleton> {
-        if (++made == 1) {
-            throw std::runtime_error("factory");
-        }
+        if (++made == 1) { throw std::runtime_error("factory"); }
         return boost::make_shared<Service>();
     };
     EXPECT_THROW(theRegister().markNeeded<Service>(DUMMY_SINGLETON, factory), std::runtime_error);
-    for (int time = 0; time < 2; ++time) {
-        theRegister().markNeeded<Service>(DUMMY_SINGLETON, factory);
-    }
+    for (int time = 0; time < 2; ++time) { theRegister().markNeeded<Service>(DUMMY_SINGLETON, factory); }
     EXPECT_EQ(made, 2);
     theRegister().unmarkNeeded(DUMMY_SINGLETON);
     theRegister().getService<Service>("user", DUMMY_SINGLETON);
@@ -102,9 +97,7 @@ TEST(SingletonsRegister, ServicesAreUsedFromSeveralThreadsAtOnce) {
             }
         });
     }
-    for (boost::thread& thread : threads) {
-        thread.join();
-    }
+    for (boost::thread& thread : threads) { thread.join(); }
 }
 
 TEST(SingletonsRegister, IdsHaveNames) {
@@ -116,9 +109,7 @@ TEST(SingletonsRegister, IdsHaveNames) {
         "SINGLETON_POWER_API_INITIALIZER SINGLETON_USB_CB_DISTRIBUTOR SINGLETON_USB_NFS_MOUNT SINGLETON_UNIRO_MOUNTER "
         "SINGLETON_OPENSSL_INITIALIZER DUMMY_SINGLETON DEPENDENT_DUMMY_SINGLETON");
     int id = 0;
-    for (std::string name; names >> name; ++id) {
-        EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(id)), name);
-    }
+    for (std::string name; names >> name; ++id) { EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(id)), name); }
     EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(id)), "Error: singleton identifier not recognized (22)");
 }
 

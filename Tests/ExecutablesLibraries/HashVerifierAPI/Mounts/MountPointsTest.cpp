@@ -14,9 +14,7 @@ namespace {
 TEST(MountPoints, LastDriveOfTheTableIsFoundByEitherRule) {
     for (const bool hasVariable : {true, false}) {
         inOwnProcess([hasVariable] {
-            if (hasVariable) {
-                FakePlatform::instance().pathVariables[43] = "/opt/usb";
-            }
+            if (hasVariable) { FakePlatform::instance().pathVariables[43] = "/opt/usb"; }
             Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
             const struct {
                 const char* table;

@@ -99,9 +99,7 @@ TEST_F(HashWorkerTest, StoreThatRefusesDuringTheRunNeverEndsTheProcess) {
     for (const auto& refusal : cases) {
         platform().reset();
         platform().onWrite = [&](const std::string& key, const Value& value) {
-            if (key == statusKey && value == Value("active")) {
-                platform().failSetting(refusal.key, refusal.times);
-            }
+            if (key == statusKey && value == Value("active")) { platform().failSetting(refusal.key, refusal.times); }
         };
         EXPECT_EQ(verify() != "ERROR", refusal.hasResult) << refusal.key << refusal.times;
         const Writes writes = platform().written();
@@ -114,9 +112,7 @@ TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefused) {
     std::promise<void> release;
     std::shared_future<void> released = release.get_future().share();
     platform().onWrite = [&](const std::string& key, const Value& value) {
-        if (key == progressKey && value == Value("100.0")) {
-            released.wait();
-        }
+        if (key == progressKey && value == Value("100.0")) { released.wait(); }
     };
     HashVerifierAPI::startVerifyPath(m_tree.path().native(), "md5");
     EXPECT_THROW(HashVerifierAPI::startVerifyPath("/", "md5"), Common::Utils::GenericException);
@@ -129,9 +125,7 @@ TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefused) {
 
 TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
     // What is in use on the file system is the whole of progress: nobody else may write there.
-    if (!mountPrivately(m_tree.path().c_str())) {
-        GTEST_SKIP() << "no private mounts on this machine";
-    }
+    if (!mountPrivately(m_tree.path().c_str())) { GTEST_SKIP() << "no private mounts on this machine"; }
     for (const std::string name : {"1", "2", "3"}) { // progress comes in long lists, inside files and between them
         const boost::filesystem::path directory = m_tree.path() / name;
         boost::filesystem::create_directory(directory);
@@ -152,9 +146,7 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
     for (int run = 0; run < 6; ++run) {
         std::atomic<bool> isOver{false};
         std::thread asking([&] {
-            while (!isOver) {
-                EXPECT_GE(HashVerifierAPI::getProgress().size(), 4U);
-            }
+            while (!isOver) { EXPECT_GE(HashVerifierAPI::getProgress().size(), 4U); }
         });
         EXPECT_TRUE(writesOfRun() == expected) << "run " << run;
         isOver = true;
