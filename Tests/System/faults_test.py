@@ -16,7 +16,7 @@ import subprocess
 import threading
 import time
 
-from harness import NO_MOUNTS, PROGRAM, SANITIZED, SETTINGS, SystemTest, main, use_one_core
+from harness import NO_MOUNTS, PROGRAM, SANITIZED, SETTINGS, SystemTest, main, make_hole, use_one_core, write
 from tree_value import Model
 
 ALL = os.environ.get("NERIX_ALL_FAULTS") == "1"
@@ -47,8 +47,7 @@ class Faults(SystemTest):
 
     @staticmethod
     def fill(file, size):
-        with open(file, "wb") as content:
-            content.write(b"x" * size)
+        write(file, b"x" * size)
 
     def value_with(self, file, size):
         """The tree's value if this file had so many bytes."""
@@ -153,8 +152,7 @@ class Faults(SystemTest):
             listing = subprocess.run([*SETTINGS, "list"], env=self.environment, check=True, capture_output=True, text=True)
             return [line.split(" = ")[0] for line in listing.stdout.splitlines()]
 
-        with open(os.path.join(self.tree, "big"), "wb") as file:
-            file.truncate(100 << 20)
+        make_hole(os.path.join(self.tree, "big"), 100 << 20)
         self.expected = Model("md5").value(self.tree)
         start = time.monotonic()
         self.assertEqual(self.value(self.tree), self.expected)

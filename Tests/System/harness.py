@@ -166,6 +166,16 @@ class SystemTest(unittest.TestCase):
         self.assertNotEqual(self.settings()[0], "active")
 
 
+def write(path, content=b""):
+    with open(path, "wb") as file:
+        file.write(content)
+
+
+def make_hole(path, size):
+    with open(path, "wb") as file:
+        file.truncate(size)
+
+
 def use_one_core():
     """For preexec_fn: the worker makes all calls of a scan, always the same ones."""
     os.sched_setaffinity(0, {min(os.sched_getaffinity(0))})

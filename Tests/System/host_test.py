@@ -16,7 +16,7 @@ import termios
 import unittest
 
 import random_tree
-from harness import HOST, NO_MOUNTS, SystemTest, main
+from harness import HOST, NO_MOUNTS, SystemTest, main, make_hole, write
 from tree_value import Model
 
 
@@ -229,8 +229,7 @@ class Host(SystemTest):
                                 (rotated, "is incomplete: records"), (lost, "is incomplete: records"),
                                 (text.replace("/tree", "/wood"), "the logs are of different trees")):
             with self.subTest(content=content):
-                with open(self.logs[1], "w", encoding="utf-8") as log:
-                    log.write(content)
+                write(self.logs[1], content.encode())
                 run = self.run_host("compare", *self.logs)
                 self.assertEqual((run.returncode, run.stdout), (2, b""))
                 self.assertIn(reason, run.stderr.decode())
@@ -253,8 +252,7 @@ class Host(SystemTest):
         return text.decode()
 
     def test_bar_fits_the_terminal(self):
-        with open(self.tree + b"/big", "wb") as file:
-            file.truncate(600 << 20)
+        make_hole(self.tree + b"/big", 600 << 20)
         for columns in (12, 40, 80, 200):
             frames = self.on_terminal(columns, "xterm", "scan", self.tree).split("\r")[1:]
             self.assertEqual(frames.pop(), "\x1b[K")

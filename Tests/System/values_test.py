@@ -4,7 +4,7 @@ import os
 import random
 import socket
 
-from harness import SystemTest, main
+from harness import SystemTest, main, write
 from tree_value import STEPS, Model
 import random_tree
 
@@ -23,7 +23,6 @@ class Values(SystemTest):
         self.assertEqual(records, model.record_lines())
 
     def test_random_trees(self):
-        seen = set()
         for number in range(TREES):
             method = list(STEPS)[number % len(STEPS)]
             with self.subTest(seed=SEED, tree=number, method=method):
@@ -31,10 +30,6 @@ class Values(SystemTest):
                 os.mkdir(tree)
                 random_tree.make(tree, random.Random(SEED * 100_000 + number))
                 self.assert_agrees(tree, method)
-                seen.update(os.lstat(os.path.join(directory, name)).st_mode >> 12
-                            for directory, directories, files in os.walk(tree) for name in directories + files)
-        if TREES >= 50:
-            self.assertLessEqual({1, 4, 8, 10, 12}, seen, "fifo, directory, file, link, socket")
 
     def test_usr_share_doc(self):
         for method in STEPS:
@@ -42,8 +37,7 @@ class Values(SystemTest):
 
     def test_roots_of_each_kind(self):
         path = lambda name: os.path.join(self.work, name)
-        with open(path("file"), "wb") as file:
-            file.write(b"x" * 5000)
+        write(path("file"), b"x" * 5000)
         os.mkdir(path("directory"))
         os.symlink("directory", path("link"))
         os.mkfifo(path("fifo"))
