@@ -137,22 +137,8 @@ TEST(InstallationPerformanceParameters, AreStoredInAFileOfTheirOwn) {
     EXPECT_EQ(platform.logged("[WRN]"), 2U);
 }
 
-TEST(DebugAndTestParameters, TextsAndCustomValuesAreSet) {
+TEST(DebugAndTestParameters, CustomValuesAreSetAndRemoved) {
     DebugAndTestParameters parameters;
-    parameters.setUseOTNTestServer(true);
-    parameters.setOTNTestServerAddress("1");
-    parameters.setNumberOfFailures(2);
-    parameters.setPanelServiceName("3");
-    parameters.setServiceTransactionStubScenarioPath("4");
-    parameters.setCoreTransactionStubScenarioPath("5");
-    parameters.setOtnOUItemDownloadDirectory("6");
-    parameters.setResumeDataBackupDirectory("7");
-    EXPECT_TRUE(parameters.isUseOTNTestServer());
-    EXPECT_EQ(parameters.getOTNTestServerAddress() + std::to_string(parameters.getNumberOfFailures()) +
-                  parameters.getPanelServiceName() + parameters.getServiceTransactionStubScenarioPath() +
-                  parameters.getCoreTransactionStubScenarioPath() + parameters.getOtnOUItemDownloadDirectory() +
-                  parameters.getResumeDataBackupDirectory(),
-              "1234567");
     parameters.setCustomBoolParam("yes", true);
     parameters.setCustomBoolParam("no", false);
     parameters.setCustomIntParam("many", 5);

@@ -124,32 +124,27 @@ class Hostile(SystemTest):
             os.remove(store)
             self.assert_right()
 
-    def test_signals_end_a_run_in_good_order(self):
-        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+    def test_signals_end_a_run_in_good_order_or_are_recognised(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGKILL):
             for method in ("md5", "none"):
                 with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
                     with self.start_long_run(method) as run:
-                        while not watch.stdout.readline().startswith(b"active"):
-                            pass
+                        next(line for line in watch.stdout if line.startswith(b"active"))
+                        live = self.run_host("settings", "list")
                         run.send_signal(number)
                         run.send_signal(number)  # as timeout(1) does: counts as the same
                         self.assertEqual(run.wait(60), -number)
-                    watch.communicate(timeout=60)
-                self.assertEqual((self.settings()[0], self.settings()[2]), ("inactive", "ERROR"))
+                    last = watch.communicate(timeout=60)[0].splitlines()[-1]
+                self.assertIn(b"status = active\n", live.stdout)
+                self.assertEqual(live.stderr, b"")
+                dead = self.run_host("settings", "list").stderr.count(b"hashverifier_status was killed\n")
+                if number == signal.SIGKILL:
+                    self.assertRegex(last, rb"^killed .* 00000111$")
+                    self.assertEqual((self.settings()[::2], dead), (("active", "00000111"), 1))
+                else:
+                    self.assertRegex(last, rb"^inactive .* ERROR$")
+                    self.assertEqual((self.settings()[::2], dead), (("inactive", "ERROR"), 0))
         self.assertIn(b"ended by signal 1", b"".join(self.log_lines("system")))
-
-    def test_killed_run_is_recognised(self):
-        with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
-            with self.start_long_run() as run:
-                while not watch.stdout.readline().startswith(b"active"):
-                    pass
-                live = subprocess.run([*SETTINGS, "list"], env=self.environment, check=True, capture_output=True)
-                run.kill()
-            self.assertRegex(watch.communicate(timeout=60)[0].splitlines()[-1], rb"^killed .* 00000111$")
-        dead = subprocess.run([*SETTINGS, "list"], env=self.environment, check=True, capture_output=True)
-        self.assertIn(b"status = active\n", live.stdout)
-        self.assertEqual(live.stderr, b"")
-        self.assertEqual(dead.stderr.count(b"hashverifier_status was killed\n"), 1)
 
     def test_chroot_without_dev_null(self):
         self.require_mounts()
