@@ -14,6 +14,12 @@ from harness import NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SETTINGS, SystemTest,
 from tree_value import Model
 
 
+def ignore_no_signal():
+    """For preexec_fn: nohup, and shells for what runs in the background, let signals be ignored."""
+    for number in (signal.SIGINT, signal.SIGHUP):
+        signal.signal(number, signal.SIG_DFL)
+
+
 class Hostile(SystemTest):
     def setUp(self):
         super().setUp()
@@ -35,7 +41,7 @@ class Hostile(SystemTest):
         make_hole(os.path.join(self.tree, "long"), 1 << 40)
         before = len(self.scan_records())
         run = subprocess.Popen([PROGRAM, "--path", self.tree, "--hash", method], env=self.environment,
-                               stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, preexec_fn=ignore_no_signal)
         self.addCleanup(run.kill)
         while len(self.scan_records()) < before + 2:
             self.assertIsNone(run.poll())
