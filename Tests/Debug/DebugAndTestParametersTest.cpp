@@ -32,7 +32,7 @@ std::string contentOf(const std::string& path) {
 }
 
 /// As an older library wrote it; every field differs from its default.
-const std::string golden = contentOf(NERIX_SEEDS "/golden");
+const std::string golden = contentOf(NERIX_GOLDEN "/golden.xml");
 
 /// What could be read, and whether that was everything.
 std::pair<DebugAndTestParameters, bool> readFrom(const std::string& text) {
@@ -87,7 +87,7 @@ TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
 }
 
 TEST(ParametersArchive, BuiltInValuesAreTheGoldenOnes) {
-    EXPECT_EQ(written(DebugAndTestParameters()), withTodaysVersion(contentOf(NERIX_SEEDS "/defaults")));
+    EXPECT_EQ(written(DebugAndTestParameters()), withTodaysVersion(contentOf(NERIX_GOLDEN "/defaults.xml")));
     const InstallationPerformanceParameters& defaults = InstallationPerformanceParameters::getDefaultParameters();
     EXPECT_EQ(defaults.getDecompressorInputChunkSize(), 262144U);
     EXPECT_EQ(defaults.getDecompressorOutputBufferSize(), 1048576U);

@@ -113,7 +113,7 @@ class SystemTest(unittest.TestCase):
         """From now on, by way of the testers' parameters; only where NO_MOUNTS is None."""
         place = "/mnt/systemrw/org.corvan.tv.nerix/data/tv"
         os.makedirs(place, exist_ok=True)
-        with open("/nerix/Tests/Fuzz/ParametersArchive/golden", encoding="utf-8") as golden:
+        with open("/nerix/Tests/Debug/golden.xml", encoding="utf-8") as golden:
             text = re.sub(r"<first>b</first>\s*<second>2<", f"<first>hashVerifierThreads</first><second>{count}<", golden.read())
         with open(f"{place}/DebugAndTestParameters.xml", "w", encoding="utf-8") as file:
             file.write(text)

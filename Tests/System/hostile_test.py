@@ -152,16 +152,6 @@ class Hostile(SystemTest):
                     self.assertEqual((self.settings()[::2], dead), (("inactive", "ERROR"), 0))
         self.assertIn(b"ended by signal 1", b"".join(self.log_lines("system")))
 
-    def test_chroot_without_dev_null(self):
-        self.require_mounts()
-        home = os.path.join(self.work, "home")
-        script = f"mount -t tmpfs none /dev && '{PROGRAM}' --path '{self.tree}' >&-; status=$?; umount /dev; exit $status"
-        run = subprocess.run(["sh", "-c", script], check=False, stderr=subprocess.PIPE,
-                             env={**self.environment, "NERIX_PLATFORM_HOME": home})
-        self.assertEqual(run.returncode, 1)
-        self.assertIn(b"cannot open /dev/null in place of a standard stream", run.stderr)
-        self.assertFalse(os.path.exists(home))
-
     def test_file_under_a_lease_and_what_may_take_its_place(self):
         path = os.path.join(self.tree, "a")
         device = lambda: os.mknod(path, stat.S_IFCHR | 0o644, os.makedev(1, 5))

@@ -15,10 +15,6 @@ SPECIAL = ("SU", "SG", "SB")
 CHUNK = 4096
 
 
-class Unreadable(Exception):
-    """The program must answer ERROR."""
-
-
 def _digest_step(name):
     def step(value, data):
         digest = hashlib.new(name, struct.pack("<Q", value) + data).digest()
