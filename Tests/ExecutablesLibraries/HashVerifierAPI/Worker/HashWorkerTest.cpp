@@ -5,9 +5,9 @@
 #include "Common/Utils/Errors/Errors.h"
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Platform/Product/IProductInfo.h"
-#include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/PrivateMounts.h"
+#include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
 #include <boost/filesystem/fstream.hpp>
@@ -70,41 +70,35 @@ TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
     EXPECT_EQ(HashVerifierAPI::getResult(), result);
 }
 
-TEST_F(HashWorkerTest, StoreThatRefusesBeforeTheRunStopsIt) {
-    const std::pair<std::string, Writes> cases[] = {
-        {resultKey, {}},
-        {progressKey, {{resultKey, "00000111"}, {resultKey, "ERROR"}}},
-        {statusKey, {{resultKey, "00000111"}, {progressKey, "0.0"}, {statusKey, "inactive"}, {resultKey, "ERROR"}}},
-    };
-    for (const auto& [refused, expected] : cases) {
-        platform().reset();
-        platform().failSetting(refused, 1);
-        EXPECT_THROW(verify(), Platform::IVConf::VConfException) << refused;
-        EXPECT_EQ(platform().written(), expected) << refused;
-    }
-}
-
-TEST_F(HashWorkerTest, StoreThatRefusesDuringTheRunNeverEndsTheProcess) {
+TEST_F(HashWorkerTest, StoreThatRefusesStopsARunOrLetsItFailButNeverEndsTheProcess) {
     const struct {
         const std::string& key;
         int times;
-        bool hasResult;
-        Writes last; ///< what was written last
+        bool isDuringRun;
+        const char* ending; ///< "" for a value
+        Writes last;        ///< what was written last
     } cases[] = {
-        {resultKey, 1, false, {{resultKey, "ERROR"}, {statusKey, "inactive"}}},
-        {resultKey, 2, false, {{statusKey, "inactive"}}},
-        {statusKey, 2, true, {{statusKey, "inactive"}}}, // taken at the third try
-        {statusKey, 100, true, {{progressKey, "100.0"}}},
+        {resultKey, 1, false, "refused", {}},
+        {progressKey, 1, false, "refused", {{resultKey, "00000111"}, {resultKey, "ERROR"}}},
+        {statusKey, 1, false, "refused", {{progressKey, "0.0"}, {statusKey, "inactive"}, {resultKey, "ERROR"}}},
+        {resultKey, 1, true, "ERROR", {{statusKey, "active"}, {resultKey, "ERROR"}, {statusKey, "inactive"}}},
+        {resultKey, 2, true, "ERROR", {{statusKey, "active"}, {statusKey, "inactive"}}},
+        {statusKey, 2, true, "", {{progressKey, "100.0"}, {statusKey, "inactive"}}}, // taken at the third try
+        {statusKey, 100, true, "", {{progressKey, "100.0"}}},
     };
     for (const auto& refusal : cases) {
+        SCOPED_TRACE(refusal.key + std::to_string(refusal.times) + refusal.ending);
         platform().reset();
+        const auto refuse = [&] { platform().failSetting(refusal.key, refusal.times); };
         platform().onWrite = [&](const std::string& key, const Value& value) {
-            if (key == statusKey && value == Value("active")) { platform().failSetting(refusal.key, refusal.times); }
+            if (key == statusKey && value == Value("active")) { refuse(); }
         };
-        EXPECT_EQ(verify() != "ERROR", refusal.hasResult) << refusal.key << refusal.times;
+        if (!refusal.isDuringRun) { refuse(); }
+        const std::string report = reportOf([&] { EXPECT_EQ(verify() == "ERROR", refusal.ending == std::string("ERROR")); });
+        EXPECT_EQ(has(report, "VConfException"), refusal.ending == std::string("refused")) << report;
         const Writes writes = platform().written();
         ASSERT_GE(writes.size(), refusal.last.size());
-        EXPECT_TRUE(std::equal(refusal.last.rbegin(), refusal.last.rend(), writes.rbegin())) << refusal.key << refusal.times;
+        EXPECT_TRUE(std::equal(refusal.last.rbegin(), refusal.last.rend(), writes.rbegin()));
     }
 }
 
