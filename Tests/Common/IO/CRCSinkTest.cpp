@@ -53,6 +53,7 @@ TEST(CRCSink, StoredStateGoesOnInAnotherSink) {
     second.markEndOfData();
     Record ended(true);
     second.transactionSerialize(&ended);
+    EXPECT_EQ(ended.bytes[0], 1);
     Record again(false, ended.bytes);
     first.transactionSerialize(&again);
     EXPECT_TRUE(first.endOfDataMarked());

@@ -80,7 +80,7 @@ TEST(OpenSSLInitDeathTest, CallbacksLockWhatTheyNameAndGoWithTheSetUp) {
         const SingletonServiceGuard<OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
         const auto set =
             SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>("test", SINGLETON_OPENSSL_INITIALIZER);
-        Compat::getLockingCallback()(Compat::lockBit, 0, "", 0);
+        Compat::getLockingCallback()(1, 0, "", 0); // CRYPTO_LOCK
         EXPECT_DEATH(
             {
                 OpenSSLInit held;
@@ -89,7 +89,7 @@ TEST(OpenSSLInitDeathTest, CallbacksLockWhatTheyNameAndGoWithTheSetUp) {
             "MESSAGE: Destroying object when mutex is still locked!");
         set->unlock(0);
         set->lock(0);
-        Compat::getLockingCallback()(0, 0, "", 0);
+        Compat::getLockingCallback()(2, 0, "", 0);
         EXPECT_THROW(set->lock(Compat::numLocks()), std::out_of_range);
         Compat::ThreadId id;
         Compat::getThreadIdCallback()(&id);
