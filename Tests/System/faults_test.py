@@ -163,18 +163,13 @@ class Faults(SystemTest):
             self.assertEqual(self.value(self.tree), self.expected)
             self.assertEqual(self.settings(), ("inactive", "100.0", self.expected[:8]))
 
-    @staticmethod
-    def grow(name):
-        # Does not wait where the name is a pipe.
-        with open(os.open(name, os.O_WRONLY | os.O_APPEND | os.O_CREAT | os.O_NONBLOCK), "ab") as file:
-            file.write(b"z" * 5000)
-
     def test_tree_that_changes_meanwhile(self):
         stop = threading.Event()
         chance = random.Random(1)
         names = [os.path.join(self.tree, "inner", f"changing {number}") for number in range(50)]
         actions = (lambda name: os.rename(name, chance.choice(names)), os.remove, os.mkdir, os.rmdir,
-                   os.mkfifo, lambda name: os.symlink("/dev/zero", name), self.grow)
+                   os.mkfifo, lambda name: os.symlink("/dev/zero", name),
+                   lambda name: write(os.open(name, os.O_WRONLY | os.O_APPEND | os.O_CREAT | os.O_NONBLOCK), b"z" * 5000))
 
         def change():
             while not stop.is_set():

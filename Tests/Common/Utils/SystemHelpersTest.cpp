@@ -1,15 +1,24 @@
-#include "Common/Utils/Filesystem.h"
+#include "Common/Utils/Descriptor.h"
 #include "Common/Utils/Errors/Errors.h"
+#include "Common/Utils/Filesystem.h"
+#include "Common/Utils/TerminationSignals.h"
 #include "Tests/Fakes/FakePlatform.h"
+#include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
 #include <boost/filesystem/exception.hpp>
 #include <boost/filesystem/fstream.hpp>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
 #include <functional>
+#include <thread>
+#include <tuple>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace Nerix::Tests {
 namespace {
@@ -54,23 +63,52 @@ TEST(Filesystem, EntriesAreTakenAsTheyAre) {
 }
 
 TEST(Filesystem, FailuresNameTheOperationAndThePath) {
-    const boost::filesystem::path bad = "/proc/self/status/x"; // below a file
-    const boost::filesystem::path loop = "/proc/self/fd/" + std::string(5000, 'x');
-    const std::pair<const char*, std::function<void()>> cases[] = {
-        {"::exists_any(", [&] { filesystem::exists_any(loop); }},
-        {"::is_directory(", [&] { filesystem::is_directory(loop); }},
-        {"::is_regular_file(", [&] { filesystem::is_regular_file(loop); }},
-        {"::is_symlink(", [&] { filesystem::is_symlink(loop); }},
-        {"::remove(", [&] { filesystem::remove("/proc/self/status"); }},
-        {"::rename(", [&] { filesystem::rename(bad, "/nowhere/y"); }},
-        {"::canonical(", [&] { filesystem::canonical("missing", "/nowhere"); }},
+    const boost::filesystem::path bad = "/proc/self/fd/" + std::string(5000, 'x');
+    const std::string path = "Path: \"" + bad.native() + '"';
+    const std::tuple<const char*, std::string, std::function<void()>> cases[] = {
+        {"::exists_any(", path, [&] { filesystem::exists_any(bad); }},
+        {"::is_directory(", path, [&] { filesystem::is_directory(bad); }},
+        {"::is_regular_file(", path, [&] { filesystem::is_regular_file(bad); }},
+        {"::is_symlink(", path, [&] { filesystem::is_symlink(bad); }},
+        {"::remove(", "Path: \"/proc/self/status\"", [] { filesystem::remove("/proc/self/status"); }},
+        {"::rename(", "Old path: \"/no/x\", new path: \"/no/y\"", [] { filesystem::rename("/no/x", "/no/y"); }},
+        {"::canonical(", "Path: \"missing\", base: \"/no\"", [] { filesystem::canonical("missing", "/no"); }},
     };
-    for (const auto& [name, operation] : cases) {
+    for (const auto& [name, context, operation] : cases) {
         FakePlatform::instance().reset();
         EXPECT_THROW(operation(), boost::filesystem::filesystem_error) << name;
-        EXPECT_EQ(FakePlatform::instance().logged(name), 1U) << name;
+        const std::vector<LogRecord> log = FakePlatform::instance().log();
+        std::string text;
+        for (const LogRecord& record : log) { text += record.withoutHeader().substr(sizeof "[INF]"); }
+        EXPECT_TRUE(has(text, name) && has(text, ") " + context)) << text;
     }
-    EXPECT_EQ(FakePlatform::instance().logged(") Path: \"missing\", base: \"/nowhere\""), 1U);
+}
+
+TEST(Descriptor, IsClosedOnceUnlessReleased) {
+    const int number = ::open("/dev/null", O_RDONLY);
+    EXPECT_TRUE(Common::Utils::Descriptor(number).isOpen());
+    EXPECT_EQ(::fcntl(number, F_GETFD), -1);
+    Common::Utils::Descriptor kept(::open("/dev/null", O_RDONLY));
+    EXPECT_EQ(kept.release(), number);
+    EXPECT_FALSE(kept.isOpen());
+    EXPECT_EQ(::close(number), 0);
+}
+
+TEST(TerminationSignalsDeathTest, FirstIsRememberedAndALaterSecondEndsTheProcess) {
+    using namespace Common::Utils; // NOLINT(google-build-using-namespace): its names fill this test
+    const auto signalsAfter = [](int milliseconds, int number) {
+        for (const int each : {SIGINT, SIGHUP}) { std::signal(each, SIG_DFL); } // nohup has them ignored
+        catchTerminationSignals();
+        std::raise(SIGTERM);
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+        std::raise(number);
+        std::fprintf(stderr, "remembers %d", terminationSignal());
+        std::exit(0);
+    };
+    EXPECT_EXIT(signalsAfter(0, SIGHUP), testing::KilledBySignal(SIGTERM), "remembers 15");
+    EXPECT_EXIT(signalsAfter(150, SIGINT), testing::KilledBySignal(SIGTERM), "remembers 15");
+    EXPECT_EXIT(signalsAfter(250, SIGINT), testing::KilledBySignal(SIGINT), "^$");
+    EXPECT_EQ(terminationSignal(), 0);
 }
 
 TEST(Filesystem, SeparatorsAtTheEnds) {
