@@ -58,6 +58,7 @@ TEST(ProductInfo, TelevisionByDefault) {
             EXPECT_TRUE(has(report, "] = " + failure + "\n")) << report;
             EXPECT_GE(platform.logged(">" + failure), 1U);
         }
+        EXPECT_EQ(platform.logged(" - lack of dash: no.dash"), 2U);
         EXPECT_TRUE(has(reportOf(failures[0].first), "tag_errinfo_string*] = no.dash\n"));
         EXPECT_TRUE(has(reportOf([] { Info::getVarikModelFromCorvanModel("ABC"); }),
                         "] = Can't figure out Varik model string. Corvan model string does not have 'H': ABC\n"));
@@ -99,7 +100,7 @@ TEST(ProductInfo, PathsAreJoinedFromTheirParts) {
             EXPECT_EQ(Info::getNerixSmallTempStorageMaxSize(), 10485760U);
             platform.reset();
             EXPECT_EQ(Info::getSystemUsrBinPath(), "");
-            EXPECT_EQ(platform.logged("[WRN] SystemDirectories.cpp:"), 1U);
+            EXPECT_EQ(platform.logged(">The platform has no directory for path variable 6"), 1U);
         });
     }
 }
