@@ -143,7 +143,10 @@ class Hostile(SystemTest):
                     last = watch.communicate(timeout=60)[0].splitlines()[-1]
                 self.assertIn(b"status = active\n", live.stdout)
                 self.assertEqual(live.stderr, b"")
+                self.assertEqual(watch.returncode, 1)
                 dead = self.run_host("settings", "list").stderr.count(b"hashverifier_status was killed\n")
+                objects = self.run_host("settings", "list", "--json").stdout.count(b',"killed":true}\n')
+                self.assertEqual(objects, 2 * dead, "status and result")
                 if number == signal.SIGKILL:
                     self.assertRegex(last, rb"^killed .* 00000111$")
                     self.assertEqual((self.settings()[::2], dead), (("active", "00000111"), 1))
