@@ -16,7 +16,6 @@ using Platform::Host::HostConfiguration;
 class HostConfigurationTest : public testing::Test {
 protected:
     HostConfigurationTest() { ::setenv("NERIX_HOST_LOG", "stderr", 1); }
-    ~HostConfigurationTest() override { ::unsetenv("NERIX_HOST_LOG"); }
 
     /// The answers to three questions, "!" where there is none.
     std::string answersOf(const std::string& content) const {

@@ -50,10 +50,9 @@ class Values(SystemTest):
             self.assertEqual(self.value(special), "0" * 16)
 
     def test_names_and_kinds_of_path(self):
-        for name in [*random_tree.NAMES, b"n" * 255]:
-            tree = os.path.join(os.fsencode(self.work), name)
-            os.mkdir(tree)
-            self.assert_agrees(tree, "md5")
+        tree = os.path.join(os.fsencode(self.work), b"a", b'\xff"&\n ' * 40)
+        os.makedirs(tree)
+        self.assert_agrees(tree, "md5")
         # Relative to the current directory, with defaults for what is not given, and in a locale that is missing.
         self.environment["LC_ALL"] = "xx_YY.UTF-8"
         run = self.run_program("--hash", "sha1", cwd=self.work)
