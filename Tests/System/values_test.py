@@ -31,10 +31,6 @@ class Values(SystemTest):
                 random_tree.make(tree, random.Random(SEED * 100_000 + number))
                 self.assert_agrees(tree, method)
 
-    def test_usr_share_doc(self):
-        for method in STEPS:
-            self.assert_agrees("/usr/share/doc", method)
-
     def test_roots_of_each_kind(self):
         path = lambda name: os.path.join(self.work, name)
         write(path("file"), b"x" * 5000)

@@ -1,5 +1,4 @@
 #include "Common/Logging/Log.h"
-#include "Common/Logging/MaxElapsed.h"
 #include "PlatformInterfaces/dlog.h"
 #include "Tests/Fakes/FakePlatform.h"
 
@@ -99,16 +98,6 @@ TEST_F(LoggingTest, RecordNumbersOfAllThreadsAreDifferent) {
     }
     EXPECT_EQ(numbers.size(), 2000U);
     EXPECT_EQ(*numbers.rbegin() - *numbers.begin(), 1999U);
-}
-
-TEST_F(LoggingTest, LimitOfTheFirstCallHoldsForAllOthers) {
-    using Common::Logging::maxElapsed;
-    const auto ago = [](int milliseconds) {
-        return std::chrono::steady_clock::now() - std::chrono::milliseconds(milliseconds);
-    };
-    EXPECT_FALSE(maxElapsed(ago(0), 60'000));
-    EXPECT_TRUE(maxElapsed(ago(60'000), 1'000'000));
-    EXPECT_FALSE(maxElapsed(ago(30'000), 1));
 }
 
 TEST_F(LoggingTest, LongTextsAreCutIntoRecords) {

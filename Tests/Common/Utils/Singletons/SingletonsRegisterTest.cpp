@@ -6,7 +6,6 @@
 
 #include <cstdlib>
 #include <memory>
-#include <sstream>
 #include <stdexcept>
 
 namespace Nerix::Tests {
@@ -98,19 +97,6 @@ TEST(SingletonsRegister, ServicesAreUsedFromSeveralThreadsAtOnce) {
         });
     }
     for (boost::thread& thread : threads) { thread.join(); }
-}
-
-TEST(SingletonsRegister, IdsHaveNames) {
-    std::istringstream names(
-        "USER_DATA_REGISTER TVS_SIGNAL_DISTRIBUTOR POWER_OFF_CB_DISTRIBUTOR G_MAIN_LOOP DEBUG_AND_TEST_PARMS "
-        "INSTALLATION_PERFORMANCE_PARAMS SINGLETON_PANEL_SERVICE SINGLETON_CAMERA_PLUGIN SINGLETON_SUBMICOM_PLUGIN "
-        "SINGLETON_EXAMPLE_PLUGIN SINGLETON_INDEPENDENT_FIRMWARE_PLUGIN SINGLETON_TVTIMER_INITIALIZER "
-        "SINGLETON_CSP_INITIALIZER SINGLETON_WAKEUP_ENABLER SINGLETON_USB_DEVICE_INITIALIZER "
-        "SINGLETON_POWER_API_INITIALIZER SINGLETON_USB_CB_DISTRIBUTOR SINGLETON_USB_NFS_MOUNT SINGLETON_UNIRO_MOUNTER "
-        "SINGLETON_OPENSSL_INITIALIZER DUMMY_SINGLETON DEPENDENT_DUMMY_SINGLETON");
-    int id = 0;
-    for (std::string name; names >> name; ++id) { EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(id)), name); }
-    EXPECT_EQ(singletonsIdToString(static_cast<SingletonsID>(id)), "Error: singleton identifier not recognized (22)");
 }
 
 TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
