@@ -44,13 +44,12 @@ struct Verb {
 };
 
 Verb scanVerb() {
-    Verb verb{
-        "usage: NerixHost scan PATH [OPTION...]\n\n"
-        "Prints the value of the tree at PATH, as NerixVerifierHash would.\n\n",
-        "\nExample: NerixHost scan /usr/share --log share.log --details\n\n"
-        "Status: 0 for a value, 1 when there is none or it is not the one expected, 2 for wrong options.\n",
-        options::options_description("Options"),
-        {{"path", "PATH", true}}};
+    Verb verb{"usage: NerixHost scan PATH [OPTION...]\n\n"
+              "Prints the value of the tree at PATH, as NerixVerifierHash would.\n\n",
+              "\nExample: NerixHost scan /usr/share --log share.log --details\n\n"
+              "Status: 0 for a value, 1 when there is none or it is not the one expected, 2 for trouble.\n",
+              options::options_description("Options"),
+              {{"path", "PATH", true}}};
     auto add = verb.named.add_options();
     std::string methods = "how values are folded:";
     for (const std::string& method : HashFunctions::methods()) {

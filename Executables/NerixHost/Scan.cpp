@@ -4,7 +4,6 @@
 #include "Common/IO/OpenSSLInit.h"
 #include "Common/Logging/LoggingClass.h"
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
-#include "Common/Utils/StandardStreams.h"
 #include "Common/Utils/TerminationSignals.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Executables/NerixHost/FailureSentence.h"
@@ -47,18 +46,23 @@ void prepare() {
     Common::DebugAndTestParameters::loadDebugAndTestParameters("NerixHost");
 }
 
-/// Whether a file in that directory belongs to the tree at root: nothing else is mounted between them.
+/// Whether a file in that directory belongs to the tree at root: nothing else is mounted between them. By
+/// number, as the root may be mounted a second time.
 bool isScanned(const fs::path& directory, const fs::path& root) {
     struct stat rootStatus {};
     ::lstat(root.c_str(), &rootStatus);
-    for (fs::path at = directory; at != root; at = at.parent_path()) {
+    for (fs::path at = directory;; at = at.parent_path()) {
         struct stat status {};
-        if (at == at.root_path() || ::lstat(at.c_str(), &status) != 0 || status.st_dev != rootStatus.st_dev ||
-            MountPoints::getInstance().isMountPoint(at.string())) {
+        if (::lstat(at.c_str(), &status) != 0 || status.st_dev != rootStatus.st_dev) {
+            return false;
+        }
+        if (status.st_ino == rootStatus.st_ino) {
+            return true;
+        }
+        if (at == at.root_path() || MountPoints::getInstance().isMountPoint(at.string())) {
             return false;
         }
     }
-    return true;
 }
 
 /// The log's whole path. Throws std::runtime_error where it would change the value of the tree.
@@ -78,6 +82,19 @@ std::string duration(Clock::duration elapsed) {
     return std::to_string(seconds / 60) + ':' + twoDigits;
 }
 
+/// Draws while that is possible: who watched may be gone, as behind a pipe that was closed, and the value
+/// still counts.
+template <class Draw>
+void draw(bool& isPossible, Draw step) {
+    try {
+        if (isPossible) {
+            step();
+        }
+    } catch (const std::runtime_error&) {
+        isPossible = false;
+    }
+}
+
 /// Runs the verification on a thread of its own, and shows its progress on this one.
 std::string verify(const ScanRequest& request, const ScanLogStream& log) {
     ProgressLine line(STDERR_FILENO, std::chrono::seconds(5));
@@ -85,14 +102,15 @@ std::string verify(const ScanRequest& request, const ScanLogStream& log) {
     std::future<std::string> result = std::async(std::launch::async, [&] {
         return HashVerifierAPI::nerixVerifyPath(request.path, request.hashMethod, log);
     });
+    bool isShown = !request.isQuiet;
     while (result.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
-        if (!request.isQuiet) {
+        draw(isShown, [&] {
             line.show({"", HashVerifierAPI::getProgress(),
                        std::to_string(HashVerifierAPI::getEntries()) + " entries " +
                            duration(Clock::now() - begin)});
-        }
+        });
     }
-    line.clear();
+    draw(isShown, [&] { line.clear(); });
     return result.get();
 }
 
@@ -104,11 +122,11 @@ int fail(const std::string& reason) {
 } // namespace
 
 int scan(const ScanRequest& request) {
-    prepare();
-    const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(
-        Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
     std::string value;
     try {
+        prepare();
+        const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(
+            Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
         std::optional<LogFile> file;
         if (!request.logFile.empty()) {
             file.emplace(logOutside(fs::canonical(request.path), request.logFile).string());
@@ -126,7 +144,7 @@ int scan(const ScanRequest& request) {
     } catch (...) {
         return fail(failureSentence(std::current_exception()));
     }
-    Common::Utils::writeToStandardOutput(value + '\n');
+    std::cout << value << std::endl;
     if (request.expected && *request.expected != value) {
         return fail("the value is " + value + ", not " + *request.expected);
     }

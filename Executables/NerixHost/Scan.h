@@ -5,9 +5,9 @@
 namespace Nerix {
 
 /// Verifies the tree in this process, without a trace elsewhere: see StateInMemory.h. Prints its value and
-/// returns the exit status: 0 for a value that is the expected one, 1 after one sentence on standard error.
-/// Call it from main, once, before other threads exist. Throws std::runtime_error when the log cannot be
-/// written, and GenericException when standard output cannot.
+/// returns the exit status: 0 for a value that is the expected one, 1 after one sentence on standard error. Call
+/// it from main, once, before other threads exist. Throws std::ios_base::failure when standard output, whose
+/// exceptions are on, cannot be written.
 int scan(const ScanRequest& request);
 
 } // namespace Nerix

@@ -1,6 +1,6 @@
-// No unit test may write on the machine's console, nor lose its standard output to it: in a program that
-// links the fakes /dev/console is the file that NERIX_TEST_CONSOLE names; without it, it cannot be opened. Linked with --wrap for freopen by both its names: which one
-// is called hangs on the width of file offsets.
+// No unit test may write on the machine's console, nor lose its standard output to it: in a program that links the fakes
+// /dev/console is the file that NERIX_TEST_CONSOLE names; without it, it cannot be opened. Linked with --wrap for freopen by
+// both its names: which one is called hangs on the width of file offsets.
 
 #include <cstdio>
 #include <cstdlib>

@@ -114,13 +114,13 @@ class Device(SystemTest):
     def test_settings_are_watched_from_another_process(self):
         make_hole(os.path.join(self.work, "big"), 500 << 20)
         value, _ = self.expected()
-        with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch, \
-                subprocess.Popen([*SETTINGS, "watch", "--json"], env=self.environment, stdout=subprocess.PIPE) as objects:
+        with subprocess.Popen([*SETTINGS, "watch", "--json"], env=self.environment, stdout=subprocess.PIPE) as objects, \
+                subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch:
             watch.stdout.readline()
-            time.sleep(0.2)  # the other one says nothing while it waits
+            time.sleep(0.5)  # the other one says nothing while it waits
             self.assertEqual(self.value(self.work), value)
-            lines = watch.stdout.read().splitlines()
-            last = json.loads(objects.stdout.read().splitlines()[-1])
+            lines = watch.communicate(timeout=60)[0].splitlines()
+            last = json.loads(objects.communicate(timeout=60)[0].splitlines()[-1])
         self.assertEqual((watch.returncode, objects.returncode), (0, 0))
         self.assertEqual(last, {"status": "inactive", "progress": "100.0", "result": value[:8]})
         listing = subprocess.run([*SETTINGS, "list", "--json"], env=self.environment, check=True, capture_output=True)

@@ -1,11 +1,11 @@
-"""Trees as deep, as wide and as large as they come."""
+"""Trees as deep and as wide as they come."""
 
 import os
 import re
 import subprocess
 import sys
 
-from harness import PROGRAM, SANITIZED, SystemTest, main, make_hole
+from harness import PROGRAM, SANITIZED, SystemTest, main
 from tree_value import Model
 
 PATH_MAX = 4096
@@ -48,14 +48,6 @@ class Extremes(SystemTest):
         if not SANITIZED:  # the names of one open directory and its list stand in memory
             self.assertLess(int(peak), 16 * 1024, "KiB")
 
-    def test_file_larger_than_32_bits_count(self):
-        size = 5 << 30
-        for name, length in (("hole", size), ("hole.empty", 0)):
-            make_hole(os.path.join(self.work, name), length)
-        model = Model("trivial")
-        expected = int(model.value(os.path.join(self.work, "hole.empty")), 16) - len(".empty") + size
-        self.assertEqual(self.value(os.path.join(self.work, "hole"), "trivial"), f"{expected:016x}")
 
-
-if __name__ == "__main__":
+if __name__if __name__ == "__main__":
     main()

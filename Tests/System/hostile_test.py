@@ -36,16 +36,19 @@ class Hostile(SystemTest):
         run = run or self.run_program("--path", self.tree)
         self.assertEqual((run.returncode, run.stdout.decode()), (0, Model("md5").value(self.tree) + "\n"), run.stderr)
 
-    def start_long_run(self, method="md5"):
+    @contextlib.contextmanager
+    def long_run(self, method):
         """A run that will not end by itself, caught inside a long file."""
         make_hole(os.path.join(self.tree, "long"), 1 << 40)
         before = len(self.scan_records())
-        run = subprocess.Popen([PROGRAM, "--path", self.tree, "--hash", method], env=self.environment,
-                               stdout=subprocess.PIPE, stderr=subprocess.PIPE, preexec_fn=ignore_no_signal)
-        self.addCleanup(run.kill)
-        while len(self.scan_records()) < before + 2:
-            self.assertIsNone(run.poll())
-        return run
+        with subprocess.Popen([PROGRAM, "--path", self.tree, "--hash", method], env=self.environment, stdout=subprocess.PIPE,
+                              stderr=subprocess.PIPE, preexec_fn=ignore_no_signal) as run:
+            try:
+                while len(self.scan_records()) < before + 2:
+                    self.assertIsNone(run.poll())
+                yield run
+            finally:
+                run.kill()
 
     def test_whatever_stands_in_the_place_of_the_scan_log(self):
         self.require_mounts()
@@ -134,7 +137,7 @@ class Hostile(SystemTest):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGKILL):
             for method in ("md5", "none"):
                 with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
-                    with self.start_long_run(method) as run:
+                    with self.long_run(method) as run:
                         next(line for line in watch.stdout if line.startswith(b"active"))
                         live = self.run_host("settings", "list")
                         run.send_signal(number)

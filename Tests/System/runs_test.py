@@ -1,8 +1,8 @@
 """How runs begin and end: the store, the exit status, the reports."""
 
+import concurrent.futures
 import os
 import subprocess
-import threading
 
 from harness import HOST, PROGRAM, PROJECT, SystemTest, main, write
 from tree_value import Model
@@ -21,6 +21,7 @@ class Runs(SystemTest):
             self.assertEqual(self.value(self.work, method), "ERROR")
             self.assertEqual(self.settings(), ("inactive", "0.0", "ERROR"))
             self.assertIn(f"unknown hash function: {method}\\n".encode(), b"".join(self.log_lines("main")))
+
     def test_bad_input(self):
         loop = os.path.join(self.work, "loop")
         os.symlink("loop", loop)
@@ -65,12 +66,8 @@ class Runs(SystemTest):
 
     def test_two_runs_at_once(self):
         expected = Model("sha1").value("/usr/share/doc")
-        values = []
-        runs = [threading.Thread(target=lambda: values.append(self.value("/usr/share/doc", "sha1"))) for _ in "12"]
-        for run in runs:
-            run.start()
-        for run in runs:
-            run.join()
+        with concurrent.futures.ThreadPoolExecutor() as runs:
+            values = list(runs.map(lambda _: self.value("/usr/share/doc", "sha1"), range(2)))
         self.assertEqual(values, [expected, expected])
         self.assertEqual(self.settings()[0], "inactive")
 

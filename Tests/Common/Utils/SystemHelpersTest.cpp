@@ -106,7 +106,7 @@ TEST(TerminationSignalsDeathTest, FirstIsRememberedAndALaterSecondEndsTheProcess
         std::exit(0);
     };
     EXPECT_EXIT(signalsAfter(0, SIGHUP), testing::KilledBySignal(SIGTERM), "remembers 15");
-    EXPECT_EXIT(signalsAfter(150, SIGINT), testing::KilledBySignal(SIGTERM), "remembers 15");
+    EXPECT_EXIT(signalsAfter(20, SIGINT), testing::KilledBySignal(SIGTERM), "remembers 15");
     EXPECT_EXIT(signalsAfter(250, SIGINT), testing::KilledBySignal(SIGINT), "^$");
     EXPECT_EQ(terminationSignal(), 0);
 }

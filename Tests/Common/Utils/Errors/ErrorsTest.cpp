@@ -54,12 +54,15 @@ TEST(Rethrow, WhatCarriesNoEntriesIsWrappedOrLogged) {
         EXPECT_NE(entryOf<errinfo_rethrows>(interruption).find("frame outer\n -> "), std::string::npos);
     }
     EXPECT_THROW(throughFrame("X", interrupt), boost::thread_interrupted) << "for those who know only the library's";
-    EXPECT_THROW(RethrowExceptionStream(boost::copy_exception(boost::thread_interrupted())),
-                 Common::Utils::thread_interrupted);
+    using Manipulator = std::ostream& (*)(std::ostream&);
+    const auto rethrow = [](const boost::exception_ptr& exception, Manipulator manipulator) {
+        RethrowExceptionStream stream(exception);
+        stream.getStream() << manipulator;
+    };
+    EXPECT_THROW(rethrow(boost::copy_exception(boost::thread_interrupted()), std::flush), Common::Utils::thread_interrupted);
     const auto writeFails = [](std::ostream&) -> std::ostream& { throw std::runtime_error("writing"); };
-    EXPECT_THROW(RethrowExceptionStream(boost::copy_exception(GenericException())).getStream() << writeFails,
-                 std::runtime_error);
-    EXPECT_DEATH(RethrowExceptionStream(boost::exception_ptr()), "ASSERTION FAILED: excPtr, ");
+    EXPECT_THROW(rethrow(boost::copy_exception(GenericException()), writeFails), std::runtime_error);
+    EXPECT_DEATH(rethrow({}, std::flush), "ASSERTION FAILED: excPtr, ");
 
     FakePlatform::instance().reset();
     EXPECT_THROW(throughFrame("X", [] { throw std::runtime_error("plain"); }), std::runtime_error);

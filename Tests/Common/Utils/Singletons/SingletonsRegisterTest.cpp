@@ -87,9 +87,9 @@ TEST(SingletonsRegister, FactoriesMakeServicesOnceAndMayFail) {
 
 TEST(SingletonsRegister, ServicesAreUsedFromSeveralThreadsAtOnce) {
     const ServiceGuard guard(DUMMY_SINGLETON);
-    std::vector<boost::thread> threads;
-    for (int number = 0; number < 4; ++number) {
-        threads.emplace_back([] {
+    std::vector<boost::thread> threads(4);
+    for (boost::thread& thread : threads) {
+        thread = boost::thread([] {
             for (int time = 0; time < 500; ++time) {
                 const ServiceGuard again(DUMMY_SINGLETON);
                 EXPECT_EQ(theRegister().getService<Service>("user", DUMMY_SINGLETON)->answer(), 42);
