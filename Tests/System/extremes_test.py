@@ -49,5 +49,5 @@ class Extremes(SystemTest):
             self.assertLess(int(peak), 16 * 1024, "KiB")
 
 
-if __name__if __name__ == "__main__":
+if __name__ == "__main__":
     main()
