@@ -88,6 +88,8 @@ def change(tree, chance):
 class Host(SystemTest):
     def setUp(self):
         super().setUp()
+        if not NO_MOUNTS:
+            self.mount(self.work)  # in memory a directory's size changes with its entries
         self.tree = os.path.join(os.fsencode(os.path.realpath(self.work)), b"tree")
         os.mkdir(self.tree)
         self.logs = [os.path.join(self.work, name) for name in ("before.log", "after.log")]
