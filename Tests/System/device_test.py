@@ -128,7 +128,7 @@ class Device(SystemTest):
                          [{"key": key, "value": held} for key, held in (
                              (f"db/{PREFIX}result", value[:8]), (f"memory/{PREFIX}progress", "100.0"),
                              (f"memory/{PREFIX}status", "inactive"))])
-        self.assertTrue(any(re.fullmatch(r"active +\d\d?\.\d\d % \[#* +\] 00000111", line) for line in lines), lines)
+        self.assertTrue(any(re.fullmatch(r"active +\d\d?\.\d\d? % \[#* +\] 00000111", line) for line in lines), lines)
         self.assertRegex(lines[-1], r"^inactive +100\.0 % \[#{38}\] " + value[:8] + "$")
 
 
