@@ -148,7 +148,6 @@ TEST(DebugAndTestParameters, CustomValuesAreSetAndRemoved) {
     parameters.setCustomIntParam("many", boost::none);
     parameters.setCustomBoolParam("yes", boost::none);
     EXPECT_FALSE(parameters.getCustomIntParam("many") || parameters.getCustomBoolParam("yes"));
-    EXPECT_EQ(parameters.getCustomIntParam("many", 9), 9);
 }
 
 TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
