@@ -38,22 +38,18 @@ class Faults(SystemTest):
         os.makedirs(os.path.join(self.tree, "inner"))
         self.contents = {os.path.join(self.tree, "file"): 5000, os.path.join(self.tree, "inner", "file"): 1}
         for file in self.contents:
-            self.fill(file, self.contents[file])
+            write(file, b"x" * self.contents[file])
         os.symlink("target", os.path.join(self.tree, "link"))
         os.mkfifo(os.path.join(self.tree, "fifo"))
         with contextlib.suppress(OSError):  # then there is no lgetxattr to fail either
             os.setxattr(os.path.join(self.tree, "file"), "user.name", b"value")
         self.expected = Model("md5").value(self.tree)
 
-    @staticmethod
-    def fill(file, size):
-        write(file, b"x" * size)
-
     def value_with(self, file, size):
         """The tree's value if this file had so many bytes."""
-        self.fill(file, size)
+        write(file, b"x" * size)
         value = Model("md5").value(self.tree)
-        self.fill(file, self.contents[file])
+        write(file, b"x" * self.contents[file])
         return value
 
     def run_traced(self, whose, *options):

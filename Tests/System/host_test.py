@@ -34,20 +34,20 @@ def walk_order(path):
     return [(0, name) for name in path.split(b"/")] + [(1, b"")]
 
 
-def differences(before, after, hasDetails):
+def differences(before, after, has_details):
     """What a comparison tells, in its order: change, path and facts. Entries are values and facts by path."""
     told = []
     for path in sorted(before.keys() | after.keys(), key=walk_order):
-        isExplained = any(other.startswith(path + b"/") for _, other, _ in told)
+        is_explained = any(other.startswith(path + b"/") for _, other, _ in told)
         old, new = before.get(path), after.get(path)
         if old is None or new is None:
-            if not isExplained:
+            if not is_explained:
                 told.append(("removed" if old else "added", path, ""))
         elif old[0] != new[0]:
             changes = [f"{name} {old[1][name]} -> {new[1][name]}" for name in old[1] if old[1][name] != new[1][name]
-                       and hasDetails and not (isExplained and name in ("links", "size"))]
-            if changes or not isExplained:
-                nothing = "content, attributes or target" if hasDetails else ""
+                       and has_details and not (is_explained and name in ("links", "size"))]
+            if changes or not is_explained:
+                nothing = "content, attributes or target" if has_details else ""
                 told.append(("changed", path, ", ".join(changes) or nothing))
     return told
 
@@ -68,7 +68,7 @@ def relink(path):
     os.symlink("elsewhere", path)
 
 
-# What may happen to an entry; nothing but the first follows a link.
+# What may happen to an entry. Links get none of what would reach the entry that they lead to.
 TO_FILES = (rewrite, lambda path: os.truncate(path, 13), lambda path: os.chmod(path, 0o4711), os.unlink,
             lambda path: os.setxattr(path, b"user.new", b"x"), lambda path: os.link(path, path[:99] + b"+"))
 TO_ANY = (lambda path: os.rename(path, path[:99] + b'\x1b[31m"\\\n\xff\xc2\x9b&'), lambda path: os.lchown(path, 1234, -1))
@@ -136,7 +136,7 @@ class Host(SystemTest):
                 self.scan(log)
                 self.scan(log + ".details", "--details")
                 change(self.tree, random.Random(seed))
-            plain, detailed = (differences(*states, hasDetails) for hasDetails in (False, True))
+            plain, detailed = (differences(*states, has_details) for has_details in (False, True))
             self.assertEqual([read_back(line) for line in self.compare(*self.logs)], plain)
             details = [log + ".details" for log in self.logs]
             self.assertEqual([read_back(line) for line in self.compare(*details)], detailed)
