@@ -24,65 +24,50 @@ REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog 
 RECORD = re.compile(rb"\[INF\] HashWorker\.cpp:\d+>([0-9a-f]{16} \".*)")
 
 
+# Of the root all but the drives, which nobody may see, and the project where no scenario mounts anything.
+OWN_ROOT = """
+set -e
+mount -t tmpfs none "$1"
+cd "$1"
+mount --make-unbindable .
+for entry in /*; do
+    case $(stat -c %F "$entry")$entry in
+        *link/*) cp -P "$entry" . ;;
+        */media | */mnt) mkdir ".$entry" ;;
+        directory/*) mkdir ".$entry" && mount --rbind "$entry" ".$entry" ;;
+    esac
+done
+mkdir -p nerix ".$3"
+mount --rbind "$2" nerix
+mount --rbind "$4" ".$3"
+touch "$1.entered"
+shift 4
+exec chroot . sh -c 'cd /nerix && exec "$@"' sh "$@"
+"""
+
+
 def enter_own_mounts():
     """Starts the script anew in a mount name space and a root directory of its own, without the machine's drives.
 
-    Returns only there, or with the reason why it cannot. The project is at /nerix there, wherever it lies outside: below
-    /media or /root it would be hidden by what a scenario mounts.
+    Returns only there, or with the reason why it cannot.
     """
-    stage = os.environ.get("NERIX_OWN_MOUNTS")
-    if stage == "entered":
+    if "NERIX_OWN_MOUNTS" in os.environ:
         return None
-    if stage:
-        sys.exit(enter_root(stage))
-    place = tempfile.mkdtemp(prefix="nerix-root-")
+    place = os.path.join(tempfile.mkdtemp(prefix="nerix-root-"), "root")
+    os.mkdir(place)
+    script = os.path.join("/nerix", os.path.relpath(os.path.abspath(sys.argv[0]), PROJECT))
+    built = os.path.join("/nerix-build", os.path.basename(BUILD))
     flags = ["-m"] if os.geteuid() == 0 else ["-Urm"]
     try:
-        run = subprocess.run(["unshare", *flags, sys.executable, *sys.argv], check=False,
-                             env={**os.environ, "NERIX_OWN_MOUNTS": place})
-        if os.path.exists(os.path.join(place, "entered")):
+        run = subprocess.run(["unshare", *flags, "sh", "-c", OWN_ROOT, "sh", place, PROJECT, built, BUILD, sys.executable,
+                              script, built, *sys.argv[2:]], check=False, env={**os.environ, "NERIX_OWN_MOUNTS": "entered"})
+        if os.path.exists(place + ".entered"):
             sys.exit(run.returncode)
     except OSError as failure:
         print(failure, file=sys.stderr)
     finally:
-        shutil.rmtree(place)
+        shutil.rmtree(os.path.dirname(place))
     return "no private mounts on this machine"
-
-
-def enter_root(place):
-    """Leaves what can be seen in the root: everything but the drives, and the project once more. Gives a reason if not."""
-    root = os.path.join(place, "root")
-    built = os.path.join("/nerix-build", os.path.basename(BUILD))
-
-    script = os.path.join("/nerix", os.path.relpath(os.path.abspath(sys.argv[0]), PROJECT))
-
-    def mount(*arguments):
-        subprocess.run(["mount", *arguments], check=True)
-
-    def bind(source, target):
-        os.makedirs(root + target)
-        mount("--rbind", source, root + target)
-
-    try:
-        os.mkdir(root)
-        mount("-t", "tmpfs", "none", root)
-        mount("--make-unbindable", root)
-        for entry in os.scandir("/"):
-            if entry.is_symlink():
-                os.symlink(os.readlink(entry.path), root + entry.path)
-            elif entry.is_dir() and entry.name not in ("media", "mnt"):
-                bind(entry.path, entry.path)
-        for empty in ("/media", "/mnt"):
-            os.mkdir(root + empty)
-        bind(PROJECT, "/nerix")
-        bind(BUILD, built)
-        os.mkdir(os.path.join(place, "entered"))
-        os.chroot(root)
-    except (OSError, subprocess.CalledProcessError) as failure:
-        return str(failure)
-    os.chdir("/nerix")
-    os.environ["NERIX_OWN_MOUNTS"] = "entered"
-    return os.execv(sys.executable, [sys.executable, script, built, *sys.argv[2:]])
 
 
 NO_MOUNTS = enter_own_mounts()
