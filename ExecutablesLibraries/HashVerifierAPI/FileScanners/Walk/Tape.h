@@ -69,7 +69,6 @@ struct Cell : boost::intrusive::list_base_hook<> {
     std::uint64_t reportedSteps = 0; ///< the reporter's
     std::optional<FileInput> entry;
     const IFileScanner* scanner = nullptr;
-    Judgement judgement = Judgement::accepted;
     IFileScanner::hash_t value = 0;
     std::unique_ptr<Listing> listing; ///< a directory's
 };

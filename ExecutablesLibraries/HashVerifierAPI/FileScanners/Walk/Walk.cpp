@@ -182,9 +182,8 @@ void Walk::step() {
 void Walk::report(Cell& cell) {
     reportDirectories(cell.listing ? &cell : cell.parent);
     m_depth = cell.depth;
-    if (cell.judgement != Judgement::accepted) {
-        cell.scanner->accept(*cell.entry); // which reports it
-        return;
+    if (cell.parent != nullptr && !cell.scanner->accept(*cell.entry)) {
+        return; // reported by accept, if at all
     }
     if (cell.listing) {
         foldEntries(cell);
@@ -307,17 +306,17 @@ void Walk::examineAhead(Cell& cell, bool isReporter) {
 
 void Walk::examine(Cell& cell) {
     constexpr std::size_t mostNamesAhead = 16384;
+    Judgement judgement = Judgement::accepted;
     if (cell.parent == nullptr) {
         cell.entry = *m_root;
         cell.scanner = &m_directory;
-        cell.judgement = Judgement::accepted;
     } else {
         const Cell& parent = *cell.parent;
         cell.entry.emplace(pathInside(parent.entry->path.native(), parent.listing->names[cell.name]));
         cell.scanner = &getInstance(*cell.entry);
-        cell.judgement = cell.scanner->judge(*cell.entry, m_rootDevice);
+        judgement = cell.scanner->judge(*cell.entry, m_rootDevice);
     }
-    if (cell.judgement == Judgement::accepted) {
+    if (judgement == Judgement::accepted) {
         cell.value = cell.scanner->examine(*cell.entry, cell.parent == nullptr ? m_rootValue : 0, m_function);
         if (cell.scanner == &m_directory) {
             cell.listing = std::make_unique<Listing>(
