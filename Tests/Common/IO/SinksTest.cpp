@@ -11,8 +11,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 #include <vector>
 
@@ -31,12 +31,9 @@ TEST(HashSink, EndedSinkKeepsItsDigestAndRefusesData) {
     const std::uint8_t abc[] = {'a', 'b', 'c'};
     sink.writeChunk(abc, 2);
     sink.writeChunk(abc + 2, 1);
-    for (const char* const time : {"first", "second"}) {
-        const auto digest = sink.getHash();
-        EXPECT_EQ(Encoding::binToHex(digest.data(), static_cast<unsigned int>(digest.size())),
-                  "900150983cd24fb0d6963f7d28e17f72")
-            << time << ", RFC 1321, A.5";
-    }
+    const auto digest = sink.getHash();
+    EXPECT_EQ(Encoding::binToHex(digest.data(), 16), "900150983cd24fb0d6963f7d28e17f72") << "RFC 1321, A.5";
+    EXPECT_EQ(sink.getHash(), digest);
     EXPECT_TRUE(sink.endOfDataMarked());
     EXPECT_THROW(sink.markEndOfData(), Common::IO::IOExceptions::EndOfDataMarkedException);
     EXPECT_TRUE(has(reportOf([&] { sink.writeChunk(abc, 1); }), "] = HashSink(md5)\n"));
@@ -47,10 +44,9 @@ TEST(HashSink, UnknownDigestFailsWithTheLibrarysReasonWhateverCameBefore) {
     EXPECT_EQ(HashSink("md5").getHash().size(), 16U);
     EXPECT_EQ(HashSink("sha1").getHash().size(), 20U);
     const std::string report = reportOf([] { const HashSink sink("md6"); });
-    for (const char* const part :
-         {"OpenSSLException", "] = Can't initialize digest.\n", "] = HashSink(md6)\n", "no digest set"}) {
-        EXPECT_TRUE(has(report, part)) << part << " in " << report;
-    }
+    EXPECT_TRUE(has(report, "OpenSSLException") && has(report, "] = Can't initialize digest.\n") &&
+                has(report, "] = HashSink(md6)\n") && has(report, "no digest set"))
+        << report;
     EXPECT_STREQ(Encoding::OpenSSLException().what(), "No error info provided by OpenSSL.");
 }
 
@@ -60,22 +56,15 @@ TEST(HashSinkDeathTest, WithoutTheSetUpTheRegisterAsserts) {
 
 TEST(HashSinkDeathTest, SetUpMayNotGoWhileASinkUsesIt) {
     auto openSSL = std::make_unique<SingletonServiceGuard<OpenSSLInit>>(SINGLETON_OPENSSL_INITIALIZER);
-    EXPECT_DEATH(
-        {
-            const HashSink one("md5");
-            const HashSink another("md5");
-            openSSL.reset();
-        },
-        "is still used by: \\[<unknown>\\] \\[<unknown>\\]\n");
-    EXPECT_DEATH(
-        {
-            const Common::IO::HashSinkScope scope;
-            const HashSink one("md5");
-            const HashSink another("md5");
-            openSSL.reset();
-        },
-        "is still used by: \\[<unknown>\\]\n")
-        << "the sinks of a scope share an entry";
+    const auto endWithTwoSinks = [&](bool areInOneScope) {
+        std::optional<Common::IO::HashSinkScope> scope;
+        if (areInOneScope) { scope.emplace(); }
+        const HashSink one("md5");
+        const HashSink another("md5");
+        openSSL.reset();
+    };
+    EXPECT_DEATH(endWithTwoSinks(false), "is still used by: \\[<unknown>\\] \\[<unknown>\\]\n");
+    EXPECT_DEATH(endWithTwoSinks(true), "is still used by: \\[<unknown>\\]\n") << "the sinks of a scope share an entry";
 }
 
 TEST(OpenSSLInitDeathTest, CallbacksLockWhatTheyNameAndGoWithTheSetUp) {
@@ -151,10 +140,9 @@ TEST(CRCSink, StoredStateGoesOnInAnotherSink) {
     Record again(false, ended.bytes);
     first.transactionSerialize(&again);
     EXPECT_TRUE(first.endOfDataMarked());
-    for (const auto& late : {std::function<void()>([&] { write(first, ""); }), {[&] { first.markEndOfData(); }}}) {
-        const std::string report = reportOf(late);
-        EXPECT_TRUE(has(report, "EndOfDataMarkedException") && has(report, "] = CRCSink\n")) << report;
-    }
+    EXPECT_THROW(write(first, ""), Common::IO::IOExceptions::EndOfDataMarkedException);
+    EXPECT_TRUE(has(reportOf([&] { write(first, ""); }), "] = CRCSink\n"));
+    EXPECT_TRUE(has(reportOf([&] { first.markEndOfData(); }), "] = CRCSink\n"));
 }
 
 } // namespace
