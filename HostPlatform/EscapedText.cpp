@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 namespace Nerix::Platform::Host {
 
@@ -24,9 +25,10 @@ std::string escaped(const std::string& text) {
     constexpr std::string_view letters = "\\nrt";
     std::string result;
     result.reserve(text.size());
-    unsigned char before = 0;
+    unsigned char shown = 0; // the byte before, if it was not escaped
     for (const char character : text) {
         const auto byte = static_cast<unsigned char>(character);
+        const unsigned char before = std::exchange(shown, 0);
         if (isC1(byte) && before == 0xC2) {
             result.pop_back();
             appendHexadecimal(result, before);
@@ -37,8 +39,8 @@ std::string escaped(const std::string& text) {
             appendHexadecimal(result, byte);
         } else {
             result += character;
+            shown = byte;
         }
-        before = byte;
     }
     return result;
 }

@@ -5,10 +5,10 @@
 #include "PlatformInterfaces/system_info.h"
 #include "PlatformInterfaces/vconf.h"
 
-#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <type_traits>
 
 namespace Nerix::Tests {
 
@@ -42,10 +42,9 @@ std::vector<LogRecord> FakePlatform::log() const {
 }
 
 std::size_t FakePlatform::logged(const std::string& part) const {
-    const std::vector<LogRecord> records = log();
-    const auto count = std::count_if(records.begin(), records.end(),
-                                     [&](const LogRecord& record) { return record.text.find(part) != std::string::npos; });
-    return static_cast<std::size_t>(count);
+    std::size_t count = 0;
+    for (const LogRecord& record : log()) { count += record.text.find(part) != std::string::npos ? 1 : 0; }
+    return count;
 }
 
 std::vector<std::pair<std::string, FakePlatform::Value>> FakePlatform::written() const {
@@ -83,50 +82,42 @@ template <class Value, class Key, class Out>
 int answer(const std::map<Key, FakePlatform::Value>& answers, const Key& key, Out* out) {
     const auto known = answers.find(key);
     if (known == answers.end() || !std::holds_alternative<Value>(known->second)) { return FakePlatform::failure; }
-    *out = std::get<Value>(known->second);
+    if constexpr (std::is_same_v<Out, char*>) {
+        *out = ::strdup(std::get<Value>(known->second).c_str());
+    } else {
+        *out = std::get<Value>(known->second);
+    }
     return 0;
 }
 
-template <class Value, class Out>
-int systemInfo(int key, Out* out) {
-    return answer<Value>(FakePlatform::instance().systemInfo, key, out);
-}
-
-template <class Value, class Out>
-int setting(const char* key, Out* out) {
-    return answer<Value>(FakePlatform::instance().settings, std::string(key), out);
-}
+FakePlatform& fake() { return FakePlatform::instance(); }
 
 } // namespace
 } // namespace Nerix::Tests
 
 using namespace Nerix::Tests; // NOLINT(google-build-using-namespace): its names fill this test
+using std::string;
 
-int vconf_get_int(const char* key, int* value) { return setting<int>(key, value); }
-int vconf_get_dbl(const char* key, double* value) { return setting<double>(key, value); }
-int vconf_get_bool(const char* key, int* value) { return setting<bool>(key, value); }
+int vconf_get_int(const char* key, int* value) { return answer<int>(fake().settings, string(key), value); }
+int vconf_get_dbl(const char* key, double* value) { return answer<double>(fake().settings, string(key), value); }
+int vconf_get_bool(const char* key, int* value) { return answer<bool>(fake().settings, string(key), value); }
 char* vconf_get_str(const char* key) {
-    std::string text;
-    return setting<std::string>(key, &text) == 0 ? ::strdup(text.c_str()) : nullptr;
+    char* text = nullptr;
+    answer<string>(fake().settings, string(key), &text);
+    return text;
 }
-int vconf_set_int(const char* key, int value) { return FakePlatform::instance().set(key, value); }
-int vconf_set_dbl(const char* key, double value) { return FakePlatform::instance().set(key, value); }
-int vconf_set_bool(const char* key, int value) { return FakePlatform::instance().set(key, value != 0); }
-int vconf_set_str(const char* key, const char* value) { return FakePlatform::instance().set(key, std::string(value)); }
+int vconf_set_int(const char* key, int value) { return fake().set(key, value); }
+int vconf_set_dbl(const char* key, double value) { return fake().set(key, value); }
+int vconf_set_bool(const char* key, int value) { return fake().set(key, value != 0); }
+int vconf_set_str(const char* key, const char* value) { return fake().set(key, string(value)); }
 
-int system_info_get_value_string(int key, char** value) {
-    std::string text;
-    const int code = systemInfo<std::string>(key, &text);
-    *value = code == 0 ? ::strdup(text.c_str()) : nullptr;
-    return code;
-}
-int system_info_get_value_int(int key, int* value) { return systemInfo<int>(key, value); }
-int system_info_get_value_bool(int key, bool* value) { return systemInfo<bool>(key, value); }
+int system_info_get_value_string(int key, char** value) { return answer<string>(fake().systemInfo, key, value); }
+int system_info_get_value_int(int key, int* value) { return answer<int>(fake().systemInfo, key, value); }
+int system_info_get_value_bool(int key, bool* value) { return answer<bool>(fake().systemInfo, key, value); }
 
 const char* path_config_get(int variable) {
-    const auto& directories = FakePlatform::instance().pathVariables;
-    const auto directory = directories.find(variable);
-    return directory == directories.end() ? nullptr : directory->second.c_str();
+    const auto directory = fake().pathVariables.find(variable);
+    return directory == fake().pathVariables.end() ? nullptr : directory->second.c_str();
 }
 
 int __dlog_print(int buffer, int priority, const char* tag, const char* format, ...) {
@@ -135,6 +126,6 @@ int __dlog_print(int buffer, int priority, const char* tag, const char* format, 
     va_start(arguments, format);
     const int length = std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    FakePlatform::instance().addLogRecord({buffer, priority, tag, text});
+    fake().addLogRecord({buffer, priority, tag, text});
     return length;
 }

@@ -1,6 +1,5 @@
 #include "HostPlatform/HostConfiguration.h"
 
-#include "HostPlatform/EscapedText.h"
 #include "PlatformInterfaces/vconf.h"
 #include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
@@ -35,21 +34,6 @@ protected:
     const TemporaryDirectory m_directory;
     const boost::filesystem::path m_file = m_directory.path() / "platform.ini";
 };
-
-TEST(EscapedText, IsOneLineThatATerminalOnlyShows) {
-    using Platform::Host::escaped;
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {"plain \u00e4\u00c4\u20ac \xff", "plain \u00e4\u00c4\u20ac \xff"},
-        {"\n\r\t\\\x1b[m\x7f", "\\n\\r\\t\\\\\\x1b[m\\x7f"},
-        {"\xc2\x9b"
-         "1m\xc2\xa0",
-         "\\xc2\\x9b1m\xc2\xa0"},
-        {"\x9b"
-         "1m a\x80",
-         "\\x9b1m a\\x80"},
-    };
-    for (const auto& [text, shown] : cases) { EXPECT_EQ(escaped(text), shown); }
-}
 
 TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogged) {
     const struct {

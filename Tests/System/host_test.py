@@ -52,6 +52,11 @@ def differences(before, after, has_details):
     return told
 
 
+# What a terminal might take for a command, and what it only shows.
+ODD = "\u00e4\u20ac\u00a0&".encode() + b'\x1b[31m"\\\n\r\t\x7f\xff\xc2\x9b\x9b\x80'
+SHOWN = "\u00e4\u20ac\u00a0&".encode() + rb'\x1b[31m\"\\\n\r\t\x7f' + b"\xff" + rb"\xc2\x9b\x9b\x80"
+
+
 def read_back(line):
     """Change, path and the rest of one line of a comparison."""
     change, quoted, rest = re.fullmatch(r'(\w+) ("(?:[^"\\]|\\.)*")(?:: )?(.*)', line.decode("latin-1"), re.DOTALL).groups()
@@ -71,7 +76,7 @@ def relink(path):
 # What may happen to an entry. Links get none of what would reach the entry that they lead to.
 TO_FILES = (rewrite, lambda path: os.truncate(path, 13), lambda path: os.chmod(path, 0o4711), os.unlink,
             lambda path: os.setxattr(path, b"user.new", b"x"), lambda path: os.link(path, path[:99] + b"+"))
-TO_ANY = (lambda path: os.rename(path, path[:99] + b'\x1b[31m"\\\n\xff\xc2\x9b&'), lambda path: os.lchown(path, 1234, -1))
+TO_ANY = (lambda path: os.rename(path, path[:99] + ODD), lambda path: os.lchown(path, 1234, -1))
 TO_DIRECTORIES = (lambda path: os.mkdir(path + b"/added"), lambda path: os.chmod(path, 0o700), shutil.rmtree)
 
 
@@ -137,7 +142,9 @@ class Host(SystemTest):
                 self.scan(log + ".details", "--details")
                 change(self.tree, random.Random(seed))
             plain, detailed = (differences(*states, has_details) for has_details in (False, True))
-            self.assertEqual([read_back(line) for line in self.compare(*self.logs)], plain)
+            lines = self.compare(*self.logs)
+            self.assertEqual([read_back(line) for line in lines], plain)
+            self.assertEqual([SHOWN in line for line in lines], [ODD in path for _, path, _ in plain])
             details = [log + ".details" for log in self.logs]
             self.assertEqual([read_back(line) for line in self.compare(*details)], detailed)
             objects = [json.loads(line) for line in self.compare(*details, "--json")]

@@ -18,13 +18,9 @@ TEST(ThreadDebugDeathTest, ThreadsButTheMainOneGetSanitisedNames) {
     EXPECT_EQ(ThreadDebug::sanitizeThreadName("hash worker-1_Z\xc3\xa4"), "hash_worker_1_Z__");
     EXPECT_EQ(ThreadDebug::sanitizeThreadName(twenty.c_str()), twenty);
     const std::string mainName = ThreadDebug::GetThreadName();
-    EXPECT_DEATH(
-        {
-            ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
-            ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
-        },
-        "ASSERTION FAILED: m_mainThreadId == boost::thread::id\\(\\), ");
-    ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
+    const auto registerThis = [] { ThreadDebug::registerMainThreadId(boost::this_thread::get_id()); };
+    registerThis();
+    EXPECT_DEATH(registerThis(), "ASSERTION FAILED: m_mainThreadId == boost::thread::id\\(\\), ");
     EXPECT_EQ(platform.logged(">Registering main thread id "), 1U);
     EXPECT_EQ(platform.logged(" named " + mainName + "."), 1U);
     ThreadDebug::SetThreadName("other");

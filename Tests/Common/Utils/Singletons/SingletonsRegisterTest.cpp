@@ -107,15 +107,11 @@ TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
                  DependentGuard{TVS_SIGNAL_DISTRIBUTOR},
                  "0, .*checkRequirements.*\nMESSAGE: Cannot meet requirements of given singleton. Cannot find "
                  "singletons required by given singleton.");
-    EXPECT_DEATH(
-        {
-            const auto item =
-                boost::make_shared<SRegisterItem>(boost::make_shared<Service>(), DUMMY_SINGLETON, std::list<SingletonsID>());
-            item->incrementUsage("a");
-            item->decrementUsage("b");
-        },
-        "MESSAGE: User 'b' is not registered as user of this singleton "
-        "\\(DUMMY_SINGLETON=DUMMY_SINGLETON\\)");
+    SRegisterItem item(boost::make_shared<Service>(), DUMMY_SINGLETON, {});
+    item.incrementUsage("a");
+    EXPECT_DEATH(item.decrementUsage("b"), "MESSAGE: User 'b' is not registered as user of this singleton "
+                                           "\\(DUMMY_SINGLETON=DUMMY_SINGLETON\\)");
+    item.decrementUsage("a");
     EXPECT_DEATH(theRegister().getService<Service>("u", POWER_OFF_CB_DISTRIBUTOR),
                  "MESSAGE: Singleton POWER_OFF_CB_DISTRIBUTOR does not exist.");
     EXPECT_DEATH(theRegister().getService<Dependent>("u", DUMMY_SINGLETON),
@@ -123,13 +119,10 @@ TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
     EXPECT_DEATH(theRegister().unmarkNeeded(POWER_OFF_CB_DISTRIBUTOR), "ASSERTION FAILED: 0, .*internalUnmarkNeeded");
     EXPECT_DEATH(dangling->answer(), "MESSAGE: You are trying to use non-existent singleton! It has been probably "
                                      "destroyed since your getService.");
-    EXPECT_DEATH(
-        {
-            const auto first = theRegister().getService<Service>("<unknown>", G_MAIN_LOOP);
-            const auto second = theRegister().getService<Service>("b", G_MAIN_LOOP);
-            shortLived.reset();
-        },
-        "MESSAGE: Singleton \\(G_MAIN_LOOP=G_MAIN_LOOP\\) is still used by: \\[<unknown>\\] \\[b\\]");
+    const auto first = theRegister().getService<Service>("<unknown>", G_MAIN_LOOP);
+    const auto second = theRegister().getService<Service>("b", G_MAIN_LOOP);
+    EXPECT_DEATH(shortLived.reset(),
+                 "MESSAGE: Singleton \\(G_MAIN_LOOP=G_MAIN_LOOP\\) is still used by: \\[<unknown>\\] \\[b\\]");
     EXPECT_DEATH(std::exit(0), "ASSERTION FAILED: m_needed == 0, .*\ndlog fatal: \\[\\]")
         << "the register goes with guards in force";
 }
