@@ -16,6 +16,7 @@
 
 #include <exception>
 #include <fstream>
+#include <iomanip>
 #include <iterator>
 #include <regex>
 #include <sstream>
@@ -97,23 +98,18 @@ TEST(ParametersArchive, EachLineCountsAndWhatStandsBeforeIsKept) {
     std::vector<std::string> lines;
     std::istringstream stream(golden);
     for (std::string line; std::getline(stream, line);) { lines.push_back(line + '\n'); }
-    const auto expectDamaged = [](const std::vector<std::string>& text, std::size_t line) {
-        const auto [parameters, isWhole] = readFrom(boost::algorithm::join(text, ""));
-        EXPECT_FALSE(isWhole) << line << text[line];
-        EXPECT_EQ(parameters.isNoRebootFlag(), line > 7) << line << text[line];
-        EXPECT_EQ(parameters.getPanelServiceName() == "panel", line > 59) << line << text[line];
-    };
     for (std::size_t line = 3; line + 1 < lines.size(); ++line) { // behind the archive's own three
-        std::vector<std::string> damaged = lines;
-        damaged.erase(damaged.begin() + static_cast<std::ptrdiff_t>(line));
-        expectDamaged(damaged, line);
-        damaged = lines;
-        damaged[line].insert(damaged[line].find_first_of("> ", damaged[line].find('<')), "x");
-        expectDamaged(damaged, line);
-        if (line + 2 < lines.size()) {
-            damaged = lines;
-            std::swap(damaged[line], damaged[line + 1]);
-            expectDamaged(damaged, line);
+        std::vector<std::string> removed = lines;
+        removed.erase(removed.begin() + static_cast<std::ptrdiff_t>(line));
+        std::vector<std::string> renamed = lines;
+        renamed[line].insert(renamed[line].find_first_of("> ", renamed[line].find('<')), "x");
+        std::vector<std::string> exchanged = lines;
+        if (line + 2 < lines.size()) { std::swap(exchanged[line], exchanged[line + 1]); }
+        for (const auto& damaged : {removed, renamed, exchanged != lines ? exchanged : renamed}) {
+            const auto [parameters, isWhole] = readFrom(boost::algorithm::join(damaged, ""));
+            EXPECT_FALSE(isWhole) << line << damaged[line];
+            EXPECT_EQ(parameters.isNoRebootFlag(), line > 7) << line << damaged[line];
+            EXPECT_EQ(parameters.getPanelServiceName() == "panel", line > 59) << line << damaged[line];
         }
     }
 }
@@ -153,9 +149,9 @@ TEST(DebugAndTestParameters, CustomValuesAreSetAndRemoved) {
 TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
     withOwnMnt([] {
         Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
-        EXPECT_TRUE(
-            has(reportOf([] { Common::getDebugAndTestParameters(); }), "] = DebugAndTestParameters were not loaded.\n"));
-        EXPECT_TRUE(has(reportOf([] { Common::loadDebugAndTestParameters("path"); }), "were not loaded."));
+        const std::string unloaded = "] = DebugAndTestParameters were not loaded.\n";
+        EXPECT_TRUE(has(reportOf([] { Common::getDebugAndTestParameters(); }), unloaded));
+        EXPECT_TRUE(has(reportOf([] { Common::loadDebugAndTestParameters("path"); }), unloaded));
         EXPECT_TRUE(
             has(reportOf([] { DebugAndTestParameters().reload(); }), "] = load DebugAndTestParameters before reload\n"));
         EXPECT_FALSE(DebugAndTestParameters::loaded());
@@ -182,9 +178,7 @@ TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
         EXPECT_EQ(parameters.getPanelServiceName(), "saved");
 
         EXPECT_EQ(FakePlatform::instance().logged(">Failed to open DebugAndTestParameters from /mnt/"), 2U);
-        std::string huge;
-        huge.resize(100'000'000, 'x');
-        boost::filesystem::ofstream(path) << huge;
+        boost::filesystem::ofstream(path) << std::setw(100'000'000) << 'x';
         EXPECT_FALSE(parameters.reload());
         boost::filesystem::remove(path);
         boost::filesystem::create_directory(path);

@@ -47,14 +47,12 @@ TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {
             Info::setEmulatedOTNZone('E');
             Info::setEmulatedMainSoftwareVersionMajor(8);
             EXPECT_EQ(contentOf(file), "VersionMinor:65535\nModelString:M H\nDate:2016-01-01\nOTNZone:E\nVersionMajor:8\n");
-            EXPECT_EQ(Info::getEmulatedVersionString(), std::string("8.65535"));
-            EXPECT_EQ(Info::getEmulatedOTNZone(), 'E');
+            EXPECT_EQ(Info::getEmulatedVersionString().get() + Info::getEmulatedOTNZone().get(), "8.65535E");
             EXPECT_EQ(Info::getEmulatedMainSoftwareVersionMinor().get(), 65535);
             boost::filesystem::ofstream(file)
                 << "PartitionTxtFilePath:/p\nSubmicom:0.7\nServiceID:q\nVersionMajor:65536\nVersionMinor:-1\n";
             EXPECT_EQ(Info::getEmulatedPartitionTxtFilePath(), boost::filesystem::path("/p"));
-            EXPECT_EQ(Info::getEmulatedSubmicomVersion(), std::string("0.7"));
-            EXPECT_EQ(Info::getEmulatedQorlServiceID(), std::string("q"));
+            EXPECT_EQ(Info::getEmulatedSubmicomVersion().get() + Info::getEmulatedQorlServiceID().get(), "0.7q");
             EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMajor(); }), "bad_lexical_cast"));
             EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMinor(); }), "bad_lexical_cast"));
             Info::removeEmulationInfo();
