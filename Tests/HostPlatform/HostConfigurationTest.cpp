@@ -9,6 +9,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <tuple>
 
 namespace Nerix::Tests {
 namespace {
@@ -36,10 +37,8 @@ protected:
 };
 
 TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogged) {
-    const struct {
-        std::string content, answers;
-        std::vector<std::string> log; ///< parts of it
-    } cases[] = {
+    const std::tuple<std::string, std::string, std::vector<std::string>> cases[] = {
+        // file, answers, parts of the log
         {"", "/media|1080|true", {}},
         {"; comment\n\n[path]\n43=/usb stick\n[system_info]\n203 = 540\n358 = false\n", "/usb stick|540|false", {}},
         {"[path]\nusb_drives = /u\n[system_info]\nscreen_lines = 7\nis_tv = false\n", "/u|7|false", {}},
@@ -56,12 +55,12 @@ TEST_F(HostConfigurationTest, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogge
         {"203=1\n", "!|!|!", {"'203' is neither"}},
         {"[path]\n43=/x\n" + std::string(1U << 20U, ';'), "!|!|!", {"is larger than 1 MiB"}},
     };
-    for (const auto& expected : cases) {
+    for (const auto& [content, answers, parts] : cases) {
         testing::internal::CaptureStderr();
-        EXPECT_EQ(answersOf(expected.content), expected.answers) << expected.content.substr(0, 100);
+        EXPECT_EQ(answersOf(content), answers) << content.substr(0, 100);
         const std::string log = testing::internal::GetCapturedStderr();
-        EXPECT_EQ(log.empty(), expected.log.empty()) << log;
-        for (const std::string& part : expected.log) { EXPECT_TRUE(has(log, part)) << part << " in " << log; }
+        EXPECT_EQ(log.empty(), parts.empty()) << log;
+        for (const std::string& part : parts) { EXPECT_TRUE(has(log, part)) << part << " in " << log; }
     }
 }
 

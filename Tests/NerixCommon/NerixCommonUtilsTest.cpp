@@ -5,27 +5,25 @@
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace Nerix::Tests {
 namespace {
 
 using Utils = NerixCommon::NerixCommonUtils;
 
 TEST(NerixCommonUtils, VersionsSplitAtTheFirstDot) {
-    const struct {
-        const char* text;
-        int major;
-        int minor;
-    } good[] = {{"1234.5", 1234, 5},
-                {"7", 7, 0},
-                {"-3.0", -3, 0},
-                {"+3", 3, 0},
-                {"2147483647.-2147483648", 2147483647, -2147483647 - 1}};
     int major = 99;
     int minor = 99;
-    for (const auto& version : good) {
-        Utils::parseVersion(version.text, major, minor);
-        EXPECT_EQ(std::make_pair(major, minor), std::make_pair(version.major, version.minor)) << version.text;
-        EXPECT_EQ(Utils::versionStringForUI(version.text), std::to_string(version.major));
+    const std::tuple<const char*, int, int> good[] = {{"1234.5", 1234, 5},
+                                                      {"7", 7, 0},
+                                                      {"-3.0", -3, 0},
+                                                      {"+3", 3, 0},
+                                                      {"2147483647.-2147483648", 2147483647, -2147483648}};
+    for (const auto& [text, wholes, parts] : good) {
+        Utils::parseVersion(text, major, minor);
+        EXPECT_EQ(std::make_pair(major, minor), std::make_pair(wholes, parts)) << text;
+        EXPECT_EQ(Utils::versionStringForUI(text), std::to_string(wholes));
     }
     for (const char* const bad : {"", ".", ".5", "1.", "1.2.3", "99999999999", " 1", "1 ", "0x1", "1e3", "1,5", "+"}) {
         FakePlatform::instance().reset();

@@ -82,10 +82,8 @@ class SystemTest(unittest.TestCase):
         self.work = tempfile.mkdtemp(prefix="nerix-work-")
         self.addCleanup(shutil.rmtree, self.home, ignore_errors=True)
         self.addCleanup(shutil.rmtree, os.fsencode(self.work), ignore_errors=True)
-        self.environment = {"PATH": os.environ["PATH"], "NERIX_PLATFORM_HOME": self.home}
-        for name in ("ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"):
-            if name in os.environ:
-                self.environment[name] = os.environ[name]
+        kept = {"PATH", "ASAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"} & os.environ.keys()
+        self.environment = {"NERIX_PLATFORM_HOME": self.home, **{name: os.environ[name] for name in kept}}
 
     def mount(self, where, *options, kind="tmpfs"):
         """Until the end of the case; only where NO_MOUNTS is None."""
@@ -105,10 +103,7 @@ class SystemTest(unittest.TestCase):
         self.addCleanup(shutil.rmtree, place, ignore_errors=True)
 
     def run_program(self, *arguments, **options):
-        options.setdefault("env", self.environment)
-        options.setdefault("timeout", 600)
-        if "stdout" not in options:
-            options["stdout"] = subprocess.PIPE
+        options = {"env": self.environment, "timeout": 600, "stdout": subprocess.PIPE, **options}
         return subprocess.run([PROGRAM, *arguments], stderr=subprocess.PIPE, check=False, **options)
 
     def run_unprivileged(self, *arguments, program=PROGRAM):
@@ -132,11 +127,11 @@ class SystemTest(unittest.TestCase):
                 held.get(f"db/{PREFIX}result"))
 
     def log_lines(self, buffer):
-        try:
-            with open(os.path.join(self.home, "log", f"{buffer}.log"), "rb") as log:
-                return log.read().splitlines()
-        except FileNotFoundError:
+        path = os.path.join(self.home, "log", f"{buffer}.log")
+        if not os.path.exists(path):
             return []
+        with open(path, "rb") as log:
+            return log.read().splitlines()
 
     def scan_records(self):
         """The scan records in the system log, as the program wrote them."""

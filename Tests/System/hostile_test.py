@@ -9,6 +9,7 @@ import signal
 import stat
 import subprocess
 import time
+import unittest
 
 from harness import NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SETTINGS, SystemTest, main, make_hole, use_one_core, write
 from tree_value import Model
@@ -28,10 +29,6 @@ class Hostile(SystemTest):
         for name in "ab":
             write(os.path.join(self.tree, name), (name * 5000).encode())
 
-    def require_mounts(self):
-        if NO_MOUNTS:
-            self.skipTest(NO_MOUNTS)
-
     def assert_right(self, run=None):
         run = run or self.run_program("--path", self.tree)
         self.assertEqual((run.returncode, run.stdout.decode()), (0, Model("md5").value(self.tree) + "\n"), run.stderr)
@@ -50,8 +47,8 @@ class Hostile(SystemTest):
             finally:
                 run.kill()
 
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_whatever_stands_in_the_place_of_the_scan_log(self):
-        self.require_mounts()
         self.mount("/media/usb")
         self.environment["TZ"] = "XYZ-11"  # the names are local times
         precious, dangling = (os.path.join(self.work, name) for name in ("precious", "made by the run"))
@@ -82,19 +79,14 @@ class Hostile(SystemTest):
                             (b".log is not a regular file", 4), (b".log is the scan log of another run", 1)):
             self.assertEqual(log.count(text), times)
 
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_state_in_a_directory_of_somebody_else(self):
-        self.require_mounts()
         for place in ("/root", "/dev/shm", "/mnt"):
             self.mount(place)
-        os.mkdir("/mnt/open")
-        os.chmod("/mnt/open", 0o777)
-        os.mkdir("/mnt/open/inner")
-        os.symlink("/root", "/mnt/link")
-        os.mkdir("/mnt/group")
-        os.chmod("/mnt/group", 0o775)
+        subprocess.run("mkdir -m 777 open; mkdir -m 775 group; mkdir open/inner theirs; ln -s /root link", shell=True,
+                       check=True, cwd="/mnt")
         cases = [("NERIX_PLATFORM_HOME", "/mnt/open"), ("XDG_RUNTIME_DIR", "/mnt/open"), ("XDG_STATE_HOME", "/mnt/open"),
                  ("NERIX_PLATFORM_HOME", "/mnt/open/inner"), ("NERIX_PLATFORM_HOME", "/mnt/group")]
-        os.mkdir("/mnt/theirs")
         with contextlib.suppress(OSError):  # in a user name space there is nobody else
             os.chown("/mnt/theirs", 12345, 12345)
             os.lchown("/mnt/link", 12345, 12345)
@@ -115,8 +107,8 @@ class Hostile(SystemTest):
                 if name != "XDG_RUNTIME_DIR":  # the log has the reason then
                     self.assertRegex(run.stderr, rb" /mnt/\w+(/\w+)* (belongs to another user|may be written by|is not a directory)")
 
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_full_disks_and_damaged_stores(self):
-        self.require_mounts()
         for pages in range(1, 40, 4):
             self.mount("/mnt", "-o", f"size={pages * 4}k,mode=700")
             run = self.run_program("--path", self.tree, env={**self.environment, "NERIX_PLATFORM_HOME": "/mnt"})
@@ -190,8 +182,8 @@ class Hostile(SystemTest):
                 self.assertEqual(run.stdout, b"ERROR\n")
                 subprocess.run(["rm", "-rf", path], check=True)
 
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_overlay_that_announces_attributes_which_it_hides(self):
-        self.require_mounts()
         self.mount("/mnt")
         for name in ("lower/inner", "upper", "work", "merged"):
             os.makedirs(os.path.join("/mnt", name))

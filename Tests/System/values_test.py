@@ -1,15 +1,19 @@
-"""The value and the scan records of real trees equal the reference model's."""
+"""The value and the scan records of real trees equal the reference model's, however deep and wide they are."""
 
 import os
 import random
+import re
 import stat
+import subprocess
+import sys
 
-from harness import SystemTest, main, write
+from harness import PROGRAM, SANITIZED, SystemTest, main, write
 from tree_value import STEPS, Model
 import random_tree
 
 TREES = int(os.environ.get("NERIX_RANDOM_TREES", "200"))
 SEED = int(os.environ.get("NERIX_RANDOM_SEED", "1"))
+PATH_MAX = 4096
 
 
 class Values(SystemTest):
@@ -53,6 +57,35 @@ class Values(SystemTest):
         self.environment["LC_ALL"] = "xx_YY.UTF-8"
         run = self.run_program("--hash", "sha1", cwd=self.work)
         self.assertEqual(run.stdout.decode().strip(), Model("sha1").value(self.work))
+
+    def test_chain_as_deep_as_a_path_can_be(self):
+        sys.setrecursionlimit(20_000)
+        self.addCleanup(subprocess.run, ["rm", "-rf", self.work], check=True)
+        here = os.getcwd()
+        os.chdir(self.work)
+        for left in range(PATH_MAX - 1 - len(os.path.realpath(self.work)), 1, -2):
+            name = "d" if left > 3 else "d" * (left - 1)  # the last path is as long as a path can be
+            os.mkdir(name)
+            os.chdir(name)
+        self.assertEqual(self.value(self.work), Model("md5").value(self.work))
+        os.mkdir("d")
+        os.chdir(here)
+        self.assertEqual(self.value(self.work), "ERROR", "the last path is too long for the system")
+        self.assertEqual(self.settings()[::2], ("inactive", "ERROR"))
+
+    def test_directory_of_50000_entries(self):
+        for number in range(50_000):
+            os.mknod(os.path.join(self.work, f"entry {number}"))
+        expected = Model("md5").value(self.work)
+        peak = ""
+        with subprocess.Popen([PROGRAM, "--path", self.work], env=self.environment, stdout=subprocess.PIPE) as run:
+            with open(f"/proc/{run.pid}/status", encoding="ascii") as status:
+                while run.poll() is None:
+                    status.seek(0)
+                    peak = "".join(re.findall(r"VmHWM:\s+(\d+) kB", status.read())) or peak
+            self.assertEqual(run.stdout.read().decode().strip(), expected)
+        if not SANITIZED:  # the names of one open directory and its list stand in memory
+            self.assertLess(int(peak), 16 * 1024, "KiB")
 
 
 if __name__ == "__main__":

@@ -7,6 +7,7 @@
 #include <set>
 #include <stdexcept>
 #include <thread>
+#include <tuple>
 
 namespace Nerix::Tests {
 namespace {
@@ -19,17 +20,7 @@ const std::string recordOfAGlobal = [] {
     return FakePlatform::instance().log().back().text;
 }();
 
-class LoggingTest : public testing::Test {
-protected:
-    /// The records that one message becomes.
-    static std::vector<LogRecord> recordsOf(const std::string& message) {
-        FakePlatform::instance().reset();
-        LoggingClass::print(&LoggingClass::printLines, "tag", LoggingClass::INF, "%s", message.c_str());
-        return FakePlatform::instance().log();
-    }
-};
-
-TEST_F(LoggingTest, RecordCarriesProcessThreadNumberAndPosition) {
+TEST(Logging, RecordCarriesProcessThreadNumberAndPosition) {
     FakePlatform::instance().reset();
     NERIX_LOG(ERR, "before %d", 1);
     const auto throwing = []() -> int { throw std::runtime_error("cause"); };
@@ -48,16 +39,10 @@ TEST_F(LoggingTest, RecordCarriesProcessThreadNumberAndPosition) {
     EXPECT_EQ(records[2].withoutHeader(), "[INF] LoggingTest.cpp:" + std::to_string(line) + ">100% of 2");
 }
 
-TEST_F(LoggingTest, LevelsHaveTheirBuffersPrioritiesAndNames) {
-    const struct {
-        LoggingClass::Level level;
-        const char* name;
-        int buffer;
-        int priority;
-        const char* shown;
-    } cases[] = {
-        {LoggingClass::NONE, "UNKNOWN LEVEL", 0, 0, nullptr},
-        {LoggingClass::VERBOSE, "VERBOSE", 0, 0, nullptr},
+TEST(Logging, LevelsHaveTheirBuffersPrioritiesAndNames) {
+    const std::tuple<LoggingClass::Level, const char*, int, int, std::string> cases[] = {
+        {LoggingClass::NONE, "UNKNOWN LEVEL", 0, 0, ""},
+        {LoggingClass::VERBOSE, "VERBOSE", 0, 0, ""},
         {LoggingClass::DBG, "DBG", DLOG_BUFFER_MAIN, DLOG_PRIORITY_DEBUG, "[DBG] x"},
         {LoggingClass::INF, "INF", DLOG_BUFFER_MAIN, DLOG_PRIORITY_INFO, "[INF] x"},
         {LoggingClass::WRN, "WRN", DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "[WRN] x"},
@@ -65,21 +50,20 @@ TEST_F(LoggingTest, LevelsHaveTheirBuffersPrioritiesAndNames) {
         {LoggingClass::FTL, "FTL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_FATAL, "[FTL] x"},
         {static_cast<LoggingClass::Level>(7), "UNKNOWN LEVEL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "[INF] x"},
     };
-    for (const auto& expected : cases) {
+    for (const auto& [level, name, buffer, priority, shown] : cases) {
         FakePlatform::instance().reset();
-        EXPECT_STREQ(LoggingClass::logLevelToString(expected.level), expected.name);
-        LoggingClass::print(&LoggingClass::printLines, "tag", expected.level, "%s", "x");
+        EXPECT_STREQ(LoggingClass::logLevelToString(level), name);
+        LoggingClass::print(&LoggingClass::printLines, "tag", level, "%s", "x");
         const std::vector<LogRecord> records = FakePlatform::instance().log();
-        ASSERT_EQ(records.size(), expected.shown == nullptr ? 0U : 1U) << expected.name;
-        if (expected.shown != nullptr) {
-            EXPECT_EQ(std::make_pair(records[0].buffer, records[0].priority),
-                      std::make_pair(expected.buffer, expected.priority));
-            EXPECT_EQ(records[0].withoutHeader(), expected.shown);
+        ASSERT_EQ(records.size(), shown.empty() ? 0U : 1U) << name;
+        if (!shown.empty()) {
+            EXPECT_EQ(std::make_pair(records[0].buffer, records[0].priority), std::make_pair(buffer, priority));
+            EXPECT_EQ(records[0].withoutHeader(), shown);
         }
     }
 }
 
-TEST_F(LoggingTest, RecordNumbersOfAllThreadsAreDifferent) {
+TEST(Logging, RecordNumbersOfAllThreadsAreDifferent) {
     FakePlatform::instance().reset();
     std::vector<std::thread> threads(4);
     for (std::thread& thread : threads) {
@@ -97,7 +81,7 @@ TEST_F(LoggingTest, RecordNumbersOfAllThreadsAreDifferent) {
     EXPECT_EQ(*numbers.rbegin() - *numbers.begin(), 1999U);
 }
 
-TEST_F(LoggingTest, LongTextsAreCutIntoRecords) {
+TEST(Logging, LongTextsAreCutIntoRecords) {
     const std::string full(768, 'a');
     const std::string lines = std::string(700, 'b') + "\n" + std::string(67, 'c');
     const std::vector<std::pair<std::string, std::vector<std::string>>> cases = {
@@ -112,8 +96,10 @@ TEST_F(LoggingTest, LongTextsAreCutIntoRecords) {
         {std::string(17000, '\n'), std::vector<std::string>(16383)},
     };
     for (const auto& [message, expected] : cases) {
+        FakePlatform::instance().reset();
+        LoggingClass::print(&LoggingClass::printLines, "tag", LoggingClass::INF, "%s", message.c_str());
         std::vector<std::string> texts;
-        for (const LogRecord& record : recordsOf(message)) {
+        for (const LogRecord& record : FakePlatform::instance().log()) {
             texts.push_back(record.withoutHeader().substr(sizeof "[INF]"));
         }
         EXPECT_EQ(texts, expected) << message.size() << " bytes";

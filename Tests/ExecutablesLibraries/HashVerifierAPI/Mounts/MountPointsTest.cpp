@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
+#include <tuple>
 
 namespace Nerix::Tests {
 namespace {
@@ -16,11 +17,8 @@ TEST(MountPoints, LastDriveOfTheTableIsFoundByEitherRule) {
         inOwnProcess([hasVariable] {
             if (hasVariable) { FakePlatform::instance().pathVariables[43] = "/opt/usb"; }
             Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
-            const struct {
-                const char* table;
-                const char* drive;
-                const char* driveByMediaAlone;
-            } cases[] = {
+            const std::tuple<std::string, const char*, const char*> cases[] = {
+                // table, its drive, and by /media alone
                 {"", "", ""},
                 {"/dev/sda / ext4\nproc /proc proc\n", "", ""},
                 {"a /media/one\nb /media/two x\nc /mnt/three\n", "/media/two", "/media/two"},
@@ -31,11 +29,11 @@ TEST(MountPoints, LastDriveOfTheTableIsFoundByEitherRule) {
                 {"\t a \t /media/\r\v y z", "/media/\r\v", "/media/\r\v"},
                 {"a /media/with\\040blank\nword\n", "/media/with\\040blank", "/media/with\\040blank"},
             };
-            for (const auto& expected : cases) {
-                const MountPoints mounts(std::istringstream(expected.table));
-                const std::string drive = hasVariable ? expected.drive : expected.driveByMediaAlone;
-                EXPECT_EQ(mounts.findUSB(), drive) << expected.table;
-                EXPECT_EQ(mounts.isMountPoint(drive), !drive.empty() || std::string(expected.table).find("word") == 0);
+            for (const auto& [table, byEither, byMedia] : cases) {
+                const MountPoints mounts{std::istringstream(table)};
+                const std::string drive = hasVariable ? byEither : byMedia;
+                EXPECT_EQ(mounts.findUSB(), drive) << table;
+                EXPECT_EQ(mounts.isMountPoint(drive), !drive.empty());
                 EXPECT_FALSE(mounts.isMountPoint("/") || mounts.isMountPoint("/media/none"));
             }
         });

@@ -21,6 +21,7 @@
 #include <limits>
 #include <regex>
 #include <thread>
+#include <tuple>
 
 #include <sched.h>
 #include <sys/mount.h>
@@ -73,13 +74,8 @@ TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
 }
 
 TEST_F(HashWorkerTest, StoreThatRefusesStopsARunOrLetsItFailButNeverEndsTheProcess) {
-    const struct {
-        const std::string& key;
-        int times;
-        bool isDuringRun;
-        const char* ending; ///< "" for a value
-        Writes last;        ///< what was written last
-    } cases[] = {
+    // Key, how often it is refused, whether during the run, the ending ("" for a value) and what was written last.
+    const std::tuple<std::string, int, bool, std::string, Writes> cases[] = {
         {resultKey, 1, false, "refused", {}},
         {progressKey, 1, false, "refused", {{resultKey, "00000111"}, {resultKey, "ERROR"}}},
         {statusKey, 1, false, "refused", {{progressKey, "0.0"}, {statusKey, "inactive"}, {resultKey, "ERROR"}}},
@@ -88,19 +84,19 @@ TEST_F(HashWorkerTest, StoreThatRefusesStopsARunOrLetsItFailButNeverEndsTheProce
         {statusKey, 2, true, "", {{progressKey, "100.0"}, {statusKey, "inactive"}}}, // taken at the third try
         {statusKey, 100, true, "", {{progressKey, "100.0"}}},
     };
-    for (const auto& refusal : cases) {
-        SCOPED_TRACE(refusal.key + std::to_string(refusal.times) + refusal.ending);
+    for (const auto& [refused, times, isDuringRun, ending, last] : cases) {
+        SCOPED_TRACE(refused + std::to_string(times) + ending);
         platform().reset();
-        const auto refuse = [&] { platform().failSetting(refusal.key, refusal.times); };
+        const auto refuse = [&refused = refused, &times = times] { platform().failSetting(refused, times); };
         platform().onWrite = [&](const std::string& key, const Value& value) {
             if (key == statusKey && value == Value("active")) { refuse(); }
         };
-        if (!refusal.isDuringRun) { refuse(); }
-        const std::string report = reportOf([&] { EXPECT_EQ(verify() == "ERROR", refusal.ending == std::string("ERROR")); });
-        EXPECT_EQ(has(report, "VConfException"), refusal.ending == std::string("refused")) << report;
+        if (!isDuringRun) { refuse(); }
+        const std::string report = reportOf([&, &ending = ending] { EXPECT_EQ(verify() == "ERROR", ending == "ERROR"); });
+        EXPECT_EQ(has(report, "VConfException"), ending == "refused") << report;
         const Writes writes = platform().written();
-        ASSERT_GE(writes.size(), refusal.last.size());
-        EXPECT_TRUE(std::equal(refusal.last.rbegin(), refusal.last.rend(), writes.rbegin()));
+        ASSERT_GE(writes.size(), last.size());
+        EXPECT_TRUE(std::equal(last.rbegin(), last.rend(), writes.rbegin()));
     }
 }
 
@@ -152,15 +148,10 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
 
 TEST(Progress, WorkIsRoundedUpToBlocks) {
     const std::uint64_t eightGigabytes = 8ULL << 30U;
-    const struct {
-        std::uint64_t size;
-        std::uint32_t blockSize;
-        std::uint64_t work;
-    } cases[] = {{0, 4096, 0},       {1, 4096, 4096}, {4096, 4096, 4096},
-                 {4097, 4096, 8192}, {4097, 0, 4097}, {eightGigabytes + 1, 4096, eightGigabytes + 4096}};
-    for (const auto& expected : cases) {
-        EXPECT_EQ(Progress::workOf(expected.size, expected.blockSize), expected.work) << expected.size;
-    }
+    const std::tuple<std::uint64_t, std::uint32_t, std::uint64_t> cases[] = {
+        {0, 4096, 0},       {1, 4096, 4096}, {4096, 4096, 4096},
+        {4097, 4096, 8192}, {4097, 0, 4097}, {eightGigabytes + 1, 4096, eightGigabytes + 4096}};
+    for (const auto& [size, blockSize, work] : cases) { EXPECT_EQ(Progress::workOf(size, blockSize), work) << size; }
 }
 
 TEST(Progress, MoreThanAMebibyteOrLessThanBeforeIsWorthReporting) {
@@ -170,16 +161,10 @@ TEST(Progress, MoreThanAMebibyteOrLessThanBeforeIsWorthReporting) {
 
 TEST(Progress, TextHasTwoDecimalsAndStaysBelowAHundred) {
     const std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
-    const struct {
-        std::uint64_t reported;
-        std::uint64_t total;
-        const char* text;
-    } cases[] = {{0, 1000, "0.00"},    {0, 0, "0.00"},        {1, 0, "99.99"},       {1000, 1000, "71.43"},
-                 {590, 1000, "42.14"}, {1399, 1000, "99.93"}, {1400, 1000, "99.99"}, {most, 1, "99.99"}};
-    for (const auto& expected : cases) {
-        EXPECT_EQ(Progress::text(expected.reported, expected.total), expected.text)
-            << expected.reported << " of " << expected.total;
-    }
+    const std::tuple<std::uint64_t, std::uint64_t, const char*> cases[] = {
+        {0, 1000, "0.00"},    {0, 0, "0.00"},        {1, 0, "99.99"},       {1000, 1000, "71.43"},
+        {590, 1000, "42.14"}, {1399, 1000, "99.93"}, {1400, 1000, "99.99"}, {most, 1, "99.99"}};
+    for (const auto& [reported, total, text] : cases) { EXPECT_EQ(Progress::text(reported, total), text) << reported; }
 }
 
 TEST(HashWorkerDeathTest, ResultBeforeTheEndIsAnAssertion) {

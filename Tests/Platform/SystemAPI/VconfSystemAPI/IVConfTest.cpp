@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace Nerix::Tests {
 namespace {
 
@@ -19,11 +21,7 @@ TEST(IVConf, EachOperationIsOneCallThatItsFailureNames) {
     EXPECT_TRUE(IVConf::getBool("yes"));
     EXPECT_FALSE(IVConf::getBool("no"));
 
-    const struct {
-        const char* call;
-        std::function<void(const std::string& key)> operation;
-        FakePlatform::Value written;
-    } cases[] = {
+    const std::tuple<std::string, std::function<void(const std::string&)>, FakePlatform::Value> cases[] = {
         {"vconf_set_int", [](const std::string& key) { IVConf::setInt(key, -3); }, -3},
         {"vconf_set_dbl", [](const std::string& key) { IVConf::setDouble(key, 2.5); }, 2.5},
         {"vconf_set_str", [](const std::string& key) { IVConf::setString(key, "new"); }, std::string("new")},
@@ -34,18 +32,18 @@ TEST(IVConf, EachOperationIsOneCallThatItsFailureNames) {
         {"vconf_get_str", [](const std::string& key) { IVConf::getString(key); }, ""},
         {"vconf_get_bool", [](const std::string& key) { IVConf::getBool(key); }, ""},
     };
-    for (const auto& each : cases) {
+    for (const auto& [call, operate, written] : cases) {
         platform.reset();
-        if (std::string(each.call).find("_set_") != std::string::npos) {
-            each.operation("key");
+        if (has(call, "_set_")) {
+            operate("key");
             ASSERT_EQ(platform.written().size(), 1U);
-            EXPECT_EQ(platform.written()[0], std::make_pair(std::string("key"), each.written));
+            EXPECT_EQ(platform.written()[0], std::make_pair(std::string("key"), written));
         }
         platform.failSetting("key", 1);
-        const std::string report = reportOf([&] { each.operation("key"); });
-        const std::string text = std::string(each.call) + " failed while trying to access key: key";
+        const std::string report = reportOf([&operate = operate] { operate("key"); });
+        const std::string text = call + " failed while trying to access key: key";
         EXPECT_TRUE(has(report, "VConfException") && has(report, "] = " + text + "\n")) << report;
-        EXPECT_EQ(has(report, "tag_errinfo_errorcode*] = -13"), each.call != std::string("vconf_get_str")) << report;
+        EXPECT_EQ(has(report, "tag_errinfo_errorcode*] = -13"), call != "vconf_get_str") << report;
         EXPECT_EQ(platform.logged("[WRN] IVConf.cpp:"), 1U);
         EXPECT_EQ(platform.logged(">" + text), 1U);
     }
