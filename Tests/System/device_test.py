@@ -1,4 +1,4 @@
-"""The device around a run: drives, mount points, product data, places that cannot be written."""
+"""The device around a run: drives, mount points, the settings that others watch."""
 
 import json
 import os
@@ -8,7 +8,7 @@ import subprocess
 import sys
 import time
 
-from harness import NO_MOUNTS, PREFIX, PROGRAM, REPORT, SETTINGS, SystemTest, main, make_hole, write
+from harness import NO_MOUNTS, PREFIX, SETTINGS, SystemTest, main, make_hole, write
 from tree_value import Model
 
 if NO_MOUNTS:
@@ -92,24 +92,6 @@ class Device(SystemTest):
         self.assertEqual(self.only_log("/media/usb"), records)
         self.assertIn(f'0000000000000222 "{other}"'.encode(), records)
         self.assertIn(f'0000000000000444 "{plain}"'.encode(), records)
-
-    def test_places_that_cannot_be_used(self):
-        value, _ = self.expected()
-        for place, *options in (("/root",), ("/dev/shm",), ("/mnt/read-only", "-o", "ro")):
-            self.mount(place, *options)
-        del self.environment["NERIX_PLATFORM_HOME"]
-        for status, variables in ((0, {}), (0, {"HOME": "/mnt/missing/home"}),
-                                  (0, {"NERIX_PLATFORM_HOME": "/mnt/missing/home"}),
-                                  (1, {"NERIX_PLATFORM_HOME": "/mnt/read-only/home"}),
-                                  (1, {"HOME": "/mnt/read-only", "XDG_RUNTIME_DIR": "/mnt/read-only"})):
-            with self.subTest(variables):
-                run = self.run_program("--path", self.work, env={**self.environment, **variables})
-                self.assertEqual(run.returncode, status)
-                if status == 0:
-                    self.assertEqual(run.stdout.decode(), value + "\n")
-                else:
-                    self.assertRegex(run.stdout, REPORT)
-                    self.assertIn(b"ead-only file system", run.stderr)
 
     def test_settings_are_watched_from_another_process(self):
         make_hole(os.path.join(self.work, "big"), 500 << 20)

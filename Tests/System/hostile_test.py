@@ -80,32 +80,38 @@ class Hostile(SystemTest):
             self.assertEqual(log.count(text), times)
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_state_in_a_directory_of_somebody_else(self):
-        for place in ("/root", "/dev/shm", "/mnt"):
-            self.mount(place)
+    def test_state_in_places_of_somebody_else_or_of_nobody(self):
+        for place, *options in (("/root",), ("/dev/shm",), ("/mnt",), ("/mnt/read-only", "-o", "ro")):
+            self.mount(place, *options)
         subprocess.run("mkdir -m 777 open; mkdir -m 775 group; mkdir open/inner theirs; ln -s /root link", shell=True,
                        check=True, cwd="/mnt")
-        cases = [("NERIX_PLATFORM_HOME", "/mnt/open"), ("XDG_RUNTIME_DIR", "/mnt/open"), ("XDG_STATE_HOME", "/mnt/open"),
-                 ("NERIX_PLATFORM_HOME", "/mnt/open/inner"), ("NERIX_PLATFORM_HOME", "/mnt/group")]
+        home, runtime, state = "NERIX_PLATFORM_HOME", "XDG_RUNTIME_DIR", "XDG_STATE_HOME"
+        del self.environment[home]
+        cases = [(None, {}), (None, {"HOME": "/mnt/group"}), (None, {"HOME": "/mnt/missing"}), (None, {home: "/mnt/missing/home"}),
+                 ("ead-only file system", {home: "/mnt/read-only/home"}),
+                 ("ead-only file system", {"HOME": "/mnt/read-only", runtime: "/mnt/read-only"}),
+                 (" /mnt/open may be written by", {home: "/mnt/open"}), (" /mnt/open may be written by", {state: "/mnt/open"}),
+                 (" /mnt/open may be written by", {home: "/mnt/open/inner"}),
+                 (" /mnt/group is not a directory of this user alone", {home: "/mnt/group"}),
+                 ("", {runtime: "/mnt/open"})]  # the log has the reason then
+        own = len(cases)
         with contextlib.suppress(OSError):  # in a user name space there is nobody else
-            os.chown("/mnt/theirs", 12345, 12345)
-            os.lchown("/mnt/link", 12345, 12345)
-            cases += [(name, "/mnt/theirs") for name, _ in cases[:3]] + [("NERIX_PLATFORM_HOME", "/mnt/link/home")]
             os.mkdir(f"/dev/shm/nerix-{os.geteuid()}")
-            os.chown(f"/dev/shm/nerix-{os.geteuid()}", 12345, 12345)
-        del self.environment["NERIX_PLATFORM_HOME"]
-        self.environment["HOME"] = "/root"
-        self.assert_right(self.run_program("--path", self.tree, env={**self.environment, "HOME": "/mnt/group"}))
-        self.assert_right()
+            for theirs in ("/mnt/theirs", "/mnt/link", f"/dev/shm/nerix-{os.geteuid()}"):
+                os.chown(theirs, 12345, 12345, follow_symlinks=False)
+            cases += [(" /mnt/theirs belongs to another user", {name: "/mnt/theirs"}) for name in (home, state)]
+            cases += [("", {runtime: "/mnt/theirs"}), (" /mnt/link belongs to another user", {home: "/mnt/link/home"})]
+        for reason, variables in cases:
+            with self.subTest(variables):
+                run = self.run_program("--path", self.tree, env={**self.environment, **variables})
+                if reason is None:
+                    self.assert_right(run)
+                else:
+                    self.assertEqual(run.returncode, 1)
+                    self.assertRegex(run.stdout, REPORT)
+                    self.assertIn(reason.encode(), run.stderr)
         with open("/root/.local/state/nerix/log/main.log", encoding="utf-8") as log:
-            self.assertEqual("volatile settings are kept in /root/.local/state/nerix: " in log.read(), len(cases) > 5)
-        for name, value in cases:
-            with self.subTest(f"{name}={value}"):
-                run = self.run_program("--path", self.tree, env={**self.environment, name: value})
-                self.assertEqual(run.returncode, 1)
-                self.assertRegex(run.stdout, REPORT)
-                if name != "XDG_RUNTIME_DIR":  # the log has the reason then
-                    self.assertRegex(run.stderr, rb" /mnt/\w+(/\w+)* (belongs to another user|may be written by|is not a directory)")
+            self.assertEqual("volatile settings are kept in /root/.local/state/nerix: " in log.read(), len(cases) > own)
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_full_disks_and_damaged_stores(self):
