@@ -5,6 +5,7 @@
 #include "Common/IO/OpenSSLInit.h"
 #include "Common/Utils/Errors/Errors.h"
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
+#include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Platform/Product/IProductInfo.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/PrivateMounts.h"
@@ -23,7 +24,6 @@
 #include <thread>
 #include <tuple>
 
-#include <sched.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 
@@ -126,20 +126,20 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
         boost::filesystem::ofstream{m_tree.path() / (name + "a")} << std::setw(12'000'000) << 'x';
         boost::filesystem::ofstream{m_tree.path() / (name + "b")} << std::setw(900'000) << 'x';
     }
-    cpu_set_t all{};
-    ASSERT_EQ(::sched_getaffinity(0, sizeof all, &all), 0);
-    cpu_set_t one{};
-    CPU_SET(::sched_getcpu(), &one);
-    ::sched_setaffinity(0, sizeof one, &one);
+    const auto setThreads = [](int count) {
+        Common::getDebugAndTestParameters().setCustomIntParam("hashVerifierThreads", count);
+    };
+    Common::DebugAndTestParameters::loadDebugAndTestParameters("test");
+    setThreads(1);
     const Writes expected = writesOfRun();
     EXPECT_GT(expected.size(), 30U);
-    ::sched_setaffinity(0, sizeof all, &all);
     for (int run = 0; run < 6; ++run) {
+        setThreads(2 + run);
         std::atomic<bool> isOver{false};
         std::thread asking([&] {
             while (!isOver) { EXPECT_GE(HashVerifierAPI::getProgress().size(), 4U); }
         });
-        EXPECT_TRUE(writesOfRun() == expected) << "run " << run;
+        EXPECT_TRUE(writesOfRun() == expected) << 2 + run << " threads";
         isOver = true;
         asking.join();
     }
