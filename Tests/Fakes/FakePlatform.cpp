@@ -32,7 +32,6 @@ void FakePlatform::reset() {
     m_failures.clear();
     onWrite = nullptr;
     systemInfo.clear();
-    settings.clear();
     pathVariables.clear();
 }
 
@@ -78,8 +77,9 @@ void FakePlatform::addLogRecord(LogRecord record) {
 
 namespace {
 
-template <class Value, class Key, class Out>
-int answer(const std::map<Key, FakePlatform::Value>& answers, const Key& key, Out* out) {
+template <class Value, class Out>
+int systemInfo(int key, Out* out) {
+    const auto& answers = FakePlatform::instance().systemInfo;
     const auto known = answers.find(key);
     if (known == answers.end() || !std::holds_alternative<Value>(known->second)) { return FakePlatform::failure; }
     if constexpr (std::is_same_v<Out, char*>) {
@@ -98,22 +98,18 @@ FakePlatform& fake() { return FakePlatform::instance(); }
 using namespace Nerix::Tests; // NOLINT(google-build-using-namespace): its names fill this test
 using std::string;
 
-int vconf_get_int(const char* key, int* value) { return answer<int>(fake().settings, string(key), value); }
-int vconf_get_dbl(const char* key, double* value) { return answer<double>(fake().settings, string(key), value); }
-int vconf_get_bool(const char* key, int* value) { return answer<bool>(fake().settings, string(key), value); }
-char* vconf_get_str(const char* key) {
-    char* text = nullptr;
-    answer<string>(fake().settings, string(key), &text);
-    return text;
-}
+int vconf_get_int(const char*, int*) { return FakePlatform::failure; }
+int vconf_get_dbl(const char*, double*) { return FakePlatform::failure; }
+int vconf_get_bool(const char*, int*) { return FakePlatform::failure; }
+char* vconf_get_str(const char*) { return nullptr; }
 int vconf_set_int(const char* key, int value) { return fake().set(key, value); }
 int vconf_set_dbl(const char* key, double value) { return fake().set(key, value); }
 int vconf_set_bool(const char* key, int value) { return fake().set(key, value != 0); }
 int vconf_set_str(const char* key, const char* value) { return fake().set(key, string(value)); }
 
-int system_info_get_value_string(int key, char** value) { return answer<string>(fake().systemInfo, key, value); }
-int system_info_get_value_int(int key, int* value) { return answer<int>(fake().systemInfo, key, value); }
-int system_info_get_value_bool(int key, bool* value) { return answer<bool>(fake().systemInfo, key, value); }
+int system_info_get_value_string(int key, char** value) { return systemInfo<string>(key, value); }
+int system_info_get_value_int(int key, int* value) { return systemInfo<int>(key, value); }
+int system_info_get_value_bool(int key, bool* value) { return systemInfo<bool>(key, value); }
 
 const char* path_config_get(int variable) {
     const auto directory = fake().pathVariables.find(variable);

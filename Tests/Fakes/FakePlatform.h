@@ -49,10 +49,9 @@ public:
     /// Called after a setting was written, without a lock held.
     std::function<void(const std::string& key, const Value& value)> onWrite;
 
-    /// Answers of the system-information service, the path configuration and the settings store, which gives
-    /// back no setting that was written; what is not there, or of another type, fails.
+    /// Answers of the system-information service and the path configuration; what is not there, or of another type,
+    /// fails. So does every reading of a setting.
     std::map<int, Value> systemInfo;
-    std::map<std::string, Value> settings;
     std::map<int, std::string> pathVariables;
 
     int set(const char* key, const Value& value);

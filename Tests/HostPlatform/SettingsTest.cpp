@@ -1,0 +1,57 @@
+#include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
+#include "PlatformInterfaces/vconf.h"
+#include "Tests/Fakes/Report.h"
+#include "Tests/Fakes/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <tuple>
+
+namespace Nerix::Tests {
+namespace {
+
+using Platform::IVConf;
+
+TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
+    const TemporaryDirectory home;
+    ::setenv("NERIX_PLATFORM_HOME", home.path().c_str(), 1);
+    ::setenv("NERIX_HOST_LOG", "stderr", 1);
+    for (const std::string shelf : {"memory/", "db/"}) {
+        IVConf::setInt(shelf + "int", -7);
+        IVConf::setDouble(shelf + "double", 0.5);
+        IVConf::setString(shelf + "text", "text");
+        IVConf::setBool(shelf + "yes", true);
+        IVConf::setBool(shelf + "no", false);
+        EXPECT_EQ(IVConf::getInt(shelf + "int"), -7);
+        EXPECT_EQ(IVConf::getDouble(shelf + "double"), 0.5);
+        EXPECT_EQ(IVConf::getString(shelf + "text"), "text");
+        EXPECT_TRUE(IVConf::getBool(shelf + "yes") && !IVConf::getBool(shelf + "no"));
+    }
+    const std::string tooLong(600, 'k');
+    const std::tuple<std::string, void (*)(const std::string& key), std::string, int> failures[] = {
+        {"vconf_set_int", [](const std::string& key) { IVConf::setInt(key, 1); }, "", EIO},
+        {"vconf_set_dbl", [](const std::string& key) { IVConf::setDouble(key, 1); }, tooLong, EIO},
+        {"vconf_set_str", [](const std::string& key) { IVConf::setString(key, ""); }, tooLong, EIO},
+        {"vconf_set_bool", [](const std::string& key) { IVConf::setBool(key, true); }, tooLong, EIO},
+        {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "db/text", EINVAL},
+        {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "memory/yes", EINVAL},
+        {"vconf_get_dbl", [](const std::string& key) { IVConf::getDouble(key); }, "db/int", EINVAL},
+        {"vconf_get_str", [](const std::string& key) { IVConf::getString(key); }, "db/int", 0},
+        {"vconf_get_bool", [](const std::string& key) { IVConf::getBool(key); }, "db/missing", ENOENT},
+    };
+    for (const auto& [call, operate, key, code] : failures) {
+        testing::internal::CaptureStderr();
+        const std::string report = reportOf([&operate = operate, &key = key] { operate(key); });
+        const std::string log = testing::internal::GetCapturedStderr();
+        const std::string text = call + " failed while trying to access key: " + key;
+        EXPECT_TRUE(has(report, "VConfException") && has(report, "] = " + text + "\n")) << report;
+        EXPECT_EQ(has(report, "tag_errinfo_errorcode*] = " + std::to_string(code) + "\n"), code != 0) << report;
+        EXPECT_TRUE(has(log, "[WRN] IVConf.cpp:") && has(log, ">" + text)) << log;
+    }
+    EXPECT_NE(vconf_set_str(nullptr, "") * vconf_set_str("key", nullptr) * vconf_get_int(nullptr, nullptr), 0);
+}
+
+} // namespace
+} // namespace Nerix::Tests
