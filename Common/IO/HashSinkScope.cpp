@@ -37,7 +37,7 @@ void HashSinkScope::use() {
 }
 
 const EVP_MD* HashSinkScope::lookUp(const std::string& digestName) {
-    if (m_digest == nullptr || m_digestName != digestName) {
+    if (m_digestName != digestName) {
         m_digest = lookUpDigest(digestName);
         m_digestName = digestName;
     }

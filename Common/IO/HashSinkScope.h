@@ -5,6 +5,7 @@
 #include <openssl/evp.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace Nerix::Common::IO {
@@ -31,8 +32,8 @@ private:
     struct User;
 
     std::unique_ptr<User> m_user;
-    std::string m_digestName;
-    const EVP_MD* m_digest = nullptr; ///< called m_digestName; null while none is known
+    std::optional<std::string> m_digestName; ///< of the digest that was looked up last
+    const EVP_MD* m_digest = nullptr;
 };
 
 } // namespace Nerix::Common::IO
