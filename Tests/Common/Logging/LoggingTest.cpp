@@ -1,4 +1,5 @@
 #include "Common/Logging/Log.h"
+#include "Common/Logging/MaxElapsed.h"
 #include "PlatformInterfaces/dlog.h"
 #include "Tests/Fakes/FakePlatform.h"
 
@@ -79,6 +80,13 @@ TEST(Logging, RecordNumbersOfAllThreadsAreDifferent) {
     }
     EXPECT_EQ(numbers.size(), 2000U);
     EXPECT_EQ(*numbers.rbegin() - *numbers.begin(), 1999U);
+}
+
+TEST(Logging, FirstLimitOfElapsedTimeHoldsForAll) {
+    const auto now = std::chrono::steady_clock::now();
+    EXPECT_FALSE(Common::Logging::maxElapsed(now, 10'000));
+    EXPECT_FALSE(Common::Logging::maxElapsed(now - std::chrono::seconds(9), 1));
+    EXPECT_TRUE(Common::Logging::maxElapsed(now - std::chrono::seconds(10), 100'000));
 }
 
 TEST(Logging, LongTextsAreCutIntoRecords) {
