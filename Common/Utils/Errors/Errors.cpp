@@ -31,11 +31,9 @@ boost::error_info<tag_errinfo_stream, std::string> errinfo_errno(int errnum) {
 namespace detail {
 
 std::string subjectName(const std::type_info& type, const void* address) {
-    const char* const name = type.name();
     std::ostringstream stream;
     stream.imbue(std::locale::classic());
-    stream << (*name == '*' ? name + 1 : name) << "=0x" << std::hex
-           << reinterpret_cast<std::uintptr_t>(address);
+    stream << type.name() << "=0x" << std::hex << reinterpret_cast<std::uintptr_t>(address);
     return stream.str();
 }
 

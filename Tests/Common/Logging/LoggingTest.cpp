@@ -36,7 +36,8 @@ TEST(Logging, RecordCarriesProcessThreadNumberAndPosition) {
     EXPECT_EQ(records[0].priority, DLOG_PRIORITY_WARNING) << "ERROR stands for unknown levels";
     EXPECT_EQ(records[0].tag, "org.corvan.tv.nerix.NERIX");
     EXPECT_EQ(records[1].withoutHeader().substr(records[1].withoutHeader().find('>')), ">half-made ");
-    EXPECT_EQ(records[2].text.find("[Program-0.348.0][" + std::to_string(::gettid()) + " "), 0U);
+    const std::string thread = std::to_string(::gettid()) + " Tests_Common_Lo";
+    EXPECT_EQ(records[2].text.find("[Program-0.348.0][" + thread + "]["), 0U);
     EXPECT_EQ(records[2].withoutHeader(), "[INF] LoggingTest.cpp:" + std::to_string(line) + ">100% of 2");
 }
 

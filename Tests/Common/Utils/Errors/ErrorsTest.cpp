@@ -10,8 +10,10 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <locale>
 #include <regex>
 #include <stdexcept>
+#include <typeinfo>
 
 namespace Nerix::Tests {
 namespace {
@@ -82,10 +84,28 @@ TEST(ErrorInfo, SubjectIsTheDebugNameOrTypeAndAddress) {
     } named;
     EXPECT_EQ(errinfo_subject(named).value(), "named");
     EXPECT_EQ(errinfo_subject(static_cast<Base&>(named)).value(), "named");
-    std::ostringstream address;
-    address << "Plain=" << &plain;
-    const std::string text = errinfo_subject(plain).value();
-    EXPECT_EQ(text.substr(text.find("Plain")), address.str()) << text;
+    std::ostringstream name;
+    name << typeid(plain).name() << '=' << &plain;
+    EXPECT_EQ(errinfo_subject(plain).value(), name.str());
+}
+
+struct Grouped : std::numpunct<char> {
+    std::string do_grouping() const override { return "\1"; }
+};
+
+TEST(ErrorInfo, GlobalLocaleIsOfNoAccount) {
+    const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Grouped)); // owns it
+    EXPECT_EQ(errinfo_stream(1234).value(), "1234");
+    EXPECT_FALSE(has(errinfo_subject(before).value(), ","));
+    const auto stored = [] { RethrowExceptionStream(boost::copy_exception(GenericException())).getStream() << 1234; };
+    EXPECT_TRUE(has(reportOf(stored), "] = 1234\n"));
+    const auto handled = [] {
+        try {
+            throw GenericException();
+        } catch (...) { rethrowWithContext("function", "file", 1234, ""); }
+    };
+    EXPECT_TRUE(has(reportOf(handled), "] =  -> function (file:1234) \n"));
+    std::locale::global(before);
 }
 
 TEST(ErrorInfo, StreamEntryQuotesPathsAndIsReplacedByErrno) {

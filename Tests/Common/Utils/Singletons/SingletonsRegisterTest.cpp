@@ -39,6 +39,19 @@ using DependentGuard = SingletonServiceGuard<Dependent>;
 
 SingletonsRegister& theRegister() { return SingletonsRegister::getSingletonsRegister(); }
 
+TEST(SingletonsID, EachHasItsNumberAndItsName) {
+    std::string names;
+    for (int id = 0; id <= 22; ++id) { names += singletonsIdToString(static_cast<SingletonsID>(id)) + '\n'; }
+    EXPECT_EQ(names, "USER_DATA_REGISTER\nTVS_SIGNAL_DISTRIBUTOR\nPOWER_OFF_CB_DISTRIBUTOR\nG_MAIN_LOOP\n"
+                     "DEBUG_AND_TEST_PARMS\nINSTALLATION_PERFORMANCE_PARAMS\nSINGLETON_PANEL_SERVICE\n"
+                     "SINGLETON_CAMERA_PLUGIN\nSINGLETON_SUBMICOM_PLUGIN\nSINGLETON_EXAMPLE_PLUGIN\n"
+                     "SINGLETON_INDEPENDENT_FIRMWARE_PLUGIN\nSINGLETON_TVTIMER_INITIALIZER\nSINGLETON_CSP_INITIALIZER\n"
+                     "SINGLETON_WAKEUP_ENABLER\nSINGLETON_USB_DEVICE_INITIALIZER\nSINGLETON_POWER_API_INITIALIZER\n"
+                     "SINGLETON_USB_CB_DISTRIBUTOR\nSINGLETON_USB_NFS_MOUNT\nSINGLETON_UNIRO_MOUNTER\n"
+                     "SINGLETON_OPENSSL_INITIALIZER\nDUMMY_SINGLETON\nDEPENDENT_DUMMY_SINGLETON\n"
+                     "Error: singleton identifier not recognized (22)\n");
+}
+
 TEST(SingletonsRegister, GuardsShareOneInstance) {
     lifeEvents.clear();
     {
@@ -107,16 +120,21 @@ TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
                  DependentGuard{TVS_SIGNAL_DISTRIBUTOR},
                  "0, .*checkRequirements.*\nMESSAGE: Cannot meet requirements of given singleton. Cannot find "
                  "singletons required by given singleton.");
-    SRegisterItem item(boost::make_shared<Service>(), DUMMY_SINGLETON, {});
-    item.incrementUsage("a");
-    EXPECT_DEATH(item.decrementUsage("b"), "MESSAGE: User 'b' is not registered as user of this singleton "
-                                           "\\(DUMMY_SINGLETON=DUMMY_SINGLETON\\)");
-    item.decrementUsage("a");
+    const auto item =
+        boost::make_shared<SRegisterItem>(boost::make_shared<Service>(), DUMMY_SINGLETON, std::list<SingletonsID>());
+    item->incrementUsage("a");
+    EXPECT_DEATH(item->decrementUsage("b"), "MESSAGE: User 'b' is not registered as user of this singleton "
+                                            "\\(DUMMY_SINGLETON=DUMMY_SINGLETON\\)");
+    item->decrementUsage("a");
     EXPECT_DEATH(theRegister().getService<Service>("u", POWER_OFF_CB_DISTRIBUTOR),
                  "MESSAGE: Singleton POWER_OFF_CB_DISTRIBUTOR does not exist.");
     EXPECT_DEATH(theRegister().getService<Dependent>("u", DUMMY_SINGLETON),
                  "MESSAGE: Singleton's type probably doesn't match with its id");
     EXPECT_DEATH(theRegister().unmarkNeeded(POWER_OFF_CB_DISTRIBUTOR), "ASSERTION FAILED: 0, .*internalUnmarkNeeded");
+    const SingletonPointer<Dependent> mistaken("a", item);
+    EXPECT_DEATH(mistaken.operator->(),
+                 "MESSAGE: It should never happen! Is was checked in getService, but Singleton's type "
+                 "probably doesn't match with it's id");
     EXPECT_DEATH(dangling->answer(), "MESSAGE: You are trying to use non-existent singleton! It has been probably "
                                      "destroyed since your getService.");
     const auto first = theRegister().getService<Service>("<unknown>", G_MAIN_LOOP);
