@@ -28,6 +28,8 @@ TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
         EXPECT_EQ(IVConf::getDouble(shelf + "double"), 0.5);
         EXPECT_EQ(IVConf::getString(shelf + "text"), "text");
         EXPECT_TRUE(IVConf::getBool(shelf + "yes") && !IVConf::getBool(shelf + "no"));
+        int flag = 0;
+        EXPECT_EQ(vconf_get_bool((shelf + "yes").c_str(), &flag) + flag, 1);
     }
     const std::string tooLong(600, 'k');
     const std::tuple<std::string, void (*)(const std::string& key), std::string, int> failures[] = {

@@ -53,8 +53,8 @@ def differences(before, after, has_details):
 
 
 # What a terminal might take for a command, and what it only shows.
-ODD = "\u00e4\u20ac\u00a0&".encode() + b'\x1b[31m"\\\n\r\t\x7f\xff\xc2\x9b\x9b\x80'
-SHOWN = "\u00e4\u20ac\u00a0&".encode() + rb'\x1b[31m\"\\\n\r\t\x7f' + b"\xff" + rb"\xc2\x9b\x9b\x80"
+ODD = "\u00e4\u20ac\u00a0&".encode() + b'\x1b[31m"\\\n\r\t\x7f\xff\x80\x80\xc2\x9b\x9b\x80'
+SHOWN = "\u00e4\u20ac\u00a0&".encode() + rb'\x1b[31m\"\\\n\r\t\x7f' + b"\xff\x80\x80" + rb"\xc2\x9b\x9b\x80"
 
 
 def read_back(line):

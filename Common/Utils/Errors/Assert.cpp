@@ -44,14 +44,12 @@ void assertion_failed_msg(const char* expr, const char* msg, const char* functio
 namespace Nerix::Common::Utils {
 
 void NerixAssertionFailed(const char* expression, const char* function, const char* file, long line) {
-    boost::assertion_failed(expression, function, file, line);
-    std::abort(); // not reached; Boost declares its handlers as returning
+    reportAndAbort(expression, nullptr, function, file, line);
 }
 
 void NerixAssertionFailedMsg(const char* expression, const char* message, const char* function,
                              const char* file, long line) {
-    boost::assertion_failed_msg(expression, message, function, file, line);
-    std::abort(); // not reached, as above
+    reportAndAbort(expression, message, function, file, line);
 }
 
 } // namespace Nerix::Common::Utils

@@ -18,11 +18,11 @@ namespace Nerix::Common::Utils {
 } // namespace Nerix::Common::Utils
 
 #define NerixAssert(condition)                                                                               \
-    (static_cast<bool>(condition) ? static_cast<void>(0)                                                     \
+    (static_cast<bool>(condition) ? void()                                                                   \
                                   : ::Nerix::Common::Utils::NerixAssertionFailed(                            \
                                         #condition, __PRETTY_FUNCTION__, __FILE__, __LINE__))
 
 #define NerixAssertMsg(condition, message)                                                                   \
-    (static_cast<bool>(condition) ? static_cast<void>(0)                                                     \
+    (static_cast<bool>(condition) ? void()                                                                   \
                                   : ::Nerix::Common::Utils::NerixAssertionFailedMsg(                         \
                                         #condition, message, __PRETTY_FUNCTION__, __FILE__, __LINE__))

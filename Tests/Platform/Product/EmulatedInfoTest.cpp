@@ -9,19 +9,30 @@
 #include <boost/optional/optional_io.hpp>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <functional>
 #include <iterator>
+
+#include <sys/resource.h>
 
 namespace Nerix::Tests {
 namespace {
 
 using Info = Platform::IProductInfo;
 
+void expectFailure(const std::string& text, const std::function<void()>& operation) {
+    const std::string report = reportOf(operation);
+    EXPECT_TRUE(has(report, "] = " + text + "\n")) << text << " in " << report;
+}
+
 void inDevice(const std::function<void(const boost::filesystem::path& file)>& body) {
     withOwnMnt([&] {
         Info::initializeProduct(Platform::TV_PRODUCT);
         const boost::filesystem::path file = Info::getEmulatedInfoPath();
         EXPECT_FALSE(Info::getEmulatedModelString()) << "no file";
+        EXPECT_EQ(FakePlatform::instance().logged(">emulated info file " + file.native() + " does not exist"), 1U);
+        EXPECT_EQ(FakePlatform::instance().logged(" should be used only in Debug mode"), 1U);
+        expectFailure("File doesn't exist.", [] { Info::setEmulatedModelString("m"); });
         boost::filesystem::create_directories(file.parent_path());
         body(file);
     });
@@ -30,11 +41,6 @@ void inDevice(const std::function<void(const boost::filesystem::path& file)>& bo
 std::string contentOf(const boost::filesystem::path& path) {
     boost::filesystem::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void expectFailure(const std::string& text, const std::function<void()>& operation) {
-    const std::string report = reportOf(operation);
-    EXPECT_TRUE(has(report, "] = " + text + "\n")) << text << " in " << report;
 }
 
 TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {
@@ -86,6 +92,11 @@ TEST(EmulatedInfo, BadLinesFailAndLoseNothing) {
         boost::filesystem::ofstream(file) << "A:1\n";
         expectFailure("Requested key doesn't exist in EmulatedInfo.txt. Key: Submicom",
                       [] { Info::getEmulatedSubmicomVersion(); });
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit little{8, RLIM_INFINITY};
+        ::setrlimit(RLIMIT_FSIZE, &little);
+        expectFailure("Couldn't write file.", [] { Info::setEmulatedModelString("n"); });
+        EXPECT_EQ(contentOf(file), "A:1\n");
         boost::filesystem::remove(file);
         boost::filesystem::create_directory(file);
         expectFailure("Opening EmulatedInfo.txt failed.", [] { Info::getEmulatedModelString(); });

@@ -15,7 +15,7 @@ TEST(ProductInfo, TelevisionByDefault) {
     inOwnProcess([] {
         FakePlatform& platform = FakePlatform::instance();
         platform.systemInfo = {{128, "T-ABHCHD-66770.5"}, {8, "2026-01-02"}, {133, "0.7"}, {301, "/p.txt"}, {203, 540}};
-        Info::initializeProduct(Platform::DEFAULT_PRODUCT);
+        Info::initializeProduct(static_cast<Platform::ProductType>(3));
         EXPECT_EQ(platform.logged(">Product type set to TV_PRODUCT"), 1U);
         EXPECT_EQ(platform.logged(">Product was build for emulator32"), 1U);
         EXPECT_EQ(platform.logged(">Flag m_isZebConnected is set to false"), 1U);
