@@ -10,14 +10,10 @@
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/archive/basic_archive.hpp>
-#include <boost/filesystem/fstream.hpp>
-#include <boost/filesystem/operations.hpp>
 #include <gtest/gtest.h>
 
 #include <exception>
-#include <fstream>
 #include <iomanip>
-#include <iterator>
 #include <regex>
 #include <sstream>
 
@@ -26,11 +22,6 @@ namespace {
 
 using boost::algorithm::replace_all_copy;
 using Common::DebugAndTestParameters;
-
-std::string contentOf(const std::string& path) {
-    std::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 /// As an older library wrote it; every field differs from its default.
 const std::string golden = contentOf(NERIX_GOLDEN "/golden.xml");

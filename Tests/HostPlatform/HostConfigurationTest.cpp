@@ -3,7 +3,6 @@
 #include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
-#include <boost/filesystem/fstream.hpp>
 #include <gtest/gtest.h>
 
 #include <cstdlib>

@@ -10,7 +10,6 @@
 #include <tuple>
 
 namespace Nerix::Tests {
-namespace {
 
 using Platform::IVConf;
 
@@ -55,5 +54,4 @@ TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
     EXPECT_NE(vconf_set_str(nullptr, "") * vconf_set_str("key", nullptr) * vconf_get_int(nullptr, nullptr), 0);
 }
 
-} // namespace
 } // namespace Nerix::Tests

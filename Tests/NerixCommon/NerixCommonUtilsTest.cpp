@@ -8,7 +8,6 @@
 #include <tuple>
 
 namespace Nerix::Tests {
-namespace {
 
 using Utils = NerixCommon::NerixCommonUtils;
 
@@ -45,5 +44,4 @@ TEST(NerixCommonUtils, TransactionIdsAreChecksums) {
     EXPECT_EQ(Utils::getTransactionIdForUpgrade({}), "00000000");
 }
 
-} // namespace
 } // namespace Nerix::Tests

@@ -8,7 +8,6 @@
 #include <future>
 
 namespace Nerix::Tests {
-namespace {
 
 using Common::Debug::ThreadDebug;
 
@@ -48,5 +47,4 @@ TEST(ThreadDebugDeathTest, ThreadsButTheMainOneGetSanitisedNames) {
     EXPECT_EQ(platform.logged("[ERR] ThreadDebug.cpp:"), 2U);
 }
 
-} // namespace
 } // namespace Nerix::Tests

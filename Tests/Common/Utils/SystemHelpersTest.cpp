@@ -7,7 +7,6 @@
 #include "Tests/Fakes/TemporaryDirectory.h"
 
 #include <boost/filesystem/exception.hpp>
-#include <boost/filesystem/fstream.hpp>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -21,7 +20,6 @@
 #include <unistd.h>
 
 namespace Nerix::Tests {
-namespace {
 
 namespace filesystem = Common::Utils::filesystem;
 
@@ -137,5 +135,4 @@ TEST(Filesystem, PathsAreComparedByWholeElements) {
     }
 }
 
-} // namespace
 } // namespace Nerix::Tests

@@ -3,15 +3,13 @@
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"
 #include "Tests/Fakes/Report.h"
+#include "Tests/Fakes/TemporaryDirectory.h"
 
-#include <boost/filesystem/fstream.hpp>
-#include <boost/filesystem/operations.hpp>
 #include <boost/optional/optional_io.hpp>
 #include <gtest/gtest.h>
 
 #include <csignal>
 #include <functional>
-#include <iterator>
 
 #include <sys/resource.h>
 
@@ -36,11 +34,6 @@ void inDevice(const std::function<void(const boost::filesystem::path& file)>& bo
         boost::filesystem::create_directories(file.parent_path());
         body(file);
     });
-}
-
-std::string contentOf(const boost::filesystem::path& path) {
-    boost::filesystem::ifstream file(path);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 namespace Nerix::Tests {
-namespace {
 
 using Info = Platform::IProductInfo;
 
@@ -130,5 +129,4 @@ TEST(ProductInfoDeathTest, IsInitialisedOnceAndKnowsNothingBefore) {
                  Info::initializeProduct(Platform::TV_PRODUCT), "ASSERTION FAILED: m_productType == UNDEFINED_PRODUCT, ");
 }
 
-} // namespace
 } // namespace Nerix::Tests

@@ -3,12 +3,10 @@
 #include "Tests/Fakes/TemporaryDirectory.h"
 
 #include <boost/assert.hpp>
-#include <boost/filesystem/fstream.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <iterator>
 #include <regex>
 #include <string>
 
@@ -31,9 +29,7 @@ TEST(AssertDeathTest, ReportStandsOnTheConsoleBeforeTheProcessEnds) {
     ::setenv("NERIX_TEST_CONSOLE", console.c_str(), 1);
     EXPECT_DEATH(NerixAssertMsg(false, "why"), "^dlog fatal: ");
     ::unsetenv("NERIX_TEST_CONSOLE");
-    boost::filesystem::ifstream file(console);
-    const std::string text(std::istreambuf_iterator<char>(file), {});
-    EXPECT_TRUE(std::regex_match(text, std::regex(header + "false, .*\nMESSAGE: why\n"))) << text;
+    EXPECT_TRUE(std::regex_match(contentOf(console), std::regex(header + "false, .*\nMESSAGE: why\n")));
 }
 
 TEST(AssertDeathTest, AssertionsInsideBoostEndInTheSameReport) {

@@ -10,7 +10,6 @@
 #include <tuple>
 
 namespace Nerix::Tests {
-namespace {
 
 TEST(MountPoints, LastDriveOfTheTableIsFoundByEitherRule) {
     for (const bool hasVariable : {true, false}) {
@@ -40,5 +39,4 @@ TEST(MountPoints, LastDriveOfTheTableIsFoundByEitherRule) {
     }
 }
 
-} // namespace
 } // namespace Nerix::Tests

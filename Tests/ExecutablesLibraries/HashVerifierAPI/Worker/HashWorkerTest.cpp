@@ -8,12 +8,10 @@
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Platform/Product/IProductInfo.h"
 #include "Tests/Fakes/FakePlatform.h"
-#include "Tests/Fakes/PrivateMounts.h"
+#include "Tests/Fakes/OwnProcess.h"
 #include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
-#include <boost/filesystem/fstream.hpp>
-#include <boost/filesystem/operations.hpp>
 #include <gtest/gtest.h>
 
 #include <atomic>
