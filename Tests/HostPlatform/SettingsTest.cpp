@@ -1,5 +1,8 @@
+#include "HostPlatform/SettingsStore.h"
+#include "HostPlatform/StateInMemory.h"
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 #include "PlatformInterfaces/vconf.h"
+#include "Tests/Fakes/OwnProcess.h"
 #include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
@@ -10,14 +13,15 @@
 #include <tuple>
 
 namespace Nerix::Tests {
+namespace {
 
 using Platform::IVConf;
+using Platform::Host::Setting;
+using Platform::Host::SettingsResult;
+using Platform::Host::SettingsStore;
 
-TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
-    const TemporaryDirectory home;
-    ::setenv("NERIX_PLATFORM_HOME", home.path().c_str(), 1);
-    ::setenv("NERIX_HOST_LOG", "stderr", 1);
-    for (const std::string shelf : {"memory/", "db/"}) {
+void expectEachTypeIsKept() {
+    for (const std::string shelf : {"memory/", "zz/db/"}) {
         IVConf::setInt(shelf + "int", -7);
         IVConf::setDouble(shelf + "double", 0.5);
         IVConf::setString(shelf + "text", "text");
@@ -30,16 +34,34 @@ TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
         int flag = 0;
         EXPECT_EQ(vconf_get_bool((shelf + "yes").c_str(), &flag) + flag, 1);
     }
+    std::vector<Setting> all;
+    EXPECT_EQ(SettingsStore::instance().list(all), SettingsResult::Ok);
+    EXPECT_EQ(all.size(), 10U);
+    EXPECT_EQ(all.back().key + all.front().key, "zz/db/yesmemory/double");
+}
+
+TEST(Settings, EachTypeIsKeptInMemoryToo) {
+    inOwnProcess([] {
+        Platform::Host::keepStateInMemory();
+        expectEachTypeIsKept();
+    });
+}
+
+TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
+    const TemporaryDirectory home;
+    ::setenv("NERIX_PLATFORM_HOME", home.path().c_str(), 1);
+    ::setenv("NERIX_HOST_LOG", "stderr", 1);
+    expectEachTypeIsKept();
     const std::string tooLong(600, 'k');
     const std::tuple<std::string, void (*)(const std::string& key), std::string, int> failures[] = {
         {"vconf_set_int", [](const std::string& key) { IVConf::setInt(key, 1); }, "", EIO},
         {"vconf_set_dbl", [](const std::string& key) { IVConf::setDouble(key, 1); }, tooLong, EIO},
         {"vconf_set_str", [](const std::string& key) { IVConf::setString(key, ""); }, tooLong, EIO},
         {"vconf_set_bool", [](const std::string& key) { IVConf::setBool(key, true); }, tooLong, EIO},
-        {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "db/text", EINVAL},
+        {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "zz/db/text", EINVAL},
         {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "memory/yes", EINVAL},
-        {"vconf_get_dbl", [](const std::string& key) { IVConf::getDouble(key); }, "db/int", EINVAL},
-        {"vconf_get_str", [](const std::string& key) { IVConf::getString(key); }, "db/int", 0},
+        {"vconf_get_dbl", [](const std::string& key) { IVConf::getDouble(key); }, "zz/db/int", EINVAL},
+        {"vconf_get_str", [](const std::string& key) { IVConf::getString(key); }, "zz/db/int", 0},
         {"vconf_get_bool", [](const std::string& key) { IVConf::getBool(key); }, "db/missing", ENOENT},
     };
     for (const auto& [call, operate, key, code] : failures) {
@@ -54,4 +76,5 @@ TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
     EXPECT_NE(vconf_set_str(nullptr, "") * vconf_set_str("key", nullptr) * vconf_get_int(nullptr, nullptr), 0);
 }
 
+} // namespace
 } // namespace Nerix::Tests

@@ -28,13 +28,16 @@ boost::error_info<tag_errinfo_stream, std::string> errinfo_errno(int errnum) {
     return {get_string_from_errno(errnum)};
 }
 
+std::ostringstream classicStream() {
+    std::ostringstream stream;
+    stream.imbue(std::locale::classic());
+    return stream;
+}
+
 namespace detail {
 
 std::string subjectName(const std::type_info& type, const void* address) {
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
-    stream << type.name() << "=0x" << std::hex << reinterpret_cast<std::uintptr_t>(address);
-    return stream.str();
+    return errinfo_stream(type.name(), '=', address).value();
 }
 
 } // namespace detail

@@ -9,7 +9,6 @@
 #include <boost/throw_exception.hpp>
 
 #include <exception>
-#include <locale>
 #include <sstream>
 #include <string>
 #include <type_traits>
@@ -43,12 +42,14 @@ using errinfo_supportcode = boost::error_info<struct tag_errinfo_supportcode, st
 /// Context lines gathered on the way up, outermost first; see RethrowExceptionStream.
 using errinfo_rethrows = boost::error_info<struct tag_errinfo_rethrows, std::string>;
 
+/// A stream in the classic locale, whatever the global one is.
+std::ostringstream classicStream();
+
 /// All arguments, in order, as operator<< writes them in the classic locale. Paths come out quoted: in double
 /// quotes, with '&' in front of every double quote and '&' inside.
 template <class... Arguments>
 boost::error_info<tag_errinfo_stream, std::string> errinfo_stream(const Arguments&... arguments) {
-    std::ostringstream stream;
-    stream.imbue(std::locale::classic());
+    std::ostringstream stream = classicStream();
     (stream << ... << arguments);
     return {stream.str()};
 }

@@ -7,18 +7,14 @@
 #include <boost/exception/get_error_info.hpp>
 
 #include <exception>
-#include <locale>
 
 namespace Nerix::Common::Utils {
 
-RethrowExceptionStream::RethrowExceptionStream() : m_uncaughtAtStart(std::uncaught_exceptions()) {
-    m_stream.imbue(std::locale::classic());
-}
+RethrowExceptionStream::RethrowExceptionStream() : m_uncaughtAtStart(std::uncaught_exceptions()) {}
 
 RethrowExceptionStream::RethrowExceptionStream(const boost::exception_ptr& excPtr)
     : m_exception(excPtr), m_uncaughtAtStart(std::uncaught_exceptions()) {
     NerixAssert(excPtr);
-    m_stream.imbue(std::locale::classic());
 }
 
 RethrowExceptionStream::~RethrowExceptionStream() noexcept(false) {

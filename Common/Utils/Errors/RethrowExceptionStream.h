@@ -42,7 +42,7 @@ private:
     void rethrow() const;
 
     boost::exception_ptr m_exception; ///< empty: the exception being handled
-    std::ostringstream m_stream;
+    std::ostringstream m_stream = classicStream();
     int m_uncaughtAtStart; ///< tells whether writing the context line has thrown
 };
 

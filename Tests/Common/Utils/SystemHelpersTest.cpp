@@ -1,4 +1,3 @@
-#include "Common/Utils/Descriptor.h"
 #include "Common/Utils/Errors/Errors.h"
 #include "Common/Utils/Filesystem.h"
 #include "Common/Utils/TerminationSignals.h"
@@ -15,9 +14,7 @@
 #include <thread>
 #include <tuple>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace Nerix::Tests {
 
@@ -79,16 +76,6 @@ TEST(Filesystem, FailuresNameTheOperationAndThePath) {
         }
         EXPECT_TRUE(has(text, name) && has(text, ") " + context)) << text;
     }
-}
-
-TEST(Descriptor, IsClosedOnceUnlessReleased) {
-    const int number = ::open("/dev/null", O_RDONLY);
-    EXPECT_TRUE(Common::Utils::Descriptor(number).isOpen());
-    EXPECT_EQ(::fcntl(number, F_GETFD), -1);
-    Common::Utils::Descriptor kept(::open("/dev/null", O_RDONLY));
-    EXPECT_EQ(kept.release(), number);
-    EXPECT_FALSE(kept.isOpen());
-    EXPECT_EQ(::close(number), 0);
 }
 
 TEST(TerminationSignalsDeathTest, FirstIsRememberedAndALaterSecondEndsTheProcess) {
