@@ -8,7 +8,7 @@ import subprocess
 import sys
 import time
 
-from harness import NO_MOUNTS, PREFIX, SETTINGS, SystemTest, main, make_hole, write
+from harness import HOST, NO_MOUNTS, PREFIX, SystemTest, main, make_hole, write
 from tree_value import Model
 
 if NO_MOUNTS:
@@ -96,8 +96,8 @@ class Device(SystemTest):
     def test_settings_are_watched_from_another_process(self):
         make_hole(os.path.join(self.work, "big"), 500 << 20)
         value, _ = self.expected()
-        with subprocess.Popen([*SETTINGS, "watch", "--json"], env=self.environment, stdout=subprocess.PIPE) as objects, \
-                subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch:
+        with subprocess.Popen([HOST, "settings", "watch", "--json"], env=self.environment, stdout=subprocess.PIPE) as objects, \
+                subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch:
             watch.stdout.readline()
             time.sleep(0.5)  # the other one says nothing while it waits
             self.assertEqual(self.value(self.work), value)
@@ -105,8 +105,7 @@ class Device(SystemTest):
             last = json.loads(objects.communicate(timeout=60)[0].splitlines()[-1])
         self.assertEqual((watch.returncode, objects.returncode), (0, 0))
         self.assertEqual(last, {"status": "inactive", "progress": "100.0", "result": value[:8]})
-        listing = subprocess.run([*SETTINGS, "list", "--json"], env=self.environment, check=True, capture_output=True)
-        self.assertEqual([json.loads(line) for line in listing.stdout.splitlines()],
+        self.assertEqual([json.loads(line) for line in self.run_host("settings", "list", "--json").stdout.splitlines()],
                          [{"key": key, "value": held} for key, held in (
                              (f"db/{PREFIX}result", value[:8]), (f"memory/{PREFIX}progress", "100.0"),
                              (f"memory/{PREFIX}status", "inactive"))])

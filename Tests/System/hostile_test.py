@@ -3,15 +3,13 @@
 import contextlib
 import fcntl
 import os
-import resource
-import shutil
 import signal
 import stat
 import subprocess
 import time
 import unittest
 
-from harness import NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SETTINGS, SystemTest, main, make_hole, use_one_core, write
+from harness import HOST, NO_MOUNTS, PROGRAM, REPORT, SystemTest, main, make_hole, use_one_core, write
 from tree_value import Model
 
 
@@ -134,7 +132,7 @@ class Hostile(SystemTest):
     def test_signals_end_a_run_in_good_order_or_are_recognised(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGKILL):
             for method in ("md5", "none"):
-                with subprocess.Popen([*SETTINGS, "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
+                with subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
                     with self.long_run(method) as run:
                         next(line for line in watch.stdout if line.startswith(b"active"))
                         live = self.run_host("settings", "list")

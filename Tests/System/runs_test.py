@@ -4,7 +4,7 @@ import concurrent.futures
 import os
 import subprocess
 
-from harness import HOST, PROGRAM, PROJECT, SystemTest, main, write
+from harness import HOST, PROGRAM, PROJECT, REPORT, SystemTest, main, write
 from tree_value import Model
 
 
@@ -34,7 +34,11 @@ class Runs(SystemTest):
         ]
         for arguments, reason in cases:
             with self.subTest(arguments):
-                self.assert_one_report(self.run_program(*arguments), reason)
+                run = self.run_program(*arguments)
+                self.assertEqual(run.returncode, 1)
+                self.assertRegex(run.stdout, REPORT)
+                self.assertEqual(run.stdout.count(b"Exception caught"), 1)
+                self.assertIn(reason, run.stdout)
         fatal = [line for line in self.log_lines("system") if b"[FTL] main.cpp:" in line]
         self.assertEqual(len(fatal), len(cases))
 

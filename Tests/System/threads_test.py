@@ -93,12 +93,6 @@ class Threads(SystemTest):
             sanitizers = 1 if BUILD.endswith("tsan") else 0
             self.assertEqual(most, count + 2 + sanitizers, "beside main and the log's")
 
-    def test_large_files_between_small_ones(self):
-        for number in range(2000):
-            make_hole(os.path.join(self.work, f"{number:04}"), (200 << 20) if number in (0, 900) else number % 100)
-        output, _ = self.assert_same_with_any_number(lambda: self.run_program("--path", self.work))
-        self.assertEqual(output.decode().strip(), Model("md5").value(self.work))
-
     def test_little_of_everything(self):
         if SANITIZED:
             self.skipTest("a sanitizer needs descriptors and memory of its own")

@@ -1,6 +1,5 @@
 #include "Common/Utils/Errors/Errors.h"
 
-#include <cstdint>
 #include <cstring>
 
 namespace Nerix::Common::Utils {

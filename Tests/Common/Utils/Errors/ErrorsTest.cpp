@@ -1,14 +1,19 @@
 #include "Common/Utils/Errors/Errors.h"
+#include "Common/Utils/Errors/Assert.h"
 #include "Common/Utils/Errors/RethrowExceptionStream.h"
 #include "Common/Utils/Errors/SupportCode.h"
 #include "Common/Utils/Errors/ThreadInterrupted.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/Report.h"
+#include "Tests/Fakes/TemporaryDirectory.h"
 
+#include <boost/assert.hpp>
 #include <boost/exception/diagnostic_information.hpp>
 #include <boost/exception/errinfo_nested_exception.hpp>
+#include <boost/smart_ptr/shared_ptr.hpp>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <functional>
 #include <locale>
 #include <regex>
@@ -104,6 +109,31 @@ TEST(ErrorInfo, StreamEntryQuotesPathsAndIsReplacedByErrno) {
     GenericException exception;
     exception << errinfo_stream("first ") << errinfo_errno(2);
     EXPECT_TRUE(has(boost::diagnostic_information(exception), "] =  errno=2 (No such file or directory)\n"));
+}
+
+const std::string header = "org.corvan.tv.nerix.NERIX: Direct \\[FTL\\]\\[[0-9]+ .*\\] ASSERTION FAILED: ";
+
+TEST(AssertDeathTest, WithoutConsoleTheReportGoesToStandardErrorAndTheLog) {
+    const int one = 1;
+    EXPECT_DEATH(NerixAssert(one == 2), "Cannot open /dev/console\n" + header +
+                                            "one == 2, .*TestBody\\(\\), ErrorsTest.cpp:[0-9]+\n"
+                                            "dlog fatal: .*\\[FTL\\] Assert.cpp:[0-9]+>ASSERTION FAILED: one == 2");
+    EXPECT_DEATH(NerixAssertMsg(false, "why"), header + "false, .*\nMESSAGE: why\n");
+}
+
+TEST(AssertDeathTest, ReportStandsOnTheConsoleBeforeTheProcessEnds) {
+    const TemporaryDirectory directory;
+    const boost::filesystem::path console = directory.path() / "console";
+    ::setenv("NERIX_TEST_CONSOLE", console.c_str(), 1);
+    EXPECT_DEATH(NerixAssertMsg(false, "why"), "^dlog fatal: ");
+    ::unsetenv("NERIX_TEST_CONSOLE");
+    EXPECT_TRUE(std::regex_match(contentOf(console), std::regex(header + "false, .*\nMESSAGE: why\n")));
+}
+
+TEST(AssertDeathTest, AssertionsInsideBoostEndInTheSameReport) {
+    const boost::shared_ptr<int> empty;
+    EXPECT_DEATH(static_cast<void>(*empty), header + "px != 0, .*shared_ptr.hpp:[0-9]+\n");
+    EXPECT_DEATH(BOOST_ASSERT_MSG(false, "why"), header + "false, .*\nMESSAGE: why\n");
 }
 
 } // namespace
