@@ -1,5 +1,7 @@
-#include "HostPlatform/HostConfiguration.h"
-
+#include "PlatformInterfaces/dlog.h"
+#include "PlatformInterfaces/path_config.h"
+#include "PlatformInterfaces/system_info.h"
+#include "Tests/Fakes/OwnProcess.h"
 #include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
@@ -11,23 +13,21 @@
 namespace Nerix::Tests {
 namespace {
 
-using Platform::Host::HostConfiguration;
-
 /// The answers to three questions, "!" where there is none.
-std::string answersOf(const boost::filesystem::path& file) {
-    const HostConfiguration host(file.native());
-    std::string all = host.text("path", 43).value_or("!");
-    const auto number = host.integer("system_info", 203);
-    all += number ? "|" + std::to_string(*number) : "|!";
-    const auto flag = host.boolean("system_info", 358);
-    all += flag ? *flag ? "|true" : "|false" : "|!";
+std::string answers() {
+    const char* const drives = path_config_get(43);
+    int lines = 0;
+    bool isTV = false;
+    std::string all = drives == nullptr ? "!" : drives;
+    all += system_info_get_value_int(203, &lines) == 0 ? "|" + std::to_string(lines) : "|!";
+    all += system_info_get_value_bool(358, &isTV) != 0 ? "|!" : isTV ? "|true" : "|false";
     return all;
 }
 
 TEST(HostConfiguration, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogged) {
-    ::setenv("NERIX_HOST_LOG", "stderr", 1);
-    const TemporaryDirectory directory;
-    const boost::filesystem::path file = directory.path() / "platform.ini";
+    const TemporaryDirectory home;
+    ::setenv("NERIX_PLATFORM_HOME", home.path().c_str(), 1);
+    ::unsetenv("NERIX_HOST_LOG");
     const std::tuple<std::string, std::string, std::vector<std::string>> cases[] = {
         // file, answers, parts of the log
         {"", "/media|1080|true", {}},
@@ -46,14 +46,22 @@ TEST(HostConfiguration, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogged) {
         {"203=1\n", "!|!|!", {"'203' is neither"}},
         {"[path]\n43=/x\n" + std::string(1U << 20U, ';'), "!|!|!", {"is larger than 1 MiB"}},
     };
-    for (const auto& [content, answers, parts] : cases) {
-        boost::filesystem::ofstream(file) << content;
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(answersOf(file), answers) << content.substr(0, 100);
-        const std::string log = testing::internal::GetCapturedStderr();
+    for (const auto& [content, expected, parts] : cases) {
+        boost::filesystem::ofstream(home.path() / "platform.ini") << content;
+        boost::filesystem::remove_all(home.path() / "log");
+        inOwnProcess([&expected = expected] { EXPECT_EQ(answers(), expected); });
+        const std::string log = contentOf(home.path() / "log/main.log") + contentOf(home.path() / "log/system.log");
         EXPECT_EQ(log.empty(), parts.empty()) << log;
         for (const std::string& part : parts) { EXPECT_TRUE(has(log, part)) << part << " in " << log; }
     }
+}
+
+TEST(SystemLog, LongTextIsWhole) {
+    ::setenv("NERIX_HOST_LOG", "stderr", 1);
+    const std::string text(1024, 'x');
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(__dlog_print(DLOG_BUFFER_MAIN, DLOG_PRIORITY_ERROR, "tag", "%s", text.c_str()), 1024);
+    EXPECT_TRUE(has(testing::internal::GetCapturedStderr(), "E tag " + text + "\n"));
 }
 
 } // namespace

@@ -23,14 +23,10 @@ class Device(SystemTest):
         super().setUp()
         for place in ("/media", "/mnt"):
             self.mount(place)
-        self.fill(self.work)
-
-    @staticmethod
-    def fill(tree):
         for number in range(5):
-            os.makedirs(os.path.join(tree, f"directory {number}"))
+            os.makedirs(os.path.join(self.work, f"directory {number}"))
             for name in ("a", 'b"&'):
-                write(os.path.join(tree, f"directory {number}", name), (name * 100).encode())
+                write(os.path.join(self.work, f"directory {number}", name), (name * 100).encode())
 
     def expected(self):
         model = Model("md5")

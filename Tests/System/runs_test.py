@@ -61,11 +61,14 @@ class Runs(SystemTest):
             self.assertEqual(self.settings()[:2], ("inactive", "100.0"), "the store is not written over")
 
     def test_help(self):
+        shown = [self.run_program().stdout, *(self.run_host(*words, "--help").stdout
+                                              for words in ([], ["scan"], ["compare"], ["settings"]))]
         with open(os.path.join(PROJECT, "Tests/System/help.txt"), "rb") as golden:
-            text = golden.read().split(b"NerixHost scans a")[0]
-        for arguments in ([], ["-h"], ["--help", "--path", "/nowhere"], ["word"]):
+            self.assertEqual(golden.read(), shown[0] + b"\n".join(shown[1:]))
+        for arguments in (["-h"], ["--help", "--path", "/nowhere"], ["word"]):
             run = self.run_program(*arguments)
-            self.assertEqual((run.returncode, run.stdout), (0, text))
+            self.assertEqual((run.returncode, run.stdout), (0, shown[0]))
+        self.assertEqual(self.run_host("--version").stdout, b"NerixHost 0.348.0\n")
         self.assertEqual(self.settings(), (None, None, None))
 
     def test_two_runs_at_once(self):
