@@ -9,13 +9,6 @@ from tree_value import Model
 
 
 class Runs(SystemTest):
-    def test_many_runs_over_an_empty_directory(self):
-        for method in ("md5", "none"):
-            expected = Model(method).value(self.work)
-            for run in range(100):
-                self.assertEqual(self.value(self.work, method), expected)
-                self.assertEqual(self.settings(), ("inactive", "100.0", expected[:8]), f"run {run}")
-
     def test_failed_scans(self):
         for method in ("md6", "", "SHA1", "sha-1", "md5 "):
             self.assertEqual(self.value(self.work, method), "ERROR")

@@ -22,6 +22,7 @@ class Values(SystemTest):
         model = Model(method)
         expected = model.value(path)
         self.assertEqual(self.value(path, method), expected)
+        self.assertEqual(self.settings(), ("inactive", "100.0", expected[:8]))
         records = self.scan_records()[before:]
         # A record of more than 768 bytes would come in pieces: the names of random trees are chosen shorter.
         self.assertEqual(records, model.record_lines())
