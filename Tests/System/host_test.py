@@ -244,11 +244,9 @@ class Host(SystemTest):
                               stdout=subprocess.DEVNULL) as run:
             os.close(side)
             text = b""
-            try:
+            with contextlib.suppress(OSError):  # the end of a terminal
                 while piece := os.read(terminal, 65536):
                     text += piece
-            except OSError:
-                pass  # the end of a terminal
         os.close(terminal)
         self.assertEqual(run.returncode, 0)
         return text.decode()

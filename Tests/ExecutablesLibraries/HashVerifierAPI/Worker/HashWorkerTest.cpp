@@ -38,10 +38,8 @@ using Writes = std::vector<std::pair<std::string, Value>>;
 class HashWorkerTest : public testing::Test {
 protected:
     void SetUp() override {
-        static const bool isWithoutDrives = [] {
-            Platform::IProductInfo::initializeProduct(Platform::DEFAULT_PRODUCT);
-            return hideMountTable();
-        }();
+        static const bool isWithoutDrives =
+            (Platform::IProductInfo::initializeProduct(Platform::DEFAULT_PRODUCT), hideMountTable());
         if (!isWithoutDrives) { GTEST_SKIP() << "no private mounts on this machine: a run would write to its drives"; }
         platform().reset();
     }
