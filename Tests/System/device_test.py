@@ -62,6 +62,7 @@ class Device(SystemTest):
             self.assertEqual(self.scan_records()[before:], records)
             warning = f">Can't write to USB drive '{drive}'... using DLOG.".encode()
             self.assertEqual(sum(warning in line for line in self.log_lines("main")), 1)
+            self.assertIn(b".log: open errno=", b"".join(self.log_lines("main")))
         for number in range(5, 1000):
             os.mkdir(os.path.join(self.work, f"directory {number}"))
         value, _ = self.expected()

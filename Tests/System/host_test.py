@@ -214,6 +214,11 @@ class Host(SystemTest):
                                       check=False, stdout=subprocess.PIPE, env=self.environment)
         self.assertEqual(through_pipe.returncode, 1)
 
+    def test_logs_of_a_whole_system_compare(self):
+        for log, value in zip(self.logs, (1, 2)):
+            write(log, b'%016x "/a/b"\n%016x "/a"\n%016x "/"\n' % (value, value, value))
+        self.assertEqual(self.compare(*self.logs), [b'changed "/a/b"'])
+
     def test_logs_that_cannot_be_compared(self):
         os.makedirs(self.tree + b"/a/b")
         self.value(self.tree)

@@ -3,7 +3,7 @@
 import os
 import stat
 
-NAMES = [b"plain", b"with blank", b'quo"te', b"amp&ersand", b"new\nline", b"\xff\xfe raw", b"back\\slash", b"UPPER",
+NAMES = [b"plain", b"with blank", b'quo"te', b"amp&ersand", b"new&\nline", b"\xff\xfe raw", b"back\\slash", b"UPPER",
          b"a", b"a.txt", b"ab", b"B", b"-dash", b"'", b"%s {}", b"long" * 30, "\u00e4".encode(), b"~", b" "]
 SIZES = [0, 1, 100, 4095, 4096, 4097, 8192, 12345]
 MODES = [0o644, 0o600, 0o755, 0o4755, 0o2755, 0o1755, 0o6711, 0o444, 0o000]
