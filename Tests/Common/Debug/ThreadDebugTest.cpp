@@ -5,6 +5,7 @@
 #include <boost/thread/thread.hpp>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <future>
 
 namespace Nerix::Tests {
@@ -17,6 +18,13 @@ TEST(ThreadDebugDeathTest, ThreadsButTheMainOneGetSanitisedNames) {
     EXPECT_EQ(ThreadDebug::sanitizeThreadName("hash worker-1_Z\xc3\xa4"), "hash_worker_1_Z__");
     EXPECT_EQ(ThreadDebug::sanitizeThreadName(twenty.c_str()), twenty);
     const std::string mainName = ThreadDebug::GetThreadName();
+    const auto nameAsMain = [&] {
+        boost::thread thread([] {});
+        ThreadDebug::registerMainThreadId(thread.get_id());
+        ThreadDebug::SetThreadName(thread, "main");
+        std::exit(static_cast<int>(platform.logged(">Main thread name: main.")));
+    };
+    EXPECT_EXIT(nameAsMain(), testing::ExitedWithCode(1), "");
     const auto registerThis = [] { ThreadDebug::registerMainThreadId(boost::this_thread::get_id()); };
     registerThis();
     EXPECT_DEATH(registerThis(), "ASSERTION FAILED: m_mainThreadId == boost::thread::id\\(\\), ");
