@@ -164,17 +164,14 @@ class Faults(SystemTest):
 
         changing = threading.Thread(target=change)
         changing.start()
-        endings = collections.Counter()
         try:
             end = time.monotonic() + (30 if ALL else 4)
             while time.monotonic() < end:
                 run = self.run_program("--path", self.tree)
                 self.assert_ends_well(run, "changing tree")
-                endings["ERROR" if run.stdout == b"ERROR\n" else run.returncode] += 1
         finally:
             stop.set()
             changing.join()
-        print(dict(endings), end=" ")
 
 
 if __name__ == "__main__":

@@ -1,5 +1,6 @@
 """Makes random trees with every kind of entry that the machine allows."""
 
+import contextlib
 import os
 import stat
 
@@ -46,13 +47,8 @@ def make(directory, random, entries=12, depth=3):
 
 def _file(path, random, sparse):
     with open(path, "wb") as file:
-        if sparse:
-            file.seek(random.choice((5000, 100_000)))
-            file.write(b"end")
-        elif random.random() < 0.02:
-            file.write(random.randbytes(1_000_000))
-        else:
-            file.write(random.randbytes(random.choice(SIZES)))
+        file.seek(random.choice((5000, 100_000)) if sparse else 0)
+        file.write(random.randbytes(1_000_000 if random.random() < 0.02 else random.choice(SIZES)))
 
 
 def _dress(path, random):
@@ -61,7 +57,5 @@ def _dress(path, random):
     if not os.path.islink(path):
         os.chmod(path, random.choice(MODES) | (0o700 if os.path.isdir(path) else 0o400))
     for attribute in random.sample(ATTRIBUTES, random.choice((0, 0, 0, 1, 2, 5))):
-        try:
+        with contextlib.suppress(OSError):  # not allowed: user.* on links and special files, trusted.* without privilege
             os.setxattr(path, attribute, random.choice(VALUES), follow_symlinks=False)
-        except OSError:
-            pass  # not allowed here: user.* on links and special files, trusted.* without privilege
