@@ -14,16 +14,11 @@ std::string formatted(const char* format, std::va_list arguments) __attribute__(
 std::string formatted(const char* format, std::va_list arguments) {
     std::va_list again;
     va_copy(again, arguments);
-    char shortText[1024];
-    const int length = std::vsnprintf(shortText, sizeof shortText, format, arguments);
-    std::string text;
-    if (length >= 0 && static_cast<std::size_t>(length) < sizeof shortText) {
-        text = shortText;
-    } else if (length >= 0) {
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    std::string text = format; // after an encoding error that alone tells which record this was
+    if (length >= 0) {
         text.resize(static_cast<std::size_t>(length));
         std::vsnprintf(text.data(), text.size() + 1, format, again);
-    } else {
-        text = format; // an encoding error: the format alone still tells which record this was
     }
     va_end(again);
     return text;

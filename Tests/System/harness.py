@@ -154,8 +154,7 @@ def unescape(line):
 
 
 def main():
-    program = unittest.main(argv=[sys.argv[0], *sys.argv[2:]], exit=False, verbosity=2)
-    result = program.result
+    result = unittest.main(argv=[sys.argv[0], *sys.argv[2:]], exit=False, verbosity=2).result
     for test, reason in result.skipped:
         print(f"SKIPPED {test.id()}: {reason}")
     if not result.wasSuccessful():

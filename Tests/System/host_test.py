@@ -159,10 +159,13 @@ class Host(SystemTest):
         os.mkdir(self.tree + b"/sub")
         with open(self.tree + b"/sub/\x1bsecret", "wb"):
             os.chmod(self.tree + b"/sub/\x1bsecret", 0)
+        os.makedirs(self.tree + b"/z/inner")
+        os.chmod(self.tree + b"/z", 0o600)
         tree = self.tree.decode()
         inside = os.path.join(tree, "sub", "log")
         cases = (
             (["scan", tree, "--log", self.logs[0]], 1, f'cannot read "{tree}/sub/\\x1bsecret": Permission denied'),
+            (["scan", tree + "/z"], 1, f'cannot examine "{tree}/z/inner": Permission denied'),
             (["scan", "/nowhere"], 1, 'cannot read "/nowhere": No such file or directory'),
             (["scan", tree, "--log", inside], 1, f'the log "{inside}" would lie in the tree that is scanned, '
              f'and change its value; choose a place outside of "{tree}"'),

@@ -38,7 +38,7 @@ def make(directory, random, entries=12, depth=3):
         elif kind == "s":
             os.mknod(path, 0o600 | stat.S_IFSOCK)
         elif kind == "n" and may_make_devices():
-            os.mknod(path, 0o600 | stat.S_IFCHR, os.makedev(1, 3))
+            os.mknod(path, 0o600 | random.choice((stat.S_IFCHR, stat.S_IFBLK)), os.makedev(1, 3))
         else:
             _file(path, random, sparse=kind == "o")
             files.append(path)

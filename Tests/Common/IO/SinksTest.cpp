@@ -69,12 +69,7 @@ TEST(OpenSSLInitDeathTest, CallbacksLockWhatTheyNameAndGoWithTheSetUp) {
         const auto set =
             SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>("test", SINGLETON_OPENSSL_INITIALIZER);
         Compat::getLockingCallback()(1, 0, "", 0); // CRYPTO_LOCK
-        EXPECT_DEATH(
-            {
-                OpenSSLInit held;
-                held.lock(0);
-            },
-            "MESSAGE: Destroying object when mutex is still locked!");
+        EXPECT_DEATH(OpenSSLInit().lock(0), "MESSAGE: Destroying object when mutex is still locked!");
         set->unlock(0);
         set->lock(0);
         Compat::getLockingCallback()(2, 0, "", 0);

@@ -145,10 +145,9 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
 }
 
 TEST(Progress, WorkIsRoundedUpToBlocks) {
-    const std::uint64_t eightGigabytes = 8ULL << 30U;
     const std::tuple<std::uint64_t, std::uint32_t, std::uint64_t> cases[] = {
         {0, 4096, 0},       {1, 4096, 4096}, {4096, 4096, 4096},
-        {4097, 4096, 8192}, {4097, 0, 4097}, {eightGigabytes + 1, 4096, eightGigabytes + 4096}};
+        {4097, 4096, 8192}, {4097, 0, 4097}, {(8ULL << 30U) + 1, 4096, (8ULL << 30U) + 4096}};
     for (const auto& [size, blockSize, work] : cases) { EXPECT_EQ(Progress::workOf(size, blockSize), work) << size; }
 }
 
@@ -167,6 +166,7 @@ TEST(Progress, TextHasTwoDecimalsAndStaysBelowAHundred) {
 
 TEST(HashWorkerDeathTest, ResultBeforeTheEndIsAnAssertion) {
     GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process of its own: none has finished a run there
+    EXPECT_EQ(HashVerifierAPI::getProgress(), "0.00");
     EXPECT_DEATH(HashVerifierAPI::getResult(), "ASSERTION FAILED: !m_calculatedHash.empty\\(\\), ");
 }
 
