@@ -1,6 +1,7 @@
 #include "Common/Utils/Errors/Errors.h"
 
 #include <cstring>
+#include <locale>
 
 namespace Nerix::Common::Utils {
 
