@@ -23,8 +23,7 @@ class Documents(SystemTest):
     root = PROJECT
 
     def run_shell(self, script, stderr=None):
-        programs = ":".join(os.path.join(BUILD, "Executables", name)
-                            for name in ("NerixVerifierHash", "NerixHost"))
+        programs = f"{BUILD}/Executables/NerixVerifierHash:{BUILD}/Executables/NerixHost"
         environment = {**os.environ, "TMPDIR": self.work, "PATH": f"{programs}:{os.environ['PATH']}"}
         return subprocess.run(["bash", "-euo", "pipefail", "-c", script], cwd=self.root, env=environment, check=True,
                               stdout=subprocess.PIPE, stderr=stderr, text=True).stdout

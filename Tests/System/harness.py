@@ -138,8 +138,8 @@ def write(path, content=b""):
 
 
 def make_hole(path, size):
-    with open(path, "wb") as file:
-        file.truncate(size)
+    write(path)
+    os.truncate(path, size)
 
 
 def use_one_core():

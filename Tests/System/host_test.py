@@ -16,7 +16,7 @@ import termios
 import unittest
 
 import random_tree
-from harness import HOST, NO_MOUNTS, SystemTest, main, write
+from harness import HOST, NO_MOUNTS, PREFIX, SystemTest, main, write
 from tree_value import Model
 
 
@@ -177,11 +177,9 @@ class Host(SystemTest):
             (["scan", tree, "--details"], 2, "--details needs --log"),
             (["compare", "a"], 2, "AFTER is missing"),
             (["compare", "/nowhere", "/nowhere"], 2, "/nowhere: No such file or directory"),
-            (["settings", "get", "memory/menu/support/softwareupdate/hasherifier_statos"], 1, "there is no setting "
-             "'memory/menu/support/softwareupdate/hasherifier_statos'; did you mean "
-             "'memory/menu/support/softwareupdate/hashverifier_status'?"),
-            (["settings", "get", "progress"], 1, "there is no setting 'progress'; did you mean "
-             "'memory/menu/support/softwareupdate/hashverifier_progress'?"),
+            (["settings", "get", f"memori{PREFIX}stats"], 1,
+             f"there is no setting 'memori{PREFIX}stats'; did you mean 'memory/{PREFIX}status'?"),
+            (["settings", "get", "progress"], 1, f"there is no setting 'progress'; did you mean 'memory/{PREFIX}progress'?"),
         )
         for arguments, status, sentence in cases:
             with self.subTest(arguments):

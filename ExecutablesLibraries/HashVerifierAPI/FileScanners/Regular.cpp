@@ -3,7 +3,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/ContentStream.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
-#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 namespace Nerix::FileScanners {
 
@@ -14,12 +13,6 @@ hash_t Regular::examine(const FileInput& entry, hash_t value, const IHashFunctio
     const ContentStream content(entry.path, static_cast<std::uint64_t>(entry.status.st_size));
     value = function.apply(value, content.get());
     content.throwIfReplaced();
-    return value;
-}
-
-hash_t Regular::process(const FileInput& entry, hash_t value, const IHashFunction& function) const {
-    value = examine(entry, value, function);
-    HashWorker::getInstance().log(entry, value);
     return value;
 }
 

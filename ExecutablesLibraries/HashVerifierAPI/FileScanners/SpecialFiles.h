@@ -2,39 +2,22 @@
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
 
-/// Entries that contribute nothing: never accepted by a walk, never read, never reported. As the root of a
-/// walk they leave the value as it came.
 namespace Nerix::FileScanners {
 
-class BlockDevice final : public IFileScanner {
+/// An entry that contributes nothing: never accepted by a walk, never read, never reported. As the root of a
+/// walk it leaves the value as it came.
+class SpecialFile : public IFileScanner {
 public:
-    bool accept(const FileInput&) const override { return false; }
-    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
+    bool accept(const FileInput&) const final { return false; }
+    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const final { return value; }
 };
 
-class CharDevice final : public IFileScanner {
-public:
-    bool accept(const FileInput&) const override { return false; }
-    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
-};
-
-class LocalPipe final : public IFileScanner {
-public:
-    bool accept(const FileInput&) const override { return false; }
-    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
-};
-
-class LocalSocket final : public IFileScanner {
-public:
-    bool accept(const FileInput&) const override { return false; }
-    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
-};
+class BlockDevice final : public SpecialFile {};
+class CharDevice final : public SpecialFile {};
+class LocalPipe final : public SpecialFile {};
+class LocalSocket final : public SpecialFile {};
 
 /// Whatever lstat may report beside the known types.
-class Unknown final : public IFileScanner {
-public:
-    bool accept(const FileInput&) const override { return false; }
-    hash_t process(const FileInput&, hash_t value, const IHashFunction&) const override { return value; }
-};
+class Unknown final : public SpecialFile {};
 
 } // namespace Nerix::FileScanners

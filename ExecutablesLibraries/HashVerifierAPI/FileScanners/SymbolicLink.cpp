@@ -3,7 +3,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/AccessError.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
-#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 #include <cerrno>
 #include <vector>
@@ -25,12 +24,6 @@ hash_t SymbolicLink::examine(const FileInput& entry, hash_t value, const IHashFu
                                   "access error: can't read symlink: ", entry.path));
     }
     return function.apply(value, static_cast<unsigned int>(length), target.data());
-}
-
-hash_t SymbolicLink::process(const FileInput& entry, hash_t value, const IHashFunction& function) const {
-    value = examine(entry, value, function);
-    HashWorker::getInstance().log(entry, value);
-    return value;
 }
 
 } // namespace Nerix::FileScanners

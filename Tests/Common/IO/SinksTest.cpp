@@ -39,9 +39,8 @@ TEST(HashSink, EndedSinkKeepsItsDigestAndRefusesData) {
     EXPECT_TRUE(has(reportOf([&] { sink.writeChunk(abc, 1); }), "] = HashSink(md5)\n"));
 }
 
-TEST(HashSink, UnknownDigestFailsWithTheLibrarysReasonWhateverCameBefore) {
+TEST(HashSink, UnknownDigestFailsWithTheLibrarysReason) {
     const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
-    EXPECT_EQ(HashSink("md5").getHash().size(), 16U);
     const std::string report = reportOf([] { const HashSink sink("md6"); });
     EXPECT_TRUE(has(report, "OpenSSLException") && has(report, "] = Can't initialize digest.\n") &&
                 has(report, "] = HashSink(md6)\n") && has(report, "no digest set"))

@@ -23,16 +23,12 @@ TEST(ProductInfo, TelevisionByDefault) {
         FakePlatform& platform = FakePlatform::instance();
         platform.systemInfo = {{128, "T-ABHCHD-66770.5"}, {8, "2026-01-02"}, {133, "0.7"}, {301, "/p.txt"}, {203, 540}};
         Info::initializeProduct(static_cast<Platform::ProductType>(3));
-        EXPECT_EQ(platform.logged(">Product type set to TV_PRODUCT"), 1U);
-        EXPECT_EQ(platform.logged(">Product was build for emulator32"), 1U);
-        EXPECT_EQ(platform.logged(">Flag m_isZebConnected is set to false"), 1U);
         EXPECT_EQ(Info::getDeviceType(), Platform::TV_PRODUCT);
         EXPECT_EQ(Info::getMasterDeviceType(), Platform::TV_PRODUCT);
         EXPECT_EQ(Info::getListOfVerifiers(), std::vector<std::string>{"TV"});
         EXPECT_TRUE(Info::isMasterDevice() && Info::isScreenRatioFitNeeded());
         EXPECT_FALSE(Info::isSecondDeviceConnected() || Info::isGuestCore());
-        EXPECT_EQ(Info::getModelString(), "T-ABHCHD");
-        EXPECT_EQ(Info::getVersionString(), "66770.5");
+        EXPECT_EQ(Info::getModelString() + Info::getVersionString(), "T-ABHCHD66770.5");
         EXPECT_EQ(Info::getMainSoftwareVersionMajor(), 66770 - 65536);
         EXPECT_EQ(Info::getMainSoftwareVersionMinor(), 5);
         EXPECT_EQ(Info::getMainSoftwareVersionDate() + Info::getSubmicomVersion(), "2026-01-020.7");
@@ -40,8 +36,10 @@ TEST(ProductInfo, TelevisionByDefault) {
         EXPECT_EQ(Info::getVarikModelString() + Info::getVarikSoftwareVersionDate(), "T-ABHCBD0000-00-00");
         EXPECT_EQ(Info::getVarikSoftwareVersionMajor(), 1000);
         EXPECT_EQ(Info::getVarikSoftwareVersionMinor(), 0);
-        for (const char* const record : {">Model string: T-ABHCHD.", ">Version string: 66770.5.", ">MAJOR SW VERSION: 1234",
-                                         ">MINOR SW VERSION: 5", ">Partition.txt file path is: /p.txt"}) {
+        for (const char* const record :
+             {">Product type set to TV_PRODUCT", ">Product was build for emulator32",
+              ">Flag m_isZebConnected is set to false", ">Model string: T-ABHCHD.", ">Version string: 66770.5.",
+              ">MAJOR SW VERSION: 1234", ">MINOR SW VERSION: 5", ">Partition.txt file path is: /p.txt"}) {
             EXPECT_GE(platform.logged(record), 1U) << record;
         }
         platform.systemInfo = {{128, "no.dash"}};

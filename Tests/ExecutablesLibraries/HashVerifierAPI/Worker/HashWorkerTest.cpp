@@ -115,6 +115,7 @@ TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefused) {
 TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
     // What is in use on the file system is the whole of progress: nobody else may write there.
     if (!mountPrivately(m_tree.path().c_str())) { GTEST_SKIP() << "no private mounts on this machine"; }
+    boost::filesystem::ofstream{m_tree.path() / "0"} << std::setw(12'000'000) << 'x';
     for (const std::string name : {"1", "2", "3"}) { // progress comes in long lists, inside files and between them
         const boost::filesystem::path directory = m_tree.path() / name;
         boost::filesystem::create_directory(directory);
@@ -140,6 +141,10 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
         EXPECT_TRUE(writesOfRun() == expected) << 2 + run << " threads";
         isOver = true;
         asking.join();
+        platform().onWrite = [isFirst = true](const std::string& key, const Value& value) mutable {
+            if (key == progressKey && value != Value("0.0") && std::exchange(isFirst, false)) { platform().failSetting(key, 1); }
+        };
+        EXPECT_EQ(verify(), "ERROR") << "a report that fails is not tried again";
     }
     ::umount2(m_tree.path().c_str(), MNT_DETACH);
 }
