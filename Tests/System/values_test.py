@@ -44,9 +44,8 @@ class Values(SystemTest):
         os.mkfifo(path("fifo"))
         os.mknod(path("socket"), 0o600 | stat.S_IFSOCK)
         for name in ("file", "directory", "link"):
-            with self.subTest(name):
-                self.assert_agrees(path(name), "md5")
-                self.assert_agrees(path(name), "sha1")
+            self.assert_agrees(path(name), "md5")
+            self.assert_agrees(path(name), "sha1")
         for special in (path("fifo"), path("socket"), "/dev/null"):
             self.assertEqual(self.value(special), "0" * 16)
 

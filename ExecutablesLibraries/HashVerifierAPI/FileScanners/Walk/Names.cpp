@@ -3,7 +3,8 @@
 #include <boost/filesystem/directory.hpp>
 
 #include <algorithm>
-#include <cstring>
+#include <functional>
+#include <string_view>
 
 namespace Nerix::FileScanners {
 
@@ -14,10 +15,10 @@ Names::Names(const boost::filesystem::path& directory, std::size_t most) {
         }
         const std::string& path = entry.path().native();
         m_begins.push_back(m_text.size());
-        m_text.append(path, path.rfind('/') + 1).append(1, '\0');
+        m_text.append(path, path.rfind('/') + 1) += '\0';
     }
     std::sort(m_begins.begin(), m_begins.end(), [text = m_text.data()](std::size_t a, std::size_t b) {
-        return std::strcmp(text + a, text + b) < 0;
+        return std::less<std::string_view>()(text + a, text + b);
     });
 }
 

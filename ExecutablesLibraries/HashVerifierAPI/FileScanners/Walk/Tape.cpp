@@ -62,9 +62,7 @@ Tape::Turn Tape::next(Cells& reported, Cells& blank) {
         if (found.cell != nullptr || !reported.empty() || !m_cells.front().steps.isEmpty()) {
             return found;
         }
-        m_isReporterWaiting = true;
         m_reporterWakes.wait(lock);
-        m_isReporterWaiting = false;
     }
 }
 
@@ -112,7 +110,7 @@ void Tape::settle(Cell& cell, Cell::State state, Steps& steps) noexcept {
     } else if (m_waitingHelpers != 0) {
         m_helpersWake.notify_all();
     }
-    if (m_isReporterWaiting && (offersNames || &cell == &m_cells.front())) {
+    if (offersNames || &cell == &m_cells.front()) {
         m_reporterWakes.notify_one();
     }
 }
@@ -120,7 +118,7 @@ void Tape::settle(Cell& cell, Cell::State state, Steps& steps) noexcept {
 void Tape::addSteps(Cell& cell, Steps& steps) {
     const Lock lock(m_mutex);
     cell.steps.take(steps);
-    if (m_isReporterWaiting && &cell == &m_cells.front()) {
+    if (&cell == &m_cells.front()) {
         m_reporterWakes.notify_one();
     }
 }

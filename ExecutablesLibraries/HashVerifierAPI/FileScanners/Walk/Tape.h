@@ -141,7 +141,6 @@ private:
     std::mutex m_mutex;
     std::condition_variable m_reporterWakes;
     std::condition_variable m_helpersWake;
-    bool m_isReporterWaiting = false;
     std::size_t m_waitingHelpers = 0;
     bool m_isStopped = false;
     Cells m_cells;
