@@ -65,7 +65,7 @@ TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
         testing::internal::CaptureStderr();
         const std::string report = reportOf([&operate = operate, &key = key] { operate(key); });
         const std::string log = testing::internal::GetCapturedStderr();
-        const std::string text = call + " failed while trying to access key: " + key;
+        const std::string text = (testing::Message() << call << " failed while trying to access key: " << key).GetString();
         EXPECT_TRUE(has(report, "VConfException") && has(report, "] = " + text + "\n")) << report;
         EXPECT_EQ(has(report, "tag_errinfo_errorcode*] = " + std::to_string(code) + "\n"), code != 0) << report;
         EXPECT_TRUE(has(log, "[WRN] IVConf.cpp:") && has(log, ">" + text)) << log;

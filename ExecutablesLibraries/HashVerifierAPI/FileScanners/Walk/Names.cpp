@@ -18,7 +18,7 @@ Names::Names(const boost::filesystem::path& directory, std::size_t most) {
         m_text.append(path, path.rfind('/') + 1) += '\0';
     }
     std::sort(m_begins.begin(), m_begins.end(), [text = m_text.data()](std::size_t a, std::size_t b) {
-        return std::less<std::string_view>()(text + a, text + b);
+        return std::less<>()(std::string_view(text + a), text + b);
     });
 }
 

@@ -81,7 +81,7 @@ TEST_F(HashWorkerTest, StoreThatRefusesStopsARunOrLetsItFailButNeverEndsTheProce
         {statusKey, 100, true, "", {{progressKey, "100.0"}}},
     };
     for (const auto& [refused, times, isDuringRun, ending, last] : cases) {
-        SCOPED_TRACE(refused + std::to_string(times) + ending);
+        SCOPED_TRACE(testing::Message() << refused << times << ending);
         platform().reset();
         const auto refuse = [&refused = refused, &times = times] { platform().failSetting(refused, times); };
         platform().onWrite = [&](const std::string& key, const Value& value) {
@@ -142,7 +142,8 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
         isOver = true;
         asking.join();
         platform().onWrite = [isFirst = true](const std::string& key, const Value& value) mutable {
-            if (key == progressKey && value != Value("0.0") && std::exchange(isFirst, false)) { platform().failSetting(key, 1); }
+            const bool isOfRun = key == progressKey && value != Value("0.0");
+            if (isOfRun && std::exchange(isFirst, false)) { platform().failSetting(key, 1); }
         };
         EXPECT_EQ(verify(), "ERROR") << "a report that fails is not tried again";
     }
