@@ -148,10 +148,8 @@ void LoggingClass::printImpl(const char* tag, const char* thread, std::uint32_t 
 }
 
 void LoggingClass::getThreadId(char* buffer, std::size_t size) {
-    char name[16] = "";
-    if (::prctl(PR_GET_NAME, name) != 0) {
-        name[0] = '\0';
-    }
+    char name[16] = ""; // stays empty when the call fails
+    ::prctl(PR_GET_NAME, name);
     std::snprintf(buffer, size, "%d %s", static_cast<int>(::syscall(SYS_gettid)), name);
 }
 

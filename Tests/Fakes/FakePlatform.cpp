@@ -8,6 +8,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <type_traits>
 
 namespace Nerix::Tests {
@@ -71,6 +72,7 @@ int FakePlatform::set(const char* key, const Value& value) {
 
 void FakePlatform::addLogRecord(LogRecord record) {
     if (record.priority == DLOG_PRIORITY_FATAL) { std::fprintf(stderr, "dlog fatal: %s\n", record.text.c_str()); }
+    if (record.text.find("no memory") != std::string::npos) { throw std::bad_alloc(); }
     const Lock lock(m_mutex);
     m_log.push_back(std::move(record));
 }

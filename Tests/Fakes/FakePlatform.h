@@ -22,7 +22,7 @@ struct LogRecord {
 
 /// The platform in memory: it remembers what it is told and fails on demand. Functions may be called from any
 /// thread; what a test sets up, it sets up before it starts one. Fatal log records also go to standard error,
-/// where death tests look.
+/// where death tests look; one that says "no memory" finds none.
 class FakePlatform {
 public:
     using Value = std::variant<int, double, bool, std::string>;
