@@ -52,7 +52,7 @@ TEST(Filesystem, EntriesAreTakenAsTheyAre) {
 }
 
 TEST(Filesystem, FailuresNameTheOperationAndThePath) {
-    const boost::filesystem::path bad = "/proc/self/fd/" + std::string(5000, 'x');
+    const boost::filesystem::path bad = "/" + std::string(300, 'x');
     const std::string path = "Path: \"" + bad.native() + '"';
     const std::tuple<const char*, std::string, std::function<void()>> cases[] = {
         {"::exists_any(", path, [&] { filesystem::exists_any(bad); }},
@@ -66,11 +66,7 @@ TEST(Filesystem, FailuresNameTheOperationAndThePath) {
     for (const auto& [name, context, operation] : cases) {
         FakePlatform::instance().reset();
         EXPECT_THROW(operation(), boost::filesystem::filesystem_error) << name;
-        std::string text;
-        for (const LogRecord& record : FakePlatform::instance().log()) {
-            text += record.withoutHeader().substr(sizeof "[INF]");
-        }
-        EXPECT_TRUE(has(text, name) && has(text, ") " + context)) << text;
+        EXPECT_EQ(FakePlatform::instance().logged(name) + FakePlatform::instance().logged(") " + context), 2U) << name;
     }
 }
 
@@ -88,7 +84,8 @@ TEST(TerminationSignalsDeathTest, FirstIsRememberedAndALaterSecondEndsTheProcess
     EXPECT_EXIT(signalsAfter(0, SIGHUP), testing::KilledBySignal(SIGTERM), "remembers 15");
     EXPECT_EXIT(signalsAfter(20, SIGINT), testing::KilledBySignal(SIGTERM), "remembers 15");
     EXPECT_EXIT(signalsAfter(250, SIGINT), testing::KilledBySignal(SIGINT), "^$");
-    EXPECT_EQ(terminationSignal(), 0);
+    EXPECT_EXIT(std::signal(SIGHUP, SIG_IGN); catchTerminationSignals(); std::raise(SIGHUP);
+                std::exit(terminationSignal()), testing::ExitedWithCode(0), "");
 }
 
 TEST(Filesystem, PathsAreComparedByWholeElements) {

@@ -1,5 +1,6 @@
 #include "Common/Utils/Singletons/SRegisterItem.h"
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
+#include "Tests/Fakes/FakePlatform.h"
 
 #include <boost/thread/thread.hpp>
 #include <gtest/gtest.h>
@@ -54,6 +55,7 @@ TEST(SingletonsID, EachHasItsNumberAndItsName) {
 
 TEST(SingletonsRegister, GuardsShareOneInstance) {
     lifeEvents.clear();
+    FakePlatform::instance().reset();
     {
         const ServiceGuard first(DUMMY_SINGLETON);
         const ServiceGuard second(DUMMY_SINGLETON);
@@ -61,6 +63,9 @@ TEST(SingletonsRegister, GuardsShareOneInstance) {
         EXPECT_EQ(lifeEvents, std::vector<std::string>{"service made"});
     }
     EXPECT_EQ(lifeEvents.back(), "service gone");
+    for (const char* const record : {">Needed: singleton id: DUMMY_SING", ">Unmarking needed: singleton id: DUMMY_SING"}) {
+        EXPECT_EQ(FakePlatform::instance().logged(record), 2U) << record;
+    }
 
     boost::thread interrupted([] {
         const ServiceGuard guard(DUMMY_SINGLETON);
