@@ -174,6 +174,7 @@ class Host(SystemTest):
             (["scan", "/dev/null", "--expect", "1"], 1, "the value is 0000000000000000, not 1"),
             (["scan", tree, "-H", "md6"], 2, "there is no hash method 'md6', but: none trivial sha1 md5"),
             (["scan"], 2, "PATH is missing"),
+            (["settings", "get"], 2, "KEY is missing"),
             (["scan", tree, "--details"], 2, "--details needs --log"),
             (["compare", "a"], 2, "AFTER is missing"),
             (["compare", "/nowhere", "/nowhere"], 2, "/nowhere: No such file or directory"),
@@ -198,7 +199,7 @@ class Host(SystemTest):
         self.assertEqual(os.listdir("/mnt/small"), [])
 
     def test_logs_of_every_kind_compare(self):
-        long = self.tree + b"/" + b"/".join((b"d" * 250, b"\\\n" + b'"e&' * 60, b"f" * 200, b"g" * 250))
+        long = self.tree + b"/" + b"/".join((b"d" * 250, b"\\\n\x1b" + b'"e&' * 60, b"f" * 200, b"g" * 250))
         os.makedirs(long)
         system = os.path.join(self.home, "log", "main.log")
         self.value(self.tree)
@@ -232,7 +233,7 @@ class Host(SystemTest):
         lost = re.sub(r".*/a\"\n", "", system)
         for content, reason in (("", "is no scan log"), ("nonsense\n", "is no scan log"), ("".join(lines[:1]), ""),
                                 ("".join(lines[:-2]) + lines[0].replace("/a/b", "/c"), "is incomplete: its last"),
-                                (text[:-2], "has no end"), (text + text, "is not where a scan"),
+                                (text[:-2], "has no end\n"), (text + text, "is not where a scan"),
                                 (text + "junk\n", "line 4 is no record"),
                                 (rotated, "is incomplete: records"), (lost, "is incomplete: records"),
                                 (text.replace("/tree", "/wood"), "the logs are of different trees")):

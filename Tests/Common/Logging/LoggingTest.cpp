@@ -66,12 +66,10 @@ TEST(Logging, LevelsHaveTheirBuffersPrioritiesAndNames) {
 
 TEST(Logging, RecordNumbersOfAllThreadsAreDifferent) {
     FakePlatform::instance().reset();
-    std::vector<std::thread> threads(4);
-    for (std::thread& thread : threads) {
-        thread = std::thread([] {
-            for (int record = 0; record < 500; ++record) { NERIX_LOG(INF, "%d", record); }
-        });
-    }
+    const auto log = [] {
+        for (int record = 0; record < 500; ++record) { NERIX_LOG(INF, "%d", record); }
+    };
+    std::thread threads[] = {std::thread(log), std::thread(log), std::thread(log), std::thread(log)};
     for (std::thread& thread : threads) { thread.join(); }
     std::set<unsigned long> numbers;
     for (const LogRecord& record : FakePlatform::instance().log()) {

@@ -105,16 +105,15 @@ TEST(SingletonsRegister, FactoriesMakeServicesOnceAndMayFail) {
 
 TEST(SingletonsRegister, ServicesAreUsedFromSeveralThreadsAtOnce) {
     const ServiceGuard guard(DUMMY_SINGLETON);
-    std::vector<boost::thread> threads(4);
-    for (boost::thread& thread : threads) {
-        thread = boost::thread([] {
-            for (int time = 0; time < 500; ++time) {
-                const ServiceGuard again(DUMMY_SINGLETON);
-                EXPECT_EQ(theRegister().getService<Service>("user", DUMMY_SINGLETON)->answer(), 42);
-            }
-        });
-    }
-    for (boost::thread& thread : threads) { thread.join(); }
+    const auto use = [] {
+        for (int time = 0; time < 500; ++time) {
+            const ServiceGuard again(DUMMY_SINGLETON);
+            EXPECT_EQ(theRegister().getService<Service>("user", DUMMY_SINGLETON)->answer(), 42);
+        }
+    };
+    boost::thread_group threads;
+    for (int thread = 0; thread < 4; ++thread) { threads.create_thread(use); }
+    threads.join_all();
 }
 
 TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {

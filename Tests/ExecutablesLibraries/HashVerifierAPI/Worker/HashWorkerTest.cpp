@@ -24,6 +24,7 @@
 
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace Nerix::Tests {
 namespace {
@@ -99,9 +100,8 @@ TEST_F(HashWorkerTest, StoreThatRefusesStopsARunOrLetsItFailButNeverEndsTheProce
 
 TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefused) {
     std::promise<void> release;
-    std::shared_future<void> released = release.get_future().share();
     platform().onWrite = [&](const std::string& key, const Value& value) {
-        if (key == progressKey && value == Value("100.0")) { released.wait(); }
+        if (key == progressKey && value == Value("100.0")) { release.get_future().wait(); }
     };
     HashVerifierAPI::startVerifyPath(m_tree.path().native(), "md5");
     EXPECT_THROW(HashVerifierAPI::startVerifyPath("/", "md5"), Common::Utils::GenericException);
@@ -147,6 +147,17 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
         EXPECT_EQ(verify(), "ERROR") << "a report that fails is not tried again";
     }
     ::umount2(m_tree.path().c_str(), MNT_DETACH);
+}
+
+TEST_F(HashWorkerTest, WholeSystemIsItsRootWithMd5) {
+    inOwnProcess([&] {
+        if (::chroot(m_tree.path().c_str()) + ::chdir("/") != 0) { return; } // an ordinary user may not
+        HashVerifierAPI::startVerifyFileSystem();
+        HashWorker::getInstance().wait();
+        const std::string value = HashVerifierAPI::getResult();
+        EXPECT_EQ(HashVerifierAPI::nerixVerifyPath("/", "md5"), value);
+        EXPECT_EQ(HashVerifierAPI::nerixVerifyFileSystem(), value);
+    });
 }
 
 TEST(Progress, WorkIsRoundedUpToBlocks) {
