@@ -42,7 +42,6 @@ TEST(HostConfiguration, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogged) {
         {"[system_info]\n203=12x\n", "[system_info] screen_lines (203) is '12x', not an integer"},
         {"[system_info]\n358=yes\n", "platform.ini: [system_info] is_tv (358) is 'yes', not true or false"},
         {"[path]\n43 = /x\nnonsense\n", "no answer for [path] usb_drives (43): "},
-        {"[path]\n43=/a\n43=/b\n", "platform.ini:3: "},
         {"[systeminfo]\n203=1\n", "'systeminfo' is neither [system_info] nor [path]"},
         {"203=1\n", "'203' is neither"},
         {"[path]\n43=/x\n" + std::string(1U << 20U, ';'), "is larger than 1 MiB"},

@@ -34,7 +34,22 @@ const std::string progressKey = "memory/menu/support/softwareupdate/hashverifier
 const std::string resultKey = "db/menu/support/softwareupdate/hashverifier_result";
 
 using Value = FakePlatform::Value;
+using OpenSSLGuard = Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit>;
 using Writes = std::vector<std::pair<std::string, Value>>;
+
+TEST(HashVerifierAPI, WholeSystemIsItsRootWithMd5) {
+    const TemporaryDirectory root;
+    inOwnProcess([&] {
+        if (::chroot(root.path().c_str()) + ::chdir("/") != 0) { return; } // an ordinary user may not
+        Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
+        const OpenSSLGuard openSSL{Common::Utils::SINGLETON_OPENSSL_INITIALIZER};
+        HashVerifierAPI::startVerifyFileSystem();
+        HashWorker::getInstance().wait();
+        const std::string value = HashVerifierAPI::getResult();
+        EXPECT_EQ(HashVerifierAPI::nerixVerifyPath("/", "md5"), value);
+        EXPECT_EQ(HashVerifierAPI::nerixVerifyFileSystem(), value);
+    });
+}
 
 class HashWorkerTest : public testing::Test {
 protected:
@@ -57,8 +72,7 @@ protected:
     }
 
     const TemporaryDirectory m_tree;
-    const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> m_openSSL{
-        Common::Utils::SINGLETON_OPENSSL_INITIALIZER};
+    const OpenSSLGuard m_openSSL{Common::Utils::SINGLETON_OPENSSL_INITIALIZER};
 };
 
 TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
@@ -67,7 +81,6 @@ TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
     const Writes expected = {{resultKey, "00000111"},          {progressKey, "0.0"},   {statusKey, "active"},
                              {resultKey, result.substr(0, 8)}, {progressKey, "100.0"}, {statusKey, "inactive"}};
     EXPECT_EQ(platform().written(), expected);
-    EXPECT_EQ(HashVerifierAPI::getResult(), result);
 }
 
 TEST_F(HashWorkerTest, StoreThatRefusesStopsARunOrLetsItFailButNeverEndsTheProcess) {
@@ -147,17 +160,6 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
         EXPECT_EQ(verify(), "ERROR") << "a report that fails is not tried again";
     }
     ::umount2(m_tree.path().c_str(), MNT_DETACH);
-}
-
-TEST_F(HashWorkerTest, WholeSystemIsItsRootWithMd5) {
-    inOwnProcess([&] {
-        if (::chroot(m_tree.path().c_str()) + ::chdir("/") != 0) { return; } // an ordinary user may not
-        HashVerifierAPI::startVerifyFileSystem();
-        HashWorker::getInstance().wait();
-        const std::string value = HashVerifierAPI::getResult();
-        EXPECT_EQ(HashVerifierAPI::nerixVerifyPath("/", "md5"), value);
-        EXPECT_EQ(HashVerifierAPI::nerixVerifyFileSystem(), value);
-    });
 }
 
 TEST(Progress, WorkIsRoundedUpToBlocks) {
