@@ -2,6 +2,7 @@
 
 import concurrent.futures
 import os
+import re
 import subprocess
 
 from harness import HOST, PROGRAM, PROJECT, REPORT, SystemTest, main, write
@@ -31,8 +32,10 @@ class Runs(SystemTest):
             self.assertRegex(run.stdout, REPORT)
             self.assertEqual(run.stdout.count(b"Exception caught"), 1)
             self.assertIn(reason, run.stdout)
-        fatal = [line for line in self.log_lines("system") if b"[FTL] main.cpp:" in line]
-        self.assertEqual(len(fatal), len(cases))
+        log = b"".join(self.log_lines("main") + self.log_lines("system"))
+        for record in (rb"FTL\] main.cpp:\d+>Exc", rb"INF\] ThreadDebug.cpp:\d+>Registering main thread id"):
+            found = re.findall(rb"\[NerixVerifierHash-0.348.0\]\[\d+ NerixVerifierHa\]\[\d+\]\[" + record, log)
+            self.assertEqual(len(found), len(cases))
 
     def test_unusable_standard_output(self):
         read, write = os.pipe()
