@@ -116,8 +116,7 @@ class SystemTest(unittest.TestCase):
     def settings(self):
         """status, progress and result as they stand in the store; None for what is not there."""
         held = dict(line.split(" = ", 1) for line in self.run_host("settings", "list").stdout.decode().splitlines())
-        return (held.get(f"memory/{PREFIX}status"), held.get(f"memory/{PREFIX}progress"),
-                held.get(f"db/{PREFIX}result"))
+        return tuple(map(held.get, (f"memory/{PREFIX}status", f"memory/{PREFIX}progress", f"db/{PREFIX}result")))
 
     def log_lines(self, buffer):
         path = os.path.join(self.home, "log", f"{buffer}.log")
