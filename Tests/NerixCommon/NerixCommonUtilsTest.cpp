@@ -41,7 +41,6 @@ TEST(NerixCommonUtilsDeathTest, UpgradeTypesHaveNames) {
 TEST(NerixCommonUtils, TransactionIdsAreChecksums) {
     const std::string digits = "123456789";
     EXPECT_EQ(Utils::getTransactionIdForUpgrade({digits.begin(), digits.end()}), "2639f4cb");
-    EXPECT_EQ(Utils::getTransactionIdForUpgrade({}), "00000000");
 }
 
 } // namespace Nerix::Tests

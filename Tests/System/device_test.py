@@ -4,6 +4,7 @@ import json
 import os
 import re
 import resource
+import signal
 import subprocess
 import sys
 import time
@@ -95,12 +96,15 @@ class Device(SystemTest):
             last = json.loads(objects.communicate(timeout=60)[0].splitlines()[-1])
         self.assertEqual((watch.returncode, objects.returncode), (0, 0))
         self.assertEqual(last, {"status": "inactive", "progress": "100.0", "result": value[:8]})
-        self.assertEqual([json.loads(line) for line in self.run_host("settings", "list", "--json").stdout.splitlines()],
-                         [{"key": key, "value": held} for key, held in (
-                             (f"db/{PREFIX}result", value[:8]), (f"memory/{PREFIX}progress", "100.0"),
-                             (f"memory/{PREFIX}status", "inactive"))])
+        held = [tuple(json.loads(line).values()) for line in self.run_host("settings", "list", "--json").stdout.splitlines()]
+        self.assertEqual(held, [(f"db/{PREFIX}result", value[:8]), (f"memory/{PREFIX}progress", "100.0"),
+                                (f"memory/{PREFIX}status", "inactive")])
         self.assertTrue(any(re.fullmatch(r"active +\d\d?\.\d\d? % \[#* +\] 00000111", line) for line in lines), lines)
         self.assertRegex(lines[-1], r"^inactive +100\.0 % \[#{38}\] " + value[:8] + "$")
+        with subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
+            self.assertEqual(watch.stdout.readline(), b"waiting for a run (the last one: " + value[:8].encode() + b")\n")
+            watch.send_signal(signal.SIGINT)
+            self.assertEqual(watch.wait(60), 0)
 
 
 if __name__ == "__main__":
