@@ -23,8 +23,7 @@ TEST(ProductInfo, TelevisionByDefault) {
         FakePlatform& platform = FakePlatform::instance();
         platform.systemInfo = {{128, "T-ABHCHD-66770.5"}, {8, "2026-01-02"}, {133, "0.7"}, {301, "/p.txt"}, {203, 540}};
         Info::initializeProduct(static_cast<Platform::ProductType>(3)); // by its number, which others pass
-        EXPECT_EQ(Info::getDeviceType(), Platform::TV_PRODUCT);
-        EXPECT_EQ(Info::getMasterDeviceType(), Platform::TV_PRODUCT);
+        EXPECT_TRUE(Info::getDeviceType() == Platform::TV_PRODUCT && Info::getMasterDeviceType() == Platform::TV_PRODUCT);
         EXPECT_EQ(Info::getListOfVerifiers(), std::vector<std::string>{"TV"});
         EXPECT_TRUE(Info::isMasterDevice() && Info::isScreenRatioFitNeeded());
         EXPECT_FALSE(Info::isSecondDeviceConnected() || Info::isGuestCore());

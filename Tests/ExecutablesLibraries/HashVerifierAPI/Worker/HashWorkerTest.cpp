@@ -22,6 +22,7 @@
 #include <thread>
 #include <tuple>
 
+#include <fcntl.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -40,6 +41,7 @@ using Writes = std::vector<std::pair<std::string, Value>>;
 TEST(HashVerifierAPI, WholeSystemIsItsRootWithMd5) {
     const TemporaryDirectory root;
     inOwnProcess([&] {
+        const int outside = ::open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (::chroot(root.path().c_str()) + ::chdir("/") != 0) { return; } // an ordinary user may not
         Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
         const OpenSSLGuard openSSL{Common::Utils::SINGLETON_OPENSSL_INITIALIZER};
@@ -48,6 +50,7 @@ TEST(HashVerifierAPI, WholeSystemIsItsRootWithMd5) {
         const std::string value = HashVerifierAPI::getResult();
         EXPECT_EQ(HashVerifierAPI::nerixVerifyPath("/", "md5"), value);
         EXPECT_EQ(HashVerifierAPI::nerixVerifyFileSystem(), value);
+        EXPECT_EQ(::fchdir(outside) + ::chroot("."), 0); // where a sanitizer finds /proc at the end
     });
 }
 
@@ -162,14 +165,11 @@ TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
     ::umount2(m_tree.path().c_str(), MNT_DETACH);
 }
 
-TEST(Progress, WorkIsRoundedUpToBlocks) {
+TEST(Progress, WorkIsRoundedUpToBlocksAndReportedByTheMebibyte) {
     const std::tuple<std::uint64_t, std::uint32_t, std::uint64_t> cases[] = {
         {0, 4096, 0},       {1, 4096, 4096}, {4096, 4096, 4096},
         {4097, 4096, 8192}, {4097, 0, 4097}, {(8ULL << 30U) + 1, 4096, (8ULL << 30U) + 4096}};
     for (const auto& [size, blockSize, work] : cases) { EXPECT_EQ(Progress::workOf(size, blockSize), work) << size; }
-}
-
-TEST(Progress, MoreThanAMebibyteOrLessThanBeforeIsWorthReporting) {
     EXPECT_FALSE(Progress::isWorthReporting(0x100005, 5) || Progress::isWorthReporting(5, 5));
     EXPECT_TRUE(Progress::isWorthReporting(0x100006, 5) && Progress::isWorthReporting(4, 5));
 }
