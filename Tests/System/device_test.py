@@ -4,7 +4,6 @@ import json
 import os
 import re
 import resource
-import signal
 import subprocess
 import sys
 import time
@@ -101,10 +100,9 @@ class Device(SystemTest):
                                 (f"memory/{PREFIX}status", "inactive")])
         self.assertTrue(any(re.fullmatch(r"active +\d\d?\.\d\d? % \[#* +\] 00000111", line) for line in lines), lines)
         self.assertRegex(lines[-1], r"^inactive +100\.0 % \[#{38}\] " + value[:8] + "$")
-        with subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
-            self.assertEqual(watch.stdout.readline(), b"waiting for a run (the last one: " + value[:8].encode() + b")\n")
-            watch.send_signal(signal.SIGINT)
-            self.assertEqual(watch.wait(60), 0)
+        left = subprocess.run(["timeout", "--preserve-status", "-k5", "-sINT", "1", HOST, "settings", "watch"],
+                              env=self.environment, check=False, stdout=subprocess.PIPE)
+        self.assertEqual((left.returncode, left.stdout.decode()), (0, f"waiting for a run (the last one: {value[:8]})\n"))
 
 
 if __name__ == "__main__":
