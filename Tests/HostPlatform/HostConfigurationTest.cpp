@@ -24,7 +24,7 @@ std::string answers() {
     return all;
 }
 
-TEST(HostConfiguration, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogged) {
+TEST(HostConfigurationDeathTest, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogged) {
     const TemporaryDirectory home;
     ::setenv("NERIX_PLATFORM_HOME", home.path().c_str(), 1);
     ::unsetenv("NERIX_HOST_LOG");
@@ -56,7 +56,7 @@ TEST(HostConfiguration, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogged) {
     }
 }
 
-TEST(HostConfiguration, EachQuestionHasABuiltInAnswer) {
+TEST(HostConfigurationDeathTest, EachQuestionHasABuiltInAnswer) {
     inOwnProcess([] {
         Platform::Host::keepStateInMemory();
         std::string all;

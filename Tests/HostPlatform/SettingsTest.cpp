@@ -37,7 +37,7 @@ void expectEachTypeIsKept() {
     EXPECT_EQ(all.back().key + all.front().key, "zz/db/yesmemory/double");
 }
 
-TEST(Settings, EachTypeIsKeptInMemoryToo) {
+TEST(SettingsDeathTest, EachTypeIsKeptInMemoryToo) {
     inOwnProcess([] {
         Platform::Host::keepStateInMemory();
         expectEachTypeIsKept();

@@ -143,9 +143,11 @@ void inDevice(const std::function<void(const boost::filesystem::path& file)>& bo
     withOwnMnt([&] {
         Info::initializeProduct(Platform::TV_PRODUCT);
         const boost::filesystem::path file = Info::getEmulatedInfoPath();
+        FakePlatform::instance().reset();
         EXPECT_FALSE(Info::getEmulatedModelString()) << "no file";
-        EXPECT_EQ(FakePlatform::instance().logged(">emulated info file " + file.native() + " does not exist"), 1U);
-        EXPECT_EQ(FakePlatform::instance().logged(" should be used only in Debug mode"), 1U);
+        EXPECT_EQ(FakePlatform::instance().logged(">emulated info file " + file.native() + " does not exist") +
+                      FakePlatform::instance().logged(" should be used only in Debug mode"),
+                  2U);
         expectFailure("File doesn't exist.", [] { Info::setEmulatedModelString("m"); });
         boost::filesystem::create_directories(file.parent_path());
         body(file);

@@ -11,7 +11,7 @@
 
 namespace Nerix::Tests {
 
-TEST(MountPoints, LastDriveOfTheTableIsFoundByEitherRule) {
+TEST(MountPointsDeathTest, LastDriveOfTheTableIsFoundByEitherRule) {
     for (const bool hasVariable : {true, false}) {
         inOwnProcess([hasVariable] {
             if (hasVariable) { FakePlatform::instance().pathVariables[43] = "/opt/usb"; }

@@ -38,7 +38,7 @@ using Value = FakePlatform::Value;
 using OpenSSLGuard = Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit>;
 using Writes = std::vector<std::pair<std::string, Value>>;
 
-TEST(HashVerifierAPI, WholeSystemIsItsRootWithMd5) {
+TEST(HashVerifierAPIDeathTest, WholeSystemIsItsRootWithMd5) {
     const TemporaryDirectory root;
     inOwnProcess([&] {
         const int outside = ::open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
