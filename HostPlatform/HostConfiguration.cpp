@@ -1,5 +1,6 @@
 #include "HostPlatform/HostConfiguration.h"
 
+#include "Common/Base/NoDestructor.h"
 #include "HostPlatform/HostDirectories.h"
 #include "HostPlatform/StateInMemory.h"
 #include "PlatformInterfaces/dlog.h"
@@ -92,7 +93,7 @@ bool readInto(std::stringstream& content, const std::filesystem::path& file) {
 } // namespace
 
 const HostConfiguration& HostConfiguration::instance() {
-    static const HostConfiguration configuration([] {
+    static Common::NoDestructor<const HostConfiguration> configuration([] {
         try {
             return isStateInMemory() ? std::filesystem::path() : durableDirectory() / "platform.ini";
         } catch (const std::system_error& noHome) {
@@ -100,7 +101,7 @@ const HostConfiguration& HostConfiguration::instance() {
             return std::filesystem::path();
         }
     }());
-    return configuration;
+    return *configuration;
 }
 
 HostConfiguration::HostConfiguration(std::filesystem::path file) : m_file(std::move(file)) {

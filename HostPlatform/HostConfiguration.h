@@ -22,7 +22,7 @@ namespace Nerix::Platform::Host {
 /// naming file, section and key. Immutable; any thread may ask.
 class HostConfiguration {
 public:
-    /// The configuration of this process, read when first asked for.
+    /// The configuration of this process, read at the first call and never destroyed.
     static const HostConfiguration& instance();
 
     /// A file that does not exist overrides nothing.

@@ -1,5 +1,6 @@
 #include "HostPlatform/SettingsStore.h"
 
+#include "Common/Base/NoDestructor.h"
 #include "HostPlatform/HostDirectories.h"
 #include "HostPlatform/LmdbShelf.h"
 #include "HostPlatform/MemoryShelf.h"
@@ -19,10 +20,10 @@ constexpr std::string_view volatilePrefix = "memory/";
 
 /// What is stored: the type's letter, the writer's identity, a zero byte, the value's bytes.
 std::string packed(SettingType type, std::string_view bytes) {
-    static const std::string writer = ProcessIdentity::own();
+    static Common::NoDestructor<const std::string> writer(ProcessIdentity::own());
     std::string record;
-    record.reserve(1 + writer.size() + 1 + bytes.size());
-    record.append(1, static_cast<char>(type)).append(writer).append(1, '\0').append(bytes);
+    record.reserve(1 + writer->size() + 1 + bytes.size());
+    record.append(1, static_cast<char>(type)).append(*writer).append(1, '\0').append(bytes);
     return record;
 }
 
@@ -64,9 +65,8 @@ SettingsStore::SettingsStore() {
 SettingsStore::~SettingsStore() = default;
 
 SettingsStore& SettingsStore::instance() {
-    // Never destroyed: other static objects may still publish while the process ends.
-    static SettingsStore& store = *new SettingsStore();
-    return store;
+    static Common::NoDestructor<SettingsStore> store;
+    return *store;
 }
 
 std::string SettingsStore::lastFailure() const {

@@ -6,6 +6,11 @@
 #include <string_view>
 #include <vector>
 
+namespace Nerix::Common {
+template <class T>
+class NoDestructor;
+}
+
 namespace Nerix::Platform::Host {
 
 class SettingsShelf;
@@ -52,6 +57,8 @@ public:
     std::string lastFailure() const;
 
 private:
+    friend class Common::NoDestructor<SettingsStore>;
+
     SettingsStore();
     ~SettingsStore();
 

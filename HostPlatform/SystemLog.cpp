@@ -1,5 +1,6 @@
 #include "HostPlatform/SystemLog.h"
 
+#include "Common/Base/NoDestructor.h"
 #include "HostPlatform/BatchingSink.h"
 #include "HostPlatform/EscapedText.h"
 #include "HostPlatform/HostDirectories.h"
@@ -116,11 +117,10 @@ char letterOf(int priority) {
 } // namespace
 
 SystemLog& SystemLog::instance() {
-    // Never destroyed: other static objects may log while the process ends.
-    static SystemLog& log = *new SystemLog();
+    static Common::NoDestructor<SystemLog> log;
     static const int isEndedAtExit = std::atexit([] { instance().end(); });
     static_cast<void>(isEndedAtExit);
-    return log;
+    return *log;
 }
 
 SystemLog::SystemLog() {

@@ -10,6 +10,11 @@ namespace spdlog {
 class logger;
 }
 
+namespace Nerix::Common {
+template <class T>
+class NoDestructor;
+}
+
 namespace Nerix::Platform::Host {
 
 /// The host's system log. NERIX_HOST_LOG chooses where records go:
@@ -29,7 +34,7 @@ namespace Nerix::Platform::Host {
 /// one of several processes starts a new file, the others go on in the old one. Any thread may call.
 class SystemLog {
 public:
-    static SystemLog& instance();
+    static SystemLog& instance(); ///< never destroyed
 
     /// buffer and priority are those of PlatformInterfaces/dlog.h; any buffer but DLOG_BUFFER_MAIN counts as
     /// the system buffer. False when the record could not be written; the first such failure is reported on
@@ -40,6 +45,8 @@ public:
     void flush();
 
 private:
+    friend class Common::NoDestructor<SystemLog>;
+
     SystemLog();
     void flushEachSecond();
     void writeThrough(); ///< from now on no line waits

@@ -1,5 +1,6 @@
 #include "PlatformInterfaces/path_config.h"
 
+#include "Common/Base/NoDestructor.h"
 #include "HostPlatform/CBarrier.h"
 #include "HostPlatform/HostConfiguration.h"
 
@@ -7,18 +8,19 @@
 #include <mutex>
 #include <string>
 
+using Nerix::Common::NoDestructor;
 using Nerix::Platform::Host::HostConfiguration;
 using Nerix::Platform::Host::withoutExceptions;
 
 const char* path_config_get(int variable) {
-    // Kept for the life of the process, as callers hold on to the texts.
+    // Never destroyed, as callers hold on to the texts.
+    static NoDestructor<std::map<int, std::string>> answers;
     static std::mutex mutex;
-    static std::map<int, std::string> answers;
     const char* directory = nullptr;
     withoutExceptions([&] {
         const std::lock_guard<std::mutex> lock(mutex);
         if (const auto text = HostConfiguration::instance().text("path", variable)) {
-            directory = answers.emplace(variable, *text).first->second.c_str();
+            directory = answers->emplace(variable, *text).first->second.c_str();
         }
         return 0;
     });

@@ -1,5 +1,7 @@
 #include "Common/IO/DigestLookup.h"
 
+#include "Common/Base/NoDestructor.h"
+
 #include <map>
 #include <memory>
 #include <mutex>
@@ -20,11 +22,10 @@ struct FetchedDigests {
 } // namespace
 
 const EVP_MD* lookUpDigest(const std::string& digestName) {
-    // Never destroyed: a thread may still be hashing while static objects go.
-    static FetchedDigests& fetched = *new FetchedDigests();
-    const std::lock_guard<std::mutex> lock(fetched.mutex);
-    const auto known = fetched.byName.find(digestName);
-    if (known != fetched.byName.end()) {
+    static NoDestructor<FetchedDigests> fetched;
+    const std::lock_guard<std::mutex> lock(fetched->mutex);
+    const auto known = fetched->byName.find(digestName);
+    if (known != fetched->byName.end()) {
         return known->second.get();
     }
     // By name first: that knows more spellings than a fetch does, and not the digest "null".
@@ -33,7 +34,7 @@ const EVP_MD* lookUpDigest(const std::string& digestName) {
         return nullptr;
     }
     std::unique_ptr<EVP_MD, DigestDeleter> digest(EVP_MD_fetch(nullptr, EVP_MD_get0_name(named), nullptr));
-    return digest ? fetched.byName.emplace(digestName, std::move(digest)).first->second.get() : nullptr;
+    return digest ? fetched->byName.emplace(digestName, std::move(digest)).first->second.get() : nullptr;
 }
 
 } // namespace Nerix::Common::IO

@@ -1,5 +1,6 @@
 #include "Common/Logging/LoggingClass.h"
 
+#include "Common/Base/NoDestructor.h"
 #include "Common/Logging/AtomicAddFetch.h"
 #include "Common/Logging/PackageVersion.h"
 #include "PlatformInterfaces/dlog.h"
@@ -61,8 +62,8 @@ const LevelLayout& layoutOf(LoggingClass::Level level) {
 } // namespace
 
 std::string& LoggingClass::processName() {
-    static std::string& m_processName = *new std::string;
-    return m_processName;
+    static NoDestructor<std::string> m_processName;
+    return *m_processName;
 }
 
 void LoggingClass::init(const char* programName) {

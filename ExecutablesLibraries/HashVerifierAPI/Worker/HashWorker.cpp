@@ -1,5 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
+#include "Common/Base/NoDestructor.h"
 #include "Common/IO/HashSinkScope.h"
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/Assert.h"
@@ -229,16 +230,16 @@ void HashWorker::scan() {
 }
 
 void HashWorker::fail() noexcept {
-    static const std::string errorMessage = PublishedState::errorResult;
+    static Common::NoDestructor<const std::string> errorMessage(PublishedState::errorResult);
     m_failure = std::current_exception();
     // Not ERR: those are the records of the levels that the failure passed.
     logCurrentException(LoggingClass::WRN, "Verification failed: ");
     try {
-        shutdown(errorMessage);
+        shutdown(*errorMessage);
     } catch (...) {
         logCurrentException(LoggingClass::ERR, "Exception when ending a failed scan: ");
     }
-    m_calculatedHash = errorMessage;
+    m_calculatedHash = *errorMessage;
 }
 
 void HashWorker::publishInactive() noexcept {
