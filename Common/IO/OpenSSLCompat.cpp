@@ -38,6 +38,11 @@ DigestContext makeDigestContext() {
     return DigestContext(spareContext ? spareContext.release() : EVP_MD_CTX_new());
 }
 
+void initialize() {
+    useStandardAllocation(); // which the library takes only before its first allocation
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+}
+
 int numLocks() {
     return CRYPTO_num_locks();
 }

@@ -21,6 +21,10 @@ using ThreadIdCallback = void (*)(ThreadId* id);
 
 constexpr int lockBit = 1;
 
+/// Sets the library up before anything else uses it: it allocates with malloc and registers no exit handler,
+/// because a worker may still hash when the process ends. Later calls change nothing.
+void initialize();
+
 /// How many locks the library wants.
 int numLocks();
 

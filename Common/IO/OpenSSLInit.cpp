@@ -8,6 +8,7 @@
 namespace Nerix::Common::IO {
 
 OpenSSLInit::OpenSSLInit() : m_locks(static_cast<std::size_t>(OpenSSLCompat::numLocks())) {
+    OpenSSLCompat::initialize();
     for (auto& lock : m_locks) {
         lock = std::make_unique<boost::mutex>();
     }

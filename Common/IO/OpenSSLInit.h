@@ -15,7 +15,7 @@ namespace Nerix::Common::IO {
 /// SINGLETON_OPENSSL_INITIALIZER; a guard in main spans the whole run.
 class OpenSSLInit : public Utils::RegisterableSingleton {
 public:
-    /// Makes the locks, then installs the callbacks. Throws boost::thread_resource_error when a mutex cannot
+    /// Sets the library up (OpenSSLCompat::initialize), makes the locks, then installs the callbacks. Throws boost::thread_resource_error when a mutex cannot
     /// be made; nothing is installed then.
     OpenSSLInit();
 

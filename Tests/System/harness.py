@@ -16,6 +16,7 @@ BUILD = os.path.abspath(sys.argv[1])
 PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 SANITIZED = BUILD.endswith(("asan", "tsan"))
 PROGRAM = os.path.join(BUILD, "Executables/NerixVerifierHash/NerixVerifierHash")
+LEAVING = os.path.join(BUILD, "Tests/System/Tests_System_LeavingProgram")
 HOST = os.path.join(BUILD, "Executables/NerixHost/NerixHost")
 
 PREFIX = "menu/support/softwareupdate/hashverifier_"

@@ -5,7 +5,7 @@ import os
 import re
 import subprocess
 
-from harness import HOST, PROGRAM, PROJECT, REPORT, SystemTest, main, write
+from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, write
 from tree_value import Model
 
 
@@ -59,6 +59,16 @@ class Runs(SystemTest):
             self.assertEqual((run.returncode, run.stdout), (0, shown[0]))
         self.assertEqual(self.run_host("--version").stdout, b"NerixHost 0.348.0\n")
         self.assertEqual(self.settings(), (None, None, None))
+
+    def test_worker_publishes_its_value_while_the_process_ends(self):
+        for number in range(300):
+            write(os.path.join(self.work, str(number)), b"x" * 5000)
+        value = Model("md5").value(self.work)
+        for microseconds in range(0, 1000, 20):
+            run = subprocess.run([LEAVING, self.work, str(microseconds)], check=False, env=self.environment, timeout=60,
+                                 capture_output=True)
+            self.assertEqual((run.returncode, run.stderr), (0, b""), microseconds)
+            self.assertEqual(self.settings(), ("inactive", "100.0", value[:8]), microseconds)
 
     def test_two_runs_at_once(self):
         expected = Model("sha1").value("/usr/share/doc")
