@@ -11,6 +11,7 @@ import signal
 import subprocess
 import sys
 import time
+import unittest
 
 from harness import BUILD, NO_MOUNTS, PROGRAM, SANITIZED, SystemTest, main, make_hole, write
 from tree_value import Model
@@ -127,6 +128,32 @@ class Threads(SystemTest):
                 self.assertEqual(run.returncode, -signal.SIGTERM)
                 self.assertEqual(self.settings()[::2], ("inactive", "ERROR"))
         self.assertEqual(self.value(self.work), expected)
+
+    def run_with_failing_calls(self, fault, entries):
+        """One run in which the fourth such call of each thread on one of the entries fails."""
+        scope = [word for entry in entries for word in ("-P", entry)]
+        return subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", *scope, "-e", f"inject={fault}:when=4", PROGRAM, "--path",
+                               self.work], check=False, env=self.environment, capture_output=True, timeout=60).stdout
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_call_that_fails_once_fails_the_run_with_any_number_of_threads(self):
+        entries = [os.path.join(self.work, str(number)) for number in range(40)]
+        for entry in entries[::2]:
+            write(entry)
+            os.setxattr(entry, "user.name", b"value")
+        for entry in entries[1::2]:
+            os.symlink("target", entry)
+        expected = Model("md5").value(self.work).encode() + b"\n"
+        for fault in ("openat:error=EACCES", "lgetxattr:retval=7", "llistxattr:error=EIO", "readlink:error=EIO",
+                      "newfstatat:error=ENOENT"):
+            for threads in (1, 4):
+                with self.subTest(fault, threads=threads):
+                    self.use_threads(threads)
+                    self.assertEqual(self.run_with_failing_calls(fault, entries), b"ERROR\n")
+        for fault in ("openat:error=EMFILE", "openat:error=ENFILE", "llistxattr:error=ENOMEM"):
+            with self.subTest(fault):
+                self.use_threads(4)
+                self.assertEqual(self.run_with_failing_calls(fault, entries), expected, "tried again without helpers")
 
     def test_calls_that_fail_in_any_thread(self):
         if SANITIZED or not shutil.which("strace"):

@@ -10,6 +10,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <list>
 #include <memory>
 #include <mutex>
@@ -51,8 +52,8 @@ struct Listing {
 struct Cell : boost::intrusive::list_base_hook<> {
     enum class State {
         InHand,
-        Settled, ///< examined
-        Left     ///< could not be examined ahead: the reporter does it when the cell is in front
+        Settled, ///< examined, or with a failure that is the entry's own
+        Left     ///< not examined ahead for lack of resources: the reporter does it when the cell is in front
     };
 
     // Guarded by the tape.
@@ -71,6 +72,7 @@ struct Cell : boost::intrusive::list_base_hook<> {
     const IFileScanner* scanner = nullptr;
     IFileScanner::hash_t value = 0;
     std::unique_ptr<Listing> listing; ///< a directory's
+    std::exception_ptr failure;       ///< why the entry could not be examined; null when it was
 };
 
 /// The entries of a walk that are taken and not yet reported, in the order of the reports: a directory's cell

@@ -6,6 +6,7 @@
 #include "Common/Utils/TerminationSignals.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/LackOfResources.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
@@ -149,7 +150,7 @@ hash_t Walk::run(const FileInput& root, hash_t value) {
         try {
             step();
         } catch (...) {
-            if (m_isReporting || m_helpers.empty()) {
+            if (m_isReporting || m_helpers.empty() || !isLackOfResources()) {
                 passOn();
             }
             // The helpers may hold the memory or the descriptors that were missing: once more without them.
@@ -182,6 +183,10 @@ void Walk::step() {
 void Walk::report(Cell& cell) {
     reportDirectories(cell.listing ? &cell : cell.parent);
     m_depth = cell.depth;
+    if (cell.failure) {
+        reportSteps(cell, cell.steps);
+        std::rethrow_exception(cell.failure);
+    }
     if (cell.parent != nullptr && !cell.scanner->accept(*cell.entry)) {
         return; // reported by accept, if at all
     }
@@ -213,7 +218,7 @@ void Walk::retryAlone(Action action) {
     try {
         action();
     } catch (...) {
-        if (m_helpers.empty()) {
+        if (m_helpers.empty() || !isLackOfResources()) {
             throw;
         }
         stopHelpers();
@@ -299,7 +304,11 @@ void Walk::examineAhead(Cell& cell, bool isReporter) {
         examine(cell);
         // A content that ended because of the stop has no value.
         state = observer.isStopped() ? Cell::State::Left : Cell::State::Settled;
-    } catch (...) { // NOLINT(bugprone-empty-catch): the reporter meets the failure when it comes to the entry
+    } catch (...) {
+        if (!observer.isStopped() && !isLackOfResources()) {
+            cell.failure = std::current_exception();
+            state = Cell::State::Settled;
+        }
     }
     m_tape.settle(cell, state, observer.steps);
 }

@@ -18,8 +18,9 @@ namespace Nerix::FileScanners {
 
 /// Folds a directory and everything below it. Entries are independent of each other, as each value starts
 /// from 0: other cores examine them ahead, while the calling thread, the reporter, alone reports, in the
-/// order in which it would have come to them by itself. What a helper cannot examine is left to the reporter,
-/// so a failure is met where, and as, one thread meets it.
+/// order in which it would have come to them by itself. A failure of a helper is kept with its entry, and the
+/// reporter meets it where one thread would. Only a lack of memory or descriptors, which the helpers themselves
+/// may have caused, leaves the entry to the reporter, who tries once more without them.
 ///
 /// Tape.h explains who has which entry when. The helpers end with the walk, however it ends. On one core, and
 /// with "hashVerifierThreads" 1 among the testers' custom parameters, there is none: the same code, and no
@@ -63,8 +64,7 @@ private:
     void startHelpers();
     void stopHelpers() noexcept;
 
-    /// Takes the action; when it fails, once more without the helpers, which may hold the memory or the
-    /// descriptors that it lacks.
+    /// Takes the action; when it lacks resources, once more without the helpers, which may hold them.
     template <class Action>
     void retryAlone(Action action);
 
