@@ -37,9 +37,10 @@ void HashSinkScope::use() {
 }
 
 const EVP_MD* HashSinkScope::lookUp(const std::string& digestName) {
-    if (m_digestName != digestName) {
-        m_digest = lookUpDigest(digestName);
+    if (m_digest == nullptr || m_digestName != digestName) { // a failed look-up may succeed later
+        m_digest = nullptr;
         m_digestName = digestName;
+        m_digest = lookUpDigest(digestName);
     }
     return m_digest;
 }

@@ -5,7 +5,6 @@
 #include <openssl/evp.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace Nerix::Common::IO {
@@ -32,8 +31,8 @@ private:
     struct User;
 
     std::unique_ptr<User> m_user;
-    std::optional<std::string> m_digestName; ///< of the digest that was looked up last
-    const EVP_MD* m_digest = nullptr;
+    std::string m_digestName;         ///< of the digest that was looked up last
+    const EVP_MD* m_digest = nullptr; ///< null until a look-up succeeds
 };
 
 } // namespace Nerix::Common::IO

@@ -9,6 +9,7 @@
 #include "Tests/Fakes/Report.h"
 
 #include <gtest/gtest.h>
+#include <openssl/provider.h>
 
 #include <algorithm>
 #include <memory>
@@ -46,6 +47,17 @@ TEST(HashSink, UnknownDigestFailsWithTheLibrarysReason) {
                 has(report, "] = HashSink(md6)\n") && has(report, "no digest set"))
         << report;
     EXPECT_STREQ(Encoding::OpenSSLException().what(), "No error info provided by OpenSSL.");
+}
+
+TEST(HashSink, DigestThatWasNotFoundIsLookedUpAgain) {
+    const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
+    const Common::IO::HashSinkScope scope;
+    OSSL_PROVIDER* const none = OSSL_PROVIDER_load(nullptr, "null");
+    EXPECT_THROW(HashSink("sha384"), Encoding::OpenSSLException);
+    OSSL_PROVIDER* const standard = OSSL_PROVIDER_load(nullptr, "default");
+    EXPECT_EQ(HashSink("sha384").getHash().size(), 48U);
+    OSSL_PROVIDER_unload(standard);
+    OSSL_PROVIDER_unload(none);
 }
 
 TEST(HashSinkDeathTest, SetUpMayNotGoWhileASinkUsesIt) {
