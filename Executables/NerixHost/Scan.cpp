@@ -36,6 +36,9 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
+/// The exit status of a scan that is not what it seems: a damaged disk gives a value, but a wrong one.
+constexpr int trouble = 2;
+
 /// What NerixVerifierHash does before a run, with a state that ends with the process.
 void prepare() {
     Platform::Host::keepStateInMemory();
@@ -135,6 +138,10 @@ int scan(const ScanRequest& request) {
         value = verify(request, {file ? &file->stream() : &nowhere, request.hasDetails});
         if (value == "ERROR") {
             return fail(failureSentence(HashVerifierAPI::getFailure()));
+        }
+        if (const std::exception_ptr failure = HashVerifierAPI::getReadFailure()) {
+            std::cerr << "NerixHost: " << failureSentence(failure) << std::endl;
+            return trouble;
         }
         if (file) {
             file->commit();

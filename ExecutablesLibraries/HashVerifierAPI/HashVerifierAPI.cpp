@@ -51,6 +51,10 @@ std::exception_ptr getFailure() {
     return HashWorker::getInstance().getFailure();
 }
 
+std::exception_ptr getReadFailure() {
+    return HashWorker::getInstance().getReadFailure();
+}
+
 std::string getResult() {
     return HashWorker::getInstance().getResult();
 }

@@ -50,4 +50,8 @@ std::string getResult();
 /// Why the last verification ended with "ERROR"; null when it did not. Ask as for getResult.
 std::exception_ptr getFailure();
 
+/// The first read error that ended a file's content early; null when there was none. The value of such a verification covers
+/// only what could be read, and the system log warns of each such file. Ask as for getResult.
+std::exception_ptr getReadFailure();
+
 } // namespace Nerix::HashVerifierAPI

@@ -132,6 +132,10 @@ class Faults(SystemTest):
                 access = rf'(access error|concurrent access): {REASONS.get(name)}".*\] = (read( the attributes of)?|examine)\\n'
                 reason = "directory_iterator::" if is_listing else access
                 self.assertRegex(b"".join(self.log_lines("system")), reason.encode(), (line, fault))
+            if whose == "worker" and name == "read" and fault != SHORT:
+                file = re.search(r"<([^>]*)>", line).group(1)
+                warning = f">access error: can't read content of file to its end: \"{file}\" errno=".encode()
+                self.assertEqual(b"".join(self.log_lines("main")).count(warning), 1)
             # The scan is the worker's: what fails there is a scan that failed.
             self.assert_ends_well(run, (whose, name, number, line, fault), values=self.right_values(name, fault, line),
                                   must_fail=name in ("statfs", "statfs64") or (name, number) == births[-1],

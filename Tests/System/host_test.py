@@ -16,7 +16,7 @@ import termios
 import unittest
 
 import random_tree
-from harness import HOST, NO_MOUNTS, PREFIX, SystemTest, main, write
+from harness import HOST, NO_MOUNTS, PREFIX, SANITIZED, SystemTest, main, write
 from tree_value import Model
 
 
@@ -186,6 +186,16 @@ class Host(SystemTest):
             with self.subTest(arguments):
                 run = self.run_unprivileged(*arguments, program=HOST)
                 self.assertEqual((run.returncode, run.stderr.decode().splitlines()[0]), (status, "NerixHost: " + sentence))
+        self.assertEqual(os.listdir(self.work), ["tree"])
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_scan_gives_no_value_of_a_file_that_cannot_be_read_to_its_end(self):
+        file = self.tree + b"/file"
+        write(file, bytes(300_000))
+        run = subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", "-P", file, "-e", "inject=read:error=EIO:when=2", HOST,
+                              "scan", self.tree, "--log", self.logs[0]], check=False, env=self.environment, capture_output=True)
+        self.assertEqual(run.stderr, b'NerixHost: cannot read "%b": Input/output error\n' % file)
+        self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertEqual(os.listdir(self.work), ["tree"])
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)

@@ -60,6 +60,9 @@ ssize_t ContentStream::read(void* self, char* buffer, std::size_t size) {
     }
     auto& content = *static_cast<ContentStream*>(self);
     const ssize_t count = ::read(content.m_descriptor.number(), buffer, size);
+    if (count < 0) {
+        content.m_readError = errno;
+    }
     content.m_readBytes += static_cast<std::uint64_t>(std::max<ssize_t>(count, 0));
     const bool isAsExpected =
         count > 0 ? content.m_readBytes <= content.m_size : content.m_readBytes == content.m_size;

@@ -16,7 +16,8 @@ namespace Nerix::FileScanners {
 /// was read: a final link is not followed, a FIFO does not block, and what is no regular file is refused. A
 /// lease that another process holds on the file is waited for, as any open does.
 ///
-/// A termination signal ends both the wait and the content.
+/// A read error ends the content, too: readError tells them apart. A termination signal ends both the wait and the
+/// content.
 class ContentStream {
 public:
     /// size: the file's, in bytes, from its status. Throws GenericException "access error: can't read content
@@ -25,6 +26,9 @@ public:
 
     /// At the file's beginning; it belongs to this object.
     std::FILE* get() const { return m_stream.get(); }
+
+    /// The errno of the read that failed and so ended the content; 0 when none did.
+    int readError() const { return m_readError; }
 
     /// Call it after reading. Throws like the constructor when the content was not a regular file's.
     void throwIfReplaced() const;
@@ -43,6 +47,7 @@ private:
     std::uint64_t m_readBytes = 0;
     bool m_isChecked = false;
     bool m_isReplaced = false;
+    int m_readError = 0;
     // Destroyed in the opposite order: the stream uses the others until it is closed.
     Common::Utils::Descriptor m_descriptor;
     /// The steps take 4096 bytes each; a system call for each of them would cost a sixth of a fast digest.

@@ -3,6 +3,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/ContentStream.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 
 namespace Nerix::FileScanners {
 
@@ -13,6 +14,9 @@ hash_t Regular::examine(const FileInput& entry, hash_t value, const IHashFunctio
     const ContentStream content(entry.path, static_cast<std::uint64_t>(entry.status.st_size));
     value = function.apply(value, content.get());
     content.throwIfReplaced();
+    if (content.readError() != 0) {
+        HashFunctions::StepObserver::reportReadError(content.readError());
+    }
     return value;
 }
 

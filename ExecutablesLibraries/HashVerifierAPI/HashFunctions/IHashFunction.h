@@ -22,7 +22,8 @@ public:
     virtual hash_t apply(hash_t value, const std::string& text) const = 0;
 
     /// A step for each chunk of 4096 bytes from the stream's current position to its end, the last one
-    /// shorter; none for an empty rest. A read error counts as the end. The stream stays the caller's, open.
+    /// shorter; none for an empty rest. A read error counts as the end. The stream stays the caller's, open;
+    /// whoever opened it can look for the error (ContentStream::readError), of which a run warns in the system log.
     virtual hash_t apply(hash_t value, std::FILE* stream) const = 0;
 };
 

@@ -6,6 +6,7 @@
 #include "Common/Utils/Errors/Assert.h"
 #include "Common/Utils/Errors/Errors.h"
 #include "Common/Utils/TerminationSignals.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/AccessError.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
@@ -51,6 +52,7 @@ class RunSteps final : public HashFunctions::StepObserver {
 public:
     explicit RunSteps(HashWorker& worker) : m_worker(worker) {}
     void onStep(unsigned long long bytes) override { m_worker.log(bytes); }
+    void onReadError(int error) noexcept override { m_worker.logReadError(m_worker.getRoot(), error); }
 
 private:
     HashWorker& m_worker;
@@ -122,6 +124,7 @@ HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashMeth
     m_currentBytes = 0;
     m_entries = 0;
     m_failure = nullptr;
+    m_readFailure = nullptr;
 
     PublishedState::begin();
     try {
@@ -186,6 +189,19 @@ void HashWorker::log(const FileInput& entry, unsigned long long value) {
     m_processedBytes += Progress::workOf(static_cast<std::uint64_t>(entry.status.st_size), m_blockSize);
     m_currentBytes = 0;
     onProgress();
+}
+
+void HashWorker::logReadError(const FileInput& entry, int error) noexcept {
+    try {
+        const auto text = errinfo_stream("access error: can't read content of file to its end: ", entry.path,
+                                         Common::Utils::get_string_from_errno(error));
+        NERIX_LOG_STREAM(WRN) << text.value();
+        if (!m_readFailure) {
+            m_readFailure = std::make_exception_ptr(FileScanners::accessError("read", entry.path, error) << text);
+        }
+    } catch (...) {
+        m_readFailure = std::current_exception();
+    }
 }
 
 void HashWorker::record(const FileInput& entry, unsigned long long value) const {

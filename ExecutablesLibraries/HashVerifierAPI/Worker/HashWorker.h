@@ -73,6 +73,10 @@ public:
     /// Why the last finished run ended with "ERROR"; null when it did not. Ask as for getResult.
     std::exception_ptr getFailure() const { return m_failure; }
 
+    /// The first read error of the last finished run that ended a file's content early; null when there was none. The
+    /// run has a value all the same, which is not that of the whole tree. Ask as for getResult.
+    std::exception_ptr getReadFailure() const { return m_readFailure; }
+
     /// The percentage as of the last report, see Progress::text; never 100.
     std::string getProgress() const;
 
@@ -90,6 +94,10 @@ public:
     /// Scanners report each entry, finished or skipped, with its value: one record of the scan log, and its
     /// rounded size as work done in place of the bytes reported so far. Throws as above.
     void log(const FileInput& entry, unsigned long long value);
+
+    /// Scanners report an entry whose content could not be read to its end, before its value; error is the errno. Warns of
+    /// it in the system log and keeps the first for getReadFailure.
+    void logReadError(const FileInput& entry, int error) noexcept;
 
     /// Publishes progress when more than 1 MiB of work was done since the last time.
     void onProgress();
@@ -130,6 +138,7 @@ private:
     std::atomic<std::uint64_t> m_entries{0};
     std::string m_calculatedHash;
     std::exception_ptr m_failure;
+    std::exception_ptr m_readFailure;
 
     // The life of the thread. start makes it and keeps two handles. The thread first waits for the promise:
     // true once "active" is published, so that "inactive" cannot come before it, false when the store

@@ -20,6 +20,7 @@ void dropWhatWasExamined(Cell& cell) {
     cell.steps = Steps();
     cell.listing.reset();
     cell.entry.reset();
+    cell.readError = 0;
     cell.failure = nullptr;
 }
 

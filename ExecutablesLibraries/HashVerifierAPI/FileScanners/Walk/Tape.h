@@ -72,6 +72,7 @@ struct Cell : boost::intrusive::list_base_hook<> {
     const IFileScanner* scanner = nullptr;
     IFileScanner::hash_t value = 0;
     std::unique_ptr<Listing> listing; ///< a directory's
+    int readError = 0;                ///< the errno that ended a file's content early; 0 for none
     std::exception_ptr failure;       ///< why the entry could not be examined; null when it was
 };
 

@@ -79,6 +79,7 @@ public:
         m_walk.m_isReporting = false;
         ++m_cell.reportedSteps;
     }
+    void onReadError(int error) noexcept override { m_cell.readError = error; }
 
 private:
     Walk& m_walk;
@@ -105,6 +106,8 @@ public:
         }
     }
 
+    void onReadError(int error) noexcept override { m_cell.readError = error; }
+
     bool mustStop() noexcept override { return isStopped() || (m_isReporter && !m_walk.reportMeanwhile()); }
 
     bool isStopped() const { return m_walk.m_isStopping || Common::Utils::terminationSignal() != 0; }
@@ -124,6 +127,7 @@ private:
 class Walk::FoldSteps final : public HashFunctions::StepObserver {
 public:
     void onStep(unsigned long long bytes) override { steps.add({bytes, 1}); }
+    void onReadError(int) noexcept override {} // a list of values is not read
 
     Steps steps;
 };
@@ -194,6 +198,9 @@ void Walk::report(Cell& cell) {
         foldEntries(cell);
     } else {
         reportSteps(cell, cell.steps);
+    }
+    if (cell.readError != 0) {
+        m_worker.logReadError(*cell.entry, cell.readError);
     }
     m_worker.log(*cell.entry, cell.value);
     if (cell.parent == nullptr) {
