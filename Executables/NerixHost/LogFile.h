@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Common/Utils/Descriptor.h"
+#include "Common/Base/Descriptor.h"
 
 #include <ostream>
 #include <streambuf>
@@ -50,7 +50,7 @@ private:
 
     const std::string m_file;
     const std::string m_partial; ///< the name until it is complete
-    Common::Utils::Descriptor m_descriptor;
+    Common::Descriptor m_descriptor;
     Buffer m_buffer;
     std::ostream m_stream;
     bool m_isCommitted = false;

@@ -1,39 +1,21 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/ContentStream.h"
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/AccessError.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/ContentOpening.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <ctime>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace Nerix::FileScanners {
 
-namespace {
-
-int openWithoutWaiting(const boost::filesystem::path& path) {
-    for (;;) {
-        const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-        if (descriptor != -1 || errno != EWOULDBLOCK || HashFunctions::StepObserver::isStopWanted()) {
-            return descriptor;
-        }
-        // A write lease, as file servers take them: the kernel has told its holder, and breaks it after
-        // fs.lease-break-time. Nothing else makes a local open answer like this.
-        const std::timespec pause{0, 5'000'000};
-        ::nanosleep(&pause, nullptr);
-    }
-}
-
-} // namespace
-
 ContentStream::ContentStream(const boost::filesystem::path& path, std::uint64_t size)
     : m_path(path),
       m_size(size),
-      m_descriptor(openWithoutWaiting(path)),
+      m_descriptor(openContent(path)),
       // Not fdopen: the read function notices signals and replaced files.
       m_stream(m_descriptor.isOpen() ? ::fopencookie(this, "r", {&read, nullptr, nullptr, nullptr})
                                      : nullptr) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Common/Utils/Descriptor.h"
+#include "Common/Base/Descriptor.h"
 
 #include <boost/filesystem/path.hpp>
 
@@ -14,7 +14,7 @@ namespace Nerix::FileScanners {
 
 /// The content of a regular file as a stream. Something else may have taken the file's place since its status
 /// was read: a final link is not followed, a FIFO does not block, and what is no regular file is refused. A
-/// lease that another process holds on the file is waited for, as any open does.
+/// lease that another process holds on the file is waited for, as any open does (ContentOpening.h).
 ///
 /// A read error ends the content, too: readError tells them apart. A termination signal ends both the wait and the
 /// content.
@@ -49,7 +49,7 @@ private:
     bool m_isReplaced = false;
     int m_readError = 0;
     // Destroyed in the opposite order: the stream uses the others until it is closed.
-    Common::Utils::Descriptor m_descriptor;
+    Common::Descriptor m_descriptor;
     /// The steps take 4096 bytes each; a system call for each of them would cost a sixth of a fast digest.
     char m_buffer[131072];
     std::unique_ptr<std::FILE, Closer> m_stream;

@@ -1,7 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 
 #include "Common/Logging/Log.h"
-#include "Common/Utils/Descriptor.h"
+#include "Common/Base/Descriptor.h"
 #include "Common/Utils/Errors/Errors.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 
@@ -55,7 +55,7 @@ std::fstream create(const std::string& path) {
     if (::lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         refuse(path, " is not a regular file");
     }
-    Common::Utils::Descriptor file(
+    Common::Descriptor file(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666));
     if (!file.isOpen()) {
         refuseForError(path, "open");

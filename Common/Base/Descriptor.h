@@ -4,7 +4,7 @@
 
 #include <unistd.h>
 
-namespace Nerix::Common::Utils {
+namespace Nerix::Common {
 
 /// Owns an open file descriptor; -1 for none.
 class Descriptor {
@@ -28,4 +28,4 @@ private:
     int m_number;
 };
 
-} // namespace Nerix::Common::Utils
+} // namespace Nerix::Common
