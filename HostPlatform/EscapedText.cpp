@@ -18,22 +18,35 @@ bool isC1(unsigned char byte) {
     return byte >= 0x80 && byte < 0xA0;
 }
 
-} // namespace
+/// Returns true if text begins with one of U+202A to U+202E, U+2066 to U+2069 in UTF-8.
+bool beginsWithDirection(std::string_view text) {
+    const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
+    return text.size() >= 3 && byte(0) == 0xE2 &&
+           ((byte(1) == 0x80 && byte(2) >= 0xAA && byte(2) <= 0xAE) ||
+            (byte(1) == 0x81 && byte(2) >= 0xA6 && byte(2) <= 0xA9));
+}
 
-std::string escaped(const std::string& text) {
+std::string escapedBut(char kept, const std::string& text) {
     constexpr std::string_view named = "\\\n\r\t";
     constexpr std::string_view letters = "\\nrt";
     std::string result;
     result.reserve(text.size());
     unsigned char shown = 0; // the byte before, if it was not escaped
-    for (const char character : text) {
+    for (std::size_t index = 0; index != text.size(); ++index) {
+        const char character = text[index];
         const auto byte = static_cast<unsigned char>(character);
         const unsigned char before = std::exchange(shown, 0);
-        if (isC1(byte) && before == 0xC2) {
+        if (beginsWithDirection(std::string_view(text).substr(index))) {
+            for (const char part : text.substr(index, 3)) {
+                appendHexadecimal(result, static_cast<unsigned char>(part));
+            }
+            index += 2;
+        } else if (isC1(byte) && before == 0xC2) {
             result.pop_back();
             appendHexadecimal(result, before);
             appendHexadecimal(result, byte);
-        } else if (const std::size_t place = named.find(character); place != std::string_view::npos) {
+        } else if (const std::size_t place = named.find(character);
+                   place != std::string_view::npos && character != kept) {
             (result += '\\') += letters[place];
         } else if (byte < 0x20 || byte == 0x7F || (isC1(byte) && before < 0x80)) {
             appendHexadecimal(result, byte);
@@ -43,6 +56,16 @@ std::string escaped(const std::string& text) {
         }
     }
     return result;
+}
+
+} // namespace
+
+std::string escaped(const std::string& text) {
+    return escapedBut('\0', text);
+}
+
+std::string withoutControls(const std::string& text) {
+    return escapedBut('\\', text);
 }
 
 } // namespace Nerix::Platform::Host

@@ -193,7 +193,7 @@ Request requestOf(const std::string& name, const std::vector<std::string>& words
 
 Request parseCommandLine(const std::vector<std::string>& words) {
     if (words.empty()) {
-        throw UsageError(std::string("nothing to do\n\n") + overview);
+        throw UsageError("nothing to do", std::string("\n") + overview);
     }
     if (words[0] == "--help" || words[0] == "-h") {
         return TextRequest{overview};

@@ -3,16 +3,25 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <variant>
 #include <vector>
 
 /// What the words of the command line ask for.
 namespace Nerix {
 
-/// The words ask for nothing that there is; what() says why, and where help is.
+/// The words ask for nothing that there is; what() says why.
 class UsageError : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    explicit UsageError(const std::string& reason,
+                        std::string help = "Try 'NerixHost --help' for what there is.\n")
+        : std::runtime_error(reason), m_help(std::move(help)) {}
+
+    /// What helps to ask for something that there is, in whole lines.
+    const std::string& help() const { return m_help; }
+
+private:
+    std::string m_help;
 };
 
 /// Text that was asked for: help or the version.

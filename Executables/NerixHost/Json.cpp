@@ -26,6 +26,11 @@ Json textOrBytes(const std::string& text) {
     }
 }
 
+/// In ASCII, so that nothing in it controls a terminal.
+std::string lineOf(const Json& json) {
+    return json.dump(-1, ' ', true);
+}
+
 } // namespace
 
 std::string jsonOf(const EntryChange& change) {
@@ -33,10 +38,11 @@ std::string jsonOf(const EntryChange& change) {
     if (change.hasDetails) {
         json["facts"] = Json::object();
         for (const FactChange& fact : change.facts) {
-            json["facts"][fact.name] = {{"before", fact.before}, {"after", fact.after}};
+            json["facts"][fact.name] = {{"before", textOrBytes(fact.before)},
+                                        {"after", textOrBytes(fact.after)}};
         }
     }
-    return json.dump();
+    return lineOf(json);
 }
 
 std::string jsonOf(const Platform::Host::Setting& setting) {
@@ -53,14 +59,13 @@ std::string jsonOf(const Platform::Host::Setting& setting) {
     if (isOfRun(setting) && !isOfLiveRun(setting)) {
         json["killed"] = true;
     }
-    return json.dump();
+    return lineOf(json);
 }
 
 std::string jsonOf(const RunState& state) {
-    return Json{{"status", textOrBytes(state.status)},
-                {"progress", textOrBytes(state.progress)},
-                {"result", textOrBytes(state.result)}}
-        .dump();
+    return lineOf({{"status", textOrBytes(state.status)},
+                   {"progress", textOrBytes(state.progress)},
+                   {"result", textOrBytes(state.result)}});
 }
 
 } // namespace Nerix

@@ -4,7 +4,7 @@
 
 #include <string>
 
-/// What --json prints: objects of one line. Text that is no UTF-8 is an array of its bytes, as journalctl has
+/// What --json prints: objects of one line, in ASCII. Text that is no UTF-8 is an array of its bytes, as journalctl has
 /// it.
 namespace Nerix {
 

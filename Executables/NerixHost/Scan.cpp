@@ -6,6 +6,7 @@
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Common/Utils/TerminationSignals.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
+#include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/FailureSentence.h"
 #include "Executables/NerixHost/LogFile.h"
 #include "Executables/NerixHost/ProgressLine.h"
@@ -118,7 +119,7 @@ std::string verify(const ScanRequest& request, const ScanLogStream& log) {
 }
 
 int fail(const std::string& reason) {
-    std::cerr << "NerixHost: " << reason << std::endl;
+    printError(reason);
     return EXIT_FAILURE;
 }
 
@@ -140,7 +141,7 @@ int scan(const ScanRequest& request) {
             return fail(failureSentence(HashVerifierAPI::getFailure()));
         }
         if (const std::exception_ptr failure = HashVerifierAPI::getReadFailure()) {
-            std::cerr << "NerixHost: " << failureSentence(failure) << std::endl;
+            printError(failureSentence(failure));
             return trouble;
         }
         if (file) {

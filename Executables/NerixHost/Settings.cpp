@@ -1,5 +1,6 @@
 #include "Executables/NerixHost/Settings.h"
 
+#include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/Json.h"
 #include "Executables/NerixHost/RunState.h"
 #include "Executables/NerixHost/SettingValue.h"
@@ -27,7 +28,7 @@ using Platform::Host::SettingsStore;
 /// A run that was killed leaves its status and result behind.
 void tellIfKilled(const Setting& setting) {
     if (isOfRun(setting) && !isOfLiveRun(setting)) {
-        std::cerr << "NerixHost: the run that set " << escaped(setting.key) << " was killed\n";
+        printError("the run that set " + escaped(setting.key) + " was killed");
     }
 }
 
@@ -92,8 +93,8 @@ int get(const std::string& key, bool isJson) {
         return EXIT_SUCCESS;
     }
     const std::string other = nearest(key, settings);
-    std::cerr << "NerixHost: there is no setting '" << escaped(key) << '\''
-              << (other == key ? " yet" : "; did you mean '" + escaped(other) + "'?") << '\n';
+    printError("there is no setting '" + escaped(key) + '\'' +
+               (other == key ? " yet" : "; did you mean '" + escaped(other) + "'?"));
     return EXIT_FAILURE;
 }
 

@@ -1,6 +1,7 @@
 #include "Common/Utils/StandardStreams.h"
 #include "Executables/NerixHost/CommandLine.h"
 #include "Executables/NerixHost/Compare.h"
+#include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/Scan.h"
 #include "Executables/NerixHost/Settings.h"
 
@@ -36,13 +37,14 @@ int main(int argc, char* argv[]) {
     try {
         return std::visit(Runner(), Nerix::parseCommandLine({argv + 1, argv + argc}));
     } catch (const Nerix::UsageError& failure) {
-        std::cerr << "NerixHost: " << failure.what() << "\nNerixHost --help tells what there is.\n";
+        Nerix::printError(failure.what());
+        std::cerr << failure.help();
     } catch (const std::ios_base::failure&) {
         // The flush at exit must not throw: nobody would catch it.
         std::cout.exceptions(std::ios_base::goodbit);
-        std::cerr << "NerixHost: cannot write to standard output\n";
+        Nerix::printError("cannot write to standard output");
     } catch (const std::exception& failure) {
-        std::cerr << "NerixHost: " << failure.what() << '\n';
+        Nerix::printError(failure.what());
     }
     return trouble;
 }
