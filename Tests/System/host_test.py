@@ -16,7 +16,7 @@ import termios
 import unittest
 
 import random_tree
-from harness import HOST, NO_MOUNTS, PREFIX, SANITIZED, SystemTest, main, write
+from harness import HOST, NO_MOUNTS, PREFIX, SANITIZED, SystemTest, main, make_hole, write
 from tree_value import Model
 
 
@@ -53,8 +53,8 @@ def differences(before, after, has_details):
 
 
 # What a terminal might take for a command, and what it only shows.
-ODD = "\u00e4\u20ac\u00a0&".encode() + b'\x1b[31m"\\\n\r\t\x7f\xff\x80\x80\xc2\x9b\x9b\x80'
-SHOWN = "\u00e4\u20ac\u00a0&".encode() + rb'\x1b[31m\"\\\n\r\t\x7f' + b"\xff\x80\x80" + rb"\xc2\x9b\x9b\x80"
+ODD = "\u00e4\u20ac\u00a0&\u2026\u2069\u202a".encode() + b'\x1b[31m"\\\n\r\t\x7f\xff\x80\x80\xc2\x9b\x9b\x80'
+SHOWN = "\u00e4\u20ac\u00a0&\u2026".encode() + rb'\xe2\x81\xa9\xe2\x80\xaa\x1b[31m\"\\\n\r\t\x7f' + b"\xff\x80\x80" + rb"\xc2\x9b\x9b\x80"
 
 
 def read_back(line):
@@ -173,11 +173,12 @@ class Host(SystemTest):
             (["scan", tree, "--log", "/dev/null"], 1, 'cannot write "/dev/null": it is no regular file'),
             (["scan", "/dev/null", "--expect", "1"], 1, "the value is 0000000000000000, not 1"),
             (["scan", tree, "-H", "md6"], 2, "there is no hash method 'md6', but: none trivial sha1 md5"),
+            (["scan", tree, "-H", "\x1b[31m"], 2, r"there is no hash method '\x1b[31m', but: none trivial sha1 md5"),
             (["scan"], 2, "PATH is missing"),
             (["settings", "get"], 2, "KEY is missing"),
             (["scan", tree, "--details"], 2, "--details needs --log"),
             (["compare", "a"], 2, "AFTER is missing"),
-            (["compare", "/nowhere", "/nowhere"], 2, "/nowhere: No such file or directory"),
+            (["compare", "/\x1bnowhere", "/nowhere"], 2, r"/\x1bnowhere: No such file or directory"),
             (["settings", "get", f"memori{PREFIX}stats"], 1,
              f"there is no setting 'memori{PREFIX}stats'; did you mean 'memory/{PREFIX}status'?"),
             (["settings", "get", "progress"], 1, f"there is no setting 'progress'; did you mean 'memory/{PREFIX}progress'?"),
@@ -209,7 +210,7 @@ class Host(SystemTest):
         self.assertEqual(os.listdir("/mnt/small"), [])
 
     def test_logs_of_every_kind_compare(self):
-        long = self.tree + b"/" + b"/".join((b"d" * 250, b"\\\n\x1b" + b'"e&' * 60, b"f" * 200, b"g" * 250))
+        long = self.tree + b"/" + b"/".join((b"\\\n\x1b" + b'"e&' * 60, *(b"\n" * 250 for _ in range(4))))
         os.makedirs(long)
         system = os.path.join(self.home, "log", "main.log")
         self.value(self.tree)
@@ -234,27 +235,68 @@ class Host(SystemTest):
             write(log, b'%016x "/a/b"\n%016x "/a"\n%016x "/"\n' % (value, value, value))
         self.assertEqual(self.compare(*self.logs), [b'changed "/a/b"'])
 
+    def assert_refused(self, log, reason):
+        run = self.run_host("compare", self.logs[0], log)
+        self.assertIn(reason, run.stderr.decode())
+        self.assertEqual((run.returncode, run.stdout), (2, b""))
+
     def test_logs_that_cannot_be_compared(self):
         os.makedirs(self.tree + b"/a/b")
         self.value(self.tree)
         system = "".join(line.decode() + "\n" for line in self.log_lines("main"))
+        self.scan(self.logs[1], "--details")
+        with open(self.logs[1], encoding="utf-8") as log:
+            details = log.read()
         self.scan(self.logs[0])
         with open(self.logs[0], encoding="utf-8") as log:
             text = log.read()
         lines = text.splitlines(keepends=True)
-        rotated = system[system.index("[INF] HashWorker"):].split("\n", 1)[1]
-        lost = re.sub(r".*/a\"\n", "", system)
-        for content, reason in (("", "is no scan log"), ("nonsense\n", "is no scan log"), ("".join(lines[:1]), ""),
-                                ("".join(lines[:-2]) + lines[0].replace("/a/b", "/c"), "is incomplete: its last"),
-                                (text[:-2], "has no end\n"), (text + text, "is not where a scan"),
-                                (text + "junk\n", "line 4 is no record"),
-                                (rotated, "is incomplete: records"), (lost, "is incomplete: records"),
-                                (text.replace("/tree", "/wood"), "the logs are of different trees")):
-            with self.subTest(content=content):
+        cases = {
+            "empty": ("", "is no scan log"),
+            "other text": ("nonsense\n", "is no scan log"),
+            "one record": (lines[0], "the logs are of different trees"),
+            "no root": ("".join(lines[:-2]) + lines[0].replace("/a/b", "/c"), "is incomplete: its last"),
+            "cut in the last record": (text[:-2], "its last record has no end\n"),
+            "no line feed at the end": (text[:-1], "its last record has no end\n"),
+            "twice": (text + text, "line 4 is not where a scan"),
+            "text after the end": (text + "junk\n", "line 4 is no record"),
+            "lines end as on other systems": (text.replace("\n", "\r\n"), "line 1 is no record of a scan, or a damaged one"),
+            "text after a record": (text.replace('b"', 'b" x', 1), "line 1 is no record"),
+            "unknown pair": (text.replace("/a/b", "/a/&b"), "line 1 is no record"),
+            "long path": (text.replace("/a/b", "/a/" + "b" * 5000), "line 1 is no record"),
+            "begin of a system log rotated away": (system[system.index("[INF] HashWorker"):].split("\n", 1)[1], "is incomplete: records"),
+            "record of a system log lost": (re.sub(r".*/a\"\n", "", system), "is incomplete: records"),
+            "other tree": (text.replace("/tree", "/wood"), "the logs are of different trees"),
+            "some records without details": (details.split(" directory", 1)[0] + "\n" + details.split("\n", 1)[1], "line 2 has details"),
+            "some records with details": (lines[0] + details.split("\n", 1)[1], "line 2 has details"),
+        }
+        for wrong in ("dir", "directory -1", "directory 01", "directory 0 4294967296", "directory 0 0 2 755", "directory 0 0 2 0789",
+                      "directory 0 0 2 0755 x", "directory 0 0 2 0755 1 1", "directory  0 0 2 0755 1", "directory\x1b[31m"):
+            cases["details " + wrong] = (re.sub(" directory.*", " " + wrong, details, count=1), "line 1 is no record of a scan, or a")
+        for name, (content, reason) in cases.items():
+            with self.subTest(name):
                 write(self.logs[1], content.encode())
-                run = self.run_host("compare", *self.logs)
-                self.assertEqual((run.returncode, run.stdout), (2, b""))
-                self.assertIn(reason, run.stderr.decode())
+                self.assert_refused(self.logs[1], reason)
+        for cut in range(details.rindex("\n", 0, -1) + 2, len(details)):
+            write(self.logs[1], details[:cut].encode())
+            self.assertEqual(self.run_host("compare", self.logs[1], self.logs[1]).returncode, 2, details[:cut])
+
+    def test_log_without_lines_takes_no_memory(self):
+        make_hole(self.logs[0], 3 << 30)
+        limit = "" if SANITIZED else "ulimit -v 200000;"
+        run = subprocess.run(["bash", "-c", f"{limit} exec {HOST} compare {self.logs[0]} {self.logs[0]}"], check=False,
+                             env=self.environment, capture_output=True)
+        self.assertEqual(run.returncode, 2)
+        self.assertIn(b"before.log: line 1 is longer than any record of a scan\n", run.stderr)
+
+    def test_log_from_a_pipe_that_cannot_be_copied_whole_is_refused(self):
+        for number in range(200):
+            os.mkdir(self.tree + b"/%d" % number)
+        self.scan(self.logs[0])
+        run = subprocess.run(["bash", "-c", f"ulimit -f 4; exec {HOST} compare <(cat {self.logs[0]}) <(cat {self.logs[0]})"],
+                             check=False, env=self.environment, capture_output=True)
+        self.assertEqual(run.returncode, 2)
+        self.assertIn(b": cannot be copied: File too large\n", run.stderr)
 
     def on_terminal(self, columns, *arguments):
         """What a program writes to a terminal of that width."""

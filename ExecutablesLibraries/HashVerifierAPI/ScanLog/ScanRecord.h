@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 struct stat;
 
@@ -11,9 +12,16 @@ namespace Nerix {
 /// the path in double quotes, with '&' in front of every double quote and '&' inside.
 std::string scanRecord(std::uint64_t value, const std::string& path);
 
+/// Returns the record as the system log gets it. Logging cuts a message of more than 768 bytes at its line feeds and leaves them out;
+/// a record so long has "&n" in place of each, a pair that no other byte is written as.
+std::string loggedScanRecord(std::uint64_t value, const std::string& path);
+
 /// What stands behind the record in a log with details: a blank and the entry's kind (file, directory or
 /// link), owner, group, number of links, mode in four octal digits and size in bytes, blanks between them.
 std::string recordDetails(const struct stat& status);
+
+/// Returns true if text, with its blank in front, is what recordDetails writes for some entry that leaves a record.
+bool isRecordDetails(std::string_view text);
 
 /// value in lower-case hexadecimal, 16 digits with leading zeros.
 std::string hexadecimal16(std::uint64_t value);

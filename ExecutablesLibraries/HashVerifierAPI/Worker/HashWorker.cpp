@@ -197,7 +197,8 @@ void HashWorker::logReadError(const FileInput& entry, int error) noexcept {
                                          Common::Utils::get_string_from_errno(error));
         NERIX_LOG_STREAM(WRN) << text.value();
         if (!m_readFailure) {
-            m_readFailure = std::make_exception_ptr(FileScanners::accessError("read", entry.path, error) << text);
+            m_readFailure =
+                std::make_exception_ptr(FileScanners::accessError("read", entry.path, error) << text);
         }
     } catch (...) {
         m_readFailure = std::current_exception();
@@ -205,11 +206,11 @@ void HashWorker::logReadError(const FileInput& entry, int error) noexcept {
 }
 
 void HashWorker::record(const FileInput& entry, unsigned long long value) const {
-    std::string record = scanRecord(value, entry.path.native());
     if (m_scanLog.stream == nullptr) {
-        NERIX_LOG_STREAM(INF) << record;
+        NERIX_LOG_STREAM(INF) << loggedScanRecord(value, entry.path.native());
         return;
     }
+    std::string record = scanRecord(value, entry.path.native());
     if (m_scanLog.hasDetails) {
         record += recordDetails(entry.status);
     }

@@ -1,0 +1,104 @@
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/LogLines.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <sys/stat.h>
+
+namespace Nerix {
+
+namespace {
+
+/// The longest record, each byte of which a host's system log may write as four.
+constexpr std::size_t longestLine = 65536;
+constexpr std::size_t blockSize = 65536;
+
+std::string messageOf(int error) {
+    return std::generic_category().message(error);
+}
+
+} // namespace
+
+LogLines::LogLines(const std::string& file) : m_name(file), m_file(std::fopen(file.c_str(), "re")) {
+    struct stat status {};
+    if (!m_file || ::fstat(::fileno(m_file.get()), &status) != 0) {
+        refuse(messageOf(errno));
+    }
+    if (S_ISDIR(status.st_mode)) {
+        refuse(messageOf(EISDIR));
+    }
+    if (!S_ISREG(status.st_mode)) {
+        m_file = copied(m_file.get());
+        rewind();
+    }
+}
+
+LogLines::File LogLines::copied(std::FILE* from) const {
+    File copy(std::tmpfile());
+    if (!copy) {
+        refuse("cannot be copied: " + messageOf(errno));
+    }
+    char buffer[blockSize];
+    while (const std::size_t size = std::fread(buffer, 1, sizeof buffer, from)) {
+        if (std::fwrite(buffer, 1, size, copy.get()) != size) {
+            refuse("cannot be copied: " + messageOf(errno));
+        }
+    }
+    if (std::ferror(from) != 0) {
+        refuse("cannot be read: " + messageOf(errno));
+    }
+    if (std::fflush(copy.get()) != 0) {
+        refuse("cannot be copied: " + messageOf(errno));
+    }
+    return copy;
+}
+
+void LogLines::rewind() {
+    std::rewind(m_file.get());
+    m_bytes.clear();
+    m_begin = 0;
+    m_number = 0;
+}
+
+bool LogLines::next() {
+    std::size_t end = m_bytes.find('\n', m_begin);
+    if (end == std::string::npos) {
+        m_bytes.erase(0, m_begin);
+        m_begin = 0;
+    }
+    while (end == std::string::npos) {
+        const std::size_t searched = m_bytes.size();
+        if (searched > longestLine) {
+            refuse("line " + std::to_string(m_number + 1) + " is longer than any record of a scan");
+        }
+        if (!readMore()) {
+            break;
+        }
+        end = m_bytes.find('\n', searched);
+    }
+    if (m_begin == m_bytes.size()) {
+        return false;
+    }
+    m_isTerminated = end != std::string::npos;
+    m_line = std::string_view(m_bytes).substr(m_begin, end - m_begin);
+    m_begin = m_isTerminated ? end + 1 : m_bytes.size();
+    ++m_number;
+    return true;
+}
+
+bool LogLines::readMore() {
+    const std::size_t before = m_bytes.size();
+    m_bytes.resize(before + blockSize);
+    const std::size_t count = std::fread(m_bytes.data() + before, 1, blockSize, m_file.get());
+    m_bytes.resize(before + count);
+    if (std::ferror(m_file.get()) != 0) {
+        refuse("cannot be read: " + messageOf(errno));
+    }
+    return count != 0;
+}
+
+void LogLines::refuse(const std::string& reason) const {
+    throw ScanLogError(m_name + ": " + reason);
+}
+
+} // namespace Nerix

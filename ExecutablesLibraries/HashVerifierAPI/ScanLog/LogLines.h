@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace Nerix {
+
+/// What is wrong with a scan log, and with which.
+class ScanLogError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The lines of a log file, as often as they are wanted. Memory does not grow with the file: a line that is longer than the
+/// longest record is refused. One thread at a time may use it.
+class LogLines {
+public:
+    /// Opens the file; what is no regular file, such as a pipe, is first copied into a file without a name. Throws
+    /// ScanLogError when it cannot be opened or copied whole.
+    explicit LogLines(const std::string& file);
+
+    /// Moves to the next line and returns true; false at the end. Throws ScanLogError when the file cannot be read or the
+    /// line is too long.
+    bool next();
+
+    /// Goes back to the beginning.
+    void rewind();
+
+    /// The current line without its line feed; valid until the next call.
+    std::string_view line() const { return m_line; }
+
+    /// Returns true if the line ends in a line feed. Only the last one of a file may lack it.
+    bool isTerminated() const { return m_isTerminated; }
+
+    /// The number of the current line, from 1; 0 in front of the first.
+    std::uint64_t number() const { return m_number; }
+
+    /// Throws ScanLogError "file: reason".
+    [[noreturn]] void refuse(const std::string& reason) const;
+
+private:
+    struct Closer {
+        void operator()(std::FILE* file) const { std::fclose(file); } // only read from, so nothing is lost
+    };
+    using File = std::unique_ptr<std::FILE, Closer>;
+
+    File copied(std::FILE* from) const;
+    bool readMore();
+
+    const std::string m_name;
+    File m_file;
+    std::string m_bytes;     ///< read from the file: the current line and what follows
+    std::size_t m_begin = 0; ///< where the next line begins in m_bytes
+    std::string_view m_line;
+    bool m_isTerminated = true;
+    std::uint64_t m_number = 0;
+};
+
+} // namespace Nerix
