@@ -1,9 +1,9 @@
 #include "HostPlatform/SettingsStore.h"
 
 #include "Common/Base/NoDestructor.h"
+#include "HostPlatform/DirectoryBackend.h"
 #include "HostPlatform/HostDirectories.h"
-#include "HostPlatform/LmdbShelf.h"
-#include "HostPlatform/MemoryShelf.h"
+#include "HostPlatform/MemoryBackend.h"
 #include "HostPlatform/ProcessIdentity.h"
 #include "HostPlatform/StateInMemory.h"
 #include "HostPlatform/SystemLog.h"
@@ -37,8 +37,8 @@ std::optional<Setting> unpacked(std::string_view key, std::string_view stored) {
                    std::string(stored.substr(end + 1)), std::string(stored.substr(1, end - 1))};
 }
 
-SettingsResult findOn(SettingsShelf& shelf, std::string_view key, Setting& setting) {
-    const std::optional<std::string> stored = shelf.get(key);
+SettingsResult findIn(SettingsBackend& backend, std::string_view key, Setting& setting) {
+    const std::optional<std::string> stored = backend.get(key);
     if (!stored) {
         return SettingsResult::Missing;
     }
@@ -54,12 +54,12 @@ SettingsResult findOn(SettingsShelf& shelf, std::string_view key, Setting& setti
 
 SettingsStore::SettingsStore() {
     if (isStateInMemory()) {
-        m_durable = std::make_unique<MemoryShelf>();
-        m_volatile = std::make_unique<MemoryShelf>();
+        m_durable = std::make_unique<MemoryBackend>();
+        m_volatile = std::make_unique<MemoryBackend>();
         return;
     }
-    m_durable = std::make_unique<LmdbShelf>("settings", &durableDirectory, true);
-    m_volatile = std::make_unique<LmdbShelf>("settings-volatile", &volatileDirectory, false);
+    m_durable = std::make_unique<DirectoryBackend>("settings", &durableDirectory, true);
+    m_volatile = std::make_unique<DirectoryBackend>("settings-volatile", &volatileDirectory, false);
 }
 
 SettingsStore::~SettingsStore() = default;
@@ -74,7 +74,7 @@ std::string SettingsStore::lastFailure() const {
     return m_lastFailure;
 }
 
-SettingsShelf& SettingsStore::shelfOf(std::string_view key) {
+SettingsBackend& SettingsStore::backendOf(std::string_view key) {
     return key.substr(0, volatilePrefix.size()) == volatilePrefix ? *m_volatile : *m_durable;
 }
 
@@ -83,7 +83,7 @@ SettingsResult SettingsStore::attempt(Step step) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     try {
         return step();
-    } catch (const ShelfFailure& failure) {
+    } catch (const SettingsFailure& failure) {
         m_lastFailure = failure.what();
         return SettingsResult::Failed;
     }
@@ -92,7 +92,7 @@ SettingsResult SettingsStore::attempt(Step step) {
 SettingsResult SettingsStore::read(std::string_view key, SettingType type, std::string& bytes) {
     return attempt([&] {
         Setting setting{};
-        const SettingsResult result = findOn(shelfOf(key), key, setting);
+        const SettingsResult result = findIn(backendOf(key), key, setting);
         if (result != SettingsResult::Ok) {
             return result;
         }
@@ -105,13 +105,13 @@ SettingsResult SettingsStore::read(std::string_view key, SettingType type, std::
 }
 
 SettingsResult SettingsStore::find(std::string_view key, Setting& setting) {
-    return attempt([&] { return findOn(shelfOf(key), key, setting); });
+    return attempt([&] { return findIn(backendOf(key), key, setting); });
 }
 
 SettingsResult SettingsStore::write(std::string_view key, SettingType type, std::string_view bytes) {
     SystemLog::instance().flush();
     return attempt([&] {
-        shelfOf(key).put(key, packed(type, bytes));
+        backendOf(key).put(key, packed(type, bytes));
         return SettingsResult::Ok;
     });
 }
@@ -119,8 +119,8 @@ SettingsResult SettingsStore::write(std::string_view key, SettingType type, std:
 SettingsResult SettingsStore::list(std::vector<Setting>& settings) {
     return attempt([&] {
         std::vector<Setting> all;
-        for (SettingsShelf* const shelf : {m_durable.get(), m_volatile.get()}) {
-            shelf->each([&](std::string_view key, std::string_view stored) {
+        for (SettingsBackend* const backend : {m_durable.get(), m_volatile.get()}) {
+            backend->each([&](std::string_view key, std::string_view stored) {
                 if (std::optional<Setting> setting = unpacked(key, stored)) {
                     all.push_back(std::move(*setting));
                 }

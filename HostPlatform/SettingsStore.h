@@ -13,7 +13,7 @@ class NoDestructor;
 
 namespace Nerix::Platform::Host {
 
-class SettingsShelf;
+class SettingsBackend;
 
 /// The type of a setting's value; the letter stands at the beginning of what is stored.
 enum class SettingType : char { Integer = 'i', Double = 'd', Text = 's', Boolean = 'b' };
@@ -34,12 +34,12 @@ enum class SettingsResult {
 
 /// The host's settings store: typed values under text keys, shared by all processes of the user.
 ///
-/// Keys under "memory/" are kept in a file that is never synced to disk, all others in a durable one. A
-/// process killed at any instant leaves both readable and writable, with either the old or the new value of
-/// the key that it was writing. Each value carries the identity of the process that wrote it. Processes of
-/// another word size or byte order have files of their own. Reading waits for no writer. A call that does not
-/// succeed changes nothing. Keys have 1 to 511 bytes; others fail. Only std::bad_alloc is thrown. Any thread
-/// may call.
+/// Keys under "memory/" are kept in files that are never synced to disk, all others in durable ones, see
+/// DirectoryBackend.h. A process killed at any instant leaves all readable and writable, with either the old or the new value
+/// of the key that it was writing. Each value carries the identity of the process that wrote it. Processes of
+/// another word size or byte order have files of their own. Nobody waits for another process. A call that does not
+/// succeed changes nothing. A key that is empty, or too long for the name of a file, fails. Only std::bad_alloc is thrown.
+/// Any thread may call.
 class SettingsStore {
 public:
     static SettingsStore& instance(); ///< never destroyed
@@ -62,15 +62,15 @@ private:
     SettingsStore();
     ~SettingsStore();
 
-    SettingsShelf& shelfOf(std::string_view key);
+    SettingsBackend& backendOf(std::string_view key);
 
-    /// Runs one step under the lock; a failure of a shelf is remembered.
+    /// Runs one step under the lock; a failure of a backend is remembered.
     template <class Step>
     SettingsResult attempt(Step step);
 
     mutable std::mutex m_mutex; ///< guards the rest
-    std::unique_ptr<SettingsShelf> m_durable;
-    std::unique_ptr<SettingsShelf> m_volatile;
+    std::unique_ptr<SettingsBackend> m_durable;
+    std::unique_ptr<SettingsBackend> m_volatile;
     std::string m_lastFailure;
 };
 

@@ -84,15 +84,17 @@ std::string nearest(const std::string& key, const std::vector<Setting>& settings
 }
 
 int get(const std::string& key, bool isJson) {
-    const std::vector<Setting> settings = allSettings();
-    const auto found = std::find_if(settings.begin(), settings.end(),
-                                    [&](const Setting& setting) { return setting.key == key; });
-    if (found != settings.end()) {
-        std::cout << (isJson ? jsonOf(*found) : valueText(*found)) << std::endl;
-        tellIfKilled(*found);
+    Setting setting{};
+    const SettingsResult result = SettingsStore::instance().find(key, setting);
+    if (result == SettingsResult::Failed) {
+        throw std::runtime_error(SettingsStore::instance().lastFailure());
+    }
+    if (result == SettingsResult::Ok) {
+        std::cout << (isJson ? jsonOf(setting) : valueText(setting)) << std::endl;
+        tellIfKilled(setting);
         return EXIT_SUCCESS;
     }
-    const std::string other = nearest(key, settings);
+    const std::string other = nearest(key, allSettings());
     printError("there is no setting '" + escaped(key) + '\'' +
                (other == key ? " yet" : "; did you mean '" + escaped(other) + "'?"));
     return EXIT_FAILURE;

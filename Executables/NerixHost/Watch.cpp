@@ -97,7 +97,8 @@ int watch(bool isJson) {
     if (!state.isRunning) {
         display.wait(state);
     }
-    while (interrupted == 0 && !state.isRunning && state == before) { // a short run is never seen active
+    // A short run is never seen active. A store without a result was deleted; the run is still to come.
+    while (interrupted == 0 && !state.isRunning && (state == before || state.result.empty())) {
         pause();
         state = RunState::read();
     }

@@ -2,7 +2,9 @@
 
 import contextlib
 import fcntl
+import glob
 import os
+import random
 import signal
 import stat
 import subprocess
@@ -112,22 +114,68 @@ class Hostile(SystemTest):
             self.assertEqual("volatile settings are kept in /root/.local/state/nerix: " in log.read(), len(cases) > own)
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_full_disks_and_damaged_stores(self):
+    def test_full_disks(self):
         for pages in range(1, 40, 4):
             self.mount("/mnt", "-o", f"size={pages * 4}k,mode=700")
             run = self.run_program("--path", self.tree, env={**self.environment, "NERIX_PLATFORM_HOME": "/mnt"})
             self.assertIn(run.returncode, (0, 1), pages)
+
+    def setting_files(self):
+        return glob.glob(f"{self.home}/settings*/*")
+
+    def test_damaged_setting_is_reported_and_replaced_by_the_next_run(self):
         self.assert_right()
-        for name in ("settings", "settings-volatile"):
-            store = next(os.path.join(self.home, file) for file in os.listdir(self.home)
-                         if file.startswith(name + "-le") and file.endswith(".mdb"))
-            for size in (os.path.getsize(store) - 4096, 8192, 5000, 1):
-                os.truncate(store, size)
-                self.assertEqual(self.run_program("--path", self.tree).returncode, 1, (name, size))
-                self.assertIn(f"settings store {store}: cannot write".encode(), self.log_lines("system")[-2])
-                self.assertIn(b"delete this file", self.log_lines("system")[-2])
-            os.remove(store)
+        self.assertEqual(len(self.setting_files()), 3)
+        damages = {"cut": lambda file: os.truncate(file, 5), "longer": lambda file: write(file, b"x" * 100),
+                   "huge": lambda file: make_hole(file, 1 << 40), "fifo": lambda file: (os.remove(file), os.mkfifo(file)),
+                   "link": lambda file: (os.remove(file), os.symlink("/dev/zero", file))}
+        for name, damage in damages.items():
+            for file in self.setting_files():
+                with self.subTest(name, file=file):
+                    damage(file)
+                    run = self.run_host("settings", "list")
+                    self.assertEqual(run.stderr.decode(), f"NerixHost: settings store {file}: cannot list its settings: "
+                                     "it is damaged; delete this file\n")
+                    self.assertEqual(run.returncode, 2)
+                    self.assert_right()
+                    self.assertEqual(self.settings()[:2], ("inactive", "100.0"))
+
+    def test_settings_that_break_while_they_are_used_end_no_process_by_a_signal(self):
+        chance = random.Random(22)
+        with self.long_run("none") as run, \
+                subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.DEVNULL,
+                                 stderr=subprocess.DEVNULL) as watch:
+            for _ in range(200):
+                file = chance.choice(self.setting_files())
+                with open(file, "r+b") as damaged:
+                    damaged.seek(chance.randrange(os.path.getsize(file)))
+                    damaged.write(bytes([chance.randrange(256)]))
+                self.assertIn(self.run_host("settings", "list").returncode, (0, 2))
+            self.assertIsNone(run.poll())
+            run.terminate()
+            self.assertEqual(run.wait(60), -signal.SIGTERM)
+            self.assertIn(watch.wait(60), (0, 1, 2))
+
+    def test_watch_finds_the_run_of_a_store_that_was_deleted_and_made_anew(self):
+        self.assert_right()
+        with subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
+            watch.stdout.readline()
+            subprocess.run(f"rm -r {self.home}/settings*", shell=True, check=True)
+            time.sleep(0.2)
+            write(os.path.join(self.tree, "c"))
             self.assert_right()
+            last = watch.communicate(timeout=60)[0].splitlines()[-1]
+        self.assertTrue(last.endswith(Model("md5").value(self.tree)[:8].encode()), last)
+
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
+    def test_settings_of_a_read_only_store_are_listed(self):
+        self.mount(self.home, "-o", "mode=700")
+        self.assert_right()
+        settings = self.settings()
+        subprocess.run(["mount", "-o", "remount,ro", self.home], check=True)
+        run = self.run_host("settings", "list")
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+        self.assertEqual(self.settings(), settings)
 
     def test_signals_end_a_run_in_good_order_or_are_recognised(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGKILL):

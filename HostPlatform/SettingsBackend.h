@@ -9,21 +9,21 @@
 namespace Nerix::Platform::Host {
 
 /// What was tried on which file, and why it failed.
-class ShelfFailure : public std::runtime_error {
+class SettingsFailure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Where settings are kept: bytes under keys of 1 to 511 bytes. One thread at a time may use a shelf. All
-/// functions throw ShelfFailure.
-class SettingsShelf {
+/// Where settings are kept: bytes under keys. One thread at a time may use a backend. All
+/// functions throw SettingsFailure.
+class SettingsBackend {
 public:
     using Visit = std::function<void(std::string_view key, std::string_view bytes)>;
 
-    SettingsShelf() = default;
-    virtual ~SettingsShelf() = default;
-    SettingsShelf(const SettingsShelf&) = delete;
-    SettingsShelf& operator=(const SettingsShelf&) = delete;
+    SettingsBackend() = default;
+    virtual ~SettingsBackend() = default;
+    SettingsBackend(const SettingsBackend&) = delete;
+    SettingsBackend& operator=(const SettingsBackend&) = delete;
 
     /// What is stored under the key; nothing when it is missing.
     virtual std::optional<std::string> get(std::string_view key) = 0;

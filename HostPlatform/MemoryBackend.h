@@ -1,13 +1,13 @@
 #pragma once
 
-#include "HostPlatform/SettingsShelf.h"
+#include "HostPlatform/SettingsBackend.h"
 
 #include <map>
 
 namespace Nerix::Platform::Host {
 
 /// Settings that end with the process; for StateInMemory.h.
-class MemoryShelf final : public SettingsShelf {
+class MemoryBackend final : public SettingsBackend {
 public:
     std::optional<std::string> get(std::string_view key) override {
         const auto found = m_settings.find(key);

@@ -1,0 +1,271 @@
+#include "HostPlatform/DirectoryBackend.h"
+
+#include "Common/Base/Descriptor.h"
+#include "Common/Base/NoDestructor.h"
+#include "HostPlatform/OwnDirectory.h"
+#include "HostPlatform/ProcessIdentity.h"
+#include "PlatformInterfaces/dlog.h"
+
+#include <boost/crc.hpp>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <climits>
+#include <cstdint>
+#include <cstdio>
+#include <system_error>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Nerix::Platform::Host {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Common::Descriptor;
+
+constexpr std::size_t checksumLength = 8;
+constexpr std::size_t longestFile = std::size_t{1} << 20U;
+
+[[noreturn]] void fail(int error) {
+    throw std::system_error(error, std::generic_category());
+}
+
+/// What a file is that does not hold what was put. No errno of a file system says so.
+[[noreturn]] void failAsDamaged() {
+    fail(EBADMSG);
+}
+
+/// "le64" for a little-endian machine of 64 bits.
+std::string layout() {
+    const char* const order = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? "le" : "be";
+    return order + std::to_string(sizeof(void*) * CHAR_BIT);
+}
+
+bool standsForItself(char byte) {
+    return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
+           byte == '.' || byte == '_' || byte == '-';
+}
+
+std::string fileNameOf(std::string_view key) {
+    std::string name;
+    for (const char byte : key) {
+        const bool isHidden = name.empty() && byte == '.';
+        if (byte == '/') {
+            name += '+';
+        } else if (standsForItself(byte) && !isHidden) {
+            name += byte;
+        } else {
+            char code[4];
+            std::snprintf(code, sizeof code, "%%%02x", static_cast<unsigned char>(byte));
+            name += code;
+        }
+    }
+    if (name.empty() || name.size() > NAME_MAX) {
+        fail(name.empty() ? EINVAL : ENAMETOOLONG);
+    }
+    return name;
+}
+
+/// Nothing for a name that fileNameOf does not make.
+std::optional<std::string> keyOf(const std::string& name) {
+    std::string key;
+    for (std::size_t index = 0; index != name.size(); ++index) {
+        unsigned char byte = 0;
+        if (name[index] == '+') {
+            key += '/';
+        } else if (name[index] != '%') {
+            key += name[index];
+        } else if (name.size() - index > 2 &&
+                   std::from_chars(&name[index + 1], &name[index + 1] + 2, byte, 16).ptr ==
+                       &name[index + 1] + 2) {
+            key += static_cast<char>(byte);
+            index += 2;
+        }
+    }
+    return !key.empty() && fileNameOf(key) == name ? std::optional<std::string>(key) : std::nullopt;
+}
+
+std::string checksumOf(std::string_view bytes) {
+    boost::crc_32_type crc;
+    crc.process_bytes(bytes.data(), bytes.size());
+    char digits[checksumLength + 1];
+    std::snprintf(digits, sizeof digits, "%08x", static_cast<unsigned int>(crc.checksum()));
+    return digits;
+}
+
+/// The whole file; nothing when there is none.
+std::optional<std::string> contentOf(const fs::path& path) {
+    // Not a link, and a FIFO must not wait for a writer.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!file.isOpen()) {
+        if (errno == ENOENT) {
+            return std::nullopt;
+        }
+        if (errno == ELOOP) {
+            failAsDamaged();
+        }
+        fail(errno);
+    }
+    struct stat status {};
+    if (::fstat(file.number(), &status) != 0) {
+        fail(errno);
+    }
+    if (!S_ISREG(status.st_mode) || static_cast<std::uintmax_t>(status.st_size) > longestFile) {
+        failAsDamaged();
+    }
+    std::string content(static_cast<std::size_t>(status.st_size) + 1,
+                        '\0'); // one more: room to notice the end
+    std::size_t size = 0;
+    while (size != content.size()) {
+        const ssize_t count = ::read(file.number(), &content[size], content.size() - size);
+        if (count == 0) {
+            break;
+        }
+        if (count < 0 && errno != EINTR) {
+            fail(errno);
+        }
+        size += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    content.resize(size);
+    return content;
+}
+
+/// What was put into the file; nothing when there is none.
+std::optional<std::string> checkedContentOf(const fs::path& path) {
+    std::optional<std::string> content = contentOf(path);
+    if (!content) {
+        return std::nullopt;
+    }
+    if (content->size() < checksumLength || content->size() > longestFile ||
+        content->substr(0, checksumLength) != checksumOf(std::string_view(*content).substr(checksumLength))) {
+        failAsDamaged();
+    }
+    content->erase(0, checksumLength);
+    return content;
+}
+
+void sync(const fs::path& path) {
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!file.isOpen() || ::fsync(file.number()) != 0) {
+        fail(errno);
+    }
+}
+
+void writeFile(const fs::path& path, std::string_view content) {
+    Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!file.isOpen()) {
+        fail(errno);
+    }
+    while (!content.empty()) {
+        const ssize_t count = ::write(file.number(), content.data(), content.size());
+        if (count < 0 && errno != EINTR) {
+            fail(errno);
+        }
+        content.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    }
+    if (::close(file.release()) != 0) {
+        fail(errno);
+    }
+}
+
+/// A name that no other process uses, on any machine, and that is no key's. A process that is killed while it writes leaves
+/// one such file.
+std::string temporaryName() {
+    static Common::NoDestructor<const std::string> identity(ProcessIdentity::own());
+    return ".new " + *identity + " " + std::to_string(::getpid());
+}
+
+} // namespace
+
+DirectoryBackend::DirectoryBackend(const std::string& name, fs::path (*parent)(), bool isSynced)
+    : m_name(name + "-" + layout()), m_parent(parent), m_isSynced(isSynced), m_place(m_name) {}
+
+fs::path DirectoryBackend::directory() {
+    struct stat status {};
+    const bool isTheSame = !m_examined.empty() && ::lstat(m_examined.c_str(), &status) == 0 &&
+                           status.st_dev == m_device && status.st_ino == m_inode;
+    if (!isTheSame) {
+        m_examined = ownDirectory(m_parent() / m_name);
+        if (::lstat(m_examined.c_str(), &status) != 0) {
+            fail(errno);
+        }
+        m_device = status.st_dev;
+        m_inode = status.st_ino;
+    }
+    return m_examined;
+}
+
+template <class Step>
+auto DirectoryBackend::attempt(const std::string& what, Step step) {
+    m_place = m_name;
+    try {
+        return step();
+    } catch (const std::system_error& failure) {
+        std::string text = "settings store " + m_place + ": cannot " + what + ": ";
+        text += failure.code().value() == EBADMSG ? "it is damaged; delete this file" : failure.what();
+        __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
+        throw SettingsFailure(text);
+    }
+}
+
+std::optional<std::string> DirectoryBackend::get(std::string_view key) {
+    return attempt("read '" + std::string(key) + "'", [&] {
+        const fs::path file = directory() / fileNameOf(key);
+        m_place = file.string();
+        return checkedContentOf(file);
+    });
+}
+
+void DirectoryBackend::put(std::string_view key, std::string_view bytes) {
+    attempt("write '" + std::string(key) + "'", [&] {
+        const fs::path file = directory() / fileNameOf(key);
+        m_place = file.string();
+        if (checksumLength + bytes.size() > longestFile) {
+            fail(EFBIG);
+        }
+        const fs::path complete = m_examined / temporaryName();
+        try {
+            writeFile(complete, checksumOf(bytes).append(bytes));
+            if (m_isSynced) {
+                sync(complete);
+            }
+            if (::rename(complete.c_str(), file.c_str()) != 0) {
+                fail(errno);
+            }
+        } catch (const std::system_error&) {
+            ::unlink(complete.c_str());
+            throw;
+        }
+        if (m_isSynced) {
+            sync(m_examined); // the name, too, survives a power failure
+        }
+    });
+}
+
+void DirectoryBackend::each(const Visit& visit) {
+    attempt("list its settings", [&] {
+        const fs::path place = directory();
+        m_place = place.string();
+        std::vector<std::string> keys;
+        for (const fs::directory_entry& entry : fs::directory_iterator(place)) {
+            if (std::optional<std::string> key = keyOf(entry.path().filename().string())) {
+                keys.push_back(std::move(*key));
+            }
+        }
+        std::sort(keys.begin(), keys.end());
+        for (const std::string& key : keys) {
+            const fs::path file = place / fileNameOf(key);
+            m_place = file.string();
+            if (const std::optional<std::string> bytes = checkedContentOf(file)) {
+                visit(key, *bytes);
+            }
+        }
+    });
+}
+
+} // namespace Nerix::Platform::Host
