@@ -1,14 +1,17 @@
 """The device around a run: drives, mount points, the settings that others watch."""
 
+import glob
 import json
 import os
 import re
 import resource
+import shutil
 import subprocess
 import sys
 import time
+import unittest
 
-from harness import HOST, NO_MOUNTS, PREFIX, SystemTest, main, make_hole, write
+from harness import HOST, NO_MOUNTS, PREFIX, PROGRAM, SANITIZED, SystemTest, main, make_hole, write
 from tree_value import Model
 
 if NO_MOUNTS:
@@ -66,6 +69,17 @@ class Device(SystemTest):
                          value, "a file may not be that large")
         incomplete = [line for line in self.log_lines("main") if b"[WRN]" in line and b"log on the drive is" in line]
         self.assertEqual(len(incomplete), 2)
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_drive_whose_file_system_has_no_locks_gets_the_scan_log(self):
+        self.mount("/media/usb")
+        value, records = self.expected()
+        for error in ("ENOLCK", "EOPNOTSUPP", "ENOSYS"):
+            run = subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", "-e", f"inject=flock:error={error}", PROGRAM, "--path",
+                                  self.work], check=False, env=self.environment, stdout=subprocess.PIPE)
+            self.assertEqual(run.stdout.decode(), value + "\n")
+            self.assertEqual(self.only_log("/media/usb"), records)
+            os.remove(glob.glob("/media/usb/*")[0])
 
     def test_mount_points_in_the_tree(self):
         self.mount("/media/usb")
