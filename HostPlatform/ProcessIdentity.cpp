@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 #include <system_error>
 
@@ -23,10 +24,9 @@ struct Identity {
 /// The time of start; empty when the process is gone or a zombie, which waits for its parent alone.
 std::string startOf(const std::string& process) {
     std::ifstream file("/proc/" + process + "/stat");
-    std::string line;
-    std::getline(file, line);
-    // The name before may hold blanks and parentheses of its own.
-    std::istringstream fields(line.substr(line.rfind(')') + 1));
+    const std::string content(std::istreambuf_iterator<char>(file), {});
+    // The name before may hold blanks, parentheses and line feeds of its own.
+    std::istringstream fields(content.substr(content.rfind(')') + 1));
     constexpr int startField = 20; // the state is the first after the name
     std::string field;
     for (int number = 1; number <= startField && fields >> field; ++number) {
