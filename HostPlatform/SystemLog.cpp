@@ -38,34 +38,42 @@ void tellOnce(const std::string& failure) {
 /// Set by the error handler, which spdlog calls on the thread that writes.
 thread_local bool writingFailed = false;
 
-spdlog::sink_ptr makeSink(const std::string& kind, const std::string& bufferName) {
-    if (kind == "syslog") {
+enum class Kind { file, syslog, standardError, nowhere };
+
+spdlog::sink_ptr makeSink(Kind kind, const std::string& bufferName) {
+    switch (kind) {
+    case Kind::syslog:
         return std::make_shared<spdlog::sinks::syslog_sink_mt>("nerix", 0, 0, false);
-    }
-    if (kind == "stderr") {
+    case Kind::standardError:
         return std::make_shared<spdlog::sinks::stderr_sink_mt>();
-    }
-    if (kind == "none") {
+    case Kind::nowhere:
         return std::make_shared<spdlog::sinks::null_sink_mt>();
+    case Kind::file:
+        break;
     }
     return std::make_shared<BatchingSink>((logDirectory() / (bufferName + ".log")).string());
 }
 
-std::string chosenKind() {
+Kind chosenKind() {
     if (isStateInMemory()) {
-        return "none";
+        return Kind::nowhere;
     }
-    const char* const chosen = ::secure_getenv("NERIX_HOST_LOG");
-    std::string kind = chosen == nullptr || *chosen == '\0' ? "file" : chosen;
-    if (kind != "file" && kind != "syslog" && kind != "stderr") {
-        std::fprintf(stderr,
-                     "nerix host log: NERIX_HOST_LOG is '%s', not file, syslog or stderr; using file\n",
-                     kind.c_str());
+    const char* const variable = ::secure_getenv("NERIX_HOST_LOG");
+    const std::string chosen = variable == nullptr ? "" : variable;
+    if (chosen == "syslog") {
+        return Kind::syslog;
     }
-    return kind;
+    if (chosen == "stderr") {
+        return Kind::standardError;
+    }
+    if (!chosen.empty() && chosen != "file") {
+        std::fprintf(stderr, "nerix host log: NERIX_HOST_LOG is '%s', not file, syslog or stderr; using file\n",
+                     withoutControls(chosen).c_str());
+    }
+    return Kind::file;
 }
 
-std::shared_ptr<spdlog::logger> makeLogger(const std::string& kind, const std::string& bufferName) {
+std::shared_ptr<spdlog::logger> makeLogger(Kind kind, const std::string& bufferName) {
     try {
         auto logger = std::make_shared<spdlog::logger>(bufferName, makeSink(kind, bufferName));
         logger->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %v");
@@ -124,10 +132,10 @@ SystemLog& SystemLog::instance() {
 }
 
 SystemLog::SystemLog() {
-    const std::string kind = chosenKind();
+    const Kind kind = chosenKind();
     m_main = makeLogger(kind, "main");
     m_system = makeLogger(kind, "system");
-    if (kind != "file") {
+    if (kind != Kind::file) {
         return; // there no line waits
     }
     try {

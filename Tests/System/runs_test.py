@@ -5,7 +5,7 @@ import os
 import re
 import subprocess
 
-from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, write
+from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, make_hole, write
 from tree_value import Model
 
 
@@ -48,6 +48,26 @@ class Runs(SystemTest):
                     self.assertEqual(run.returncode, status, where)
                     self.assertTrue(b"can't write to standard output: errno=" in run.stderr or "-" in where or status == 2)
                     self.assertEqual(self.settings()[:2], ("inactive", "100.0"), "the store is not written over")
+
+    def test_log_of_an_unknown_kind_is_a_file(self):
+        write(os.path.join(self.work, "file"))
+        for kind in ("none", "fiel", "\x1b[31m"):
+            run = self.run_program("--path", self.work, env={**self.environment, "NERIX_HOST_LOG": kind})
+            shown = kind.replace("\x1b", r"\x1b")
+            self.assertEqual(run.stderr.decode(), f"nerix host log: NERIX_HOST_LOG is '{shown}', not file, syslog or stderr; using file\n")
+        self.assertEqual(len(self.scan_records()), 3 * 2, "each run's records, of the file and its directory")
+
+    def test_process_whose_name_has_a_line_feed_is_seen_alive(self):
+        program = os.path.join(self.work, "Nerix\nVerifier")
+        os.symlink(PROGRAM, program)
+        tree = os.path.join(self.work, "tree")
+        os.mkdir(tree)
+        make_hole(os.path.join(tree, "long"), 1 << 40)
+        with subprocess.Popen([program, "--path", tree], env=self.environment, stdout=subprocess.DEVNULL) as run:
+            while self.settings()[0] != "active":
+                self.assertIsNone(run.poll())
+            self.assertEqual(self.run_host("settings", "list").stderr, b"")
+            run.terminate()
 
     def test_help(self):
         shown = [self.run_program().stdout, *(self.run_host(*words, "--help").stdout
