@@ -7,6 +7,7 @@
 #include <boost/thread/thread.hpp>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <iterator>
 #include <utility>
@@ -74,6 +75,22 @@ bool is_symlink(const boost::filesystem::path& p) {
 std::ifstream openRegularFile(const boost::filesystem::path& p) {
     boost::system::error_code error;
     return boost::filesystem::is_regular_file(p, error) ? std::ifstream(p.c_str()) : std::ifstream();
+}
+
+std::ofstream openRegularFileToWrite(const boost::filesystem::path& p) {
+    boost::system::error_code error;
+    switch (boost::filesystem::status(p, error).type()) {
+    case boost::filesystem::regular_file:
+    case boost::filesystem::file_not_found:
+    case boost::filesystem::status_error: // opening it gives the reason
+        return std::ofstream(p.c_str());
+    case boost::filesystem::directory_file:
+        errno = EISDIR;
+        return {};
+    default:
+        errno = ENXIO; // what opening a FIFO without a reader gives
+        return {};
+    }
 }
 
 bool remove(const boost::filesystem::path& p) {

@@ -31,6 +31,10 @@ bool is_regular_file(const boost::filesystem::path& p);
 /// FIFO would wait for a writer.
 std::ifstream openRegularFile(const boost::filesystem::path& p);
 
+/// Opens the file for writing, following links, and makes or empties it. Closed, with errno set, when that fails or when
+/// something else than a regular file has the name: opening a FIFO would wait for a reader.
+std::ofstream openRegularFileToWrite(const boost::filesystem::path& p);
+
 /// Whether the entry is a symbolic link.
 bool is_symlink(const boost::filesystem::path& p);
 

@@ -14,8 +14,14 @@
 #include <boost/serialization/nvp.hpp>
 #include <boost/serialization/string.hpp>
 
+#include <cmath>
+#include <cstdint>
 #include <istream>
+#include <limits>
 #include <ostream>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
 #include <utility>
 
 namespace Nerix {
@@ -72,6 +78,34 @@ namespace Nerix {
 
 using boost::serialization::make_nvp;
 
+/// Reads the element into value. The library would read "-1" into an unsigned number as its largest value, so those are read
+/// as wider, signed ones.
+template <class Archive, class Value>
+void readValue(Archive& archive, const char* name, Value& value) {
+    if constexpr (std::is_same_v<Value, std::uint32_t>) {
+        std::int64_t number = 0;
+        archive >> make_nvp(name, number);
+        if (number < 0 || number > std::numeric_limits<Value>::max()) {
+            boost::serialization::throw_exception(std::range_error(std::string(name) + " is out of range"));
+        }
+        value = static_cast<Value>(number);
+    } else {
+        archive >> make_nvp(name, value);
+    }
+}
+
+/// Writes the element, unless it could not be read back: the library writes infinity and NaN as words.
+template <class Archive, class Value>
+void writeValue(Archive& archive, const char* name, const Value& value) {
+    if constexpr (std::is_floating_point_v<Value>) {
+        if (!std::isfinite(value)) {
+            boost::serialization::throw_exception(
+                std::range_error(std::string(name) + " is not a finite number"));
+        }
+    }
+    archive << make_nvp(name, value);
+}
+
 /// An optional value as it is stored. Class version 0, which is written, has an item version; version 1
 /// has none.
 template <class Value>
@@ -94,9 +128,13 @@ struct StoredOptional {
             unsigned int itemVersion = 0;
             archive& make_nvp("item_version", itemVersion);
         }
-        Value held = value.get_value_or(Value{});
-        archive& make_nvp("value", held);
-        value = held;
+        if constexpr (Archive::is_loading::value) {
+            Value held{};
+            readValue(archive, "value", held);
+            value = held;
+        } else {
+            writeValue(archive, "value", *value);
+        }
     }
 };
 
@@ -124,7 +162,7 @@ public:
     template <class Field>
     void operator()(const char* name, Field& field) {
         Field read{};
-        m_archive >> make_nvp(name, read);
+        readValue(m_archive, name, read);
         field = std::move(read);
     }
     template <class Value>
@@ -148,7 +186,7 @@ public:
 
     template <class Field>
     void operator()(const char* name, const Field& field) {
-        m_archive << make_nvp(name, field);
+        writeValue(m_archive, name, field);
     }
     template <class Value>
     void operator()(const char* name, const boost::optional<Value>& field) {

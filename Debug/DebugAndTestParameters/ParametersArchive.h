@@ -18,8 +18,9 @@ class DebugAndTestParameters;
 /// optional value holds "initialized" and, when that is 1, "item_version" (0) and "value". Newer libraries
 /// leave "item_version" out and write class version 1; both forms are read, the former is written.
 ///
-/// Reading throws when an element is missing, out of place or malformed; fields before it keep what was read.
-/// Both throw boost::archive::archive_exception, a std::exception. A stream to write to must not fail, as
+/// Reading throws when an element is missing, out of place or malformed, or holds a number that its field cannot; fields before
+/// it keep what was read. Writing throws for a number that is not finite. Both throw std::range_error for a number and
+/// boost::archive::archive_exception, a std::exception, for anything else. A stream to write to must not fail, as
 /// that would end the process: write into a text first, as ParametersFile::save does.
 class ParametersArchive {
 public:

@@ -1,5 +1,7 @@
 #include "Debug/DebugAndTestParameters/ParametersFile.h"
 
+#include "Common/Utils/Filesystem.h"
+
 #include <cerrno>
 #include <fstream>
 #include <system_error>
@@ -8,7 +10,7 @@ namespace Nerix::ParametersFile {
 
 void write(const std::string& path, const std::string& text) {
     errno = 0;
-    std::ofstream file(path);
+    std::ofstream file = Common::Utils::filesystem::openRegularFileToWrite(path);
     file << text;
     file.close();
     if (!file) {

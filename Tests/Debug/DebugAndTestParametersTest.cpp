@@ -14,8 +14,12 @@
 
 #include <exception>
 #include <iomanip>
+#include <limits>
 #include <regex>
 #include <sstream>
+#include <stdexcept>
+
+#include <sys/stat.h>
 
 namespace Nerix::Tests {
 namespace {
@@ -75,6 +79,23 @@ TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
                                      replace_all_copy(golden, "noRebootFlag>", "noRebootFlags>")}) {
         ASSERT_NE(mixed, golden);
         EXPECT_FALSE(readFrom(mixed).second);
+    }
+}
+
+TEST(ParametersArchive, NumbersThatTheirFieldsCannotHoldAreRefused) {
+    for (const std::string field : {"numberOfFailures", "networkStreamBufferSize"}) {
+        for (const std::string number : {"-1", "4294967296"}) {
+            const std::regex element("<" + field + ">\\d+");
+            EXPECT_FALSE(readFrom(std::regex_replace(golden, element, "<" + field + ">" + number)).second)
+                << field << number;
+        }
+    }
+    const std::regex optionalValue("<value>11<");
+    EXPECT_FALSE(readFrom(std::regex_replace(golden, optionalValue, "<value>-1<")).second);
+    DebugAndTestParameters parameters;
+    for (const float number : {std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
+        parameters.getInstallationPerformanceParameters().setVerificationScale(number);
+        EXPECT_THROW(written(parameters), std::range_error) << number;
     }
 }
 
@@ -173,12 +194,16 @@ TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
         boost::filesystem::ofstream(path) << std::setw(100'000'000) << 'x';
         EXPECT_FALSE(parameters.reload());
         boost::filesystem::remove(path);
+        ::mkfifo(path.c_str(), 0600);
+        parameters.save();
+        boost::filesystem::remove(path);
         boost::filesystem::create_directory(path);
         parameters.save();
         EXPECT_EQ(parameters.getPanelServiceName(), "saved");
         for (const char* const record :
              {">DebugAndTestParameters were already loaded.", "parameter unset: parameter not set.",
-              ">Failed to load DebugAndTestParameters from ", "DebugAndTestParameters.xml: cannot write: Is a directory"}) {
+              ">Failed to load DebugAndTestParameters from ", "DebugAndTestParameters.xml: cannot write: Is a directory",
+              "DebugAndTestParameters.xml: cannot write: No such device or address"}) {
             EXPECT_EQ(FakePlatform::instance().logged(record), 1U) << record;
         }
     });
