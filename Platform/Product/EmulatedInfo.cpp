@@ -58,21 +58,29 @@ void writeEntry(std::ostream& file, const Entry& entry) {
     file << entry.key << ':' << entry.value << '\n';
 }
 
-/// A text that would not make one entry is refused before the file is changed.
-void throwIfNoEntry(const std::string& text) {
-    if (text.empty() || text.find('\n') != std::string::npos) {
-        BOOST_THROW_EXCEPTION(
-            GenericException()
-            << errinfo_description(
-                   "Can't store an empty text, or one with a line break, in EmulatedInfo.txt.")
-            << errinfo_string(text));
+[[noreturn]] void refuseText(const char* description, const std::string& text) {
+    BOOST_THROW_EXCEPTION(GenericException() << errinfo_description(description) << errinfo_string(text));
+}
+
+/// Refuses what could not be read back, before anything is created or changed.
+void throwIfNoEntry(const Entry& entry) {
+    for (const std::string& text : {entry.key, entry.value}) {
+        if (text.empty() || text.find('\n') != std::string::npos) {
+            refuseText("Can't store an empty text, or one with a line break, in EmulatedInfo.txt.", text);
+        }
+    }
+    if (entry.key.find(':') != std::string::npos) {
+        refuseText("Can't store a key with a colon in EmulatedInfo.txt.", entry.key);
+    }
+    if (entry.value.front() == ':') {
+        refuseText("Can't store a value that begins with a colon in EmulatedInfo.txt.", entry.value);
     }
 }
 
 /// Writes the file's entries without those of key, and the new one at the end.
 void rewrite(const path& from, const path& to, const Entry& added) {
     std::ifstream old = Common::Utils::filesystem::openRegularFile(from);
-    boost::filesystem::ofstream rewritten(to);
+    std::ofstream rewritten = Common::Utils::filesystem::openRegularFileToWrite(to);
     if (!old.is_open() || !rewritten.is_open()) {
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description("Couldn't open file.") << errinfo_path(from));
@@ -125,16 +133,16 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
 
 void setEmulatedInfoValue(const std::string& key, const std::string& value) {
     breakIfProductionAndNotDebug();
+    const Entry entry{key, value};
+    throwIfNoEntry(entry);
     ensureEmulatedInfoFileExists();
-    throwIfNoEntry(key);
-    throwIfNoEntry(value);
     const path file = IProductInfo::getEmulatedInfoPath();
     if (isMissing(file)) {
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description("File doesn't exist.") << errinfo_path(file));
     }
     const path helper = file.parent_path() / "helper.txt";
-    rewrite(file, helper, {key, value});
+    rewrite(file, helper, entry);
     boost::system::error_code error;
     if (!boost::filesystem::remove(file, error) || (boost::filesystem::rename(helper, file, error), error)) {
         BOOST_THROW_EXCEPTION(GenericException()

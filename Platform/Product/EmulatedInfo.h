@@ -19,11 +19,11 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key);
 
 /// Makes the entry the last of the file, in place of an earlier one; makes the file when there is none. It is
 /// written to "helper.txt" beside it, which then takes the file's place; a failure may leave that file, and
-/// when only the renaming fails, the entries are in it alone. Throws for a key or value that is empty or
-/// holds a line break, and for a line of the file without key or value.
+/// when only the renaming fails, the entries are in it alone. Throws for a line of the file without key
+/// or value, and, with nothing created, for a key or value that is empty or holds a line break, a key with a ':' and a value
+/// that begins with one: none of them could be read back.
 ///
-/// A ':' is stored like any character, but ends the value for whoever reads it; a value that begins with it
-/// makes a line without value, which every later call refuses.
+/// A ':' inside a value is stored like any character, but ends the value for whoever reads it.
 void setEmulatedInfoValue(const std::string& key, const std::string& value);
 
 /// Makes an empty file, and its directory when only that is missing. A failure shows when the file is used.

@@ -1,3 +1,4 @@
+#include "Platform/Product/EmulatedInfo.h"
 #include "Platform/Product/IProductInfo.h"
 
 #include "Tests/Fakes/FakePlatform.h"
@@ -12,6 +13,7 @@
 #include <functional>
 
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace Nerix::Tests {
 namespace {
@@ -178,6 +180,21 @@ TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {
         });
 }
 
+TEST(EmulatedInfo, TextsThatCouldNotBeReadBackAreRefusedBeforeTheFileIsMade) {
+    inDevice([](const boost::filesystem::path& file) {
+        const std::string noEntry = "Can't store an empty text, or one with a line break, in EmulatedInfo.txt.";
+        const std::string noKey = "Can't store a key with a colon in EmulatedInfo.txt.";
+        const std::string noValue = "Can't store a value that begins with a colon in EmulatedInfo.txt.";
+        expectFailure(noEntry, [] { Info::setEmulatedModelString(""); });
+        expectFailure(noEntry, [] { Info::setEmulatedModelString("two\nlines"); });
+        expectFailure(noEntry, [] { Platform::setEmulatedInfoValue("", "value"); });
+        expectFailure(noKey, [] { Platform::setEmulatedInfoValue("a:b", "value"); });
+        expectFailure(noValue, [] { Info::setEmulatedModelString(":value"); });
+        expectFailure(noValue, [] { Info::setEmulatedOTNZone(':'); });
+        EXPECT_FALSE(boost::filesystem::exists(file));
+    });
+}
+
 TEST(EmulatedInfo, BadLinesFailAndLoseNothing) {
     inDevice([](const boost::filesystem::path& file) {
         const std::string noKey = "Failed getting emulatedInfoKey.";
@@ -191,15 +208,10 @@ TEST(EmulatedInfo, BadLinesFailAndLoseNothing) {
             EXPECT_EQ(contentOf(file), content) << bad;
         }
         boost::filesystem::ofstream(file) << "A:1\n";
-        for (const char* const value : {"", "two\nlines"}) {
-            expectFailure("Can't store an empty text, or one with a line break, in EmulatedInfo.txt.",
-                          [&] { Info::setEmulatedModelString(value); });
-        }
-        EXPECT_EQ(contentOf(file), "A:1\n");
         Info::setEmulatedMainSoftwareVersionDate("2016-01-01:extra");
         EXPECT_EQ(Info::getEmulatedMainSoftwareVersionDate(), std::string("2016-01-01"));
-        Info::setEmulatedOTNZone(':');
-        EXPECT_EQ(contentOf(file), "A:1\nDate:2016-01-01\nOTNZone::\n");
+        Info::setEmulatedOTNZone('E');
+        EXPECT_EQ(contentOf(file), "A:1\nDate:2016-01-01\nOTNZone:E\n");
         boost::filesystem::ofstream(file) << "A:1\n";
         expectFailure("Requested key doesn't exist in EmulatedInfo.txt. Key: Submicom",
                       [] { Info::getEmulatedSubmicomVersion(); });
@@ -208,6 +220,9 @@ TEST(EmulatedInfo, BadLinesFailAndLoseNothing) {
         ::setrlimit(RLIMIT_FSIZE, &little);
         expectFailure("Couldn't write file.", [] { Info::setEmulatedModelString("n"); });
         EXPECT_EQ(contentOf(file), "A:1\n");
+        boost::filesystem::remove(file.parent_path() / "helper.txt");
+        ::mkfifo((file.parent_path() / "helper.txt").c_str(), 0600);
+        expectFailure("Couldn't open file.", [] { Info::setEmulatedModelString("n"); });
         boost::filesystem::remove(file);
         boost::filesystem::create_directory(file);
         expectFailure("Opening EmulatedInfo.txt failed.", [] { Info::getEmulatedModelString(); });
