@@ -2,18 +2,25 @@
 
 #include "Executables/NerixHost/QuotedName.h"
 
+#include <boost/crc.hpp>
+
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace Nerix {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 [[noreturn]] void fail(const std::string& file, const std::string& reason) {
     throw std::runtime_error("cannot write " + quotedName(file) + ": " + reason);
@@ -23,27 +30,95 @@ std::string messageOf(int error) {
     return std::generic_category().message(error);
 }
 
-int create(const std::string& file, const std::string& partial) {
+/// What the names of a log's unfinished files begin with: the directory, and a checksum of the name, so that a log whose name
+/// is as long as names may be has room.
+std::string partialPrefix(const fs::path& file) {
+    const std::string name = file.filename().string();
+    boost::crc_32_type crc;
+    crc.process_bytes(name.data(), name.size());
+    return (file.parent_path() / (".nerix-" + std::to_string(crc.checksum()) + "-")).string();
+}
+
+/// Removes unfinished files that no process has locked: those of scans that were killed.
+void removeAbandoned(const std::string& prefix) {
+    std::error_code error;
+    for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(prefix).parent_path(), error)) {
+        const std::string path = entry.path().string();
+        if (path.compare(0, prefix.size(), prefix) != 0) {
+            continue;
+        }
+        const Common::Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+        if (file.isOpen() && ::flock(file.number(), LOCK_EX | LOCK_NB) == 0) {
+            ::unlink(path.c_str()); // one of somebody else may stay
+        }
+    }
+}
+
+/// Call it while the process has one thread: the mask can only be read by changing it.
+mode_t modeOfNewFile() {
+    const mode_t mask = ::umask(0);
+    ::umask(mask);
+    return 0666 & ~mask;
+}
+
+/// Gives the file the owner and mode of the log that it will replace, or those of a new one.
+void takeOwnerAndMode(int descriptor, const std::string& file) {
+    struct stat status {};
+    if (::lstat(file.c_str(), &status) != 0) {
+        if (errno != ENOENT || ::fchmod(descriptor, modeOfNewFile()) != 0) {
+            fail(file, messageOf(errno));
+        }
+        return;
+    }
+    struct stat own {};
+    if (::fstat(descriptor, &own) != 0) {
+        fail(file, messageOf(errno));
+    }
+    const bool isSameOwner = own.st_uid == status.st_uid && own.st_gid == status.st_gid;
+    if (!isSameOwner && ::fchown(descriptor, status.st_uid, status.st_gid) != 0) {
+        fail(file, "its owner cannot be kept: " + messageOf(errno));
+    }
+    if (::fchmod(descriptor, status.st_mode & 07777) != 0) {
+        fail(file, messageOf(errno));
+    }
+}
+
+/// Makes the unfinished file, locked, and puts its name into partial.
+int create(const std::string& file, std::string& partial) {
     struct stat status {};
     if (::lstat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         fail(file, "it is no regular file");
     }
-    ::unlink(partial.c_str()); // of a process of the same id that was killed
-    const int descriptor = ::open(partial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (descriptor == -1) {
-        fail(file, messageOf(errno));
+    const std::string prefix = partialPrefix(file);
+    removeAbandoned(prefix);
+    for (;;) {
+        partial = prefix + "XXXXXX";
+        Common::Descriptor created(::mkostemp(partial.data(), O_CLOEXEC));
+        if (!created.isOpen()) {
+            fail(file, messageOf(errno));
+        }
+        ::flock(created.number(), LOCK_EX | LOCK_NB); // a file system without locks keeps abandoned files
+        if (::fstat(created.number(), &status) == 0 && status.st_nlink != 0) {
+            return created.release();
+        }
+        // Another scan took it for an abandoned one before it was locked.
     }
-    return descriptor;
 }
 
 } // namespace
 
 LogFile::LogFile(const std::string& file)
     : m_file(file),
-      m_partial(file + ".part-" + std::to_string(::getpid())),
       m_descriptor(create(m_file, m_partial)),
       m_buffer(m_descriptor.number()),
-      m_stream(&m_buffer) {}
+      m_stream(&m_buffer) {
+    try {
+        takeOwnerAndMode(m_descriptor.number(), m_file);
+    } catch (const std::runtime_error&) {
+        ::unlink(m_partial.c_str());
+        throw;
+    }
+}
 
 LogFile::~LogFile() {
     if (!m_isCommitted) {

@@ -8,12 +8,13 @@
 
 namespace Nerix {
 
-/// A file that is there when it is complete, and not before: it is written under another name beside it and
-/// renamed at the end. One thread at a time may use it.
+/// A file that is there when it is complete, and not before: it is written under another name beside it, ".nerix-" and
+/// characters that nobody can guess, and renamed at the end. A file that it replaces hands its owner and mode on. One thread
+/// at a time may use it.
 class LogFile {
 public:
-    /// Throws std::runtime_error when it cannot be written there, or when something else than a regular file
-    /// has that name.
+    /// Also removes what killed processes left of earlier files of this name. Throws std::runtime_error when it cannot be
+    /// written there, when something else than a regular file has that name, or when its owner could not be kept.
     explicit LogFile(const std::string& file);
 
     /// Removes what was written unless it was committed.
@@ -49,7 +50,7 @@ private:
     };
 
     const std::string m_file;
-    const std::string m_partial; ///< the name until it is complete
+    std::string m_partial; ///< the name until it is complete
     Common::Descriptor m_descriptor;
     Buffer m_buffer;
     std::ostream m_stream;

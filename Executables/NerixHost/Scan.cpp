@@ -9,10 +9,10 @@
 #include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/FailureSentence.h"
 #include "Executables/NerixHost/LogFile.h"
+#include "Executables/NerixHost/LogPlace.h"
 #include "Executables/NerixHost/ProgressLine.h"
 #include "Executables/NerixHost/QuotedName.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
-#include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogStream.h"
 #include "HostPlatform/StateInMemory.h"
 #include "Platform/Product/IProductInfo.h"
@@ -27,7 +27,6 @@
 #include <optional>
 #include <stdexcept>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace Nerix {
@@ -48,36 +47,6 @@ void prepare() {
     Common::Utils::catchTerminationSignals();
     Platform::IProductInfo::initializeProduct(Platform::DEFAULT_PRODUCT);
     Common::DebugAndTestParameters::loadDebugAndTestParameters("NerixHost");
-}
-
-/// Whether a file in that directory belongs to the tree at root: nothing else is mounted between them. By
-/// number, as the root may be mounted a second time.
-bool isScanned(const fs::path& directory, const fs::path& root) {
-    struct stat rootStatus {};
-    ::lstat(root.c_str(), &rootStatus);
-    for (fs::path at = directory;; at = at.parent_path()) {
-        struct stat status {};
-        if (::lstat(at.c_str(), &status) != 0 || status.st_dev != rootStatus.st_dev) {
-            return false;
-        }
-        if (status.st_ino == rootStatus.st_ino) {
-            return true;
-        }
-        if (at == at.root_path() || MountPoints::getInstance().isMountPoint(at.string())) {
-            return false;
-        }
-    }
-}
-
-/// The log's whole path. Throws std::runtime_error where it would change the value of the tree.
-fs::path logOutside(const fs::path& root, const std::string& logFile) {
-    fs::path file = fs::weakly_canonical(fs::absolute(logFile));
-    if (file == root || isScanned(file.parent_path(), root)) {
-        throw std::runtime_error(
-            "the log " + quotedName(file.string()) + " would lie in the tree that is scanned, " +
-            "and change its value; choose a place outside of " + quotedName(root.string()));
-    }
-    return file;
 }
 
 std::string duration(Clock::duration elapsed) {

@@ -13,6 +13,7 @@ import stat
 import struct
 import subprocess
 import termios
+import time
 import unittest
 
 import random_tree
@@ -198,6 +199,60 @@ class Host(SystemTest):
         self.assertEqual(run.stderr, b'NerixHost: cannot read "%b": Input/output error\n' % file)
         self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertEqual(os.listdir(self.work), ["tree"])
+
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
+    def test_log_in_the_tree_under_another_name_is_refused(self):
+        sub = self.tree.decode() + "/sub"
+        os.makedirs(sub + "/inner")
+        file = sub + "/file"
+        write(file)
+        value = self.scan(self.logs[0])
+        for place, bound in (("/mnt/tree", self.tree), ("/mnt/sub dir", sub), ("/mnt/inner", sub + "/inner")):
+            self.mount(place, bound, kind="bind")
+            run = self.run_host("scan", self.tree, "--log", place + "/log")
+            self.assertEqual((run.returncode, run.stdout), (1, b""))
+            self.assertIn(b"would lie in the tree that is scanned", run.stderr)
+        os.link(file, self.work + "/other name")
+        run = self.run_host("scan", self.tree, "--log", self.work + "/other name")
+        self.assertEqual(run.returncode, 1)
+        self.assertIn(b"has other hard links, which may lie in the tree", run.stderr)
+        os.unlink(self.work + "/other name")
+        self.mount(sub + "/inner", self.work, kind="bind")  # leads out of the tree
+        self.assertEqual(self.run_host("scan", self.tree, "--log", sub + "/inner/log").returncode, 0)
+        self.assertEqual(self.run_host("scan", sub + "/file", "--log", self.work + "/log").returncode, 0)
+        os.unlink(self.work + "/log")
+        subprocess.run(["umount", sub + "/inner"], check=True)
+        self.assertEqual(self.scan(self.logs[0]), value)
+
+    def test_log_keeps_owner_and_mode_and_takes_any_name(self):
+        log = os.path.join(self.work, "l" * 255)
+        write(log)
+        os.chmod(log, 0o640)
+        if os.geteuid() == 0:
+            os.chown(log, 12, 34)
+        before = os.stat(log)
+        for number in range(70_000, 70_010):  # names that were guessed
+            os.makedirs(f"{self.logs[0]}.part-{number}")
+        self.scan(log)
+        after = os.stat(log)
+        self.assertEqual((after.st_mode, after.st_uid, after.st_gid), (before.st_mode, before.st_uid, before.st_gid))
+        self.scan(self.logs[0])
+        self.assertEqual(stat.S_IMODE(os.stat(self.logs[0]).st_mode), 0o644)
+
+    def test_log_of_a_killed_scan_goes_with_the_next(self):
+        make_hole(self.tree + b"/long", 1 << 40)
+        with subprocess.Popen([HOST, "scan", self.tree, "--log", self.logs[0], "-q"], env=self.environment) as scan:
+            while len(os.listdir(self.work)) == 1:
+                self.assertIsNone(scan.poll())
+            time.sleep(0.1)
+            other = subprocess.run(["timeout", "0.5", HOST, "scan", self.tree, "--log", self.logs[0], "-q"], check=False,
+                                   env=self.environment, stderr=subprocess.DEVNULL)
+            self.assertEqual(other.returncode, 124)
+            self.assertEqual(len(os.listdir(self.work)), 2, "that of the running scan stays")
+            scan.kill()
+        os.unlink(self.tree + b"/long")
+        self.scan(self.logs[0])
+        self.assertEqual(sorted(os.listdir(self.work)), ["before.log", "tree"])
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_log_that_does_not_fit_is_not_there(self):

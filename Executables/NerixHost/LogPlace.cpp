@@ -1,0 +1,128 @@
+#include "Executables/NerixHost/LogPlace.h"
+
+#include "Common/Base/Descriptor.h"
+#include "Executables/NerixHost/QuotedName.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/WalkOrder.h"
+
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Nerix {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Where a file is on its file system, however that is mounted.
+struct Place {
+    std::string device;
+    fs::path path; ///< from the root of the file system
+};
+
+/// "\040" for a blank, as the kernel writes it in its tables.
+std::string unescaped(const std::string& text) {
+    std::string plain;
+    for (std::size_t index = 0; index != text.size(); ++index) {
+        if (text[index] == '\\' && text.size() - index > 3) {
+            plain += static_cast<char>(std::stoi(text.substr(index + 1, 3), nullptr, 8));
+            index += 3;
+        } else {
+            plain += text[index];
+        }
+    }
+    return plain;
+}
+
+std::string mountIdOf(int descriptor) {
+    std::ifstream info("/proc/self/fdinfo/" + std::to_string(descriptor));
+    for (std::string name, value; info >> name >> value;) {
+        if (name == "mnt_id:") {
+            return value;
+        }
+    }
+    return "";
+}
+
+/// Nothing when /proc does not say.
+std::optional<Place> placeOf(const fs::path& file) {
+    const Common::Descriptor descriptor(::open(file.c_str(), O_PATH | O_CLOEXEC));
+    const std::string mountId = descriptor.isOpen() ? mountIdOf(descriptor.number()) : "";
+    std::ifstream mounts("/proc/self/mountinfo");
+    for (std::string line; std::getline(mounts, line);) {
+        std::istringstream fields(line);
+        std::string id, parent, device, root, directory;
+        if (!(fields >> id >> parent >> device >> root >> directory) || id != mountId) {
+            continue;
+        }
+        directory = unescaped(directory);
+        if (directory != file && !isBelow(file.native(), directory)) {
+            return std::nullopt;
+        }
+        const fs::path place = unescaped(root);
+        return Place{device, directory == file ? place : place / file.lexically_relative(directory)};
+    }
+    return std::nullopt;
+}
+
+/// Returns true if the directory is the root or below it on their common file system. The directory may be mounted a second
+/// time, outside of the tree.
+bool isInTreeElsewhere(const fs::path& directory, const fs::path& root) {
+    const std::optional<Place> inner = placeOf(directory);
+    const std::optional<Place> outer = placeOf(root);
+    return inner && outer && inner->device == outer->device &&
+           (inner->path == outer->path || isBelow(inner->path.native(), outer->path.native()));
+}
+
+/// Returns true if the walk of the tree at root comes to the directory: nothing else is mounted between them. By number, as
+/// the root may be mounted a second time.
+bool isInTree(const fs::path& directory, const fs::path& root) {
+    struct stat rootStatus {};
+    ::lstat(root.c_str(), &rootStatus);
+    for (fs::path at = directory;; at = at.parent_path()) {
+        struct stat status {};
+        if (::lstat(at.c_str(), &status) != 0 || status.st_dev != rootStatus.st_dev) {
+            return false;
+        }
+        if (status.st_ino == rootStatus.st_ino) {
+            return true;
+        }
+        if (at == at.root_path() || MountPoints::getInstance().isMountPoint(at.string())) {
+            return false;
+        }
+    }
+}
+
+/// Returns true if the file has other names on the file system of the tree.
+bool hasNamesElsewhere(const fs::path& file, const fs::path& root) {
+    struct stat status {};
+    struct stat rootStatus {};
+    return ::lstat(file.c_str(), &status) == 0 && ::lstat(root.c_str(), &rootStatus) == 0 &&
+           S_ISREG(status.st_mode) && status.st_nlink > 1 && status.st_dev == rootStatus.st_dev;
+}
+
+} // namespace
+
+fs::path logOutside(const fs::path& root, const std::string& logFile) {
+    fs::path file = fs::weakly_canonical(fs::absolute(logFile));
+    const fs::path directory = file.parent_path();
+    if (file == root || isInTree(directory, root) || isInTreeElsewhere(directory, root)) {
+        throw std::runtime_error("the log " + quotedName(file.string()) +
+                                 " would lie in the tree that is scanned, and " +
+                                 "change its value; choose a place outside of " + quotedName(root.string()));
+    }
+    if (hasNamesElsewhere(file, root)) {
+        throw std::runtime_error(
+            "the log " + quotedName(file.string()) + " has other hard links, which may lie in the tree " +
+            "that is scanned, and replacing it would change its value; choose another name");
+    }
+    return file;
+}
+
+} // namespace Nerix
