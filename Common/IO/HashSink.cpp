@@ -28,6 +28,11 @@ Utils::SingletonPointer<OpenSSLInit> useOpenSSL() {
         userName, Utils::SINGLETON_OPENSSL_INITIALIZER);
 }
 
+OpenSSLCompat::DigestContext makeContext() {
+    HashSinkScope* const scope = HashSinkScope::current();
+    return scope != nullptr ? scope->takeContext() : OpenSSLCompat::DigestContext(EVP_MD_CTX_new());
+}
+
 const EVP_MD* lookUp(const std::string& digestName) {
     HashSinkScope* const scope = HashSinkScope::current();
     return scope != nullptr ? scope->lookUp(digestName) : lookUpDigest(digestName);
@@ -38,7 +43,7 @@ const EVP_MD* lookUp(const std::string& digestName) {
 HashSink::HashSink(const std::string& digestName) : m_openSSL(useOpenSSL()), m_digestName(digestName) {
     OpenSSLCompat::useStandardAllocation();
     OpenSSL_add_all_digests();
-    m_context = OpenSSLCompat::makeDigestContext();
+    m_context = makeContext();
     const EVP_MD* const digest = lookUp(m_digestName);
     if (digest == nullptr) {
         // Without a digest the library would start the context's last one again.
@@ -48,6 +53,12 @@ HashSink::HashSink(const std::string& digestName) : m_openSSL(useOpenSSL()), m_d
         m_context.reset();
         BOOST_THROW_EXCEPTION(OpenSSLException()
                               << errinfo_description("Can't initialize digest.") << errinfo_subject(*this));
+    }
+}
+
+HashSink::~HashSink() {
+    if (HashSinkScope* const scope = HashSinkScope::current()) {
+        scope->keepContext(std::move(m_context));
     }
 }
 

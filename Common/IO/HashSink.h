@@ -16,12 +16,15 @@ namespace Nerix::Common::IO {
 
 /// Computes one message digest of the data pushed into it, with the crypto library. Needs the set-up of
 /// OpenSSLInit in the singletons register for its whole life, and asserts that it is there. Destroy it on the
-/// thread that made it, before that thread exits.
+/// thread that made it.
 class HashSink final : public ISink, public boost::noncopyable, public Utils::IDebugName {
 public:
     /// digestName: as the crypto library names it ("md5", "sha1", ...). Throws OpenSSLException when the
     /// library does not know the name or refuses to start.
     explicit HashSink(const std::string& digestName);
+
+    /// Leaves the context to the thread's HashSinkScope, if there is one.
+    ~HashSink() override;
 
     /// Throws OpenSSLException when the library refuses, and what ISink says.
     void writeChunk(const std::uint8_t* data, std::size_t length) override;

@@ -36,6 +36,10 @@ void HashSinkScope::use() {
     }
 }
 
+OpenSSLCompat::DigestContext HashSinkScope::takeContext() {
+    return m_context ? std::move(m_context) : OpenSSLCompat::DigestContext(EVP_MD_CTX_new());
+}
+
 const EVP_MD* HashSinkScope::lookUp(const std::string& digestName) {
     if (m_digest == nullptr || m_digestName != digestName) { // a failed look-up may succeed later
         m_digest = nullptr;

@@ -23,24 +23,11 @@ void release(void* block, const char*, int) {
     std::free(block);
 }
 
-struct ContextDeleter {
-    void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
-};
-thread_local std::unique_ptr<EVP_MD_CTX, ContextDeleter> spareContext;
-
 } // namespace
-
-void DigestContextRecycler::operator()(EVP_MD_CTX* context) const {
-    spareContext.reset(context);
-}
-
-DigestContext makeDigestContext() {
-    return DigestContext(spareContext ? spareContext.release() : EVP_MD_CTX_new());
-}
 
 void initialize() {
     useStandardAllocation(); // which the library takes only before its first allocation
-    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT, nullptr);
+    OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT | OPENSSL_INIT_NO_LOAD_CONFIG, nullptr);
 }
 
 int numLocks() {

@@ -21,8 +21,9 @@ using ThreadIdCallback = void (*)(ThreadId* id);
 
 constexpr int lockBit = 1;
 
-/// Sets the library up before anything else uses it: it allocates with malloc and registers no exit handler,
-/// because a worker may still hash when the process ends. Later calls change nothing.
+/// Sets the library up before anything else uses it; later calls change nothing. It allocates with malloc. It registers no exit
+/// handler, because a worker may still hash when the process ends. It reads no configuration file, because values must not
+/// depend on one: a machine whose configuration allows only certain providers, such as FIPS, does not restrict the digests.
 void initialize();
 
 /// How many locks the library wants.
@@ -38,14 +39,9 @@ ThreadIdCallback getThreadIdCallback();
 /// later calls change nothing.
 void useStandardAllocation();
 
-/// Keeps the context for the calling thread's next digest: making one costs about as much as hashing a short
-/// text. Destroy it before its thread exits: the deleter writes a thread_local.
-struct DigestContextRecycler {
-    void operator()(EVP_MD_CTX* context) const;
+struct DigestContextDeleter {
+    void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
 };
-using DigestContext = std::unique_ptr<EVP_MD_CTX, DigestContextRecycler>;
-
-/// A context to start a digest with, whatever was in it before; null when there is no memory.
-DigestContext makeDigestContext();
+using DigestContext = std::unique_ptr<EVP_MD_CTX, DigestContextDeleter>;
 
 } // namespace Nerix::Common::IO::OpenSSLCompat

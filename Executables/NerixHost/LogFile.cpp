@@ -155,7 +155,7 @@ int LogFile::Buffer::sync() {
         }
         begin += count > 0 ? count : 0;
     }
-    setp(m_bytes, m_bytes + sizeof m_bytes);
+    setp(m_bytes.data(), m_bytes.data() + m_bytes.size());
     return 0;
 }
 

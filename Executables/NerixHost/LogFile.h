@@ -5,6 +5,7 @@
 #include <ostream>
 #include <streambuf>
 #include <string>
+#include <vector>
 
 namespace Nerix {
 
@@ -35,7 +36,7 @@ private:
     class Buffer final : public std::streambuf {
     public:
         explicit Buffer(int descriptor) : m_descriptor(descriptor) {
-            setp(m_bytes, m_bytes + sizeof m_bytes);
+            setp(m_bytes.data(), m_bytes.data() + m_bytes.size());
         }
         int error() const { return m_error; }
 
@@ -46,7 +47,7 @@ private:
     private:
         int m_descriptor;
         int m_error = 0;
-        char m_bytes[65536];
+        std::vector<char> m_bytes = std::vector<char>(65536); // not in the object, for stacks that are small
     };
 
     const std::string m_file;

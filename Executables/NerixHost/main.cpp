@@ -1,3 +1,4 @@
+#include "Common/Utils/ProcessLimits.h"
 #include "Common/Utils/StandardStreams.h"
 #include "Executables/NerixHost/CommandLine.h"
 #include "Executables/NerixHost/Compare.h"
@@ -33,6 +34,7 @@ int main(int argc, char* argv[]) {
     if (!Nerix::Common::Utils::secureStandardStreams()) {
         return trouble;
     }
+    Nerix::Common::Utils::adaptToProcessLimits();
     std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // lost output is a failure
     try {
         return std::visit(Runner(), Nerix::parseCommandLine({argv + 1, argv + argc}));

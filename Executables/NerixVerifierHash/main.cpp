@@ -2,6 +2,7 @@
 #include "Common/IO/OpenSSLInit.h"
 #include "Common/Logging/Log.h"
 #include "Common/Logging/PackageVersion.h"
+#include "Common/Utils/ProcessLimits.h"
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Common/Utils/StandardStreams.h"
 #include "Common/Utils/TerminationSignals.h"
@@ -20,9 +21,6 @@
 #include <cstdlib>
 #include <sstream>
 #include <string>
-
-#include <malloc.h>
-#include <sys/resource.h>
 
 namespace options = boost::program_options;
 
@@ -80,14 +78,6 @@ void reportCurrentException() {
                                       "\n  -- see dlog for details\n");
 }
 
-/// A thread's own heap reserves 64 MiB of address space. Where that is limited, all threads share one heap.
-void shareHeapIfSpaceIsLimited() {
-    rlimit space{};
-    if (::getrlimit(RLIMIT_AS, &space) == 0 && space.rlim_cur != RLIM_INFINITY) {
-        ::mallopt(M_ARENA_MAX, 1);
-    }
-}
-
 int verify(int argc, char* argv[]) {
     LoggingClass::init(programName);
     Nerix::Common::Debug::ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
@@ -111,7 +101,7 @@ int main(int argc, char* argv[]) {
     if (!Nerix::Common::Utils::secureStandardStreams()) {
         return EXIT_FAILURE;
     }
-    shareHeapIfSpaceIsLimited();
+    Nerix::Common::Utils::adaptToProcessLimits();
     Nerix::Common::Utils::catchTerminationSignals();
     return verify(argc, argv);
 }

@@ -5,13 +5,14 @@ import fcntl
 import glob
 import os
 import random
+import resource
 import signal
 import stat
 import subprocess
 import time
 import unittest
 
-from harness import HOST, NO_MOUNTS, PROGRAM, REPORT, SystemTest, main, make_hole, write
+from harness import HOST, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SystemTest, main, make_hole, write
 from tree_value import Model
 
 
@@ -272,6 +273,26 @@ class Hostile(SystemTest):
             run.send_signal(signal.SIGTERM)
             self.assertEqual(run.wait(20), -signal.SIGTERM)
         self.assertEqual(self.settings()[::2], ("inactive", "ERROR"))
+
+    @unittest.skipIf(SANITIZED, "a sanitizer needs memory and stacks of its own")
+    def test_little_memory_and_small_stacks_end_no_process_by_a_signal(self):
+        value = Model("md5").value(self.tree)
+        for program, *words in ([PROGRAM, "--path", self.tree], [HOST, "scan", self.tree]):
+            limits = [(resource.RLIMIT_AS, size << 20) for size in range(16, 48)]
+            limits += [(resource.RLIMIT_STACK, size << 10) for size in (64, 128, 1024)]
+            for which, size in limits:
+                run = subprocess.run([program, *words], check=False, env=self.environment, capture_output=True, timeout=60,
+                                     preexec_fn=lambda: resource.setrlimit(which, (size, size)))
+                self.assertGreaterEqual(run.returncode, 0, (program, which, size, run.stderr))
+            self.assertEqual(run.stdout.decode(), value + "\n")
+
+    def test_configuration_of_the_crypto_library_does_not_matter(self):
+        fifo, restricted = (os.path.join(self.work, name) for name in ("fifo", "restricted"))
+        os.mkfifo(fifo)
+        write(restricted, b"openssl_conf = main\n[main]\nproviders = only\n[only]\nnull = null\n[null]\nactivate = 1\n")
+        for configuration in (fifo, restricted):
+            self.assert_right(self.run_program("--path", self.tree, timeout=60,
+                                               env={**self.environment, "OPENSSL_CONF": configuration}))
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_overlay_that_announces_attributes_which_it_hides(self):

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <system_error>
+#include <vector>
 
 #include <sys/stat.h>
 
@@ -38,9 +39,9 @@ LogLines::File LogLines::copied(std::FILE* from) const {
     if (!copy) {
         refuse("cannot be copied: " + messageOf(errno));
     }
-    char buffer[blockSize];
-    while (const std::size_t size = std::fread(buffer, 1, sizeof buffer, from)) {
-        if (std::fwrite(buffer, 1, size, copy.get()) != size) {
+    std::vector<char> buffer(blockSize);
+    while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), from)) {
+        if (std::fwrite(buffer.data(), 1, size, copy.get()) != size) {
             refuse("cannot be copied: " + messageOf(errno));
         }
     }
