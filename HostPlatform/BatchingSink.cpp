@@ -3,7 +3,13 @@
 #include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <ctime>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/file.h>
 
 namespace Nerix::Platform::Host {
 
@@ -26,9 +32,46 @@ std::unique_ptr<spdlog::sinks::sink> openFile(const std::string& name) {
     return file;
 }
 
+/// Held while it lives, unless another process keeps it too long.
+class DirectoryLock {
+public:
+    explicit DirectoryLock(int directory) : m_directory(directory) {
+        const std::timespec pause{0, 1'000'000};
+        for (int attempts = 100;
+             attempts != 0 && ::flock(m_directory, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+             --attempts) {
+            ::nanosleep(&pause, nullptr);
+        }
+    }
+    ~DirectoryLock() { ::flock(m_directory, LOCK_UN); }
+    DirectoryLock(const DirectoryLock&) = delete;
+    DirectoryLock& operator=(const DirectoryLock&) = delete;
+
+private:
+    const int m_directory;
+};
+
 } // namespace
 
-BatchingSink::BatchingSink(const std::string& file) : m_file(openFile(file)) {}
+BatchingSink::BatchingSink(const std::string& file)
+    : m_name(file),
+      m_directory(
+          ::open(std::filesystem::path(file).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    open();
+}
+
+void BatchingSink::open() {
+    m_file = openFile(m_name);
+    ::stat(m_name.c_str(), &m_status);
+}
+
+void BatchingSink::reopenIfOthersWrote() {
+    struct stat status {};
+    if (::stat(m_name.c_str(), &status) != 0 || status.st_ino != m_status.st_ino ||
+        status.st_size != m_status.st_size) {
+        open();
+    }
+}
 
 void BatchingSink::sink_it_(const spdlog::details::log_msg& message) {
     spdlog::memory_buf_t line;
@@ -45,8 +88,11 @@ void BatchingSink::flush_() {
     }
     const std::string lines = std::move(m_lines);
     m_lines.clear(); // also when they cannot be written: later ones may
+    const DirectoryLock lock(m_directory.number());
+    reopenIfOthersWrote();
     m_file->log(spdlog::details::log_msg(spdlog::string_view_t(), spdlog::level::info, lines));
     m_file->flush();
+    ::stat(m_name.c_str(), &m_status);
 }
 
 } // namespace Nerix::Platform::Host

@@ -1,16 +1,24 @@
 #pragma once
 
+#include "Common/Base/Descriptor.h"
+
 #include <spdlog/sinks/base_sink.h>
 
 #include <memory>
 #include <mutex>
 #include <string>
 
+#include <sys/stat.h>
+
 namespace Nerix::Platform::Host {
 
 /// Writes the lines of a log file many at a time: a call of the system for each would cost a run a fifth of
 /// its time. A line waits until 64 KiB have come together, for a warning or worse, or for flush. Each batch
 /// is whole lines in one call, so that processes that share a file do not mix theirs.
+///
+/// A batch is written under a lock of the file's directory, after the size was asked for anew, so that the file stays within its
+/// limit and all processes go on in the new one when one of them starts it. A process that holds the lock longer than a tenth of
+/// a second, as one that was stopped, is not waited for: the limit may then be exceeded.
 class BatchingSink final : public spdlog::sinks::base_sink<std::mutex> {
 public:
     /// Files of up to 16 MiB, with four older ones. Throws spdlog::spdlog_ex when the file cannot be opened.
@@ -21,7 +29,13 @@ protected:
     void flush_() override;
 
 private:
-    const std::unique_ptr<spdlog::sinks::sink> m_file;
+    void open();
+    void reopenIfOthersWrote();
+
+    const std::string m_name;
+    const Common::Descriptor m_directory;
+    std::unique_ptr<spdlog::sinks::sink> m_file;
+    struct stat m_status {}; ///< of the file after the last batch
     std::string m_lines;
 };
 

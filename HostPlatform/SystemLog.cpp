@@ -67,7 +67,8 @@ Kind chosenKind() {
         return Kind::standardError;
     }
     if (!chosen.empty() && chosen != "file") {
-        std::fprintf(stderr, "nerix host log: NERIX_HOST_LOG is '%s', not file, syslog or stderr; using file\n",
+        std::fprintf(stderr,
+                     "nerix host log: NERIX_HOST_LOG is '%s', not file, syslog or stderr; using file\n",
                      withoutControls(chosen).c_str());
     }
     return Kind::file;

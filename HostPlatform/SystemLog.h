@@ -31,7 +31,7 @@ namespace Nerix::Platform::Host {
 /// that are below a warning wait up to a second, see BatchingSink.h; a warning, a setting that is written and
 /// the end of the process write them first, so that an abort loses none, and who sees a setting finds what
 /// was logged before it. A process that is killed, or ended by a second signal, loses its last second. When
-/// one of several processes starts a new file, the others go on in the old one. Any thread may call.
+/// one of several processes starts a new file, the others go on in it. Any thread may call.
 class SystemLog {
 public:
     static SystemLog& instance(); ///< never destroyed

@@ -1,6 +1,7 @@
 """How runs begin and end: the store, the exit status, the reports."""
 
 import concurrent.futures
+import glob
 import os
 import re
 import subprocess
@@ -56,6 +57,19 @@ class Runs(SystemTest):
             shown = kind.replace("\x1b", r"\x1b")
             self.assertEqual(run.stderr.decode(), f"nerix host log: NERIX_HOST_LOG is '{shown}', not file, syslog or stderr; using file\n")
         self.assertEqual(len(self.scan_records()), 3 * 2, "each run's records, of the file and its directory")
+
+    def test_log_that_many_runs_write_keeps_its_limit(self):
+        for number in range(2000):
+            write(os.path.join(self.work, str(number)))
+        self.value(self.work)
+        records = len(self.scan_records())
+        log = os.path.join(self.home, "log", "main.log")
+        write(log, b"x" * ((16 << 20) - 1000) + b"\n")
+        with concurrent.futures.ThreadPoolExecutor() as runs:
+            list(runs.map(lambda _: self.value(self.work), range(4)))
+        self.assertEqual(len(self.scan_records()), 4 * records)
+        for file in glob.glob(f"{self.home}/log/*"):
+            self.assertLessEqual(os.path.getsize(file), 16 << 20, file)
 
     def test_process_whose_name_has_a_line_feed_is_seen_alive(self):
         program = os.path.join(self.work, "Nerix\nVerifier")
