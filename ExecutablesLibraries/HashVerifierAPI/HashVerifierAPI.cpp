@@ -18,7 +18,8 @@ FileInput rootAt(const std::string& path) {
 } // namespace
 
 void startVerifyPath(const std::string& path, const std::string& hashMethod) {
-    HashWorker::getInstance().start(rootAt(path), hashMethod);
+    const FileInput root = rootAt(path); // fails before the worker exists
+    HashWorker::getInstance().start(root, hashMethod);
 }
 
 void startVerifyFileSystem() {
@@ -32,7 +33,8 @@ std::string nerixVerifyPath(const std::string& path, const std::string& hashMeth
 
 std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod,
                             const ScanLogStream& scanLog) {
-    return HashWorker::getInstance().start(rootAt(path), hashMethod, scanLog).wait().getResult();
+    const FileInput root = rootAt(path);
+    return HashWorker::getInstance().start(root, hashMethod, scanLog).wait().getResult();
 }
 
 std::string nerixVerifyFileSystem() {

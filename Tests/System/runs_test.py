@@ -4,7 +4,9 @@ import concurrent.futures
 import glob
 import os
 import re
+import shutil
 import subprocess
+import unittest
 
 from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, make_hole, write
 from tree_value import Model
@@ -37,6 +39,14 @@ class Runs(SystemTest):
         for record in (rb"FTL\] main.cpp:\d+>Exc", rb"INF\] ThreadDebug.cpp:\d+>Registering main thread id"):
             found = re.findall(rb"\[NerixVerifierHash-0.348.0\]\[\d+ NerixVerifierHa\]\[\d+\]\[" + record, log)
             self.assertEqual(len(found), len(cases))
+
+    @unittest.skipUnless(shutil.which("strace"), "no strace on this machine")
+    def test_missing_path_fails_before_the_mount_table_is_read(self):
+        trace = os.path.join(self.work, "trace")
+        subprocess.run(["strace", "-f", "-o", trace, "-e", "trace=openat", PROGRAM, "--path", "/missing"], check=False,
+                       env=self.environment, capture_output=True)
+        with open(trace, encoding="utf-8") as calls:
+            self.assertNotIn("/proc/mounts", calls.read())
 
     def test_unusable_standard_output(self):
         read, write = os.pipe()
