@@ -91,16 +91,16 @@ HashWorker::~HashWorker() {
     shutdown();
 }
 
-HashWorker& HashWorker::start(const FileInput& root, const std::string& hashMethod) {
-    return begin(root, hashMethod, nullptr);
+HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName) {
+    return begin(root, hashName, nullptr);
 }
 
-HashWorker& HashWorker::start(const FileInput& root, const std::string& hashMethod,
+HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName,
                               const ScanLogStream& scanLog) {
-    return begin(root, hashMethod, &scanLog);
+    return begin(root, hashName, &scanLog);
 }
 
-HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashMethod,
+HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashName,
                               const ScanLogStream* scanLog) {
     if (boost::atomic_load(&m_thread)) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("verification is already started"));
@@ -116,7 +116,7 @@ HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashMeth
                                                      Common::Utils::get_string_from_errno(error)));
     }
     m_root = root;
-    m_hashMethod = hashMethod;
+    m_hashName = hashName;
     m_blockSize = static_cast<std::uint32_t>(statistics.f_bsize);
     m_totalBytes = (std::uint64_t{statistics.f_blocks} - statistics.f_bfree) * statistics.f_bsize;
     m_processedBytes = 0;
@@ -240,7 +240,7 @@ HashWorker& HashWorker::execute() {
 
 void HashWorker::scan() {
     const IFileScanner& scanner = FileScanners::getInstance(m_root);
-    const IHashFunction& function = HashFunctions::getInstance(m_hashMethod);
+    const IHashFunction& function = HashFunctions::getInstance(m_hashName);
     const Common::IO::HashSinkScope sinks;
     const RunSteps observer(*this);
     shutdown(scanner.process(m_root, 0, function));

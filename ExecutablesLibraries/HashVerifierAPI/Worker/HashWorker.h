@@ -36,8 +36,12 @@ private:
 ///
 /// Threads: start, wait, getResult and getFailure are for one thread at a time, the one that drives the
 /// verification; getProgress and getEntries may be called from any thread at any time; the rest is called by
-/// the worker's own thread while it runs. No lock is taken: while it runs, the counters and the result are
-/// written by the worker's thread alone; those that others read are atomic.
+/// the worker's own thread while it runs. No mutex guards the run: its counters and the result are written by the worker's thread
+/// alone, and the three that others read (m_totalBytes, m_reportedBytes, m_entries) are atomic. Only the handle of the thread is
+/// exchanged under the lock of boost::atomic_load.
+///
+/// A run that fails adds one record to those of the levels that the failure passed: WRN, "Verification failed: " and the
+/// diagnostic text, also for a failure that passed no level, such as an unknown hash name.
 class HashWorker : private boost::noncopyable {
 public:
     /// Created on the first call, when it examines "/" and throws GenericException if it cannot.
@@ -56,10 +60,10 @@ public:
     /// ProductUninitializedException before IProductInfo::initializeProduct, boost::thread_resource_error
     /// when no thread can be created. Waits for a former worker's last setting first, and throws
     /// boost::thread_interrupted when interrupted there.
-    HashWorker& start(const FileInput& root, const std::string& hashMethod);
+    HashWorker& start(const FileInput& root, const std::string& hashName);
 
     /// The same with the scan log in a stream of the caller's, which must live until wait has returned.
-    HashWorker& start(const FileInput& root, const std::string& hashMethod, const ScanLogStream& scanLog);
+    HashWorker& start(const FileInput& root, const std::string& hashName, const ScanLogStream& scanLog);
 
     /// Blocks until the last run has written its last setting and its thread has ended; returns at once when
     /// there is none. Throws boost::thread_resource_error on the worker's own thread; an interruption of the
@@ -118,7 +122,7 @@ public:
 private:
     HashWorker();
 
-    HashWorker& begin(const FileInput& root, const std::string& hashMethod, const ScanLogStream* scanLog);
+    HashWorker& begin(const FileInput& root, const std::string& hashName, const ScanLogStream* scanLog);
     ScanLogStream openDrive();
     void launch();
     void record(const FileInput& entry, unsigned long long value) const;
@@ -126,19 +130,15 @@ private:
     void fail() noexcept;
     void publishInactive() noexcept;
 
-    std::fstream m_logFile;    ///< open while records go to a drive
-    ScanLogStream m_scanLog{}; ///< m_logFile or the caller's; no stream while they go to the system log
+    std::fstream m_logFile; ///< open while records go to a drive
     FileInput m_root;
-    std::string m_hashMethod;
+    std::string m_hashName;
     std::uint32_t m_blockSize = 0;
     std::atomic<std::uint64_t> m_totalBytes{0};    ///< estimate of the work: bytes in use on the file system
     std::atomic<std::uint64_t> m_reportedBytes{0}; ///< work done when progress was last published
     std::uint64_t m_processedBytes = 0;            ///< work of all finished entries
     std::uint64_t m_currentBytes = 0;              ///< bytes hashed in the entry in progress
-    std::atomic<std::uint64_t> m_entries{0};
     std::string m_calculatedHash;
-    std::exception_ptr m_failure;
-    std::exception_ptr m_readFailure;
 
     // The life of the thread. start makes it and keeps two handles. The thread first waits for the promise:
     // true once "active" is published, so that "inactive" cannot come before it, false when the store
@@ -149,6 +149,11 @@ private:
     boost::shared_ptr<boost::thread> m_thread;
     boost::shared_ptr<boost::thread> m_startedThread;
     std::promise<bool> m_activePublished;
+
+    ScanLogStream m_scanLog{}; ///< m_logFile or the caller's; no stream while they go to the system log
+    std::atomic<std::uint64_t> m_entries{0};
+    std::exception_ptr m_failure;
+    std::exception_ptr m_readFailure;
 };
 
 } // namespace Nerix
