@@ -10,7 +10,7 @@ namespace Nerix {
 /// symbolic link describes the link itself. Never refreshed; copied freely.
 struct FileInput {
     /// The path is used exactly as given: its text enters the hash. Throws GenericException "access error:
-    /// can't LSTAT file: " + quoted path.
+    /// can't LSTAT file: " + quoted path, with the path and the errno as further entries (AccessError.h).
     explicit FileInput(boost::filesystem::path entryPath);
 
     boost::filesystem::path path;

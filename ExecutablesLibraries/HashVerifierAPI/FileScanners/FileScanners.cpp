@@ -8,8 +8,6 @@
 
 namespace Nerix::FileScanners {
 
-namespace {
-
 const Regular SCANNER_REGULAR;
 const Directory SCANNER_DIRECTORY;
 const BlockDevice SCANNER_BLOCK_DEVICE;
@@ -18,8 +16,6 @@ const LocalPipe SCANNER_PIPE;
 const SymbolicLink SCANNER_LINK;
 const LocalSocket SCANNER_SOCKET;
 const Unknown SCANNER_UNKNOWN;
-
-} // namespace
 
 const IFileScanner& getInstance(const FileInput& entry) {
     switch (statusOf(entry.path).st_mode & S_IFMT) {

@@ -4,7 +4,7 @@
 
 namespace Nerix::FileScanners {
 
-/// An entry with nothing below it: what examine folds is all of it, and it is always accepted.
+/// The common base of regular files and links, entries with nothing below them: what examine folds is all of it, and it is always accepted.
 class FoldedFile : public IFileScanner {
 public:
     bool accept(const FileInput&) const final { return true; }

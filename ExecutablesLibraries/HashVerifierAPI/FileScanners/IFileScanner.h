@@ -41,7 +41,7 @@ public:
 
     /// The value after what the entry itself has to fold: all of a file or a link; path, status and
     /// attributes of a directory; nothing of other kinds. Throws GenericException when the entry cannot be
-    /// read, and what the hash function throws.
+    /// read, with its text, path and errno as entries (AccessError.h), and what the hash function throws.
     virtual hash_t examine(const FileInput& /*entry*/, hash_t value,
                            const IHashFunction& /*function*/) const {
         return value;

@@ -4,7 +4,7 @@
 
 namespace Nerix::FileScanners {
 
-/// An entry that contributes nothing: never accepted by a walk, never read, never reported. As the root of a
+/// The common base of entries that contribute nothing: never accepted by a walk, never read, never reported. As the root of a
 /// walk it leaves the value as it came.
 class SpecialFile : public IFileScanner {
 public:

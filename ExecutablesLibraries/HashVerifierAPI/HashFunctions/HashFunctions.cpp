@@ -7,12 +7,12 @@
 
 namespace Nerix::HashFunctions {
 
-namespace {
-
 const NoHashFunction HASH_NONE;
 const TrivialHashFunction HASH_BASIC;
 const OpenSSLHash HASH_SHA1("sha1");
 const OpenSSLHash HASH_MD5("md5");
+
+namespace {
 
 const struct {
     const char* method;

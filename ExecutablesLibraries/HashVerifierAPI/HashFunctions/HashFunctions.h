@@ -9,6 +9,16 @@ class IHashFunction;
 
 namespace HashFunctions {
 
+class NoHashFunction;
+class OpenSSLHash;
+class TrivialHashFunction;
+
+/// The four functions, which live until the process ends.
+extern const NoHashFunction HASH_NONE;
+extern const TrivialHashFunction HASH_BASIC;
+extern const OpenSSLHash HASH_SHA1;
+extern const OpenSSLHash HASH_MD5;
+
 /// The hash function of the method called exactly hashMethod, one of methods(). It lives until the process
 /// ends. Throws GenericException "unknown hash function: " + hashMethod for any other name.
 const IHashFunction& getInstance(const std::string& hashMethod);

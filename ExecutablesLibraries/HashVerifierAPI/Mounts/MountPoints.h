@@ -23,11 +23,12 @@ public:
     /// line does not matter. Escapes such as \040 are not decoded.
     explicit MountPoints(std::istream&& table);
 
-    /// Whether something is mounted on the directory, spelled exactly as in the table.
+    /// Whether something is mounted on the directory, spelled exactly as in the table: the look-up by key in m_mountPoints that a
+    /// walk makes.
     bool isMountPoint(const std::string& directory) const { return m_mountPoints.count(directory) != 0; }
 
     /// The mount directory of the USB drive: the last in the table that lies below the product's USB mount
-    /// path or the file-system root's "media", the paths themselves included. Empty when there is none. A
+    /// path or the file-system root's "media" ("/media" for an empty root), the paths themselves included. Empty when there is none. A
     /// platform without a USB mount path has no drives there; an empty prefix would make every mount one.
     /// Throws ProductUninitializedException before IProductInfo::initializeProduct.
     std::string findUSB() const;
