@@ -9,7 +9,9 @@ LoggingStream::LoggingStream(const char* tag, LoggingClass::Level level, const c
       m_fileName(fileName),
       m_line(line),
       m_level(level),
-      m_uncaughtAtStart(std::uncaught_exceptions()) {}
+      m_uncaughtAtStart(std::uncaught_exceptions()) {
+    m_stream.exceptions(std::ios_base::badbit); // or the message would be cut in silence
+}
 
 LoggingStream::~LoggingStream() noexcept(false) {
     if (m_level == LoggingClass::NONE) {

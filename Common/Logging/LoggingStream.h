@@ -13,6 +13,7 @@ namespace Nerix::Common::Logging {
 /// what was collected so far is logged. The tag and the file name must outlive the object.
 class LoggingStream {
 public:
+    /// Writing to the stream throws std::bad_alloc when there is no memory for the message.
     LoggingStream(const char* tag, LoggingClass::Level level, const char* fileName, int line);
 
     /// Throws std::bad_alloc, unless an exception is already propagating.
@@ -28,9 +29,9 @@ private:
     const char* m_fileName;
     int m_line;
     LoggingClass::Level m_level;
-    int m_uncaughtAtStart; ///< tells whether an operand has thrown
     std::ostringstream m_stream;
     Utils::nullostream m_nullStream;
+    int m_uncaughtAtStart; ///< tells whether an operand has thrown
 };
 
 } // namespace Nerix::Common::Logging

@@ -11,7 +11,7 @@ namespace detail {
 class null_out_buf : public std::streambuf {
 protected:
     std::streamsize xsputn(const char*, std::streamsize count) override { return count; }
-    int_type overflow(int_type character) override { return traits_type::not_eof(character); }
+    int_type overflow(int_type) override { return 1; } // anything but eof is success
 };
 
 /// Base-from-member: the buffer has to be built before the std::ostream that is given it.

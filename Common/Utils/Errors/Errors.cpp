@@ -31,6 +31,7 @@ boost::error_info<tag_errinfo_stream, std::string> errinfo_errno(int errnum) {
 std::ostringstream classicStream() {
     std::ostringstream stream;
     stream.imbue(std::locale::classic());
+    stream.exceptions(std::ios_base::badbit); // or the text would be cut in silence
     return stream;
 }
 

@@ -42,7 +42,7 @@ using errinfo_supportcode = boost::error_info<struct tag_errinfo_supportcode, st
 /// Context lines gathered on the way up, outermost first; see RethrowExceptionStream.
 using errinfo_rethrows = boost::error_info<struct tag_errinfo_rethrows, std::string>;
 
-/// A stream in the classic locale, whatever the global one is.
+/// A stream in the classic locale, whatever the global one is. Writing to it throws std::bad_alloc when there is no memory.
 std::ostringstream classicStream();
 
 /// All arguments, in order, as operator<< writes them in the classic locale. Paths come out quoted: in double

@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <locale>
+#include <new>
 #include <set>
 #include <stdexcept>
 #include <thread>
@@ -20,6 +22,17 @@ const std::string recordOfAGlobal = [] {
     NERIX_LOG_STREAM(INF) << "global";
     return FakePlatform::instance().log().back().text;
 }();
+
+/// Numbers that find no memory while they are written.
+struct NoMemory : std::num_put<char> {
+    iter_type do_put(iter_type, std::ios_base&, char_type, long) const override { throw std::bad_alloc(); }
+};
+
+TEST(LoggingStream, MessageThatFindsNoMemoryThrowsInsteadOfBeingCut) {
+    const std::locale before = std::locale::global(std::locale(std::locale(), new NoMemory));
+    EXPECT_THROW(NERIX_LOG_STREAM(INF) << "number " << 1L, std::bad_alloc);
+    std::locale::global(before);
+}
 
 TEST(Logging, RecordCarriesProcessThreadNumberAndPosition) {
     FakePlatform::instance().reset();
