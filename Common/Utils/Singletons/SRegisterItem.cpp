@@ -16,6 +16,13 @@ SRegisterItem::SRegisterItem(boost::shared_ptr<RegisterableSingleton> registerab
 
 SRegisterItem::~SRegisterItem() {
     const boost::this_thread::disable_interruption noInterruption;
+    assertUnused();
+    // Not left to the member's destructor: interruption is possible again by then. Not under the mutex either, because the service
+    // may use the register.
+    m_registerable.reset();
+}
+
+void SRegisterItem::assertUnused() const {
     const boost::lock_guard<boost::mutex> lock(m_mutex);
     NerixAssert(m_needed == 0);
     if (!m_users.empty()) {
@@ -25,8 +32,6 @@ SRegisterItem::~SRegisterItem() {
         }
         NerixAssertMsg(false, message.c_str());
     }
-    // Not left to the member's destructor: interruption is possible again by then.
-    m_registerable.reset();
 }
 
 void SRegisterItem::incrementNeeded() {

@@ -42,6 +42,7 @@ public:
     void decrementUsage(const std::string& user);
 
 private:
+    void assertUnused() const;
     std::string idTwice() const;
 
     boost::shared_ptr<RegisterableSingleton> m_registerable;

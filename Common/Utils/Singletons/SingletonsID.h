@@ -7,7 +7,7 @@ namespace Nerix::Common::Utils {
 
 /// Identifies a process-wide service in the SingletonsRegister. Shared by all programs of the package. Values
 /// appear in messages only and are stored nowhere.
-enum SingletonsID {
+enum SingletonsID : int {
     USER_DATA_REGISTER = 0,
     TVS_SIGNAL_DISTRIBUTOR = 1,
     POWER_OFF_CB_DISTRIBUTOR = 2,

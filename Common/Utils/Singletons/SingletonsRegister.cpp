@@ -11,7 +11,9 @@ using Lock = boost::lock_guard<boost::recursive_mutex>;
 SingletonsRegister SingletonsRegister::instance;
 
 SingletonsRegister::SingletonsRegister() = default;
-SingletonsRegister::~SingletonsRegister() = default;
+SingletonsRegister::~SingletonsRegister() {
+    m_items.clear(); // while the mutexes are still there, which a service may use
+}
 
 SingletonsRegister& SingletonsRegister::getSingletonsRegister() {
     return instance;

@@ -84,11 +84,12 @@ private:
 
     static SingletonsRegister instance;
 
+    std::map<SingletonsID, Item> m_items;
+
     // Always locked in this order, an item's own mutex last. Recursive, as marking walks through requirements
     // and factories may use the register.
     mutable boost::recursive_mutex m_operationsMutex; ///< creation and destruction, one at a time
     mutable boost::recursive_mutex m_mapMutex;        ///< guards m_items
-    std::map<SingletonsID, Item> m_items;
 };
 
 } // namespace Nerix::Common::Utils
