@@ -81,12 +81,14 @@ bool IProductInfo::isSecondDeviceConnected() {
 
 bool IProductInfo::isGenuineTV() {
     return SystemInformation::required(SystemInformation::readBool(SystemInformation::GENUINE_TV),
-                                       "Unable to get product type configuration - TV");
+                                       "Unable to get product type configuration - TV",
+                                       BOOST_CURRENT_LOCATION);
 }
 
 bool IProductInfo::isGenuineZeb() {
     return SystemInformation::required(SystemInformation::readBool(SystemInformation::GENUINE_ZEB),
-                                       "Unable to get product type configuration - Zeb");
+                                       "Unable to get product type configuration - Zeb",
+                                       BOOST_CURRENT_LOCATION);
 }
 
 bool IProductInfo::isScreenRatioFitNeeded() {

@@ -57,15 +57,18 @@ std::uint64_t IProductInfo::getNerixSmallTempStorageMaxSize() {
 }
 
 boost::filesystem::path IProductInfo::getSystemUsrAppsROPath() {
-    return boost::filesystem::path(getFileSystemRootPath()) / PlatformInternal::getSystemUsrAppsROPath();
+    const boost::filesystem::path root = getFileSystemRootPath(); // throws before the platform is asked
+    return root / PlatformInternal::getSystemUsrAppsROPath();
 }
 
 boost::filesystem::path IProductInfo::getSystemUsrBinPath() {
-    return boost::filesystem::path(getFileSystemRootPath()) / PlatformInternal::getSystemUsrBinPath();
+    const boost::filesystem::path root = getFileSystemRootPath(); // throws before the platform is asked
+    return root / PlatformInternal::getSystemUsrBinPath();
 }
 
 boost::filesystem::path IProductInfo::getBackupPath() {
-    return boost::filesystem::path(getFileSystemRootPath()) / PlatformInternal::getBackupPath();
+    const boost::filesystem::path root = getFileSystemRootPath(); // throws before the platform is asked
+    return root / PlatformInternal::getBackupPath();
 }
 
 } // namespace Nerix::Platform

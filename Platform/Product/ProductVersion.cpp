@@ -27,9 +27,9 @@ ModelAndVersion parsedModelAndVersion() {
 }
 
 /// The answer to a question about the software.
-std::string readVersion(SystemInformation::Key key) {
+std::string readVersion(SystemInformation::Key key, const boost::source_location& where) {
     return SystemInformation::required(SystemInformation::readString(key),
-                                       "Unable to read SW version from system-info");
+                                       "Unable to read SW version from system-info", where);
 }
 
 /// Where the last dash is; who asks is named in the failure.
@@ -47,7 +47,8 @@ std::size_t lastDash(const std::string& version, const std::string& asker) {
 
 std::string getSWVersionString() {
     return readVersion(IProductInfo::getDeviceType() == ZEB_PRODUCT ? SystemInformation::ZEB_SOFTWARE_VERSION
-                                                                    : SystemInformation::TV_SOFTWARE_VERSION);
+                                                                    : SystemInformation::TV_SOFTWARE_VERSION,
+                       BOOST_CURRENT_LOCATION);
 }
 
 void getParsedModelAndVersion(std::string& model, std::uint16_t& major, std::uint16_t& minor) {
@@ -92,19 +93,19 @@ std::string IProductInfo::getVersionString() {
 
 std::string IProductInfo::getMainSoftwareVersionDate() {
     throwIfUninitialized();
-    return readVersion(SystemInformation::SOFTWARE_DATE);
+    return readVersion(SystemInformation::SOFTWARE_DATE, BOOST_CURRENT_LOCATION);
 }
 
 std::string IProductInfo::getSubmicomVersion() {
     throwIfUninitialized();
-    return readVersion(SystemInformation::SUBMICOM_VERSION);
+    return readVersion(SystemInformation::SUBMICOM_VERSION, BOOST_CURRENT_LOCATION);
 }
 
 boost::filesystem::path IProductInfo::getPartitionTxtFilePath() {
     throwIfUninitialized();
-    const std::string path =
-        SystemInformation::required(SystemInformation::readString(SystemInformation::PARTITION_FILE_PATH),
-                                    "Unable to read partition file path from system-info");
+    const std::string path = SystemInformation::required(
+        SystemInformation::readString(SystemInformation::PARTITION_FILE_PATH),
+        "Unable to read partition file path from system-info", BOOST_CURRENT_LOCATION);
     NERIX_LOG(INF, "Partition.txt file path is: %s", path.c_str());
     return path;
 }

@@ -4,6 +4,7 @@
 #include "Common/Utils/Errors/Errors.h"
 #include "Platform/Product/ProductExceptions.h"
 
+#include <boost/assert/source_location.hpp>
 #include <boost/optional/optional.hpp>
 
 #include <string>
@@ -27,14 +28,15 @@ boost::optional<std::string> readString(Key key);
 boost::optional<int> readInt(Key key);
 boost::optional<bool> readBool(Key key);
 
-/// The answer. Where there is none, logs the failure at ERR and throws SystemInfoAPIInternalProblemException
-/// with it as description.
+/// Returns the answer. Where there is none, logs the failure at ERR and throws SystemInfoAPIInternalProblemException
+/// with it as description and where, the caller's BOOST_CURRENT_LOCATION, as the place.
 template <class Answer>
-Answer required(const boost::optional<Answer>& answer, const char* failure) {
+Answer required(const boost::optional<Answer>& answer, const char* failure,
+                const boost::source_location& where) {
     if (!answer) {
         NERIX_LOG(ERR, "%s", failure);
-        BOOST_THROW_EXCEPTION(SystemInfoAPIInternalProblemException()
-                              << Common::Utils::errinfo_description(failure));
+        boost::throw_exception(
+            SystemInfoAPIInternalProblemException() << Common::Utils::errinfo_description(failure), where);
     }
     return *answer;
 }
