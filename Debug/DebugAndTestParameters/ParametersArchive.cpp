@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <istream>
 #include <limits>
+#include <locale>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -106,6 +107,12 @@ void writeValue(Archive& archive, const char* name, const Value& value) {
     archive << make_nvp(name, value);
 }
 
+[[noreturn]] void refuseClassVersion(const char* what) {
+    using boost::archive::archive_exception;
+    boost::serialization::throw_exception(
+        archive_exception(archive_exception::unsupported_class_version, what));
+}
+
 /// An optional value as it is stored. Class version 0, which is written, has an item version; version 1
 /// has none.
 template <class Value>
@@ -114,10 +121,8 @@ struct StoredOptional {
 
     template <class Archive>
     void serialize(Archive& archive, unsigned int classVersion) {
-        using boost::archive::archive_exception;
         if (classVersion > 1) {
-            boost::serialization::throw_exception(
-                archive_exception(archive_exception::unsupported_class_version, "an optional value"));
+            refuseClassVersion("an optional value");
         }
         bool initialized = value.is_initialized();
         archive& make_nvp("initialized", initialized);
@@ -144,7 +149,7 @@ struct Object {
     Parameters& parameters;
 
     template <class Archive>
-    void serialize(Archive& archive, unsigned int);
+    void serialize(Archive& archive, unsigned int classVersion);
 };
 
 namespace {
@@ -204,6 +209,7 @@ private:
 
 template <class Parameters>
 void readObject(std::istream& stream, const char* name, Parameters& parameters) {
+    stream.imbue(std::locale::classic());
     XmlReader archive(stream);
     Object<Parameters> object{parameters};
     archive >> make_nvp(name, object);
@@ -212,6 +218,7 @@ void readObject(std::istream& stream, const char* name, Parameters& parameters) 
 
 template <class Parameters>
 void writeObject(std::ostream& stream, const char* name, const Parameters& parameters) {
+    stream.imbue(std::locale::classic());
     xml_oarchive archive(stream);
     const Object<const Parameters> object{parameters};
     archive << make_nvp(name, object);
@@ -221,7 +228,10 @@ void writeObject(std::ostream& stream, const char* name, const Parameters& param
 
 template <class Parameters>
 template <class Archive>
-void Object<Parameters>::serialize(Archive& archive, unsigned int) {
+void Object<Parameters>::serialize(Archive& archive, unsigned int classVersion) {
+    if (classVersion > 0) {
+        refuseClassVersion("the parameters");
+    }
     if constexpr (Archive::is_loading::value) {
         FieldReader reader(archive);
         ParametersArchive::visit(parameters, reader);

@@ -12,7 +12,7 @@ class DebugAndTestParameters;
 
 /// The XML form of the parameters: an archive of Boost.Serialization with its default flags, one object
 /// element, and in it one element a field, each in its place: reading is strict in order. Class versions
-/// are 0.
+/// are 0; an object of another one is refused. Numbers are in the classic locale, which the streams are given.
 ///
 /// Booleans are 0 or 1, enumerations their number, the custom parameters a map as the library writes it. An
 /// optional value holds "initialized" and, when that is 1, "item_version" (0) and "value". Newer libraries

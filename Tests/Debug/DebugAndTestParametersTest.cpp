@@ -15,6 +15,7 @@
 #include <exception>
 #include <iomanip>
 #include <limits>
+#include <locale>
 #include <regex>
 #include <sstream>
 #include <stdexcept>
@@ -97,6 +98,25 @@ TEST(ParametersArchive, NumbersThatTheirFieldsCannotHoldAreRefused) {
         parameters.getInstallationPerformanceParameters().setVerificationScale(number);
         EXPECT_THROW(written(parameters), std::range_error) << number;
     }
+}
+
+struct Grouped : std::numpunct<char> {
+    char do_thousands_sep() const override { return ','; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(ParametersArchive, NumbersAreTheSameInEveryLocale) {
+    const std::locale before = std::locale::global(std::locale(std::locale(), new Grouped));
+    const auto [parameters, isWhole] = readFrom(golden);
+    EXPECT_TRUE(isWhole);
+    EXPECT_EQ(written(parameters), withTodaysVersion(golden));
+    std::locale::global(before);
+}
+
+TEST(ParametersArchive, ObjectsOfOtherVersionsAreRefused) {
+    const std::string version0 = "<DebugAndTestParameters class_id=\"0\" tracking_level=\"0\" version=\"0\">";
+    EXPECT_FALSE(
+        readFrom(replace_all_copy(golden, version0, replace_all_copy(version0, "version=\"0\"", "version=\"1\""))).second);
 }
 
 TEST(ParametersArchive, BuiltInValuesAreTheGoldenOnes) {
