@@ -7,11 +7,33 @@
 #include "Common/Utils/Errors/RethrowExceptionStream.h"
 
 #include <boost/exception/diagnostic_information.hpp>
-#include <boost/lexical_cast.hpp>
+#include <boost/lexical_cast/bad_lexical_cast.hpp>
+#include <boost/throw_exception.hpp>
 
+#include <charconv>
 #include <sstream>
+#include <typeinfo>
 
 namespace Nerix::NerixCommon {
+
+namespace {
+
+/// What boost::lexical_cast does in the classic locale. In others it takes separators between digits, too.
+int strictInt(const std::string& text) {
+    std::size_t begin = 0;
+    if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
+        begin = 1;
+    }
+    int number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [parsed, error] = std::from_chars(text.data() + begin, end, number);
+    if (error != std::errc() || parsed != end) {
+        BOOST_THROW_EXCEPTION(boost::bad_lexical_cast(typeid(std::string), typeid(int)));
+    }
+    return number;
+}
+
+} // namespace
 
 std::string NerixCommonUtils::upgradeTypeToString(UpgradeType type) {
     switch (type) {
@@ -40,8 +62,8 @@ std::string NerixCommonUtils::getTransactionIdForUpgrade(const std::vector<unsig
 void NerixCommonUtils::parseVersion(const std::string& text, int& major, int& minor) {
     try {
         const std::size_t dot = text.find('.');
-        major = boost::lexical_cast<int>(text.substr(0, dot));
-        minor = dot == std::string::npos ? 0 : boost::lexical_cast<int>(text.substr(dot + 1));
+        major = strictInt(text.substr(0, dot));
+        minor = dot == std::string::npos ? 0 : strictInt(text.substr(dot + 1));
     } catch (...) {
         NERIX_RETHROW_WITH_CONTEXT("");
     }

@@ -5,6 +5,7 @@
 #include <boost/lexical_cast/bad_lexical_cast.hpp>
 #include <gtest/gtest.h>
 
+#include <locale>
 #include <tuple>
 
 namespace Nerix::Tests {
@@ -28,8 +29,24 @@ TEST(NerixCommonUtils, VersionsSplitAtTheFirstDot) {
         FakePlatform::instance().reset();
         EXPECT_THROW(Utils::parseVersion(bad, major, minor), boost::bad_lexical_cast) << bad;
         EXPECT_EQ(Utils::versionStringForUI(bad), bad);
-        EXPECT_EQ(FakePlatform::instance().logged(">Exception caught in versionStringForUI. Ignoring: Throw location"), 1U);
+        EXPECT_EQ(FakePlatform::instance().logged(">Exception caught in versionStringForUI. Ignoring: NerixCommon/NerixCommonUtils.cpp("), 1U);
     }
+}
+
+struct Grouped : std::numpunct<char> {
+    char do_thousands_sep() const override { return ','; }
+    std::string do_grouping() const override { return "\3"; }
+};
+
+TEST(NerixCommonUtils, VersionsAreReadAlikeInEveryLocale) {
+    const std::locale before = std::locale::global(std::locale(std::locale(), new Grouped));
+    int major = 0;
+    int minor = 0;
+    EXPECT_THROW(Utils::parseVersion("1,234", major, minor), boost::bad_lexical_cast);
+    Utils::parseVersion("1234", major, minor);
+    EXPECT_EQ(major, 1234);
+    EXPECT_EQ(Utils::versionStringForUI("1234.5"), "1,234") << "shown as people there write it";
+    std::locale::global(before);
 }
 
 TEST(NerixCommonUtilsDeathTest, UpgradeTypesHaveNames) {
