@@ -22,8 +22,6 @@
 #include <system_error>
 #include <thread>
 
-#include <unistd.h>
-
 namespace Nerix::Platform::Host {
 
 namespace {
@@ -108,14 +106,6 @@ spdlog::level::level_enum levelOf(int priority) {
     }
 }
 
-/// Every run warns that the testers' parameters cannot be opened where a television keeps them. On a machine
-/// without those directories nothing is wrong, and the record before it names the file.
-bool isOfTheDeviceAlone(const std::string& text) {
-    static const bool hasDirectories = ::access("/mnt/systemrw", F_OK) == 0;
-    return !hasDirectories &&
-           text.find("Failed to open DebugAndTestParameters from /mnt/systemrw/") != std::string::npos;
-}
-
 char letterOf(int priority) {
     constexpr std::string_view letters = "??VDIWEF";
     return priority >= 0 && static_cast<std::size_t>(priority) < letters.size()
@@ -178,9 +168,6 @@ void SystemLog::end() {
 }
 
 bool SystemLog::write(int buffer, int priority, const char* tag, const std::string& text) {
-    if (priority == DLOG_PRIORITY_WARNING && isOfTheDeviceAlone(text)) {
-        return true;
-    }
     const auto& logger = buffer == DLOG_BUFFER_MAIN ? m_main : m_system;
     if (!logger) {
         return false;

@@ -24,8 +24,7 @@ namespace Nerix::Platform::Host {
 ///     syslog          the machine's own log
 ///     stderr          standard error
 ///
-/// A warning that holds only where the television's own directories exist is left out on a machine without
-/// them. Nothing is written while the state is kept in memory, see StateInMemory.h.
+/// Nothing is written while the state is kept in memory, see StateInMemory.h.
 ///
 /// A record is one line: time, priority, tag, text; the text is escaped, see EscapedText.h. Lines of a file
 /// that are below a warning wait up to a second, see BatchingSink.h; a warning, a setting that is written and
