@@ -35,7 +35,8 @@ public:
     void transactionSaved(ITransaction*) override {}
 
     /// A record of 5 bytes: the end flag (0 or 1), then the interim remainder with its bits unreflected, in
-    /// the machine's byte order.
+    /// the machine's byte order. Restoring takes any byte but 0 for a flag that is set, and changes
+    /// the sink only when both were read.
     void transactionSerialize(IStoreTransaction* transaction) override {
         ISerializer& serializer = transaction->serializer();
         std::uint8_t endOfData = m_endOfData ? 1 : 0;

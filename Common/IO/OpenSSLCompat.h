@@ -4,10 +4,10 @@
 
 #include <memory>
 
-/// What differs between OpenSSL 1.0 and today's library, in one place. Since 1.1 the library locks by
+/// What OpenSSL 1.0 had and today's library lacks. Since 1.1 the library locks by
 /// itself: the locking and thread-id callbacks are never called, and setting them is a no-op macro. They are
 /// kept here instead, so that what was installed can still be asked for. A build for 1.0 would forward to
-/// the library.
+/// the library, and fetch no digests (DigestLookup.h).
 namespace Nerix::Common::IO::OpenSSLCompat {
 
 /// Identity of a thread, as a thread-id callback reports it.

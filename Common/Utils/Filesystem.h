@@ -51,8 +51,8 @@ boost::filesystem::path canonical(const boost::filesystem::path& p, const boost:
 /// is a prefix of everything.
 bool pathStartsWith(const boost::filesystem::path& path, const boost::filesystem::path& prefix);
 
-/// path without the elements of prefix, as an absolute path; "/" when nothing is left. Throws
-/// GenericException with a stream entry when path does not start with prefix.
+/// path without the elements of prefix, as an absolute path; "/" when nothing is left. An empty
+/// prefix leaves an absolute path as it is. Throws GenericException with a stream entry when path does not start with prefix.
 boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
                                          const boost::filesystem::path& prefix);
 

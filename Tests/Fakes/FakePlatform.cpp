@@ -97,7 +97,7 @@ FakePlatform& fake() { return FakePlatform::instance(); }
 } // namespace
 } // namespace Nerix::Tests
 
-using namespace Nerix::Tests; // NOLINT(google-build-using-namespace): its names fill this test
+using namespace Nerix::Tests;
 using std::string;
 
 int vconf_get_int(const char*, int*) { return FakePlatform::failure; }

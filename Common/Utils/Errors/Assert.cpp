@@ -44,12 +44,14 @@ void assertion_failed_msg(const char* expr, const char* msg, const char* functio
 namespace Nerix::Common::Utils {
 
 void NerixAssertionFailed(const char* expression, const char* function, const char* file, long line) {
-    reportAndAbort(expression, nullptr, function, file, line);
+    boost::assertion_failed(expression, function, file, line);
+    __builtin_unreachable();
 }
 
 void NerixAssertionFailedMsg(const char* expression, const char* message, const char* function,
                              const char* file, long line) {
-    reportAndAbort(expression, message, function, file, line);
+    boost::assertion_failed_msg(expression, message, function, file, line);
+    __builtin_unreachable();
 }
 
 } // namespace Nerix::Common::Utils

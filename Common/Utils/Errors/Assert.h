@@ -1,8 +1,9 @@
 #pragma once
 
-/// Assertions, active in every build. A failed one, ours or one inside Boost, is reported on the system
+/// Assertions, active in every build. A failed one, ours or one in a header of Boost, is reported on the system
 /// console, or standard error when there is none, and in the system log, and aborts the process: nothing is
-/// unwound, and no failure of the report lets the program go on.
+/// unwound, and no failure of the report lets the program go on. What the distribution's compiled libraries assert inside was
+/// decided when they were built.
 ///
 ///     NerixAssert(excPtr);
 ///     NerixAssertMsg(lock->try_lock(), "Destroying object when mutex is still locked!");

@@ -22,7 +22,7 @@
 namespace Nerix::Tests {
 namespace {
 
-using namespace Common::Utils; // NOLINT(google-build-using-namespace): its names fill this test
+using namespace Common::Utils;
 using Common::IO::HashSink;
 using Common::IO::OpenSSLInit;
 

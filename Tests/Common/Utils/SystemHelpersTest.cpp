@@ -71,7 +71,7 @@ TEST(Filesystem, FailuresNameTheOperationAndThePath) {
 }
 
 TEST(TerminationSignalsDeathTest, FirstIsRememberedAndALaterSecondEndsTheProcess) {
-    using namespace Common::Utils; // NOLINT(google-build-using-namespace): its names fill this test
+    using namespace Common::Utils;
     const auto signalsAfter = [](int milliseconds, int number) {
         for (const int each : {SIGINT, SIGHUP}) { std::signal(each, SIG_DFL); } // nohup has them ignored
         catchTerminationSignals();

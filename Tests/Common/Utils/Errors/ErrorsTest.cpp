@@ -22,7 +22,7 @@
 namespace Nerix::Tests {
 namespace {
 
-using namespace Common::Utils; // NOLINT(google-build-using-namespace): its names fill this test
+using namespace Common::Utils;
 
 void throughFrame(const char* name, const std::function<void()>& inner) {
     try {

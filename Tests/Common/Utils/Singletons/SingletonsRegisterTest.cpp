@@ -12,7 +12,7 @@
 namespace Nerix::Tests {
 namespace {
 
-using namespace Common::Utils; // NOLINT(google-build-using-namespace): its names fill this test
+using namespace Common::Utils;
 
 std::vector<std::string> lifeEvents;
 
