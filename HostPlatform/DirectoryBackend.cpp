@@ -149,14 +149,8 @@ std::optional<std::string> checkedContentOf(const fs::path& path) {
     return content;
 }
 
-void sync(const fs::path& path) {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file.isOpen() || ::fsync(file.number()) != 0) {
-        fail(errno);
-    }
-}
-
-void writeFile(const fs::path& path, std::string_view content) {
+/// isSynced: the content has reached the disk when the function returns.
+void writeFile(const fs::path& path, std::string_view content, bool isSynced) {
     Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen()) {
         fail(errno);
@@ -168,9 +162,16 @@ void writeFile(const fs::path& path, std::string_view content) {
         }
         content.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
     }
+    if (isSynced && ::fsync(file.number()) != 0) {
+        fail(errno);
+    }
     if (::close(file.release()) != 0) {
         fail(errno);
     }
+}
+
+void logError(const std::string& text) {
+    __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
 }
 
 /// A name that no other process uses, on any machine, and that is no key's. A process that is killed while it writes leaves
@@ -208,7 +209,7 @@ auto DirectoryBackend::attempt(const std::string& what, Step step) {
     } catch (const std::system_error& failure) {
         std::string text = "settings store " + m_place + ": cannot " + what + ": ";
         text += failure.code().value() == EBADMSG ? "it is damaged; delete this file" : failure.what();
-        __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
+        logError(text);
         throw SettingsFailure(text);
     }
 }
@@ -228,12 +229,13 @@ void DirectoryBackend::put(std::string_view key, std::string_view bytes) {
         if (checksumLength + bytes.size() > longestFile) {
             fail(EFBIG);
         }
+        const Descriptor place(m_isSynced ? ::open(m_examined.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1);
+        if (m_isSynced && !place.isOpen()) {
+            fail(errno);
+        }
         const fs::path complete = m_examined / temporaryName();
         try {
-            writeFile(complete, checksumOf(bytes).append(bytes));
-            if (m_isSynced) {
-                sync(complete);
-            }
+            writeFile(complete, checksumOf(bytes).append(bytes), m_isSynced);
             if (::rename(complete.c_str(), file.c_str()) != 0) {
                 fail(errno);
             }
@@ -241,8 +243,10 @@ void DirectoryBackend::put(std::string_view key, std::string_view bytes) {
             ::unlink(complete.c_str());
             throw;
         }
-        if (m_isSynced) {
-            sync(m_examined); // the name, too, survives a power failure
+        // The setting is written by now, and whoever reads it finds it: no failure of the call.
+        if (m_isSynced && ::fsync(place.number()) != 0) {
+            logError("settings store " + m_place +
+                     ": may not survive a power failure: " + std::generic_category().message(errno));
         }
     });
 }
