@@ -3,9 +3,11 @@
 import os
 import random
 import re
+import shutil
 import stat
 import subprocess
 import sys
+import unittest
 
 from harness import PROGRAM, SANITIZED, SystemTest, main, write
 from tree_value import STEPS, Model
@@ -47,6 +49,14 @@ class Values(SystemTest):
             self.assert_agrees(path(name), "sha1")
         for special in (path("fifo"), path("socket"), "/dev/null"):
             self.assertEqual(self.value(special), "0" * 16)
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_file_system_without_attributes(self):
+        write(os.path.join(self.work, "file"))
+        os.symlink("file", os.path.join(self.work, "link"))
+        run = subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", "-e", "inject=llistxattr:error=EOPNOTSUPP", PROGRAM, "--path",
+                              self.work], check=False, env=self.environment, stdout=subprocess.PIPE)
+        self.assertEqual(run.stdout.decode().strip(), Model("md5").value(self.work))
 
     def test_path_and_method_by_default(self):
         # Relative to the current directory, with defaults for what is not given, and in a locale that is missing.

@@ -56,7 +56,11 @@ NameList readNameList(const FileInput& entry) {
         }
         return static_cast<std::size_t>(size);
     };
-    list.announced = checked(::llistxattr(entry.path.c_str(), nullptr, 0));
+    const ssize_t announced = ::llistxattr(entry.path.c_str(), nullptr, 0);
+    if (announced < 0 && errno == EOPNOTSUPP) {
+        return list; // a file system without attributes
+    }
+    list.announced = checked(announced);
     if (list.announced != 0) {
         list.delivered.resize(list.announced);
         list.delivered.resize(

@@ -26,7 +26,8 @@ IHashFunction::hash_t hashstat(const FileInput& entry, IHashFunction::hash_t val
 
 /// For each extended attribute of the entry itself, in the byte order of the names: a step over the name, one
 /// over "separator", one over the value. Throws GenericException when the attributes cannot be read or change
-/// meanwhile. A list shorter than announced is accepted when it is so twice alike: overlay file systems also
+/// meanwhile. A file system that does not support attributes (EOPNOTSUPP) counts as one on which no entry has any: nothing is
+/// unread there, and such an image could not be scanned at all. A list shorter than announced is accepted when it is so twice alike: overlay file systems also
 /// count names that they hide.
 IHashFunction::hash_t hashxtattr(const FileInput& entry, IHashFunction::hash_t value,
                                  const IHashFunction& function);
