@@ -29,6 +29,13 @@ std::optional<fs::path> absoluteFromEnvironment(const char* name) {
     return path && path->is_absolute() ? path : std::nullopt;
 }
 
+/// what() without the system's message at its end.
+std::string reasonOf(const std::system_error& failure) {
+    const std::string text = failure.what();
+    const std::string message = ": " + failure.code().message();
+    return text.substr(0, text.rfind(message));
+}
+
 fs::path homeOfUser() {
     if (const auto home = absoluteFromEnvironment("HOME")) {
         return *home;
@@ -50,10 +57,13 @@ fs::path durableDirectory() {
     if (const auto home = fromEnvironment("NERIX_PLATFORM_HOME")) {
         return ownDirectory(*home);
     }
-    if (const auto state = absoluteFromEnvironment("XDG_STATE_HOME")) {
-        return ownDirectory(*state / "nerix");
+    try {
+        const auto state = absoluteFromEnvironment("XDG_STATE_HOME");
+        return ownDirectory(state ? *state / "nerix" : homeOfUser() / ".local/state/nerix");
+    } catch (const std::system_error& failure) {
+        throw std::system_error(failure.code(),
+                                "set NERIX_PLATFORM_HOME to a directory of your own; " + reasonOf(failure));
     }
-    return ownDirectory(homeOfUser() / ".local/state/nerix");
 }
 
 fs::path logDirectory() {

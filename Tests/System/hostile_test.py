@@ -90,7 +90,8 @@ class Hostile(SystemTest):
         del self.environment[home]
         cases = [(None, {}), (None, {"HOME": "/mnt/group"}), (None, {"HOME": "/mnt/missing"}), (None, {home: "/mnt/missing/home"}),
                  ("ead-only file system", {home: "/mnt/read-only/home"}),
-                 ("ead-only file system", {"HOME": "/mnt/read-only", runtime: "/mnt/read-only"}),
+                 ("set NERIX_PLATFORM_HOME to a directory of your own; cannot create directory /mnt/read-only/.local: "
+                  "Read-only file system", {"HOME": "/mnt/read-only", runtime: "/mnt/read-only"}),
                  (" /mnt/open may be written by", {home: "/mnt/open"}), (" /mnt/open may be written by", {state: "/mnt/open"}),
                  (" /mnt/open may be written by", {home: "/mnt/open/inner"}),
                  (" /mnt/group is not a directory of this user alone", {home: "/mnt/group"}),
