@@ -29,7 +29,9 @@ TEST(NerixCommonUtils, VersionsSplitAtTheFirstDot) {
         FakePlatform::instance().reset();
         EXPECT_THROW(Utils::parseVersion(bad, major, minor), boost::bad_lexical_cast) << bad;
         EXPECT_EQ(Utils::versionStringForUI(bad), bad);
-        EXPECT_EQ(FakePlatform::instance().logged(">Exception caught in versionStringForUI. Ignoring: NerixCommon/NerixCommonUtils.cpp("), 1U);
+        EXPECT_EQ(FakePlatform::instance().logged(
+                      ">Exception caught in versionStringForUI. Ignoring: NerixCommon/NerixCommonUtils.cpp("),
+                  1U);
     }
 }
 
