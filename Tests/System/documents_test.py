@@ -62,6 +62,11 @@ class Documents(SystemTest):
         self.assertEqual(sorted(os.listdir(self.root)), sorted({*os.listdir(PROJECT), "build"} - {".git"}),
                          "nothing is left behind but in build")
 
+    def test_every_hash_method_is_documented(self):
+        for document in ("docs/NerixVerifierHash.1", "docs/NerixHost.1", "docs/hash-definition.md"):
+            words = set(re.findall(r"\w+", read(document)))
+            self.assertEqual(set(STEPS) - words, set(), document)
+
     def test_worked_example_of_the_definition(self):
         text = read("docs/hash-definition.md")
         step, value, values = STEPS["md5"], 0, []
