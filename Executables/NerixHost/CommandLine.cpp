@@ -28,6 +28,13 @@ constexpr const char* overview =
     "\n"
     "NerixHost VERB --help tells the options of a verb, NerixHost --version the version.\n";
 
+/// A switch may be given more than once, as with other tools.
+using Switch = std::vector<std::string>;
+
+const options::value_semantic* switchValue() {
+    return options::value<Switch>()->zero_tokens();
+}
+
 /// A word that stands by itself on the command line, and what a message calls it.
 struct Word {
     const char* name;
@@ -57,10 +64,10 @@ Verb scanVerb() {
     }
     add("hash,H", options::value<std::string>()->value_name("HASH")->default_value("md5"), methods.c_str());
     add("log,l", options::value<std::string>()->value_name("FILE"),
-        "write a record for each entry; the file appears when it is complete");
-    add("details,d", "let records also tell kind, owner, group, links, mode and size");
+        "write a record for each entry; the file appears when it is complete; - for standard output");
+    add("details,d", switchValue(), "let records also tell kind, owner, group, links, mode and size");
     add("expect,e", options::value<std::string>()->value_name("VALUE"), "succeed for this value alone");
-    add("quiet,q", "show no progress");
+    add("quiet,q", switchValue(), "show no progress");
     return verb;
 }
 
@@ -74,7 +81,7 @@ Verb compareVerb() {
         "Status: 0 for no difference, 1 for some, 2 for trouble.\n",
         options::options_description("Options"),
         {{"before", "BEFORE", true}, {"after", "AFTER", true}}};
-    verb.named.add_options()("json", "a JSON object for each difference");
+    verb.named.add_options()("json", switchValue(), "a JSON object for each difference");
     return verb;
 }
 
@@ -87,7 +94,7 @@ Verb settingsVerb() {
         "Status: 0, or 1 when there is no such setting or the watched run gave no value, 2 for trouble.\n",
         options::options_description("Options"),
         {{"action", "list, get or watch", true}, {"key", "KEY", false}}};
-    verb.named.add_options()("json", "a JSON object for each line");
+    verb.named.add_options()("json", switchValue(), "a JSON object for each line");
     return verb;
 }
 
@@ -100,7 +107,7 @@ std::string helpOf(const Verb& verb) {
 /// The values of a verb's words and options. Throws UsageError and options::error.
 options::variables_map parse(const Verb& verb, const std::vector<std::string>& words) {
     options::options_description all;
-    all.add(verb.named).add_options()("help,h", "");
+    all.add(verb.named).add_options()("help,h", switchValue(), "");
     options::positional_options_description places;
     for (const Word& word : verb.words) {
         all.add_options()(word.name, options::value<std::string>());
@@ -120,6 +127,19 @@ std::string textOf(const options::variables_map& values, const char* name) {
     return values.count(name) != 0 ? values[name].as<std::string>() : std::string();
 }
 
+/// The value in lower case. Throws UsageError for a text that is none.
+std::string valueIn(const std::string& text) {
+    constexpr std::size_t digits = 16;
+    std::string value;
+    for (const char digit : text) {
+        value += static_cast<char>(digit >= 'A' && digit <= 'F' ? digit - 'A' + 'a' : digit);
+    }
+    if (value.size() != digits || value.find_first_not_of("0123456789abcdef") != std::string::npos) {
+        throw UsageError("'" + text + "' is no value: it takes 16 hexadecimal digits");
+    }
+    return value;
+}
+
 ScanRequest scanRequest(const options::variables_map& values) {
     ScanRequest request{};
     request.path = textOf(values, "path");
@@ -128,7 +148,7 @@ ScanRequest scanRequest(const options::variables_map& values) {
     request.isQuiet = values.count("quiet") != 0;
     request.hasDetails = values.count("details") != 0;
     if (values.count("expect") != 0) {
-        request.expected = textOf(values, "expect");
+        request.expected = valueIn(textOf(values, "expect"));
     }
     if (request.hasDetails && request.logFile.empty()) {
         throw UsageError("--details needs --log");

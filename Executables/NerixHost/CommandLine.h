@@ -32,8 +32,8 @@ struct TextRequest {
 struct ScanRequest {
     std::string path;
     std::string hashMethod;
-    std::string logFile;                 ///< empty for none
-    std::optional<std::string> expected; ///< the value that alone counts as success
+    std::string logFile;                 ///< empty for none, "-" for standard output
+    std::optional<std::string> expected; ///< the value that alone counts as success, in lower case
     bool isQuiet;
     bool hasDetails;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
@@ -99,7 +98,7 @@ void ProgressLine::write(const std::string& text) const {
     while (!rest.empty()) {
         const ssize_t count = ::write(m_descriptor, rest.data(), rest.size());
         if (count < 0 && errno != EINTR) {
-            throw std::runtime_error("cannot show progress: " + std::generic_category().message(errno));
+            throw std::system_error(errno, std::generic_category(), "cannot show progress");
         }
         rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
     }

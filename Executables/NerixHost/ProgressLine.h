@@ -27,7 +27,7 @@ public:
     ProgressLine(int descriptor, Duration pause);
 
     /// Shows the content unless that is what stands there, or it is not yet time for a line. Throws
-    /// std::runtime_error when the stream cannot be written.
+    /// std::system_error when the stream cannot be written.
     void show(const Content& content);
 
     /// The same at once.

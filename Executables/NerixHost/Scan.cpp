@@ -100,12 +100,16 @@ int scan(const ScanRequest& request) {
         prepare();
         const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(
             Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
+        const bool isLogShown = request.logFile == "-";
         std::optional<LogFile> file;
-        if (!request.logFile.empty()) {
+        if (!request.logFile.empty() && !isLogShown) {
             file.emplace(logOutside(fs::canonical(request.path), request.logFile).string());
         }
-        std::ostream nowhere(nullptr);
-        value = verify(request, {file ? &file->stream() : &nowhere, request.hasDetails});
+        std::ostream shown(isLogShown ? std::cout.rdbuf() : nullptr); // its exceptions are off
+        value = verify(request, {file ? &file->stream() : &shown, request.hasDetails});
+        if (isLogShown && !shown.flush()) {
+            std::cout.setstate(std::ios_base::badbit); // throws
+        }
         if (value == "ERROR") {
             return fail(failureSentence(HashVerifierAPI::getFailure()));
         }
@@ -116,12 +120,14 @@ int scan(const ScanRequest& request) {
         if (file) {
             file->commit();
         }
+    } catch (const std::ios_base::failure&) {
+        throw; // standard output
     } catch (const fs::filesystem_error& failure) {
         return fail("cannot read " + quotedName(failure.path1().string()) + ": " + failure.code().message());
     } catch (...) {
         return fail(failureSentence(std::current_exception()));
     }
-    std::cout << value << std::endl;
+    (request.logFile == "-" ? std::cerr : std::cout) << value << std::endl;
     if (request.expected && *request.expected != value) {
         return fail("the value is " + value + ", not " + *request.expected);
     }

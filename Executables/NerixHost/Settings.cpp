@@ -68,7 +68,7 @@ std::size_t distance(const std::string& a, const std::string& b) {
 }
 
 /// Of the keys that are there or that a run publishes, the one that is most like key; one that contains it is
-/// more like it than any other.
+/// more like it than any other. Empty when none is alike: more than a third of its characters differ.
 std::string nearest(const std::string& key, const std::vector<Setting>& settings) {
     std::vector<std::string> keys{PublishedState::statusKey, PublishedState::progressKey,
                                   PublishedState::resultKey};
@@ -78,9 +78,11 @@ std::string nearest(const std::string& key, const std::vector<Setting>& settings
     const auto unlikeness = [&](const std::string& known) {
         return known.find(key) != std::string::npos ? 0 : distance(key, known);
     };
-    return *std::min_element(keys.begin(), keys.end(), [&](const std::string& a, const std::string& b) {
-        return unlikeness(a) < unlikeness(b);
-    });
+    const std::string other =
+        *std::min_element(keys.begin(), keys.end(), [&](const std::string& a, const std::string& b) {
+            return unlikeness(a) < unlikeness(b);
+        });
+    return 3 * unlikeness(other) <= other.size() ? other : "";
 }
 
 int get(const std::string& key, bool isJson) {
@@ -95,8 +97,10 @@ int get(const std::string& key, bool isJson) {
         return EXIT_SUCCESS;
     }
     const std::string other = nearest(key, allSettings());
-    printError("there is no setting '" + escaped(key) + '\'' +
-               (other == key ? " yet" : "; did you mean '" + escaped(other) + "'?"));
+    const std::string hint = other.empty()  ? ""
+                             : other == key ? " yet"
+                                            : "; did you mean '" + escaped(other) + "'?";
+    printError("there is no setting '" + escaped(key) + '\'' + hint);
     return EXIT_FAILURE;
 }
 

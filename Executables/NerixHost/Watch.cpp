@@ -1,5 +1,6 @@
 #include "Executables/NerixHost/Watch.h"
 
+#include "Executables/NerixHost/EndBySignal.h"
 #include "Executables/NerixHost/Json.h"
 #include "Executables/NerixHost/ProgressLine.h"
 #include "Executables/NerixHost/RunState.h"
@@ -20,10 +21,10 @@ namespace {
 
 using Platform::Host::escaped;
 
-volatile std::sig_atomic_t interrupted = 0;
+volatile std::sig_atomic_t interrupted = 0; ///< the signal; 0 for none
 
-void interrupt(int) {
-    interrupted = 1;
+void interrupt(int signal) {
+    interrupted = signal;
 }
 
 void endOnSignals() {
@@ -114,8 +115,11 @@ int watch(bool isJson) {
         display.showNow(state);
     }
     display.leave();
+    if (interrupted != 0) {
+        endBySignal(interrupted);
+    }
     const bool hasNoValue = state.status == "killed" || state.result == PublishedState::errorResult;
-    return interrupted == 0 && hasNoValue ? EXIT_FAILURE : EXIT_SUCCESS;
+    return hasNoValue ? EXIT_FAILURE : EXIT_SUCCESS;
 }
 
 } // namespace Nerix

@@ -2,14 +2,18 @@
 #include "Common/Utils/StandardStreams.h"
 #include "Executables/NerixHost/CommandLine.h"
 #include "Executables/NerixHost/Compare.h"
+#include "Executables/NerixHost/EndBySignal.h"
 #include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/Scan.h"
 #include "Executables/NerixHost/Settings.h"
 
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <exception>
 #include <iostream>
 #include <string>
+#include <system_error>
 #include <variant>
 #include <vector>
 
@@ -42,9 +46,18 @@ int main(int argc, char* argv[]) {
         Nerix::printError(failure.what());
         std::cerr << failure.help();
     } catch (const std::ios_base::failure&) {
+        const int error = errno;
         // The flush at exit must not throw: nobody would catch it.
         std::cout.exceptions(std::ios_base::goodbit);
+        if (error == EPIPE) {
+            Nerix::endBySignal(SIGPIPE);
+        }
         Nerix::printError("cannot write to standard output");
+    } catch (const std::system_error& failure) {
+        if (failure.code() == std::errc::broken_pipe) {
+            Nerix::endBySignal(SIGPIPE);
+        }
+        Nerix::printError(failure.what());
     } catch (const std::exception& failure) {
         Nerix::printError(failure.what());
     }

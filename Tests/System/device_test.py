@@ -6,6 +6,7 @@ import os
 import re
 import resource
 import shutil
+import signal
 import subprocess
 import sys
 import time
@@ -116,7 +117,7 @@ class Device(SystemTest):
         self.assertRegex(lines[-1], r"^inactive +100\.0 % \[#{38}\] " + value[:8] + "$")
         left = subprocess.run(["timeout", "--preserve-status", "-k5", "-sINT", "1", HOST, "settings", "watch"],
                               env=self.environment, check=False, stdout=subprocess.PIPE)
-        self.assertEqual((left.returncode, left.stdout.decode()), (0, f"waiting for a run (the last one: {value[:8]})\n"))
+        self.assertEqual((left.returncode, left.stdout.decode()), (128 + signal.SIGINT, f"waiting for a run (the last one: {value[:8]})\n"))
 
 
 if __name__ == "__main__":

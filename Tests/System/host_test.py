@@ -18,7 +18,7 @@ import unittest
 
 import random_tree
 from harness import HOST, NO_MOUNTS, PREFIX, SANITIZED, SystemTest, main, make_hole, write
-from tree_value import Model
+from tree_value import STEPS, Model
 
 
 KINDS = {stat.S_IFREG: "file", stat.S_IFDIR: "directory", stat.S_IFLNK: "link"}
@@ -130,6 +130,13 @@ class Host(SystemTest):
         self.assertEqual(self.compare(self.logs[0], self.logs[0], status=0), [])
         self.assertEqual(self.run_host("scan", self.tree, "--expect", self.tree_value).returncode, 0)
 
+    def test_log_on_standard_output_has_the_value_on_standard_error(self):
+        self.entries()
+        run = self.run_host("scan", self.tree, "--log", "-", "-q", "-q")
+        self.assertEqual(run.stdout.splitlines(), self.records)
+        self.assertEqual(run.stderr.decode(), self.tree_value + "\n")
+        self.assertEqual(self.run_host("scan", self.tree, "--expect", self.tree_value.upper()).returncode, 0)
+
     def test_compare_tells_what_happened_to_a_tree(self):
         seen = set()
         for seed in range(25):
@@ -172,9 +179,14 @@ class Host(SystemTest):
              f'and change its value; choose a place outside of "{tree}"'),
             (["scan", tree, "--log", "/nowhere/log"], 1, 'cannot write "/nowhere/log": No such file or directory'),
             (["scan", tree, "--log", "/dev/null"], 1, 'cannot write "/dev/null": it is no regular file'),
-            (["scan", "/dev/null", "--expect", "1"], 1, "the value is 0000000000000000, not 1"),
-            (["scan", tree, "-H", "md6"], 2, "there is no hash method 'md6', but: none trivial sha1 md5"),
-            (["scan", tree, "-H", "\x1b[31m"], 2, r"there is no hash method '\x1b[31m', but: none trivial sha1 md5"),
+            (["scan", tree, "--log", "/dev/stdout"], 1,
+             'cannot write "/dev/stdout": it is no regular file; --log - writes to standard output'),
+            (["scan", "/dev/null", "--expect", "000000000000000A"], 1, "the value is 0000000000000000, not 000000000000000a"),
+            (["scan", "/dev/null", "--expect", "1"], 2, "'1' is no value: it takes 16 hexadecimal digits"),
+            (["scan", "/dev/null", "--expect", "000000000000000g"], 2,
+             "'000000000000000g' is no value: it takes 16 hexadecimal digits"),
+            (["scan", tree, "-H", "md6"], 2, f"there is no hash method 'md6', but: {' '.join(STEPS)}"),
+            (["scan", tree, "-H", "\x1b[31m"], 2, rf"there is no hash method '\x1b[31m', but: {' '.join(STEPS)}"),
             (["scan"], 2, "PATH is missing"),
             (["settings", "get"], 2, "KEY is missing"),
             (["scan", tree, "--details"], 2, "--details needs --log"),
@@ -182,6 +194,7 @@ class Host(SystemTest):
             (["compare", "/\x1bnowhere", "/nowhere"], 2, r"/\x1bnowhere: No such file or directory"),
             (["settings", "get", f"memori{PREFIX}stats"], 1,
              f"there is no setting 'memori{PREFIX}stats'; did you mean 'memory/{PREFIX}status'?"),
+            (["settings", "get", "nothing/alike"], 1, "there is no setting 'nothing/alike'"),
             (["settings", "get", "progress"], 1, f"there is no setting 'progress'; did you mean 'memory/{PREFIX}progress'?"),
         )
         for arguments, status, sentence in cases:

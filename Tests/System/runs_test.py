@@ -5,11 +5,12 @@ import glob
 import os
 import re
 import shutil
+import signal
 import subprocess
 import unittest
 
 from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, make_hole, write
-from tree_value import Model
+from tree_value import STEPS, Model
 
 
 class Runs(SystemTest):
@@ -56,6 +57,9 @@ class Runs(SystemTest):
                 for command, status in ((f"'{PROGRAM}' --path '{self.work}'", 1), (f"'{HOST}' settings list", 2)):
                     run = subprocess.run(f"{command} {where}", shell=True, check=False, env=self.environment, stdout=broken,
                                          stderr=subprocess.PIPE)
+                    if status == 2 and not where:  # as any tool ends whose reader has gone
+                        self.assertEqual((abs(run.returncode) % 128, run.stderr), (signal.SIGPIPE, b""))
+                        continue
                     self.assertEqual(run.returncode, status, where)
                     self.assertTrue(b"can't write to standard output: errno=" in run.stderr or "-" in where or status == 2)
                     self.assertEqual(self.settings()[:2], ("inactive", "100.0"), "the store is not written over")
@@ -97,7 +101,7 @@ class Runs(SystemTest):
         shown = [self.run_program().stdout, *(self.run_host(*words, "--help").stdout
                                               for words in ([], ["scan"], ["compare"], ["settings"]))]
         with open(os.path.join(PROJECT, "Tests/System/help.txt"), "rb") as golden:
-            self.assertEqual(golden.read(), shown[0] + b"\n".join(shown[1:]))
+            self.assertEqual(golden.read().replace(b"METHODS", " ".join(STEPS).encode()), shown[0] + b"\n".join(shown[1:]))
         for arguments in (["-h"], ["--help", "--path", "/nowhere"], ["word"]):
             run = self.run_program(*arguments)
             self.assertEqual((run.returncode, run.stdout), (0, shown[0]))
