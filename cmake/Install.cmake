@@ -1,19 +1,30 @@
 # cmake --install puts the programs and their manual in place; cpack makes a Debian package of them.
 
 include(GNUInstallDirs)
+# Debian wants manuals and changelogs compressed, without the time of the build in them.
+function(nerix_install_compressed source name destination)
+  set(compressed ${PROJECT_BINARY_DIR}/install/${name}.gz)
+  file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/install)
+  execute_process(COMMAND gzip -9nc ${source} OUTPUT_FILE ${compressed} COMMAND_ERROR_IS_FATAL ANY)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${source})
+  install(FILES ${compressed} DESTINATION ${destination})
+endfunction()
+
 install(TARGETS Executables_NerixVerifierHash RUNTIME)
-install(FILES docs/NerixVerifierHash.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+nerix_install_compressed(${PROJECT_SOURCE_DIR}/docs/NerixVerifierHash.1 NerixVerifierHash.1 ${CMAKE_INSTALL_MANDIR}/man1)
 set(NERIX_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 if(NERIX_HOST_PLATFORM)
   install(TARGETS Executables_NerixHost RUNTIME)
-  install(FILES docs/NerixHost.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  nerix_install_compressed(${PROJECT_SOURCE_DIR}/docs/NerixHost.1 NerixHost.1 ${CMAKE_INSTALL_MANDIR}/man1)
   # bash looks for a file called as the program is.
   install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixHost)
   install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixVerifierHash)
 endif()
 set(CPACK_PACKAGE_NAME nerix-verifier-hash)
-install(FILES README.md docs/hash-definition.md docs/host.md docs/copyright
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_PACKAGE_NAME})
+set(NERIX_DOCUMENTS ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_PACKAGE_NAME})
+install(FILES README.md docs/copyright DESTINATION ${NERIX_DOCUMENTS})
+# Where the README looks for them.
+install(DIRECTORY docs/ DESTINATION ${NERIX_DOCUMENTS}/docs FILES_MATCHING PATTERN "*.md")
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Fold a file tree into one 64-bit value")
@@ -22,7 +33,10 @@ cmake_host_system_information(RESULT NERIX_RELEASE QUERY DISTRIB_INFO)
 set(CPACK_PACKAGE_DESCRIPTION
   "Compares two installations by one value and, when they differ, entry by entry.\nBuilt on and for ${NERIX_RELEASE_PRETTY_NAME}.")
 set(CPACK_DEBIAN_PACKAGE_RELEASE "1~${NERIX_RELEASE_ID}${NERIX_RELEASE_VERSION_ID}")
-set(CPACK_PACKAGE_CONTACT "Nerix developers <nerix@localhost>")
+set(NERIX_PACKAGE_CONTACT "Nerix developers <developers@nerix.invalid>" CACHE STRING "Who answers for the Debian package")
+set(CPACK_PACKAGE_CONTACT ${NERIX_PACKAGE_CONTACT})
+configure_file(docs/changelog.in ${PROJECT_BINARY_DIR}/changelog @ONLY)
+nerix_install_compressed(${PROJECT_BINARY_DIR}/changelog changelog.Debian ${NERIX_DOCUMENTS})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

@@ -51,8 +51,9 @@ class Documents(SystemTest):
         self.run_shell(f"DESTDIR={self.work} {install}")
         self.run_shell(re.search(r"`(scripts/packages package\s+&& cpack .*?)`", text).group(1))
         facts = self.run_shell("dpkg-deb --field build/package/*.deb && dpkg-deb --contents build/package/*.deb")
-        for part in ("libboost-filesystem", "libssl", "bin/NerixVerifierHash", "bin/NerixHost", "man1/NerixHost.1",
-                     "bash-completion/completions/NerixHost", "doc/nerix-verifier-hash/README.md"):
+        for part in ("libboost-filesystem", "libssl", "bin/NerixVerifierHash", "bin/NerixHost", "man1/NerixHost.1.gz",
+                     "bash-completion/completions/NerixHost", "doc/nerix-verifier-hash/README.md", "changelog.Debian.gz",
+                     *re.findall(r"\]\((docs/[\w-]+\.md)\)", text)):
             self.assertIn(part, facts)
         # The stand-in of the unit tests has every function of the platform.
         platform = f"{BUILD}/Tests/Fakes/CMakeFiles/Tests_Fakes.dir/FakePlatform.cpp.o"
