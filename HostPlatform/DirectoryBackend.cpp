@@ -229,7 +229,8 @@ void DirectoryBackend::put(std::string_view key, std::string_view bytes) {
         if (checksumLength + bytes.size() > longestFile) {
             fail(EFBIG);
         }
-        const Descriptor place(m_isSynced ? ::open(m_examined.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1);
+        const Descriptor place(m_isSynced ? ::open(m_examined.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)
+                                          : -1);
         if (m_isSynced && !place.isOpen()) {
             fail(errno);
         }

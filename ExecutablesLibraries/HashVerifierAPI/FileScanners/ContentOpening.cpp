@@ -33,7 +33,8 @@ public:
         sigevent event{};
         event.sigev_notify = SIGEV_THREAD_ID;
         event.sigev_signo = signalNumber();
-        event._sigev_un._tid = static_cast<pid_t>(::syscall(SYS_gettid)); // sigev_notify_thread_id, which glibc lacks
+        event._sigev_un._tid =
+            static_cast<pid_t>(::syscall(SYS_gettid)); // sigev_notify_thread_id, which glibc lacks
         m_isOn = ::timer_create(CLOCK_MONOTONIC, &event, &m_timer) == 0;
         if (m_isOn) {
             constexpr std::timespec period{0, 20'000'000};

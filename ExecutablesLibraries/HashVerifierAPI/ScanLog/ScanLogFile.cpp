@@ -1,7 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 
-#include "Common/Logging/Log.h"
 #include "Common/Base/Descriptor.h"
+#include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/Errors.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 
