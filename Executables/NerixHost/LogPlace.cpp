@@ -57,7 +57,11 @@ std::optional<Place> placeOf(const fs::path& file) {
     std::ifstream mounts("/proc/self/mountinfo");
     for (std::string line; std::getline(mounts, line);) {
         std::istringstream fields(line);
-        std::string id, parent, device, root, directory;
+        std::string id;
+        std::string parent;
+        std::string device;
+        std::string root;
+        std::string directory;
         if (!(fields >> id >> parent >> device >> root >> directory) || id != mountId) {
             continue;
         }
