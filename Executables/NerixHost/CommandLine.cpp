@@ -1,6 +1,7 @@
 #include "Executables/NerixHost/CommandLine.h"
 
 #include "Common/Logging/PackageVersion.h"
+#include "Executables/NerixHost/Suggestion.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
 
 #include <boost/program_options/options_description.hpp>
@@ -20,13 +21,22 @@ namespace {
 namespace options = boost::program_options;
 
 constexpr const char* overview =
-    "NerixHost scans a file tree, compares scans and shows the settings that a scan publishes.\n"
+    "usage: NerixHost COMMAND [ARGUMENT...]\n"
     "\n"
-    "  NerixHost scan /usr/share --log after.log      the value of a tree, and a line for each entry\n"
-    "  NerixHost compare before.log after.log         which entries changed, were added or removed\n"
-    "  NerixHost settings watch                       a running NerixVerifierHash, as it proceeds\n"
+    "Scan a file tree, compare scans, and show the settings that a scan publishes.\n"
     "\n"
-    "NerixHost VERB --help tells the options of a verb, NerixHost --version the version.\n";
+    "Commands:\n"
+    "  scan PATH              print the value of a tree, and log its entries\n"
+    "  compare BEFORE AFTER   list the entries that differ between two scans\n"
+    "  settings ACTION        show settings, or watch a running NerixVerifierHash\n"
+    "\n"
+    "Examples:\n"
+    "  NerixHost scan /usr/share --log after.log\n"
+    "  NerixHost compare before.log after.log\n"
+    "  NerixHost settings watch\n"
+    "\n"
+    "Run 'NerixHost COMMAND --help' for the options of a command,\n"
+    "'NerixHost --version' for the version.\n";
 
 /// A switch may be given more than once, as with other tools.
 using Switch = std::vector<std::string>;
@@ -35,99 +45,124 @@ const options::value_semantic* switchValue() {
     return options::value<Switch>()->zero_tokens();
 }
 
-/// A word that stands by itself on the command line, and what a message calls it.
-struct Word {
+/// A positional argument, and its name in messages.
+struct Argument {
     const char* name;
     const char* shown;
     bool isRequired;
 };
 
-/// What a verb takes, and how its help begins and ends.
-struct Verb {
-    const char* usage;
-    const char* ending;
-    options::options_description named;
-    std::vector<Word> words;
+/// What a command takes, and the text before and after its options in the help.
+struct Command {
+    const char* beforeOptions;
+    const char* afterOptions;
+    options::options_description options;
+    std::vector<Argument> arguments;
 };
 
-Verb scanVerb() {
-    Verb verb{"usage: NerixHost scan PATH [OPTION...]\n\n"
-              "Prints the value of the tree at PATH, as NerixVerifierHash would.\n\n",
-              "\nExample: NerixHost scan /usr/share --log share.log --details\n\n"
-              "Status: 0 for a value, 1 when there is none or it is not the one expected, 2 for trouble.\n",
-              options::options_description("Options"),
-              {{"path", "PATH", true}}};
-    auto add = verb.named.add_options();
-    std::string methods = "how values are folded:";
+std::string methodsText() {
+    std::string text;
     for (const std::string& method : HashFunctions::methods()) {
-        methods += ' ' + method;
+        text += ' ' + method;
     }
+    return text;
+}
+
+Command scanCommand() {
+    Command command{"usage: NerixHost scan PATH [OPTION...]\n"
+                    "\n"
+                    "Print the value of the tree at PATH, the one that NerixVerifierHash prints.\n"
+                    "\n",
+                    "\n"
+                    "Example: NerixHost scan /usr/share --log share.log --details\n"
+                    "\n"
+                    "Exit status: 0 if a value was computed, 1 if not or if it is not the expected\n"
+                    "one, 2 on error.\n",
+                    options::options_description("Options"),
+                    {{"path", "PATH", true}}};
+    const std::string methods = "Use this hash method, one of:" + methodsText();
+    auto add = command.options.add_options();
     add("hash,H", options::value<std::string>()->value_name("HASH")->default_value("md5"), methods.c_str());
     add("log,l", options::value<std::string>()->value_name("FILE"),
-        "write a record for each entry; the file appears when it is complete; - for standard output");
-    add("details,d", switchValue(), "let records also tell kind, owner, group, links, mode and size");
-    add("expect,e", options::value<std::string>()->value_name("VALUE"), "succeed for this value alone");
-    add("quiet,q", switchValue(), "show no progress");
-    return verb;
+        "Write a record for each entry to FILE, which is created once complete; - is standard output");
+    add("details,d", switchValue(), "Also record kind, owner, group, links, mode and size");
+    add("expect,e", options::value<std::string>()->value_name("VALUE"), "Fail unless the value is VALUE");
+    add("quiet,q", switchValue(), "Show no progress");
+    return command;
 }
 
-Verb compareVerb() {
-    Verb verb{
-        "usage: NerixHost compare BEFORE AFTER [OPTION...]\n\n"
-        "Says which entries of a tree differ between two scan logs: those of scan --log, of a drive, or\n"
-        "main.log of a host's system log, of which the last run counts. A directory is named only when\n"
-        "nothing below it explains the difference.\n\n",
-        "\nExample: NerixHost compare before.log after.log\n\n"
-        "Status: 0 for no difference, 1 for some, 2 for trouble.\n",
-        options::options_description("Options"),
-        {{"before", "BEFORE", true}, {"after", "AFTER", true}}};
-    verb.named.add_options()("json", switchValue(), "a JSON object for each difference");
-    return verb;
+Command compareCommand() {
+    Command command{"usage: NerixHost compare BEFORE AFTER [OPTION...]\n"
+                    "\n"
+                    "List the entries that differ between two scan logs. A log is a file written by\n"
+                    "scan --log or to a USB drive, or a host's main.log (its last run). A directory\n"
+                    "is listed only if nothing below it explains the difference.\n"
+                    "\n",
+                    "\n"
+                    "Example: NerixHost compare before.log after.log\n"
+                    "\n"
+                    "Exit status: 0 if nothing differs, 1 if something does, 2 on error.\n",
+                    options::options_description("Options"),
+                    {{"before", "BEFORE", true}, {"after", "AFTER", true}}};
+    command.options.add_options()("json", switchValue(), "Print a JSON object for each difference");
+    return command;
 }
 
-Verb settingsVerb() {
-    Verb verb{
-        "usage: NerixHost settings list|watch|get KEY [OPTION...]\n\n"
-        "Shows the settings store of this user: list all settings, get one, or watch a verification\n"
-        "until it ends.\n\n",
-        "\nExample: NerixHost settings get db/menu/support/softwareupdate/hashverifier_result\n\n"
-        "Status: 0, or 1 when there is no such setting or the watched run gave no value, 2 for trouble.\n",
-        options::options_description("Options"),
-        {{"action", "list, get or watch", true}, {"key", "KEY", false}}};
-    verb.named.add_options()("json", switchValue(), "a JSON object for each line");
-    return verb;
+Command settingsCommand() {
+    Command command{"usage: NerixHost settings list|watch|get KEY [OPTION...]\n"
+                    "\n"
+                    "List the settings of this user, get one of them, or watch a verification until\n"
+                    "it ends.\n"
+                    "\n",
+                    "\n"
+                    "Example: NerixHost settings watch\n"
+                    "\n"
+                    "Exit status: 0; 1 if there is no such setting or the watched run failed; 2 on\n"
+                    "error.\n",
+                    options::options_description("Options"),
+                    {{"action", "ACTION", true}, {"key", "KEY", false}}};
+    command.options.add_options()("json", switchValue(), "Print a JSON object for each line");
+    return command;
 }
 
-std::string helpOf(const Verb& verb) {
+std::string helpOf(const Command& command) {
     std::ostringstream text;
-    text << verb.usage << verb.named << verb.ending;
+    text << command.beforeOptions << command.options << command.afterOptions;
     return text.str();
 }
 
-/// The values of a verb's words and options. Throws UsageError and options::error.
-options::variables_map parse(const Verb& verb, const std::vector<std::string>& words) {
+/// The options and arguments of a command. Throws UsageError and options::error.
+options::variables_map parse(const Command& command, const std::vector<std::string>& words) {
     options::options_description all;
-    all.add(verb.named).add_options()("help,h", switchValue(), "");
+    all.add(command.options).add_options()("help,h", switchValue(), "");
     options::positional_options_description places;
-    for (const Word& word : verb.words) {
-        all.add_options()(word.name, options::value<std::string>());
-        places.add(word.name, 1);
+    for (const Argument& argument : command.arguments) {
+        all.add_options()(argument.name, options::value<std::string>());
+        places.add(argument.name, 1);
     }
     options::variables_map values;
     options::store(options::command_line_parser(words).options(all).positional(places).run(), values);
-    for (const Word& word : verb.words) {
-        if (word.isRequired && values.count("help") + values.count(word.name) == 0) {
-            throw UsageError(std::string(word.shown) + " is missing");
+    for (const Argument& argument : command.arguments) {
+        if (argument.isRequired && values.count("help") + values.count(argument.name) == 0) {
+            throw UsageError(std::string("missing argument ") + argument.shown);
         }
     }
     return values;
+}
+
+[[noreturn]] void throwUnknownOption(const Command& command, const std::string& option) {
+    std::vector<std::string> known{"--help"};
+    for (const auto& each : command.options.options()) {
+        known.push_back("--" + each->long_name());
+    }
+    throw UsageError("unknown option '" + option + "'" + didYouMean(option, known));
 }
 
 std::string textOf(const options::variables_map& values, const char* name) {
     return values.count(name) != 0 ? values[name].as<std::string>() : std::string();
 }
 
-/// The value in lower case. Throws UsageError for a text that is none.
+/// Returns the value in lower case. Throws UsageError if text is not a value.
 std::string valueIn(const std::string& text) {
     constexpr std::size_t digits = 16;
     std::string value;
@@ -135,7 +170,7 @@ std::string valueIn(const std::string& text) {
         value += static_cast<char>(digit >= 'A' && digit <= 'F' ? digit - 'A' + 'a' : digit);
     }
     if (value.size() != digits || value.find_first_not_of("0123456789abcdef") != std::string::npos) {
-        throw UsageError("'" + text + "' is no value: it takes 16 hexadecimal digits");
+        throw UsageError("'" + text + "' is not a value: expected 16 hexadecimal digits");
     }
     return value;
 }
@@ -155,11 +190,9 @@ ScanRequest scanRequest(const options::variables_map& values) {
     }
     const std::vector<std::string> methods = HashFunctions::methods();
     if (std::find(methods.begin(), methods.end(), request.hashMethod) == methods.end()) {
-        std::string text = "there is no hash method '" + request.hashMethod + "', but:";
-        for (const std::string& method : methods) {
-            text += ' ' + method;
-        }
-        throw UsageError(text);
+        const std::string suggestion = didYouMean(request.hashMethod, methods);
+        throw UsageError("unknown hash method '" + request.hashMethod + "'" +
+                         (suggestion.empty() ? "; known are:" + methodsText() : suggestion));
     }
     return request;
 }
@@ -170,14 +203,14 @@ SettingsRequest settingsRequest(const options::variables_map& values) {
     if (action == "get") {
         request.action = SettingsRequest::Action::Get;
         if (request.key.empty()) {
-            throw UsageError("KEY is missing");
+            throw UsageError("missing argument KEY");
         }
         return request;
     }
     if (action == "watch") {
         request.action = SettingsRequest::Action::Watch;
     } else if (action != "list") {
-        throw UsageError("'" + action + "' is neither list nor get nor watch");
+        throw UsageError("unknown action '" + action + "'" + didYouMean(action, {"list", "get", "watch"}));
     }
     if (values.count("key") != 0) {
         throw UsageError(action + " takes no key");
@@ -189,31 +222,35 @@ CompareRequest compareRequest(const options::variables_map& values) {
     return {textOf(values, "before"), textOf(values, "after"), values.count("json") != 0};
 }
 
-/// The verb's help when that was asked for, else what make makes of the words.
+/// Returns the help of the command if --help was given, otherwise the request that make builds.
 template <class Make>
-Request answer(const Verb& verb, const std::vector<std::string>& words, Make make) {
-    const options::variables_map values = parse(verb, words);
-    return values.count("help") != 0 ? Request(TextRequest{helpOf(verb)}) : Request(make(values));
+Request makeRequest(const Command& command, const std::vector<std::string>& words, Make make) {
+    try {
+        const options::variables_map values = parse(command, words);
+        return values.count("help") != 0 ? Request(TextRequest{helpOf(command)}) : Request(make(values));
+    } catch (const options::unknown_option& failure) {
+        throwUnknownOption(command, failure.get_option_name());
+    }
 }
 
 Request requestOf(const std::string& name, const std::vector<std::string>& words) {
     if (name == "scan") {
-        return answer(scanVerb(), words, &scanRequest);
+        return makeRequest(scanCommand(), words, &scanRequest);
     }
     if (name == "compare") {
-        return answer(compareVerb(), words, &compareRequest);
+        return makeRequest(compareCommand(), words, &compareRequest);
     }
     if (name == "settings") {
-        return answer(settingsVerb(), words, &settingsRequest);
+        return makeRequest(settingsCommand(), words, &settingsRequest);
     }
-    throw UsageError("there is no '" + name + "', but: scan compare settings");
+    throw UsageError("unknown command '" + name + "'" + didYouMean(name, {"scan", "compare", "settings"}));
 }
 
 } // namespace
 
 Request parseCommandLine(const std::vector<std::string>& words) {
     if (words.empty()) {
-        throw UsageError("nothing to do", std::string("\n") + overview);
+        throw UsageError("missing command", std::string("\n") + overview);
     }
     if (words[0] == "--help" || words[0] == "-h") {
         return TextRequest{overview};

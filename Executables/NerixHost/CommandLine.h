@@ -7,24 +7,24 @@
 #include <variant>
 #include <vector>
 
-/// What the words of the command line ask for.
+/// Parses the command line.
 namespace Nerix {
 
-/// The words ask for nothing that there is; what() says why.
+/// The command line is invalid; what() gives the reason.
 class UsageError : public std::runtime_error {
 public:
     explicit UsageError(const std::string& reason,
-                        std::string help = "Try 'NerixHost --help' for what there is.\n")
+                        std::string help = "Try 'NerixHost --help' for more information.\n")
         : std::runtime_error(reason), m_help(std::move(help)) {}
 
-    /// What helps to ask for something that there is, in whole lines.
+    /// Whole lines to print after the reason: where to find help.
     const std::string& help() const { return m_help; }
 
 private:
     std::string m_help;
 };
 
-/// Text that was asked for: help or the version.
+/// Print this text: the help or the version.
 struct TextRequest {
     std::string text;
 };
@@ -33,7 +33,7 @@ struct ScanRequest {
     std::string path;
     std::string hashMethod;
     std::string logFile;                 ///< empty for none, "-" for standard output
-    std::optional<std::string> expected; ///< the value that alone counts as success, in lower case
+    std::optional<std::string> expected; ///< if set, any other value is a failure, in lower case
     bool isQuiet;
     bool hasDetails;
 };

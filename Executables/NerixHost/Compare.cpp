@@ -37,11 +37,10 @@ public:
     explicit Comparison(const CompareRequest& request)
         : m_before(request.before), m_after(request.after), m_isJson(request.isJson) {
         if (m_before.log.root() != m_after.log.root()) {
-            throw ScanLogError(
-                "the logs are of different trees, " + quotedName(m_before.log.root()) + " and " +
-                quotedName(m_after.log.root()) +
-                "; as paths enter the values, both have to be scanned under one path, such as a "
-                "directory on which each is mounted in turn (mount --bind)");
+            throw ScanLogError("the logs are of different trees, " + quotedName(m_before.log.root()) +
+                               " and " + quotedName(m_after.log.root()) +
+                               "; values depend on paths, so scan both trees under the same path, for "
+                               "example by mounting each in turn on one directory (mount --bind)");
         }
     }
 
@@ -67,7 +66,8 @@ public:
     }
 
 private:
-    /// Whether a difference was told below the path: everything there stands right in front of it.
+    /// Whether a difference below path has been printed. Entries below a directory immediately precede it in
+    /// the log, so checking the last printed path is enough.
     bool isExplained(const std::string& path) const { return isBelow(m_lastTold, path); }
 
     void compareRecords() {

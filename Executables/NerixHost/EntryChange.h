@@ -7,7 +7,7 @@
 
 namespace Nerix {
 
-/// One fact of an entry that two logs with details tell differently.
+/// One attribute of an entry that differs between two logs with details.
 struct FactChange {
     const char* name; ///< kind, owner, group, links, mode or size
     std::string before;
@@ -17,12 +17,12 @@ struct FactChange {
 struct EntryChange {
     const char* what; ///< changed, added or removed
     std::string path;
-    bool hasDetails;               ///< both logs tell the facts
+    bool hasDetails;               ///< both logs contain details
     std::vector<FactChange> facts; ///< those that differ
 };
 
-/// What differs between two records of the same entry. A directory's size and links follow from its entries
-/// and are left out when belowExplains.
+/// What differs between two records of the same entry. belowExplains: a change below this directory has
+/// already been reported; then its size and link count, which follow from its entries, are ignored.
 EntryChange changeOf(const ScanLogRecord& before, const ScanLogRecord& after, bool belowExplains);
 
 } // namespace Nerix

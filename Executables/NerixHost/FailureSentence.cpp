@@ -26,7 +26,7 @@ std::string fromEntries(const boost::exception& failure) {
     const auto* const code = boost::get_error_info<errinfo_errorcode>(failure);
     if (what != nullptr && path != nullptr && code != nullptr) {
         return sentence(*what, path->native(),
-                        *code == 0 ? "it changed meanwhile" : std::generic_category().message(*code));
+                        *code == 0 ? "it changed during the scan" : std::generic_category().message(*code));
     }
     const auto* const text =
         boost::get_error_info<boost::error_info<tag_errinfo_stream, std::string>>(failure);

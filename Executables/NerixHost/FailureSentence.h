@@ -5,8 +5,7 @@
 
 namespace Nerix {
 
-/// One sentence for people on why a scan failed: what could not be done with which entry, and the system's
-/// reason (cannot read "/x/y": Permission denied).
+/// A one-sentence description of why a scan failed, such as: cannot read "/x/y": Permission denied.
 std::string failureSentence(const std::exception_ptr& failure);
 
 } // namespace Nerix

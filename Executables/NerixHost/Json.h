@@ -4,8 +4,8 @@
 
 #include <string>
 
-/// What --json prints: objects of one line, in ASCII. Text that is no UTF-8 is an array of its bytes, as journalctl has
-/// it.
+/// Output of --json: one object per line, in ASCII. Text that is not valid UTF-8 becomes an array of bytes,
+/// as in journalctl.
 namespace Nerix {
 
 struct EntryChange;
@@ -15,8 +15,8 @@ struct RunState;
 /// between two logs with details.
 std::string jsonOf(const EntryChange& change);
 
-/// {"key":"db/x","value":1}: text, number or truth, as it is stored; "killed":true when it is left of a run
-/// that was killed.
+/// {"key":"db/x","value":1}: a string, number or boolean, as stored; "killed":true if it was left behind by a
+/// killed run.
 std::string jsonOf(const Platform::Host::Setting& setting);
 
 /// {"status":"active","progress":"42.17","result":"00000111"}; see RunState.h.

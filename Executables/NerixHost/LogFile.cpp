@@ -30,8 +30,8 @@ std::string messageOf(int error) {
     return std::generic_category().message(error);
 }
 
-/// What the names of a log's unfinished files begin with: the directory, and a checksum of the name, so that a log whose name
-/// is as long as names may be has room.
+/// What the names of a log's unfinished files begin with: the directory, and a checksum of the name, so that
+/// a log whose name is as long as names may be has room.
 std::string partialPrefix(const fs::path& file) {
     const std::string name = file.filename().string();
     boost::crc_32_type crc;
@@ -87,7 +87,7 @@ void takeOwnerAndMode(int descriptor, const std::string& file) {
 int create(const std::string& file, std::string& partial) {
     struct stat status {};
     if (::lstat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        fail(file, "it is no regular file");
+        fail(file, "not a regular file");
     }
     const std::string prefix = partialPrefix(file);
     removeAbandoned(prefix);

@@ -9,13 +9,14 @@
 
 namespace Nerix {
 
-/// A file that is there when it is complete, and not before: it is written under another name beside it, ".nerix-" and
-/// characters that nobody can guess, and renamed at the end. A file that it replaces hands its owner and mode on. One thread
-/// at a time may use it.
+/// A file that appears only when it is complete: it is written under a temporary name in the same directory,
+/// ".nerix-" and characters that nobody can guess, and renamed by commit(). It keeps the owner and mode of
+/// the file that it replaces. One thread at a time may use it.
 class LogFile {
 public:
-    /// Also removes what killed processes left of earlier files of this name. Throws std::runtime_error when it cannot be
-    /// written there, when something else than a regular file has that name, or when its owner could not be kept.
+    /// Also removes what killed processes left of earlier files of this name. Throws std::runtime_error when
+    /// it cannot be written there, if the name exists and is not a regular file, or if its owner cannot be
+    /// kept.
     explicit LogFile(const std::string& file);
 
     /// Removes what was written unless it was committed.
@@ -24,11 +25,11 @@ public:
     LogFile(const LogFile&) = delete;
     LogFile& operator=(const LogFile&) = delete;
 
-    /// Its state is bad from the first byte on that could not be written.
+    /// The stream's state becomes bad at the first failed write.
     std::ostream& stream() { return m_stream; }
 
-    /// Puts the file in place. Throws std::runtime_error when not all of it could be written; it is then not
-    /// there.
+    /// Puts the file in place. Throws std::runtime_error if anything could not be written; the file is then
+    /// not created.
     void commit();
 
 private:

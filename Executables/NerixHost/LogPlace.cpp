@@ -75,8 +75,8 @@ std::optional<Place> placeOf(const fs::path& file) {
     return std::nullopt;
 }
 
-/// Returns true if the directory is the root or below it on their common file system. The directory may be mounted a second
-/// time, outside of the tree.
+/// Returns true if the directory is the root or below it on their common file system. The directory may be
+/// mounted a second time, outside of the tree.
 bool isInTreeElsewhere(const fs::path& directory, const fs::path& root) {
     const std::optional<Place> inner = placeOf(directory);
     const std::optional<Place> outer = placeOf(root);
@@ -84,8 +84,8 @@ bool isInTreeElsewhere(const fs::path& directory, const fs::path& root) {
            (inner->path == outer->path || isBelow(inner->path.native(), outer->path.native()));
 }
 
-/// Returns true if the walk of the tree at root comes to the directory: nothing else is mounted between them. By number, as
-/// the root may be mounted a second time.
+/// Returns true if a scan of root would include files in the directory. Compares device and inode numbers,
+/// because root may also be mounted elsewhere.
 bool isInTree(const fs::path& directory, const fs::path& root) {
     struct stat rootStatus {};
     ::lstat(root.c_str(), &rootStatus);
@@ -117,20 +117,21 @@ fs::path logOutside(const fs::path& root, const std::string& logFile) {
     struct stat status {};
     const bool isStream = logFile.compare(0, 8, "/dev/std") == 0 || logFile.compare(0, 8, "/dev/fd/") == 0;
     if (isStream || (::stat(logFile.c_str(), &status) == 0 && !S_ISREG(status.st_mode))) {
-        throw std::runtime_error("cannot write " + quotedName(logFile) + ": it is no regular file" +
+        throw std::runtime_error("cannot write " + quotedName(logFile) + ": not a regular file" +
                                  (isStream ? "; --log - writes to standard output" : ""));
     }
     fs::path file = fs::weakly_canonical(fs::absolute(logFile));
     const fs::path directory = file.parent_path();
     if (file == root || isInTree(directory, root) || isInTreeElsewhere(directory, root)) {
-        throw std::runtime_error("the log " + quotedName(file.string()) +
-                                 " would lie in the tree that is scanned, and " +
-                                 "change its value; choose a place outside of " + quotedName(root.string()));
+        throw std::runtime_error(
+            "the log " + quotedName(file.string()) +
+            " is inside the tree to be scanned and would change its value; put it outside " +
+            quotedName(root.string()));
     }
     if (hasNamesElsewhere(file, root)) {
         throw std::runtime_error(
-            "the log " + quotedName(file.string()) + " has other hard links, which may lie in the tree " +
-            "that is scanned, and replacing it would change its value; choose another name");
+            "the log " + quotedName(file.string()) +
+            " has other hard links, which may be inside the tree to be scanned; choose another name");
     }
     return file;
 }

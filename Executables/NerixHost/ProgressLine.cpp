@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t widestBar = 40;
 constexpr std::size_t narrowestBar = 10;
-constexpr std::size_t widthElsewhere = 80; ///< of a pipe, or a terminal that does not tell
+constexpr std::size_t widthElsewhere = 80; ///< for pipes, and terminals that do not report their width
 
 bool canRedraw(int descriptor) {
     const char* const kind = std::getenv("TERM");

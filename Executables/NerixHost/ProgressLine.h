@@ -5,9 +5,9 @@
 
 namespace Nerix {
 
-/// A line of progress on a stream: redrawn in place on a terminal that can do that, a line of its own now and
-/// then elsewhere (a pipe, TERM=dumb). The line is fitted to the width that the terminal has at the time. One
-/// thread at a time may use it.
+/// A line of progress on a stream: redrawn in place on a capable terminal; elsewhere (a pipe, TERM=dumb) a
+/// new line is printed from time to time. The line is fitted to the terminal's current width. One thread at a
+/// time may use it.
 class ProgressLine {
 public:
     using Duration = std::chrono::steady_clock::duration;
@@ -22,21 +22,21 @@ public:
         }
     };
 
-    /// descriptor: the stream's. pause: the least time between two lines that cannot be redrawn, the first of
-    /// which comes after it as well.
+    /// descriptor: the stream's. pause: where lines cannot be redrawn, the minimum time before the first line
+    /// and between lines.
     ProgressLine(int descriptor, Duration pause);
 
-    /// Shows the content unless that is what stands there, or it is not yet time for a line. Throws
-    /// std::system_error when the stream cannot be written.
+    /// Shows content, unless it is already shown or the pause has not elapsed. Throws std::system_error when
+    /// the stream cannot be written.
     void show(const Content& content);
 
-    /// The same at once.
+    /// Like show, but ignores the pause.
     void showNow(const Content& content);
 
-    /// Takes the line off the terminal; lines elsewhere stay.
+    /// Erases the line from the terminal; does nothing elsewhere.
     void clear();
 
-    /// Whatever is written next begins a line.
+    /// Ends the line, so that later output starts on a new one.
     void end();
 
 private:
@@ -50,8 +50,8 @@ private:
     Content m_shown;
 };
 
-/// The content in at most so many columns: the bar takes what is left, up to 40, and goes first when there is
-/// no room for it, then what stands behind it; the rest is cut.
+/// Formats content in at most `columns` columns. The bar gets the remaining space, up to 40 columns. If space
+/// is short, the bar is dropped first, then `after`; what is left is truncated.
 std::string fitted(const ProgressLine::Content& content, std::size_t columns);
 
 } // namespace Nerix

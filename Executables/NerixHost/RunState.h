@@ -13,8 +13,8 @@ bool isOfRun(const Platform::Host::Setting& setting);
 /// The same, but false when the run's process is gone: it was killed.
 bool isOfLiveRun(const Platform::Host::Setting& setting);
 
-/// What the settings store says of the verification that runs, or of the last one; texts are empty when there
-/// was none.
+/// The state of the current or last verification, from the settings store. The strings are empty if there was
+/// none.
 struct RunState {
     std::string status; ///< as published, or "killed"
     std::string progress;

@@ -39,7 +39,7 @@ using Clock = std::chrono::steady_clock;
 /// The exit status of a scan that is not what it seems: a damaged disk gives a value, but a wrong one.
 constexpr int trouble = 2;
 
-/// What NerixVerifierHash does before a run, with a state that ends with the process.
+/// The same start-up as NerixVerifierHash, but with all state kept in memory.
 void prepare() {
     Platform::Host::keepStateInMemory();
     Common::Logging::LoggingClass::init("NerixHost");
@@ -55,8 +55,8 @@ std::string duration(Clock::duration elapsed) {
     return std::to_string(seconds / 60) + ':' + twoDigits;
 }
 
-/// Draws while that is possible: who watched may be gone, as behind a pipe that was closed, and the value
-/// still counts.
+/// Runs step unless drawing has failed before. The reader of a pipe may have gone away; the scan continues
+/// regardless.
 template <class Draw>
 void draw(bool& isPossible, Draw step) {
     try {

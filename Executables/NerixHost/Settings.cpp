@@ -4,14 +4,13 @@
 #include "Executables/NerixHost/Json.h"
 #include "Executables/NerixHost/RunState.h"
 #include "Executables/NerixHost/SettingValue.h"
+#include "Executables/NerixHost/Suggestion.h"
 #include "Executables/NerixHost/Watch.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
 #include "HostPlatform/EscapedText.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <iostream>
-#include <numeric>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -51,38 +50,14 @@ int list(bool isJson) {
     return EXIT_SUCCESS;
 }
 
-/// How many characters have to be replaced, added or taken away to make one text of the other.
-std::size_t distance(const std::string& a, const std::string& b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), 0U);
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const std::size_t replaced = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
-            diagonal = row[j];
-            row[j] = std::min({replaced, row[j] + 1, row[j - 1] + 1});
-        }
-    }
-    return row.back();
-}
-
-/// Of the keys that are there or that a run publishes, the one that is most like key; one that contains it is
-/// more like it than any other. Empty when none is alike: more than a third of its characters differ.
-std::string nearest(const std::string& key, const std::vector<Setting>& settings) {
+/// The keys of the store, and those that a run publishes.
+std::vector<std::string> knownKeys() {
     std::vector<std::string> keys{PublishedState::statusKey, PublishedState::progressKey,
                                   PublishedState::resultKey};
-    for (const Setting& setting : settings) {
+    for (const Setting& setting : allSettings()) {
         keys.push_back(setting.key);
     }
-    const auto unlikeness = [&](const std::string& known) {
-        return known.find(key) != std::string::npos ? 0 : distance(key, known);
-    };
-    const std::string other =
-        *std::min_element(keys.begin(), keys.end(), [&](const std::string& a, const std::string& b) {
-            return unlikeness(a) < unlikeness(b);
-        });
-    return 3 * unlikeness(other) <= other.size() ? other : "";
+    return keys;
 }
 
 int get(const std::string& key, bool isJson) {
@@ -96,7 +71,7 @@ int get(const std::string& key, bool isJson) {
         tellIfKilled(setting);
         return EXIT_SUCCESS;
     }
-    const std::string other = nearest(key, allSettings());
+    const std::string other = nearest(key, knownKeys());
     const std::string hint = other.empty()  ? ""
                              : other == key ? " yet"
                                             : "; did you mean '" + escaped(other) + "'?";

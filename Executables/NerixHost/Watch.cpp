@@ -47,7 +47,7 @@ ProgressLine::Content contentOf(const RunState& state) {
     return {escaped(state.status), escaped(state.progress), escaped(state.result)};
 }
 
-/// What stood in the store before the run that is waited for.
+/// The text shown while waiting for a run, with the outcome of the last one.
 ProgressLine::Content waiting(const RunState& last) {
     return {"waiting for a run", "",
             last.status == "killed" ? "(the last one was killed)"
@@ -55,7 +55,7 @@ ProgressLine::Content waiting(const RunState& last) {
                                     : "(the last one: " + escaped(last.result) + ")"};
 }
 
-/// Where the state goes: a line for people, or objects.
+/// Shows the state, either as a progress line or as JSON objects.
 class Display {
 public:
     explicit Display(bool isJson) : m_isJson(isJson), m_line(STDOUT_FILENO, std::chrono::seconds(1)) {}
@@ -98,7 +98,8 @@ int watch(bool isJson) {
     if (!state.isRunning) {
         display.wait(state);
     }
-    // A short run is never seen active. A store without a result was deleted; the run is still to come.
+    // A short run may never be seen as active. A store without a result was deleted: the run is still to
+    // come.
     while (interrupted == 0 && !state.isRunning && (state == before || state.result.empty())) {
         pause();
         state = RunState::read();

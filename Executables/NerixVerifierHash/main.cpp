@@ -43,12 +43,11 @@ void addMainOptions(options::options_description& outer) {
 std::string helpText(const options::options_description& outer) {
     std::ostringstream text;
     text << programName << ' ' << Nerix::Common::packageVersion << '\n'
-         << "Prints one 64-bit value of the tree at PATH (default: .), folded with HASH (default: md5), one "
-            "of:";
+         << "Prints a 64-bit hash of the tree at PATH (default: .). HASH (default: md5) is one of:";
     for (const std::string& hashMethod : Nerix::HashFunctions::methods()) {
         text << ' ' << hashMethod;
     }
-    text << ". On a host, NerixHost scans, compares and watches.\n" << outer << '\n';
+    text << ". See also NerixHost.\n" << outer << '\n';
     return text.str();
 }
 

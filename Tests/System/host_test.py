@@ -1,4 +1,4 @@
-"""What people do with NerixHost: scan a tree, compare scans, read why one failed, watch a bar."""
+"""NerixHost: scan, compare, error messages, progress bar."""
 
 import ast
 import contextlib
@@ -53,7 +53,7 @@ def differences(before, after, has_details):
     return told
 
 
-# What a terminal might take for a command, and what it only shows.
+# Bytes that could control a terminal, and how they must be displayed.
 ODD = "\u00e4\u20ac\u00a0&\u2026\u2069\u202a".encode() + b'\x1b[31m"\\\n\r\t\x7f\xff\x80\x80\xc2\x9b\x9b\x80'
 SHOWN = "\u00e4\u20ac\u00a0&\u2026".encode() + rb'\xe2\x81\xa9\xe2\x80\xaa\x1b[31m\"\\\n\r\t\x7f' + b"\xff\x80\x80" + rb"\xc2\x9b\x9b\x80"
 
@@ -74,7 +74,7 @@ def relink(path):
     os.symlink("elsewhere", path)
 
 
-# What may happen to an entry. Links get none of what would reach the entry that they lead to.
+# Possible changes to an entry. For links, only those that do not affect the target.
 TO_FILES = (rewrite, lambda path: os.truncate(path, 13), lambda path: os.chmod(path, 0o4711), os.unlink,
             lambda path: os.setxattr(path, b"user.new", b"x"), lambda path: os.link(path, path[:99] + b"+"))
 TO_ANY = (lambda path: os.rename(path, path[:99] + ODD), lambda path: os.lchown(path, 1234, -1))
@@ -175,22 +175,25 @@ class Host(SystemTest):
             (["scan", tree, "--log", self.logs[0]], 1, f'cannot read "{tree}/sub/\\x1bsecret": Permission denied'),
             (["scan", tree + "/z"], 1, f'cannot examine "{tree}/z/inner": Permission denied'),
             (["scan", "/nowhere"], 1, 'cannot read "/nowhere": No such file or directory'),
-            (["scan", tree, "--log", inside], 1, f'the log "{inside}" would lie in the tree that is scanned, '
-             f'and change its value; choose a place outside of "{tree}"'),
+            (["scan", tree, "--log", inside], 1, f'the log "{inside}" is inside the tree to be scanned '
+             f'and would change its value; put it outside "{tree}"'),
             (["scan", tree, "--log", "/nowhere/log"], 1, 'cannot write "/nowhere/log": No such file or directory'),
-            (["scan", tree, "--log", "/dev/null"], 1, 'cannot write "/dev/null": it is no regular file'),
+            (["scan", tree, "--log", "/dev/null"], 1, 'cannot write "/dev/null": not a regular file'),
             (["scan", tree, "--log", "/dev/stdout"], 1,
-             'cannot write "/dev/stdout": it is no regular file; --log - writes to standard output'),
+             'cannot write "/dev/stdout": not a regular file; --log - writes to standard output'),
             (["scan", "/dev/null", "--expect", "000000000000000A"], 1, "the value is 0000000000000000, not 000000000000000a"),
-            (["scan", "/dev/null", "--expect", "1"], 2, "'1' is no value: it takes 16 hexadecimal digits"),
+            (["scan", "/dev/null", "--expect", "1"], 2, "'1' is not a value: expected 16 hexadecimal digits"),
             (["scan", "/dev/null", "--expect", "000000000000000g"], 2,
-             "'000000000000000g' is no value: it takes 16 hexadecimal digits"),
-            (["scan", tree, "-H", "md6"], 2, f"there is no hash method 'md6', but: {' '.join(STEPS)}"),
-            (["scan", tree, "-H", "\x1b[31m"], 2, rf"there is no hash method '\x1b[31m', but: {' '.join(STEPS)}"),
-            (["scan"], 2, "PATH is missing"),
-            (["settings", "get"], 2, "KEY is missing"),
+             "'000000000000000g' is not a value: expected 16 hexadecimal digits"),
+            (["scan", tree, "-H", "md6"], 2, "unknown hash method 'md6'; did you mean 'md5'?"),
+            (["scan", tree, "-H", "\x1b[31m"], 2, rf"unknown hash method '\x1b[31m'; known are: {' '.join(STEPS)}"),
+            (["scna"], 2, "unknown command 'scna'; did you mean 'scan'?"),
+            (["scan", tree, "--lgo", "x"], 2, "unknown option '--lgo'; did you mean '--log'?"),
+            (["settings", "wacth"], 2, "unknown action 'wacth'; did you mean 'watch'?"),
+            (["scan"], 2, "missing argument PATH"),
+            (["settings", "get"], 2, "missing argument KEY"),
             (["scan", tree, "--details"], 2, "--details needs --log"),
-            (["compare", "a"], 2, "AFTER is missing"),
+            (["compare", "a"], 2, "missing argument AFTER"),
             (["compare", "/\x1bnowhere", "/nowhere"], 2, r"/\x1bnowhere: No such file or directory"),
             (["settings", "get", f"memori{PREFIX}stats"], 1,
              f"there is no setting 'memori{PREFIX}stats'; did you mean 'memory/{PREFIX}status'?"),
@@ -224,11 +227,11 @@ class Host(SystemTest):
             self.mount(place, bound, kind="bind")
             run = self.run_host("scan", self.tree, "--log", place + "/log")
             self.assertEqual((run.returncode, run.stdout), (1, b""))
-            self.assertIn(b"would lie in the tree that is scanned", run.stderr)
+            self.assertIn(b"is inside the tree to be scanned", run.stderr)
         os.link(file, self.work + "/other name")
         run = self.run_host("scan", self.tree, "--log", self.work + "/other name")
         self.assertEqual(run.returncode, 1)
-        self.assertIn(b"has other hard links, which may lie in the tree", run.stderr)
+        self.assertIn(b"has other hard links, which may be inside the tree", run.stderr)
         os.unlink(self.work + "/other name")
         self.mount(sub + "/inner", self.work, kind="bind")  # leads out of the tree
         self.assertEqual(self.run_host("scan", self.tree, "--log", sub + "/inner/log").returncode, 0)
@@ -287,7 +290,7 @@ class Host(SystemTest):
         self.assertEqual(self.compare(*self.logs, status=0), [])
         with open(self.logs[0], "ab") as log, open(system, "rb") as again:
             text = again.read()
-            log.write(text)  # as of two containers, whose threads have the same numbers
+            log.write(text)  # simulates logs of two containers whose thread ids coincide
         self.assertEqual(self.compare(*self.logs, status=0), [])
         os.mkdir(long + b"/new")
         self.value(self.tree)
@@ -296,7 +299,7 @@ class Host(SystemTest):
                                       check=False, stdout=subprocess.PIPE, env=self.environment)
         self.assertEqual(through_pipe.returncode, 1)
         write(self.logs[0], text[:text.index(b"\n", text.index(b"HashWorker.cpp")) + 1])
-        self.assertIn(b"its last record has no end\n", self.run_host("compare", *self.logs).stderr)
+        self.assertIn(b"its last record is not terminated\n", self.run_host("compare", *self.logs).stderr)
 
     def test_logs_of_a_whole_system_compare(self):
         for log, value in zip(self.logs, (1, 2)):
@@ -320,18 +323,18 @@ class Host(SystemTest):
             text = log.read()
         lines = text.splitlines(keepends=True)
         cases = {
-            "empty": ("", "is no scan log"),
-            "other text": ("nonsense\n", "is no scan log"),
+            "empty": ("", "is not a scan log"),
+            "other text": ("nonsense\n", "is not a scan log"),
             "one record": (lines[0], "the logs are of different trees"),
-            "no root": ("".join(lines[:-2]) + lines[0].replace("/a/b", "/c"), "is incomplete: its last"),
-            "cut in the last record": (text[:-2], "its last record has no end\n"),
-            "no line feed at the end": (text[:-1], "its last record has no end\n"),
-            "twice": (text + text, "line 4 is not where a scan"),
-            "text after the end": (text + "junk\n", "line 4 is no record"),
-            "lines end as on other systems": (text.replace("\n", "\r\n"), "line 1 is no record of a scan, or a damaged one"),
-            "text after a record": (text.replace('b"', 'b" x', 1), "line 1 is no record"),
-            "unknown pair": (text.replace("/a/b", "/a/&b"), "line 1 is no record"),
-            "long path": (text.replace("/a/b", "/a/" + "b" * 5000), "line 1 is no record"),
+            "no root": ("".join(lines[:-2]) + lines[0].replace("/a/b", "/c"), "is incomplete: it does not end with the root of the tree"),
+            "cut in the last record": (text[:-2], "its last record is not terminated\n"),
+            "no line feed at the end": (text[:-1], "its last record is not terminated\n"),
+            "twice": (text + text, "line 4 is out of order"),
+            "text after the end": (text + "junk\n", "line 4 is not a scan record"),
+            "lines end as on other systems": (text.replace("\n", "\r\n"), "line 1 is damaged"),
+            "text after a record": (text.replace('b"', 'b" x', 1), "line 1 is damaged"),
+            "unknown pair": (text.replace("/a/b", "/a/&b"), "line 1 is damaged"),
+            "long path": (text.replace("/a/b", "/a/" + "b" * 5000), "line 1 is damaged"),
             "begin of a system log rotated away": (system[system.index("[INF] HashWorker"):].split("\n", 1)[1], "is incomplete: records"),
             "record of a system log lost": (re.sub(r".*/a\"\n", "", system), "is incomplete: records"),
             "other tree": (text.replace("/tree", "/wood"), "the logs are of different trees"),
@@ -340,7 +343,7 @@ class Host(SystemTest):
         }
         for wrong in ("dir", "directory -1", "directory 01", "directory 0 4294967296", "directory 0 0 2 755", "directory 0 0 2 0789",
                       "directory 0 0 2 0755 x", "directory 0 0 2 0755 1 1", "directory  0 0 2 0755 1", "directory\x1b[31m"):
-            cases["details " + wrong] = (re.sub(" directory.*", " " + wrong, details, count=1), "line 1 is no record of a scan, or a")
+            cases["details " + wrong] = (re.sub(" directory.*", " " + wrong, details, count=1), "line 1 is damaged")
         for name, (content, reason) in cases.items():
             with self.subTest(name):
                 write(self.logs[1], content.encode())
@@ -355,7 +358,7 @@ class Host(SystemTest):
         run = subprocess.run(["bash", "-c", f"{limit} exec {HOST} compare {self.logs[0]} {self.logs[0]}"], check=False,
                              env=self.environment, capture_output=True)
         self.assertEqual(run.returncode, 2)
-        self.assertIn(b"before.log: line 1 is longer than any record of a scan\n", run.stderr)
+        self.assertIn(b"before.log: line 1 is longer than any scan record\n", run.stderr)
 
     def test_log_from_a_pipe_that_cannot_be_copied_whole_is_refused(self):
         for number in range(200):
