@@ -1,4 +1,4 @@
-# cmake --install puts the programs and their manual in place; cpack makes a Debian package of them.
+# cmake --install installs the programs and manuals; cpack builds a Debian package from them.
 
 include(GNUInstallDirs)
 # Debian wants manuals and changelogs compressed, without the time of the build in them.
@@ -16,7 +16,7 @@ set(NERIX_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 if(NERIX_HOST_PLATFORM)
   install(TARGETS Executables_NerixHost RUNTIME)
   nerix_install_compressed(${PROJECT_SOURCE_DIR}/docs/NerixHost.1 NerixHost.1 ${CMAKE_INSTALL_MANDIR}/man1)
-  # bash looks for a file called as the program is.
+  # bash-completion looks for a file named after the program.
   install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixHost)
   install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixVerifierHash)
 endif()
@@ -28,7 +28,7 @@ install(DIRECTORY docs/ DESTINATION ${NERIX_DOCUMENTS}/docs FILES_MATCHING PATTE
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Fold a file tree into one 64-bit value")
-# Libraries change their packages' names between releases: a package fits the one that it was built on.
+# Library packages are renamed between releases, so our package is valid only for the release it was built on.
 cmake_host_system_information(RESULT NERIX_RELEASE QUERY DISTRIB_INFO)
 set(CPACK_PACKAGE_DESCRIPTION
   "Compares two installations by one value and, when they differ, entry by entry.\nBuilt on and for ${NERIX_RELEASE_PRETTY_NAME}.")
@@ -42,11 +42,11 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 if(NOT CMAKE_CROSSCOMPILING)
-  # Read off the programs: which packages their libraries come from.
+  # Derive the dependencies from the binaries.
   set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 else()
-  # For the machine that it runs on, not the one that builds, whose packages also say nothing about the libraries.
-  set(NERIX_MACHINE ${CMAKE_CXX_COMPILER_TARGET}) # clang's own answer would be the machine that builds
+  # Label the package for the target architecture; the build machine's packages cannot tell us the target's dependencies.
+  set(NERIX_MACHINE ${CMAKE_CXX_COMPILER_TARGET}) # clang -dumpmachine would report the build machine
   if(NOT NERIX_MACHINE)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -dumpmachine OUTPUT_VARIABLE NERIX_MACHINE OUTPUT_STRIP_TRAILING_WHITESPACE)
   endif()

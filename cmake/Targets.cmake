@@ -1,4 +1,4 @@
-# One target a folder, named for its path: Common/Utils/Errors is Common_Utils_Errors.
+# One target per folder, named after its path: Common/Utils/Errors is Common_Utils_Errors.
 
 # nerix_library(NAME SOURCES file... [LINKS target...])
 # A folder's library. It never links the platform: programs link HostPlatform (or the device's libraries),
@@ -9,8 +9,8 @@ function(nerix_library name)
   target_link_libraries(${name} PUBLIC nerix_settings ${ARG_LINKS} PRIVATE nerix_warnings)
 endfunction()
 
-# nerix_program(NAME SOURCES file... [LINKS target...])
-# A folder's program, which is called as the folder alone.
+# nerix_program(NAME SOURCES file... [LINKS target...]) A folder's program; the executable is named after the last part of
+# the path.
 function(nerix_program name)
   cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
   add_executable(${name} ${ARG_SOURCES})
