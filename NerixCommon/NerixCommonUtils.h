@@ -24,7 +24,7 @@ public:
 
     /// Splits "1234.5" into 1234 and 5, at the first dot; without a dot minor is 0. Each part is an optional
     /// sign and digits that fit an int, nothing else. Throws boost::bad_lexical_cast with a line of context;
-    /// major may be stored by then.
+    /// major may already have been assigned.
     static void parseVersion(const std::string& text, int& major, int& minor);
 
     /// The major number of a version text, written as the process's locale writes numbers; text itself, with

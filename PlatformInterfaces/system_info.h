@@ -2,8 +2,8 @@
 
 /// The platform's system-information service: facts about the device under numeric keys.
 ///
-/// Every function returns 0 on success and any other value on failure, when *value is unchanged. Each call
-/// asks the service. Any thread may call.
+/// Every function returns 0 on success and any other value on failure; *value is then unchanged. Nothing is
+/// cached. Any thread may call.
 extern "C" {
 
 /// *value becomes a copy of the text made with malloc, which the caller frees.

@@ -1,6 +1,6 @@
 #pragma once
 
-/// The platform's settings store: a process-spanning map from text keys to typed values.
+/// The platform's settings store: a map from text keys to typed values, shared by all processes.
 ///
 /// Every function returns 0 on success and any other value on failure; a failed call changes neither the
 /// store nor *value. Keys and texts are NUL-terminated. Any thread may call, at any time.

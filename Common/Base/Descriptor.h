@@ -21,7 +21,7 @@ public:
     bool isOpen() const { return m_number != -1; }
     int number() const { return m_number; }
 
-    /// Leaves the descriptor to the caller.
+    /// Transfers ownership of the descriptor to the caller.
     int release() { return std::exchange(m_number, -1); }
 
 private:

@@ -5,8 +5,8 @@
 
 namespace Nerix::Common {
 
-/// A static object that is never destroyed, for whatever a thread or another static object may still use while
-/// the process ends:
+/// A static object that is never destroyed, for whatever a thread or another static object may still use
+/// while the process ends:
 ///
 ///     static NoDestructor<std::map<int, std::string>> answers;
 ///

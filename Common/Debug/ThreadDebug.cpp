@@ -13,7 +13,7 @@ namespace Nerix::Common::Debug {
 
 namespace {
 
-/// Whether thread is the main one, which keeps its name; logs that it does.
+/// Returns true, and logs a warning, if thread is the main thread, which is never renamed.
 bool isMainThread(boost::thread::id thread, boost::thread::id mainThread, const char* name) {
     if (thread != mainThread || thread == boost::thread::id()) {
         return false;

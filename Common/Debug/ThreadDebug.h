@@ -10,10 +10,10 @@ namespace Nerix::Common::Debug {
 /// one. The main thread is never renamed here. Failures are logged and otherwise ignored.
 class ThreadDebug {
 public:
-    /// Remembers the main thread. Call it before other threads exist; asserts that it is called once.
+    /// Remembers the main thread. Call it before other threads exist; may be called only once (asserted).
     static void registerMainThreadId(boost::thread::id id);
 
-    /// The calling thread's kernel name, at most 15 characters; empty when the kernel does not tell.
+    /// The calling thread's kernel name, at most 15 characters; empty if the kernel call fails.
     static std::string GetThreadName();
 
     /// name with '_' in place of each byte that is not a letter, a digit or '_'. Not shortened.

@@ -28,7 +28,7 @@ const EVP_MD* lookUpDigest(const std::string& digestName) {
     if (known != fetched->byName.end()) {
         return known->second.get();
     }
-    // By name first: that knows more spellings than a fetch does, and not the digest "null".
+    // EVP_get_digestbyname first: it accepts more spellings than EVP_MD_fetch, and does not accept "null".
     const EVP_MD* const named = EVP_get_digestbyname(digestName.c_str());
     if (named == nullptr) {
         return nullptr;

@@ -18,7 +18,8 @@ namespace {
 
 const std::string userName = "<unknown>";
 
-/// An entry of the sink's own, or the thread's.
+/// Registers a use of OpenSSLInit: through the thread's HashSinkScope if there is one, else for this sink
+/// alone.
 Utils::SingletonPointer<OpenSSLInit> useOpenSSL() {
     if (HashSinkScope* const scope = HashSinkScope::current()) {
         scope->use();
@@ -46,7 +47,7 @@ HashSink::HashSink(const std::string& digestName) : m_openSSL(useOpenSSL()), m_d
     m_context = makeContext();
     const EVP_MD* const digest = lookUp(m_digestName);
     if (digest == nullptr) {
-        // Without a digest the library would start the context's last one again.
+        // Given a null digest, the library would restart the context's previous one.
         EVP_MD_CTX_reset(m_context.get());
     }
     if (!m_context || EVP_DigestInit_ex(m_context.get(), digest, nullptr) != 1) {

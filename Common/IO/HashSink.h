@@ -29,13 +29,13 @@ public:
     /// Throws OpenSSLException when the library refuses, and what ISink says.
     void writeChunk(const std::uint8_t* data, std::size_t length) override;
 
-    /// Throws the same; the end then counts as marked all the same.
+    /// Throws like writeChunk; the end then still counts as marked.
     void markEndOfData() override;
     bool endOfDataMarked() override { return m_endOfData; }
 
     /// The digest, 16 bytes for md5, 20 for sha1, owned by the sink. Marks the end of the data first if
-    /// nobody has, and throws like markEndOfData. After such a failure further calls return zeros, which are
-    /// no digest.
+    /// necessary, and then throws like markEndOfData. After such a failure the returned bytes are meaningless
+    /// zeros.
     const std::vector<std::uint8_t>& getHash();
 
     /// "HashSink(" + name + ")".

@@ -12,10 +12,11 @@
 
 namespace Nerix::Common::IO {
 
-/// While it lives, the HashSinks of its thread share one entry among the users of the crypto set-up, one
-/// look-up of their digest, and one context: threads that hash at once would otherwise queue for the register's locks at each
-/// sink, and making a context costs about as much as hashing a short text. The first sink takes the entry, asserting that the set-up is there; it goes with the scope. One at a
-/// time on a thread; destroy it there, after its sinks.
+/// While it lives, the HashSinks of its thread share one user entry in the singletons register, one digest
+/// lookup and one context. Otherwise concurrent hashing threads would contend for the register's locks at
+/// every sink, and making a context costs about as much as hashing a short text. The first sink registers the
+/// entry (asserting that the set-up exists); the scope's destructor removes it. At most one scope per thread;
+/// destroy it on that thread, after its sinks.
 class HashSinkScope : private boost::noncopyable {
 public:
     HashSinkScope();
@@ -24,7 +25,7 @@ public:
     /// The calling thread's; null when it has none.
     static HashSinkScope* current();
 
-    /// Takes the entry, unless that has happened.
+    /// Registers the user entry on the first call.
     void use();
 
     /// A context to start a digest with, whatever was in it before; null when there is no memory.
@@ -33,7 +34,7 @@ public:
     /// Keeps the context for the next sink.
     void keepContext(OpenSSLCompat::DigestContext context) { m_context = std::move(context); }
 
-    /// The same as lookUpDigest.
+    /// Like lookUpDigest, but caches the last result.
     const EVP_MD* lookUp(const std::string& digestName);
 
 private:

@@ -6,7 +6,7 @@
 
 namespace Nerix::Common::IO::IOExceptions {
 
-/// A data path was used wrongly.
+/// Misuse of a data path.
 class IOStreamsException : public virtual std::exception, public virtual boost::exception {};
 
 /// Data or a second end mark after the end of the data.

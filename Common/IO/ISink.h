@@ -18,11 +18,11 @@ public:
     /// second time.
     virtual void markEndOfData() = 0;
 
-    /// Whether markEndOfData has happened.
+    /// Whether markEndOfData has been called.
     virtual bool endOfDataMarked() = 0;
 
-    /// What every sink calls first in writeChunk and markEndOfData: throws EndOfDataMarkedException, which
-    /// carries the sink as its subject, when the end is marked.
+    /// Every sink must call this first in writeChunk and markEndOfData. Throws EndOfDataMarkedException,
+    /// which carries the sink as its subject, when the end is marked.
     void throwIfEndOfDataMarked();
 };
 

@@ -4,10 +4,10 @@
 
 #include <memory>
 
-/// What OpenSSL 1.0 had and today's library lacks. Since 1.1 the library locks by
-/// itself: the locking and thread-id callbacks are never called, and setting them is a no-op macro. They are
-/// kept here instead, so that what was installed can still be asked for. A build for 1.0 would forward to
-/// the library, and fetch no digests (DigestLookup.h).
+/// What OpenSSL 1.0 had and today's library lacks. Since 1.1 the library locks by itself: the locking and
+/// thread-id callbacks are never called, and setting them is a no-op macro. They are kept here instead, so
+/// that the installed callbacks can still be queried. A build for 1.0 would forward to the library, and fetch
+/// no digests (DigestLookup.h).
 namespace Nerix::Common::IO::OpenSSLCompat {
 
 /// Identity of a thread, as a thread-id callback reports it.
@@ -15,15 +15,16 @@ struct ThreadId {
     unsigned long value = 0;
 };
 
-/// mode has the bit lockBit to lock mutex number n, else to unlock it; file and line tell who asks.
+/// mode has the bit lockBit to lock mutex number n, else to unlock it; file and line identify the caller.
 using LockingCallback = void (*)(int mode, int n, const char* file, int line);
 using ThreadIdCallback = void (*)(ThreadId* id);
 
 constexpr int lockBit = 1;
 
-/// Sets the library up before anything else uses it; later calls change nothing. It allocates with malloc. It registers no exit
-/// handler, because a worker may still hash when the process ends. It reads no configuration file, because values must not
-/// depend on one: a machine whose configuration allows only certain providers, such as FIPS, does not restrict the digests.
+/// Sets the library up before anything else uses it; later calls change nothing. It allocates with malloc. It
+/// registers no exit handler, because a worker may still hash when the process ends. It reads no
+/// configuration file, because values must not depend on one: a machine whose configuration allows only
+/// certain providers, such as FIPS, does not restrict the digests.
 void initialize();
 
 /// How many locks the library wants.

@@ -21,7 +21,7 @@ public:
     /// One line per error in the library's own format; empty when it reported none.
     const std::string& getErrors() const { return m_errors; }
 
-    /// getErrors(), or a text that says that there are none.
+    /// getErrors(), or a fixed message if there are none.
     const char* what() const noexcept override;
 
     /// What the constructor does: prints and empties the calling thread's error queue.

@@ -15,8 +15,8 @@ namespace Nerix::Common::IO {
 /// SINGLETON_OPENSSL_INITIALIZER; a guard in main spans the whole run.
 class OpenSSLInit : public Utils::RegisterableSingleton {
 public:
-    /// Sets the library up (OpenSSLCompat::initialize), makes the locks, then installs the callbacks. Throws boost::thread_resource_error when a mutex cannot
-    /// be made; nothing is installed then.
+    /// Sets the library up (OpenSSLCompat::initialize), makes the locks, then installs the callbacks. Throws
+    /// boost::thread_resource_error when a mutex cannot be made; nothing is installed then.
     OpenSSLInit();
 
     /// Removes the callbacks. Asserts that no lock is held: no thread may still be inside the library.

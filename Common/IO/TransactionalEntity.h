@@ -15,7 +15,7 @@ public:
     virtual bool isStoring() const = 0;
 
     /// Transfers length bytes at the current position, from data when storing and into it when restoring, and
-    /// advances the position by length. Throws what the transfer throws; the position is then unchanged.
+    /// advances the position by length. Exceptions from transfer propagate; the position is then unchanged.
     void serializeData(std::uint8_t* data, unsigned int length) {
         transfer(m_position, data, length);
         m_position += length;

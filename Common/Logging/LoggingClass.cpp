@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t threadFieldSize = 64;
 
-/// Whether the text fitted whole and is not empty.
+/// Returns true if the text is not empty and was not truncated.
 bool formatInto(char* buffer, std::size_t size, const char* format, std::va_list arguments)
     __attribute__((format(printf, 3, 0)));
 
@@ -43,7 +43,7 @@ constexpr LevelLayout layouts[] = {
     {LoggingClass::DBG, "DBG", DLOG_BUFFER_MAIN, DLOG_PRIORITY_DEBUG, "[%s][%s][%u][DBG] %s"},
     {LoggingClass::INF, "INF", DLOG_BUFFER_MAIN, DLOG_PRIORITY_INFO, "[%s][%s][%u][INF] %s"},
     {LoggingClass::WRN, "WRN", DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "[%s][%s][%u][WRN] %s"},
-    // Warning, not error: that priority marks a level that is none of ours.
+    // Deliberately WARNING: the ERROR priority is reserved for unknown levels.
     {LoggingClass::ERR, "ERR", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_WARNING, "[%s][%s][%u][ERR] %s"},
     {LoggingClass::FTL, "FTL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_FATAL, "[%s][%s][%u][FTL] %s"},
 };
@@ -140,7 +140,7 @@ void LoggingClass::smartPrintImpl(const char* tag, Level level, const char* text
 void LoggingClass::printImpl(const char* tag, const char* thread, std::uint32_t recordNumber, Level level,
                              const char* text) {
     const LevelLayout& layout = layoutOf(level);
-    // A record that the platform does not take is lost: there is no other place to report it.
+    // If the platform rejects the record it is lost; there is nowhere else to report it.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral" // every format takes these four arguments
     __dlog_print(layout.buffer, layout.priority, tag, layout.format, processName().c_str(), thread,
@@ -161,7 +161,7 @@ const char* LoggingClass::logLevelToString(Level level) {
 void LoggingClass::printDirect(const char* tag, Level level, char* text) {
     char thread[threadFieldSize];
     getThreadId(thread, sizeof thread);
-    // Not closed: this is standard output itself, which stays on the console.
+    // Not closed: it is stdout, which stays redirected to the console.
     std::FILE* const console = std::freopen("/dev/console", "w", stdout);
     if (console == nullptr) {
         std::fprintf(stderr, "Cannot open /dev/console\n%s: Direct [%s][%s] %s\n", tag,

@@ -8,15 +8,15 @@ namespace Nerix::Common::Logging {
 
 class LoggingStream;
 
-/// The package's door to the platform's system log, and to the console when the process is about to abort.
+/// Logs to the platform's system log, or to the console when the process is about to abort.
 ///
 /// A message becomes one or more records of at most maxMessageLength bytes of text, each laid out as
-/// "[process][thread id and name][record number][LEVEL] text". Logging reports no failure of its own; only
-/// std::bad_alloc leaves it. Any thread may call any function but init.
+/// "[process][thread id and name][record number][LEVEL] text". Failures of the log are not reported; only
+/// std::bad_alloc is thrown. All functions except init are thread-safe.
 class LoggingClass {
 public:
     enum Level {
-        NONE = 0,    ///< for LoggingStream alone: discard the message
+        NONE = 0,    ///< only for LoggingStream: discard the message
         VERBOSE = 1, ///< never emitted
         DBG = 2,
         INF = 3,
@@ -37,11 +37,11 @@ public:
     /// before other threads exist.
     static void init(const char* programName);
 
-    /// The part of path after its last '/', inside the same text.
+    /// Returns a pointer to the part of path after its last '/'.
     static const char* shortenPath(const char* path);
 
-    /// Formats a message as printf does, cuts it to 16383 bytes and hands it to the sink, once. NONE and
-    /// VERBOSE return at once. What the sink throws passes through.
+    /// Formats a message as printf does, cuts it to 16383 bytes and hands it to the sink, once. Does nothing
+    /// at NONE or VERBOSE. Exceptions from the sink propagate.
     static void print(Sink sink, const char* tag, Level level, const char* format, ...)
         __attribute__((format(printf, 4, 5)));
 

@@ -22,7 +22,7 @@ LoggingStream::~LoggingStream() noexcept(false) {
                             m_stream.str().c_str());
     } catch (...) {
         if (std::uncaught_exceptions() == m_uncaughtAtStart) {
-            throw; // else a second exception would end the process
+            throw; // a second exception would terminate the process
         }
     }
 }

@@ -14,7 +14,7 @@ protected:
     int_type overflow(int_type) override { return 1; } // anything but eof is success
 };
 
-/// Base-from-member: the buffer has to be built before the std::ostream that is given it.
+/// Base-from-member idiom: the buffer must be constructed before the std::ostream that uses it.
 class null_out_stream {
 protected:
     null_out_buf m_buffer;

@@ -16,7 +16,7 @@ namespace Nerix::Common::Utils::filesystem {
 
 namespace {
 
-/// The first element of path behind the stripped prefix, and whether the whole prefix matched.
+/// The first element of path after the prefix, and whether the whole prefix matched.
 std::pair<boost::filesystem::path::const_iterator, bool> matchPrefix(const boost::filesystem::path& path,
                                                                      const boost::filesystem::path& prefix) {
     const boost::filesystem::path stripped = stripTrailingSlashes(prefix);
@@ -35,7 +35,7 @@ bool is_unix_absolute(const boost::filesystem::path& p) {
 }
 
 boost::filesystem::path stripTrailingSlashes(const boost::filesystem::path& p) {
-    // A trailing separator shows as a last element ".".
+    // A path with a trailing separator has "." as its last element.
     return p.filename() == "." ? p.parent_path() : p;
 }
 
@@ -138,7 +138,7 @@ boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
 }
 
 bool waitForFile(const boost::filesystem::path& p, std::int64_t timeoutSeconds) {
-    // Some thirty years: long enough for any caller, and short enough for the clock's arithmetic.
+    // About thirty years: long enough for any caller, and it does not overflow the clock's arithmetic.
     constexpr std::int64_t longest = 1'000'000'000;
     const auto deadline = std::chrono::steady_clock::now() +
                           std::chrono::seconds(std::clamp<std::int64_t>(timeoutSeconds, -1, longest));

@@ -13,13 +13,13 @@ namespace Nerix::Common::Utils {
 
 namespace {
 
-/// open takes the lowest free descriptor: called from 0 upwards, it takes the closed one.
+/// open returns the lowest free descriptor, so calling this for 0, 1, 2 in order fills each closed one.
 bool fillIfClosed(int descriptor, int flags) {
     const bool isClosed = ::fcntl(descriptor, F_GETFD) == -1 && errno == EBADF;
     return !isClosed || ::open("/dev/null", flags) == descriptor;
 }
 
-/// 0, or the errno of what kept text from being written.
+/// Returns 0, or the errno of the failed write.
 int tryWrite(const std::string& text) {
     errno = 0;
     std::cout << text << std::flush;

@@ -4,11 +4,12 @@
 
 namespace Nerix::Common::Utils {
 
-/// Call it before anything opens a file: the first file opened would take the place of a standard stream that
-/// the caller closed, and the result would go into that file. Fills the closed ones, standard output so that
-/// writing to it fails. Also ignores SIGPIPE and SIGXFSZ, so that a write fails and the process lives on.
+/// Call it before anything opens a file: if the parent process closed a standard stream, the first file
+/// opened would get its descriptor and our output would be written into that file. Opens /dev/null on closed
+/// descriptors (read-only for standard output, so that writing fails). Also ignores SIGPIPE and SIGXFSZ, so
+/// that a write fails instead of killing the process.
 ///
-/// False, with the reason on standard error, when one cannot be filled; the program must then end.
+/// Returns false, after printing the reason to standard error, if that fails; the program must then exit.
 bool secureStandardStreams();
 
 /// Writes text to standard output and flushes it. Throws GenericException with the system's reason.

@@ -13,7 +13,7 @@ namespace {
 constexpr int caught[] = {SIGINT, SIGTERM, SIGHUP};
 
 std::atomic<int> remembered{0};
-std::atomic<unsigned int> firstTime{0}; ///< in milliseconds, of a clock that wraps; 0 until a signal came
+std::atomic<unsigned int> firstTime{0}; ///< monotonic milliseconds, wrapping; 0 until the first signal
 static_assert(ATOMIC_INT_LOCK_FREE != 0, "a signal handler writes them");
 
 unsigned int milliseconds() {
@@ -22,7 +22,7 @@ unsigned int milliseconds() {
     return static_cast<unsigned int>(now.tv_sec) * 1000U + static_cast<unsigned int>(now.tv_nsec / 1'000'000);
 }
 
-/// Calls nothing but what a signal handler may.
+/// Async-signal-safe.
 void remember(int signal) {
     constexpr unsigned int sameSignal = 200;
     const unsigned int now = std::max(milliseconds(), 1U);
@@ -48,7 +48,7 @@ void catchTerminationSignals() {
     std::atexit(&endByRememberedSignal);
     struct sigaction action {};
     action.sa_handler = &remember;
-    action.sa_flags = SA_RESTART; // a call that was interrupted would look like one that failed
+    action.sa_flags = SA_RESTART; // otherwise an interrupted call would look like a failed one
     for (const int signal : caught) {
         ::sigaddset(&action.sa_mask, signal);
     }

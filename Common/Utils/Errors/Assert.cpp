@@ -11,10 +11,10 @@ using Nerix::Common::Logging::LoggingClass;
 
 namespace {
 
-/// noexcept: should reporting fail, the process still ends. message may be null.
+/// noexcept, so that the process ends even if reporting fails. message may be null.
 [[noreturn]] void reportAndAbort(const char* expression, const char* message, const char* function,
                                  const char* file, long line) noexcept {
-    // On the stack, as memory may have run out, and as long as the longest log message.
+    // On the stack, because memory may be exhausted; sized for the longest log message.
     char text[16384];
     std::snprintf(text, sizeof text, "ASSERTION FAILED: %s, %s, %s:%ld%s%s", expression, function,
                   LoggingClass::shortenPath(file), line,
@@ -28,7 +28,7 @@ namespace {
 
 namespace boost {
 
-// Where BOOST_ASSERT and its kin end, as every target is built with BOOST_ENABLE_ASSERT_HANDLER.
+// BOOST_ASSERT and BOOST_ASSERT_MSG call these, because every target defines BOOST_ENABLE_ASSERT_HANDLER.
 
 void assertion_failed(const char* expr, const char* function, const char* file, long line) {
     reportAndAbort(expr, nullptr, function, file, line);

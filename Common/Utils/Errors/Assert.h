@@ -1,9 +1,9 @@
 #pragma once
 
-/// Assertions, active in every build. A failed one, ours or one in a header of Boost, is reported on the system
-/// console, or standard error when there is none, and in the system log, and aborts the process: nothing is
-/// unwound, and no failure of the report lets the program go on. What the distribution's compiled libraries assert inside was
-/// decided when they were built.
+/// Assertions, active in every build. A failed one, ours or one in a header of Boost, is reported on the
+/// system console, or standard error when there is none, and in the system log, and aborts the process: the
+/// stack is not unwound, and the process aborts even if reporting fails. What the distribution's compiled
+/// libraries assert inside was decided when they were built.
 ///
 ///     NerixAssert(excPtr);
 ///     NerixAssertMsg(lock->try_lock(), "Destroying object when mutex is still locked!");

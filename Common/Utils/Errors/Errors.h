@@ -22,7 +22,7 @@
 
 namespace Nerix::Common::Utils {
 
-/// The common failure. what() says nothing; the entries do.
+/// General-purpose exception. what() is not informative; see the entries.
 class GenericException : public virtual std::exception, public virtual boost::exception {};
 
 /// Free text composed from several values; made by errinfo_stream or errinfo_errno.
@@ -42,11 +42,12 @@ using errinfo_supportcode = boost::error_info<struct tag_errinfo_supportcode, st
 /// Context lines gathered on the way up, outermost first; see RethrowExceptionStream.
 using errinfo_rethrows = boost::error_info<struct tag_errinfo_rethrows, std::string>;
 
-/// A stream in the classic locale, whatever the global one is. Writing to it throws std::bad_alloc when there is no memory.
+/// A stream in the classic locale, regardless of the global locale. Writing to it throws std::bad_alloc when
+/// there is no memory.
 std::ostringstream classicStream();
 
-/// All arguments, in order, as operator<< writes them in the classic locale. Paths come out quoted: in double
-/// quotes, with '&' in front of every double quote and '&' inside.
+/// Concatenates the arguments as written by operator<< in the classic locale. Paths are written in double
+/// quotes, with '&' before each '"' and '&'.
 template <class... Arguments>
 boost::error_info<tag_errinfo_stream, std::string> errinfo_stream(const Arguments&... arguments) {
     std::ostringstream stream = classicStream();

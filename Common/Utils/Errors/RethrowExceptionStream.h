@@ -31,8 +31,8 @@ public:
     RethrowExceptionStream(const RethrowExceptionStream&) = delete;
     RethrowExceptionStream& operator=(const RethrowExceptionStream&) = delete;
 
-    /// Rethrows with the context. Does nothing when writing the context line threw: that exception is already
-    /// propagating in place of the other.
+    /// Rethrows with the context; does nothing if writing the context line threw, because that exception is
+    /// already propagating.
     ~RethrowExceptionStream() noexcept(false);
 
     /// Where the context line is written.
@@ -46,8 +46,9 @@ private:
     int m_uncaughtAtStart; ///< tells whether writing the context line has thrown
 };
 
-/// Rethrows the exception being handled with the context line " -> function (file:line) details". For a
-/// handler in a function of its own, which passes the name and line of the other; the macro below calls it.
+/// Rethrows the exception being handled with the context line " -> function (file:line) details". Use it
+/// directly only when the handler lives in a helper that must report another function's name and line;
+/// otherwise use the macro below.
 [[noreturn]] void rethrowWithContext(const char* function, const char* file, int line,
                                      const std::string& details);
 

@@ -14,8 +14,8 @@
 
 namespace Nerix::Common::Utils {
 
-/// The register's record of one service: its only owner, who needs it and who uses it. The counts may be
-/// changed from any thread; an instance is destroyed by the register alone.
+/// The register's record of one service: it owns the service and counts who needs and who uses it. The counts
+/// may be changed from any thread; an instance is destroyed by the register alone.
 class SRegisterItem : private boost::noncopyable {
 public:
     SRegisterItem(boost::shared_ptr<RegisterableSingleton> registerable, SingletonsID id,
@@ -32,10 +32,10 @@ public:
     void incrementNeeded();
     void decrementNeeded();
 
-    /// Whether no declaration of need is in force.
+    /// Returns true if nobody needs the service any more.
     bool isUseless() const;
 
-    /// Adds one entry for user; the same name may stand several times.
+    /// Adds one entry for user; a name may be added several times.
     void incrementUsage(const std::string& user);
 
     /// Removes one entry for user. Asserts that there is one.

@@ -19,7 +19,7 @@ namespace detail {
 /// item's users.
 class SingletonUsage : private boost::noncopyable {
 public:
-    /// Adds user to the item's users. A null item has none, and no service.
+    /// Adds user to the item's users. With a null item nothing is registered, and registerable() asserts.
     SingletonUsage(const std::string& user, const boost::shared_ptr<SRegisterItem>& item);
 
     /// Removes user again, if the item still exists.
@@ -42,7 +42,7 @@ private:
 template <class T>
 class SingletonPointer : private boost::noncopyable {
 public:
-    /// For the register, under its lock.
+    /// Called only by the register, with its lock held.
     SingletonPointer(const std::string& user, const boost::shared_ptr<SRegisterItem>& item)
         : m_usage(user, item) {}
 

@@ -30,7 +30,7 @@ boost::shared_ptr<RegisterableSingleton> standardFactoryFunction() {
 /// least one such declaration is in force, and is destroyed before the services that it requires.
 ///
 /// Scopes declare need with a SingletonServiceGuard; users reach a service with getService. Any thread may
-/// call. Misuse, an empty factory aside, is a fatal assertion; only factories and std::bad_alloc throw.
+/// call. Misuse (except an empty factory) is a fatal assertion; only factories and std::bad_alloc throw.
 class SingletonsRegister : private boost::noncopyable {
 public:
     using Factory = std::function<boost::shared_ptr<RegisterableSingleton>()>;
@@ -39,9 +39,9 @@ public:
     static SingletonsRegister& getSingletonsRegister();
 
     /// Declares the service T needed under id and creates it if it is not there yet. Asserts that what T
-    /// requires is registered. What the factory throws leaves, with the service not registered. A factory
-    /// must not be empty (std::bad_function_call) nor return null. Factories run one at a time and may use
-    /// the register.
+    /// requires is registered. Exceptions from the factory propagate; the service is then not registered. A
+    /// factory must not be empty (std::bad_function_call) nor return null. Factories run one at a time and
+    /// may use the register.
     template <class T>
     void markNeeded(SingletonsID id) {
         markNeeded<T>(id, standardFactoryFunction<T>);
@@ -60,7 +60,8 @@ public:
     SingletonPointer<T> getService(const std::string& user, SingletonsID id) {
         const boost::lock_guard<boost::recursive_mutex> map(m_mapMutex);
         return SingletonPointer<T>(user, require(id, [](const RegisterableSingleton& service) {
-                                       // The exact type first: every hash step asks, and a cast costs more.
+                                       // Compare the exact type first: every hash step comes here, and
+                                       // dynamic_cast is slower.
                                        return typeid(service) == typeid(T) ||
                                               dynamic_cast<const T*>(&service) != nullptr;
                                    }));
@@ -79,7 +80,7 @@ private:
     Item find(SingletonsID id) const;
     Item create(SingletonsID id, const std::list<SingletonsID>& requirements, const Factory& factory);
 
-    /// Call it under the map mutex, which guards the result.
+    /// Call with the map mutex held; it also guards the returned reference.
     const Item& require(SingletonsID id, bool (*isRightType)(const RegisterableSingleton&)) const;
 
     static SingletonsRegister instance;
