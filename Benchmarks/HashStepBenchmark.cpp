@@ -1,5 +1,5 @@
-// One step of a chaining hash function, beside the same step on the bare library: a fetched digest, a
-// reused context.
+// One step of a chaining hash function, compared with the same step using OpenSSL directly with a prefetched
+// digest and a reused context.
 
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/IHashFunction.h"

@@ -1,4 +1,4 @@
-// The steps that every entry passes through: its status text and its extended attributes.
+// The steps common to all entries: status text and extended attributes.
 
 #include "Benchmarks/Setup.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
@@ -30,7 +30,7 @@ void statusText(benchmark::State& state) {
     }
 }
 
-/// trusted.* needs privilege; without it the file has no attributes whatever the argument says.
+/// Setting trusted.* needs privilege; without it the file has no attributes, whatever the argument.
 void attributeStep(benchmark::State& state) {
     const FileInput entry = makeFile(state.range(0));
     const IHashFunction& function = HashFunctions::getInstance("md5");

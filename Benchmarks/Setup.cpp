@@ -13,7 +13,7 @@ namespace Nerix::Benchmarks {
 
 namespace {
 
-/// Made and removed by main, so that the cases find the platform where a run would.
+/// Created on first use, in main, before any benchmark touches the platform; removed at exit.
 class Scratch {
 public:
     Scratch()

@@ -27,7 +27,7 @@ public:
     /// nothing. Throws ProductUninitializedException before IProductInfo::initializeProduct.
     static void loadDebugAndTestParameters(const std::string& callerName);
 
-    /// Whether the first attempt was made, successful or not.
+    /// Whether loadDebugAndTestParameters has been called, successfully or not.
     static bool loaded();
 
     /// The process's set. Throws GenericException before loadDebugAndTestParameters.
@@ -82,8 +82,8 @@ public:
     const std::string& getResumeDataBackupDirectory() const { return m_resumeDataBackupDirectory; }
     void setResumeDataBackupDirectory(const std::string& value) { m_resumeDataBackupDirectory = value; }
 
-    /// Values under names of the tester's own choice. Empty, or the default, when the name is not set; each
-    /// question is logged at DBG. A bool is an int that is not 0.
+    /// Named values chosen by the tester. Returns boost::none, or defaultValue, if the name is not set. Each
+    /// lookup is logged at DBG. A bool is stored as a nonzero int.
     boost::optional<int> getCustomIntParam(const std::string& name) const;
     int getCustomIntParam(const std::string& name, int defaultValue) const;
     boost::optional<bool> getCustomBoolParam(const std::string& name) const;

@@ -7,13 +7,13 @@
 
 namespace Nerix {
 
-/// How a transactional write is forced to happen. The values belong to the storage layer; here they are
-/// only carried.
+/// How a transactional write is forced to happen. The values are defined by the storage layer; this class
+/// only stores them.
 enum class ETransactionalRewriteMode : std::int32_t {};
 
-/// Tuning values of the update installation. Sizes are in bytes. An optional value that is unset leaves the
-/// choice to its consumer. One copy lives in the DebugAndTestParameters and is read and written with them;
-/// see ParametersArchive.h for the XML form. No locks: one thread at a time, or readers only.
+/// Tuning values of the update installation. Sizes are in bytes. If an optional value is unset, its consumer
+/// chooses. One copy lives in the DebugAndTestParameters and is read and written with them; see
+/// ParametersArchive.h for the XML form. No locks: one thread at a time, or readers only.
 class InstallationPerformanceParameters {
 public:
     /// The built-in values.
@@ -81,7 +81,7 @@ public:
     void setNumberOfMBUCommandProcessedAtOnce(std::uint32_t value) {
         m_numberOfMBUCommandProcessedAtOnce = value;
     }
-    // The stored fields of these two have other names.
+    // These two are stored under different names.
     float getMBUProcessedCommandsPerSecond() const { return m_mbuCreateFileCommandsPerSecond; }
     void setMBUProcessedCommandsPerSecond(float value) { m_mbuCreateFileCommandsPerSecond = value; }
     float getMBUVerifiedCommandsPerSecond() const { return m_mbuDeleteFileCommandsPerSecond; }
@@ -96,7 +96,7 @@ public:
 private:
     friend class ParametersArchive;
 
-    /// Visits what is stored, in the order of the file. The two decompressor values are not.
+    /// Visits the stored fields in file order. The two decompressor values are not stored.
     template <class Self, class Visitor>
     static void visit(Self& self, Visitor& visitor) {
         visitor("flashStreamBufferSize", self.m_flashStreamBufferSize);

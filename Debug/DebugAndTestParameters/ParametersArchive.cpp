@@ -27,13 +27,14 @@
 
 namespace Nerix {
 
-/// The library's reader, with a comparison of its own for the names of elements: the library's reads past the
-/// end of the expected name, by as much as the file likes, when the one in the file is longer.
+/// Boost's XML reader with its own check of element names. Boost's check reads past the end of the expected
+/// name if the name in the file is longer.
 class XmlReader : public boost::archive::xml_iarchive_impl<XmlReader> {
 public:
     explicit XmlReader(std::istream& stream)
         : boost::archive::xml_iarchive_impl<XmlReader>(stream, boost::archive::no_header) {
-        init(); // reads the header after all: the flag is for the end, see finish
+        // no_header keeps the destructor from reading the closing tag, see finish; init still reads the header.
+        init();
     }
 
     /// Reads the end of the root element. The library does so in the destructor, which cannot throw.
@@ -44,7 +45,7 @@ private:
     friend class boost::archive::basic_xml_iarchive<XmlReader>;
     friend class boost::archive::load_access;
 
-    // The hooks that the library calls around each value. A value without a name has no element.
+    // Called by the library before and after each value; unnamed values have no element.
     void load_start(const char* name) {
         if (name != nullptr) {
             require(gimpl->parse_start_tag(get_is()), name);
@@ -79,8 +80,8 @@ namespace Nerix {
 
 using boost::serialization::make_nvp;
 
-/// Reads the element into value. The library would read "-1" into an unsigned number as its largest value, so those are read
-/// as wider, signed ones.
+/// Reads the element into value. The library would read "-1" into an unsigned number as its largest value, so
+/// those are read as wider, signed ones.
 template <class Archive, class Value>
 void readValue(Archive& archive, const char* name, Value& value) {
     if constexpr (std::is_same_v<Value, std::uint32_t>) {

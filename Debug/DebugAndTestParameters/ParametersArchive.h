@@ -11,17 +11,18 @@ class DebugAndTestParameters;
 }
 
 /// The XML form of the parameters: an archive of Boost.Serialization with its default flags, one object
-/// element, and in it one element a field, each in its place: reading is strict in order. Class versions
-/// are 0; an object of another one is refused. Numbers are in the classic locale, which the streams are given.
+/// element containing one element per field. Fields must appear in the right order. Class versions are 0; an
+/// object of another one is refused. Numbers are in the classic locale, which the streams are given.
 ///
 /// Booleans are 0 or 1, enumerations their number, the custom parameters a map as the library writes it. An
-/// optional value holds "initialized" and, when that is 1, "item_version" (0) and "value". Newer libraries
-/// leave "item_version" out and write class version 1; both forms are read, the former is written.
+/// optional value holds "initialized" and, when that is 1, "item_version" (0) and "value". Newer Boost
+/// versions omit "item_version" and write class version 1. Both forms are read; the old one is written.
 ///
-/// Reading throws when an element is missing, out of place or malformed, or holds a number that its field cannot; fields before
-/// it keep what was read. Writing throws for a number that is not finite. Both throw std::range_error for a number and
-/// boost::archive::archive_exception, a std::exception, for anything else. A stream to write to must not fail, as
-/// that would end the process: write into a text first, as ParametersFile::save does.
+/// Reading throws when an element is missing, out of place or malformed, or holds a number that its field
+/// cannot; fields before it keep what was read. Writing throws for a number that is not finite. Both throw
+/// std::range_error for a number and boost::archive::archive_exception, a std::exception, for anything else.
+/// An output stream must not fail, because that would terminate the process; write to a string first, like
+/// ParametersFile::save.
 class ParametersArchive {
 public:
     static void read(std::istream& stream, Common::DebugAndTestParameters& parameters);

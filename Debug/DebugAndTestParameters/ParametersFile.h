@@ -8,15 +8,15 @@
 /// Parameters in a file of their own.
 namespace Nerix::ParametersFile {
 
-/// Writes text into the file, in place of what it holds; its owner, mode and links stay. Throws
-/// std::system_error with the reason; the file may then be cut short.
+/// Overwrites the file in place, keeping owner, mode and hard links. Throws std::system_error; the file may
+/// then be truncated.
 void write(const std::string& path, const std::string& text);
 
-/// Writes the parameters' XML form into the file. Throws as write, and as ParametersArchive::write with the
-/// file as it was.
+/// Writes the parameters' XML form into the file. Throws like write; also like ParametersArchive::write, in
+/// which case the file is unchanged.
 template <class Parameters>
 void save(const std::string& path, const Parameters& parameters) {
-    // By way of a text: an archive whose stream fails throws from its destructor.
+    // Via a string: an archive throws from its destructor if its stream fails.
     std::ostringstream text;
     ParametersArchive::write(text, parameters);
     write(path, text.str());

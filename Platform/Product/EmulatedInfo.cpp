@@ -20,7 +20,7 @@ using Common::Utils::GenericException;
 
 namespace {
 
-/// Whether there is no such file. Any other fault shows when it is opened.
+/// Returns true if the file does not exist. Other errors surface when it is opened.
 bool isMissing(const path& file) {
     boost::system::error_code error;
     return boost::filesystem::status(file, error).type() == boost::filesystem::file_not_found;
@@ -31,7 +31,7 @@ struct Entry {
     std::string value;
 };
 
-/// The next entry of the file at that place; nothing at its end.
+/// Reads the next entry; none at end of file. place is the file's path, for messages.
 boost::optional<Entry> readEntry(std::istream& file, const path& place) {
     std::string line;
     if (!std::getline(file, line)) {
@@ -62,7 +62,7 @@ void writeEntry(std::ostream& file, const Entry& entry) {
     BOOST_THROW_EXCEPTION(GenericException() << errinfo_description(description) << errinfo_string(text));
 }
 
-/// Refuses what could not be read back, before anything is created or changed.
+/// Throws for a key or value that could not be read back, before anything is created or changed.
 void throwIfNoEntry(const Entry& entry) {
     for (const std::string& text : {entry.key, entry.value}) {
         if (text.empty() || text.find('\n') != std::string::npos) {
@@ -92,7 +92,7 @@ void rewrite(const path& from, const path& to, const Entry& added) {
     }
     writeEntry(rewritten, added);
     rewritten.close();
-    if (!rewritten || old.bad()) { // a full disk must not cost the old entries
+    if (!rewritten || old.bad()) { // do not lose the old entries on a full disk
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description("Couldn't write file.") << errinfo_path(to));
     }

@@ -16,9 +16,9 @@ namespace Nerix::Platform {
 /// What kind of device this is, which software it runs, and where the package keeps its files.
 ///
 /// initializeProduct is called once, on the main thread, before other threads exist; after that everything is
-/// read-only and any thread may ask. What is marked "initialised" throws ProductUninitializedException before
-/// that. Facts come from the platform's system-information service, asked at each call; where it fails, an
-/// ERR line is logged and SystemInfoAPIInternalProblemException is thrown, unless said otherwise.
+/// read-only and any thread may ask. Functions marked [init] throw ProductUninitializedException if it has
+/// not been called. Facts come from the platform's system-information service, asked at each call; where it
+/// fails, an ERR line is logged and SystemInfoAPIInternalProblemException is thrown, unless said otherwise.
 class IProductInfo {
 public:
     /// The names of the two devices ("cores"), "TV" and "Zeb".
@@ -30,7 +30,7 @@ public:
     /// Fixes the product for the life of the process. Asserts that this happens once and that type is
     /// TV_PRODUCT, ZEB_PRODUCT or DEFAULT_PRODUCT, which stands for TV_PRODUCT.
     static void initializeProduct(ProductType type);
-    static void throwIfUninitialized(); ///< ProductUninitializedException before initializeProduct
+    static void throwIfUninitialized(); ///< throws ProductUninitializedException before initializeProduct
 
     // Identity, in ProductIdentity.cpp.
 
@@ -59,9 +59,9 @@ public:
     /// Whether the screen has 540 lines. Does not throw: false when the platform does not answer.
     static bool isScreenRatioFitNeeded();
 
-    // Software, in ProductVersion.cpp. A text without '-' throws GenericException; a version that is no
-    // number throws boost::bad_lexical_cast, except from getVersionString, which does not look at it. Major
-    // and minor are modulo 65536.
+    // Software, in ProductVersion.cpp. If the platform's text has no '-', these throw GenericException; if
+    // the version is not numeric, boost::bad_lexical_cast (except getVersionString, which does not parse it).
+    // Major and minor are modulo 65536.
 
     static std::string getModelString();                      ///< initialised
     static std::string getVersionString();                    ///< initialised; "major.minor"
@@ -80,9 +80,9 @@ public:
     /// model with its last 'H' replaced by 'B'. Throws GenericException when there is none.
     static std::string getVarikModelFromCorvanModel(const std::string& model);
 
-    // Paths and sizes (bytes), in ProductPaths.cpp; all initialised. A path may name nothing that exists. The
-    // flash-device and file-system roots are empty texts: paths are absolute without them. A directory that
-    // the platform does not know leaves its part of a path out; getUSBMountPath is then empty.
+    // Paths and sizes (bytes), in ProductPaths.cpp; all initialised. The paths need not exist. The
+    // flash-device and file-system roots are empty strings, because all paths are absolute. If the platform
+    // does not know a directory, that part of the path is missing; getUSBMountPath is then empty.
 
     static std::string getFlashDeviceRootPath();
     static std::string getNerixPartitionPath();
@@ -105,9 +105,10 @@ public:
     static boost::filesystem::path getSystemUsrBinPath();
     static boost::filesystem::path getBackupPath();
 
-    // Emulated facts of development devices, in ProductEmulation.cpp; all initialised. Kept in one file, see
-    // EmulatedInfo.h, which also tells what they throw. A getter gives nothing when there is no file; numbers
-    // and the zone throw boost::bad_lexical_cast when the entry is none.
+    // Emulated facts of development devices, in ProductEmulation.cpp; all initialised. Stored in one file;
+    // see EmulatedInfo.h, also for exceptions. Getters return boost::none if there is no file. Getters of
+    // numbers and of the zone throw boost::bad_lexical_cast if the entry is not a number or a single
+    // character.
 
     /// The keys of the entries.
     static constexpr const char* EMULATED_MODEL_STRING_KEY = "ModelString";
@@ -143,7 +144,7 @@ private:
 
     static ProductSpecificInfo m_productSpecificInfo;
     static ProductType m_productType;
-    static bool m_isZebConnected; ///< nothing sets it yet: how a Zeb box would be detected is open
+    static bool m_isZebConnected; ///< never set yet: how a Zeb box is detected is open
 };
 
 /// The text that the platform reports for the software of this device: "model-major.minor". Initialised.

@@ -19,7 +19,7 @@ boost::optional<std::uint16_t> getNumber(const char* key) {
     if (!text) {
         return boost::none;
     }
-    // By way of int: the conversion straight to an unsigned number takes "-1" for 65535.
+    // Via int: lexical_cast to an unsigned type accepts "-1" as 65535.
     const int number = boost::lexical_cast<int>(*text);
     if (number < 0 || number > std::numeric_limits<std::uint16_t>::max()) {
         BOOST_THROW_EXCEPTION(boost::bad_lexical_cast(typeid(std::string), typeid(std::uint16_t)));

@@ -6,10 +6,10 @@
 
 namespace Nerix::Platform {
 
-/// The product was asked for before IProductInfo::initializeProduct.
+/// A product fact was requested before IProductInfo::initializeProduct.
 class ProductUninitializedException : public virtual boost::exception, public virtual std::exception {};
 
-/// The question has no meaning for this type of product.
+/// The request does not apply to this type of product.
 class UnproperProductException : public virtual boost::exception, public virtual std::exception {};
 
 /// The platform's system-information service failed; carries errinfo_description.

@@ -35,7 +35,8 @@ ProductSpecificInfo getProductSpecificInfo(bool isTV) {
     info.krafsScriptsDirectory = root + getSystemUsrAppsROPath() + packageDirectory;
     info.libraryKeyPath = root + getSystemUsrShareROPath() + packageDirectory + "/libnerixprodkeys.so";
     info.updateInfoFilePath = partition + "/UpdateInfo.xml";
-    // Common to both products, and without a '/' before "kpi": the name on the devices in the field.
+    // Common to both products. The missing '/' before "kpi" is intentional: devices in the field use that
+    // name.
     info.kpiDescriptionFilePath = root + getSystemRWPath() + commonDataDirectory + "kpi";
     info.nerixBigTempStorageMaxSize = 900 * mebibyte;
     info.nerixSmallTempStorageMaxSize = 10 * mebibyte;

@@ -26,13 +26,13 @@ ModelAndVersion parsedModelAndVersion() {
     return parsed;
 }
 
-/// The answer to a question about the software.
+/// Reads a software fact from the system-information service.
 std::string readVersion(SystemInformation::Key key, const boost::source_location& where) {
     return SystemInformation::required(SystemInformation::readString(key),
                                        "Unable to read SW version from system-info", where);
 }
 
-/// Where the last dash is; who asks is named in the failure.
+/// Position of the last dash. If there is none, throws and names the calling function.
 std::size_t lastDash(const std::string& version, const std::string& asker) {
     const std::size_t dash = version.rfind('-');
     if (dash == std::string::npos) {

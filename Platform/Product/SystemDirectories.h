@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// The platform's directories. Those that the platform's path configuration knows are asked for at each call;
-/// when it has no text for one, that is logged at WRN and the text is empty.
+/// The platform's directories. Directories from the platform's path configuration are looked up at each call;
+/// if one is missing, a warning is logged and an empty string returned.
 namespace Nerix::Platform::PlatformInternal {
 
 std::string getSystemRWPath();

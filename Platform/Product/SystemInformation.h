@@ -9,8 +9,8 @@
 
 #include <string>
 
-/// The facts that the package asks the platform's system-information service for. Each call asks; nothing is
-/// cached. Empty when the service fails.
+/// The facts that the package asks the platform's system-information service for. Nothing is cached. Returns
+/// boost::none if the service fails.
 namespace Nerix::Platform::SystemInformation {
 
 enum Key {
@@ -28,8 +28,8 @@ boost::optional<std::string> readString(Key key);
 boost::optional<int> readInt(Key key);
 boost::optional<bool> readBool(Key key);
 
-/// Returns the answer. Where there is none, logs the failure at ERR and throws SystemInfoAPIInternalProblemException
-/// with it as description and where, the caller's BOOST_CURRENT_LOCATION, as the place.
+/// Returns *answer. If it is empty, logs `failure` at ERR and throws SystemInfoAPIInternalProblemException
+/// with that description; `where`, the caller's BOOST_CURRENT_LOCATION, is the throw location.
 template <class Answer>
 Answer required(const boost::optional<Answer>& answer, const char* failure,
                 const boost::source_location& where) {

@@ -29,7 +29,8 @@ struct FreeDeleter {
 
 } // namespace
 
-// Each operation throws for itself, so that the exception names the operation and its line.
+// Each operation has its own BOOST_THROW_EXCEPTION, so that the exception records the right function and
+// line.
 
 int IVConf::getInt(const std::string& key) {
     int value = 0;
