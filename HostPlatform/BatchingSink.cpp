@@ -21,7 +21,7 @@ std::unique_ptr<spdlog::sinks::sink> openFile(const std::string& name) {
     constexpr std::size_t bytesPerFile = std::size_t{16} << 20U;
     constexpr std::size_t olderFiles = 4;
     spdlog::file_event_handlers handlers;
-    // A buffer of the stream would cut a batch in the middle of a line.
+    // Unbuffered: stdio's buffer could split a batch in the middle of a line.
     handlers.after_open = [](const spdlog::filename_t&, std::FILE* file) {
         std::setvbuf(file, nullptr, _IONBF, 0);
     };
@@ -87,7 +87,7 @@ void BatchingSink::flush_() {
         return;
     }
     const std::string lines = std::move(m_lines);
-    m_lines.clear(); // also when they cannot be written: later ones may
+    m_lines.clear(); // even if writing fails, so that later lines are still tried
     const DirectoryLock lock(m_directory.number());
     reopenIfOthersWrote();
     m_file->log(spdlog::details::log_msg(spdlog::string_view_t(), spdlog::level::info, lines));

@@ -12,13 +12,14 @@
 
 namespace Nerix::Platform::Host {
 
-/// Writes the lines of a log file many at a time: a call of the system for each would cost a run a fifth of
-/// its time. A line waits until 64 KiB have come together, for a warning or worse, or for flush. Each batch
-/// is whole lines in one call, so that processes that share a file do not mix theirs.
+/// Writes log lines in batches; one system call per line would cost a run a fifth of its time. A batch is
+/// written when it reaches 64 KiB, at a warning or worse, and by flush. Each batch consists of whole lines in
+/// a single write, so that processes sharing a file do not interleave within lines.
 ///
-/// A batch is written under a lock of the file's directory, after the size was asked for anew, so that the file stays within its
-/// limit and all processes go on in the new one when one of them starts it. A process that holds the lock longer than a tenth of
-/// a second, as one that was stopped, is not waited for: the limit may then be exceeded.
+/// A batch is written under a lock of the file's directory, after the size was asked for anew, so that the
+/// file stays within its limit and all processes go on in the new one when one of them starts it. A process
+/// that holds the lock longer than a tenth of a second, as one that was stopped, is not waited for: the limit
+/// may then be exceeded.
 class BatchingSink final : public spdlog::sinks::base_sink<std::mutex> {
 public:
     /// Files of up to 16 MiB, with four older ones. Throws spdlog::spdlog_ex when the file cannot be opened.

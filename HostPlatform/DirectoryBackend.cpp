@@ -174,8 +174,8 @@ void logError(const std::string& text) {
     __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
 }
 
-/// A name that no other process uses, on any machine, and that is no key's. A process that is killed while it writes leaves
-/// one such file.
+/// A name that no other process uses, on any machine, and that is no key's. A process that is killed while it
+/// writes leaves one such file.
 std::string temporaryName() {
     static Common::NoDestructor<const std::string> identity(ProcessIdentity::own());
     return ".new " + *identity + " " + std::to_string(::getpid());

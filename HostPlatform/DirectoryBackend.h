@@ -9,17 +9,19 @@ namespace Nerix::Platform::Host {
 
 /// Settings in the files of a directory, one file each, named for its key.
 ///
-/// A file is replaced as a whole, by rename: nobody waits for anybody, a process that is killed leaves the old or the new
-/// value, and damage to one file reaches no other. Nothing is mapped into memory, so a file that is cut or replaced under a
-/// reader is a failure and no signal. The directory is opened at each call and may be deleted and made anew meanwhile.
+/// A file is replaced as a whole, by rename: nobody waits for anybody, a process that is killed leaves the
+/// old or the new value, and damage to one file reaches no other. Nothing is mapped into memory, so a file
+/// that is cut or replaced under a reader is a failure and no signal. The directory is opened at each call
+/// and may be deleted and made anew meanwhile.
 ///
-/// A file holds a checksum of the rest (CRC-32, eight hexadecimal digits) and what was put. It may be up to 1 MiB long. A key's
-/// file name has up to 255 bytes: letters, digits, '.', '_' and '-' stand for themselves, '+' for '/', and %HH for any other
-/// byte. A failure is logged before it is thrown.
+/// A file holds a checksum of the rest (CRC-32, eight hexadecimal digits) and what was put. It may be up to 1
+/// MiB long. A key's file name has up to 255 bytes: letters, digits, '.', '_' and '-' stand for themselves,
+/// '+' for '/', and %HH for any other byte. A failure is logged before it is thrown.
 class DirectoryBackend final : public SettingsBackend {
 public:
-    /// name: the directory's, in the one that parent returns; word size and byte order are added, as numbers are kept as they
-    /// are in memory. Settings that are not synced survive their process, but not a power failure.
+    /// name: the directory's, in the one that parent returns; word size and byte order are added, as numbers
+    /// are kept as they are in memory. Settings that are not synced survive their process, but not a power
+    /// failure.
     DirectoryBackend(const std::string& name, std::filesystem::path (*parent)(), bool isSynced);
 
     std::optional<std::string> get(std::string_view key) override;
@@ -27,10 +29,12 @@ public:
     void each(const Visit& visit) override;
 
 private:
-    /// The directory, which is made where it is missing. The parent is examined again only when something has replaced it.
+    /// The directory, which is made where it is missing. The parent is examined again only when something has
+    /// replaced it.
     std::filesystem::path directory();
 
-    /// Runs one step; a std::system_error becomes a SettingsFailure: "settings store FILE: cannot WHAT: reason".
+    /// Runs one step; a std::system_error becomes a SettingsFailure: "settings store FILE: cannot WHAT:
+    /// reason".
     template <class Step>
     auto attempt(const std::string& what, Step step);
 

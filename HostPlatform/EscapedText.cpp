@@ -31,7 +31,7 @@ std::string escapedBut(char kept, const std::string& text) {
     constexpr std::string_view letters = "\\nrt";
     std::string result;
     result.reserve(text.size());
-    unsigned char shown = 0; // the byte before, if it was not escaped
+    unsigned char shown = 0; // the previous byte, or 0 if it was escaped
     for (std::size_t index = 0; index != text.size(); ++index) {
         const char character = text[index];
         const auto byte = static_cast<unsigned char>(character);

@@ -41,7 +41,7 @@ const struct {
     {"path", 43, "usb_drives", "/media"}, // where desktop systems mount drives
 };
 
-/// "[path] usb_drives (43)"; the number alone for a question without a name.
+/// "[path] usb_drives (43)"; without a name, "[path] 43".
 std::string shown(const std::string& section, int key) {
     for (const auto& answer : builtIn) {
         if (answer.section == section && answer.key == key) {
@@ -97,7 +97,7 @@ const HostConfiguration& HostConfiguration::instance() {
         try {
             return isStateInMemory() ? std::filesystem::path() : durableDirectory() / "platform.ini";
         } catch (const std::system_error& noHome) {
-            logFailure(std::string("no platform.ini is read: ") + noHome.what());
+            logFailure(std::string("platform.ini is not read: ") + noHome.what());
             return std::filesystem::path();
         }
     }());
@@ -120,7 +120,7 @@ void HostConfiguration::read() {
         std::filesystem::symlink_status(m_file, error).type() == std::filesystem::file_type::not_found) {
         return;
     }
-    // Checked before it is opened: a FIFO of that name would wait for a writer.
+    // Check before opening: a FIFO would block.
     std::stringstream content;
     if (!std::filesystem::is_regular_file(m_file, error)) {
         m_fault = m_file.string() + ": " + (error ? error.message() : "is not a regular file");
@@ -162,7 +162,7 @@ void HostConfiguration::override(const std::string& section, const std::string& 
     }
     Answer& answer = m_answers[{section, *number}];
     if (answer.isOverridden) {
-        m_fault = m_file.string() + ": " + shown(section, *number) + " is there twice";
+        m_fault = m_file.string() + ": " + shown(section, *number) + " appears twice";
     }
     answer = {text, true};
 }
@@ -172,8 +172,8 @@ std::optional<HostConfiguration::Answer> HostConfiguration::find(const std::stri
     if (m_fault.empty() && known != m_answers.end()) {
         return known->second;
     }
-    logFailure("no answer for " + shown(section, key) + ": " +
-               (m_fault.empty() ? "neither built in nor in " + m_file.string() : m_fault));
+    logFailure("no value for " + shown(section, key) + ": " +
+               (m_fault.empty() ? "not built in and not in " + m_file.string() : m_fault));
     return std::nullopt;
 }
 

@@ -7,7 +7,7 @@
 
 namespace Nerix::Platform::Host {
 
-/// The answers of an ordinary machine to the device's questions, and the file that overrides them:
+/// Built-in platform information for an ordinary machine, and the file that overrides it:
 ///
 ///     ; platform.ini in the durable directory
 ///     [system_info]
@@ -17,9 +17,9 @@ namespace Nerix::Platform::Host {
 ///     usb_drives = /run/media
 ///
 /// A key is a name of the table in HostConfiguration.cpp, or the number that the device uses for the
-/// question. A key whose answer cannot be used is a failure, never a silent default; every key is when the
-/// file cannot be read, is malformed or is larger than 1 MiB. Each failure is one line in the system log,
-/// naming file, section and key. Immutable; any thread may ask.
+/// question. An unusable value is an error; there is no silent default. If the file cannot be read, is
+/// malformed, or is larger than 1 MiB, every lookup fails. Each failure is one line in the system log, naming
+/// file, section and key. Immutable; any thread may ask.
 class HostConfiguration {
 public:
     /// The configuration of this process, read at the first call and never destroyed.
@@ -28,8 +28,8 @@ public:
     /// A file that does not exist overrides nothing.
     explicit HostConfiguration(std::filesystem::path file);
 
-    /// section is "system_info" or "path". Nothing for a key without an answer, an answer that is empty or of
-    /// another type, and any key when the file cannot be used.
+    /// section is "system_info" or "path". Returns nullopt if the key is unknown, the value is empty or of
+    /// the wrong type, or the file is unusable.
     std::optional<std::string> text(const std::string& section, int key) const;
     std::optional<int> integer(const std::string& section, int key) const;
     std::optional<bool> boolean(const std::string& section, int key) const;

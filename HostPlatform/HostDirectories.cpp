@@ -80,7 +80,7 @@ fs::path volatileDirectory() {
     try {
         return ownDirectory("/dev/shm/nerix-" + std::to_string(::geteuid()));
     } catch (const std::system_error& refusal) {
-        // Anybody may have made it first; that must not keep this user from running.
+        // Another user may have created it first; that must not stop this one.
         fs::path durable = durableDirectory();
         __dlog_print(DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "nerix.host",
                      "volatile settings are kept in %s: %s", durable.c_str(), refusal.what());

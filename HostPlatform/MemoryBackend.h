@@ -6,7 +6,7 @@
 
 namespace Nerix::Platform::Host {
 
-/// Settings that end with the process; for StateInMemory.h.
+/// Settings kept in memory for the life of the process; see StateInMemory.h.
 class MemoryBackend final : public SettingsBackend {
 public:
     std::optional<std::string> get(std::string_view key) override {

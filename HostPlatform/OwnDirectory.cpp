@@ -38,8 +38,8 @@ struct stat existingOrCreated(const fs::path& path) {
     return examined(path);
 }
 
-/// This user, and root, who could do anything anyway. In a user name space without root, its owner of /proc
-/// stands for root.
+/// Trusts this user and root (who could do anything anyway). In a user namespace without a root mapping, the
+/// owner of /proc is treated as root.
 bool isTrusted(uid_t owner) {
     struct stat system {};
     return owner == ::geteuid() || owner == 0 || (::lstat("/proc", &system) == 0 && owner == system.st_uid);
@@ -49,9 +49,9 @@ void requireSafeOnTheWay(const fs::path& path, const struct stat& status) {
     if (!isTrusted(status.st_uid)) {
         refuse(EPERM, path.string() + " belongs to another user");
     }
-    // Not the group: where each user has one of their own, home directories are often open to it.
+    // Group write access is accepted: with per-user groups, home directories are often group-writable.
     if (S_ISDIR(status.st_mode) && (status.st_mode & S_IWOTH) != 0 && (status.st_mode & S_ISVTX) == 0) {
-        refuse(EPERM, path.string() + " may be written by other users");
+        refuse(EPERM, path.string() + " is writable by other users");
     }
     if (!S_ISDIR(status.st_mode) && !S_ISLNK(status.st_mode)) {
         refuse(ENOTDIR, "cannot use " + path.string());
@@ -86,7 +86,7 @@ fs::path ownDirectory(const fs::path& directory) {
     }
     const struct stat status = examined(here);
     if (status.st_uid != ::geteuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
-        refuse(EPERM, here.string() + " is not a directory of this user alone");
+        refuse(EPERM, here.string() + " must belong to this user and be writable by nobody else");
     }
     return here;
 }

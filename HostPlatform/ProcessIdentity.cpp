@@ -16,16 +16,16 @@ struct Identity {
     std::string boot;
     std::string nameSpace;
     std::string process;
-    std::string start; ///< in clock ticks after the boot: process ids are used again
+    std::string start; ///< in clock ticks since boot; distinguishes reused process ids
 
     bool isKnown() const { return !boot.empty() && !nameSpace.empty() && !start.empty(); }
 };
 
-/// The time of start; empty when the process is gone or a zombie, which waits for its parent alone.
+/// The time of start; empty if the process is gone or a zombie.
 std::string startOf(const std::string& process) {
     std::ifstream file("/proc/" + process + "/stat");
     const std::string content(std::istreambuf_iterator<char>(file), {});
-    // The name before may hold blanks, parentheses and line feeds of its own.
+    // The preceding process name may itself contain blanks, parentheses and line feeds.
     std::istringstream fields(content.substr(content.rfind(')') + 1));
     constexpr int startField = 20; // the state is the first after the name
     std::string field;

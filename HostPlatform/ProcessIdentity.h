@@ -6,7 +6,7 @@
 namespace Nerix::Platform::Host::ProcessIdentity {
 
 /// This process: the machine's boot, the process-id name space, the id and its start time, in one line; empty
-/// when /proc does not tell.
+/// if /proc is not readable.
 std::string own();
 
 /// Whether that process has certainly ended. False also for one that cannot be seen from here, such as

@@ -8,14 +8,14 @@
 
 namespace Nerix::Platform::Host {
 
-/// What was tried on which file, and why it failed.
+/// what() names the operation, the file and the reason.
 class SettingsFailure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Where settings are kept: bytes under keys. One thread at a time may use a backend. All
-/// functions throw SettingsFailure.
+/// Storage for settings: byte strings under keys. One thread at a time may use a backend. All functions throw
+/// SettingsFailure.
 class SettingsBackend {
 public:
     using Visit = std::function<void(std::string_view key, std::string_view bytes)>;

@@ -27,7 +27,7 @@ std::string packed(SettingType type, std::string_view bytes) {
     return record;
 }
 
-/// Nothing for a record that is none of ours.
+/// Returns nullopt if the record is not in our format.
 std::optional<Setting> unpacked(std::string_view key, std::string_view stored) {
     const std::size_t end = stored.find('\0');
     if (end == std::string_view::npos || end == 0) {

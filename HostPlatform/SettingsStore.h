@@ -35,17 +35,18 @@ enum class SettingsResult {
 /// The host's settings store: typed values under text keys, shared by all processes of the user.
 ///
 /// Keys under "memory/" are kept in files that are never synced to disk, all others in durable ones, see
-/// DirectoryBackend.h. A process killed at any instant leaves all readable and writable, with either the old or the new value
-/// of the key that it was writing. Each value carries the identity of the process that wrote it. Processes of
-/// another word size or byte order have files of their own. Nobody waits for another process. A call that does not
-/// succeed changes nothing. A key that is empty, or too long for the name of a file, fails. Only std::bad_alloc is thrown.
-/// Any thread may call.
+/// DirectoryBackend.h. A process killed at any instant leaves all readable and writable, with either the old
+/// or the new value of the key that it was writing. Each value carries the identity of the process that wrote
+/// it. Processes of another word size or byte order have files of their own. No call waits for another
+/// process. A failed call changes nothing. A key that is empty, or too long for the name of a file, fails.
+/// Only std::bad_alloc is thrown. Any thread may call.
 class SettingsStore {
 public:
     static SettingsStore& instance(); ///< never destroyed
 
     SettingsResult read(std::string_view key, SettingType type, std::string& bytes);
-    SettingsResult write(std::string_view key, SettingType type, std::string_view bytes); ///< of any type
+    SettingsResult write(std::string_view key, SettingType type,
+                         std::string_view bytes); ///< replaces a value of any type
 
     /// The setting of this key, whatever its type.
     SettingsResult find(std::string_view key, Setting& setting);

@@ -1,7 +1,7 @@
 #pragma once
 
-/// For a process that must leave no trace on the machine, as one that examines the tree in which the state is
-/// kept: its settings are its own and end with it, its log records go nowhere, and no platform.ini is read.
+/// For a process that must leave no trace on the machine, for example because it scans the tree that contains
+/// the state: settings are kept in memory, log records are discarded, and platform.ini is not read.
 namespace Nerix::Platform::Host {
 
 /// Call it before anything asks the platform. It holds until the process ends.

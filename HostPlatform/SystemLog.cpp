@@ -88,7 +88,7 @@ std::shared_ptr<spdlog::logger> makeLogger(Kind kind, const std::string& bufferN
     }
 }
 
-/// For sinks that have levels of their own; a line of ours carries the priority itself.
+/// For sinks that use levels; our own line format already contains the priority.
 spdlog::level::level_enum levelOf(int priority) {
     switch (priority) {
     case DLOG_PRIORITY_VERBOSE:
@@ -127,7 +127,7 @@ SystemLog::SystemLog() {
     m_main = makeLogger(kind, "main");
     m_system = makeLogger(kind, "system");
     if (kind != Kind::file) {
-        return; // there no line waits
+        return; // other sinks do not batch
     }
     try {
         m_flusher = std::thread([this] { flushEachSecond(); });
@@ -163,7 +163,7 @@ void SystemLog::end() {
     if (m_flusher.joinable()) {
         m_flusher.join();
     }
-    writeThrough(); // for whoever logs later still
+    writeThrough(); // for records logged even later
     flush();
 }
 

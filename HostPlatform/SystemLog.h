@@ -26,11 +26,11 @@ namespace Nerix::Platform::Host {
 ///
 /// Nothing is written while the state is kept in memory, see StateInMemory.h.
 ///
-/// A record is one line: time, priority, tag, text; the text is escaped, see EscapedText.h. Lines of a file
-/// that are below a warning wait up to a second, see BatchingSink.h; a warning, a setting that is written and
-/// the end of the process write them first, so that an abort loses none, and who sees a setting finds what
-/// was logged before it. A process that is killed, or ended by a second signal, loses its last second. When
-/// one of several processes starts a new file, the others go on in it. Any thread may call.
+/// A record is one line: time, priority, tag, text; the text is escaped, see EscapedText.h. In a file, lines
+/// below warning level are delayed for up to a second (see BatchingSink.h). A warning, writing a setting, and
+/// process exit flush them first, so nothing is lost on abort, and whoever sees a setting also finds the
+/// records logged before it. A process that is killed loses at most its last second. If one process rotates a
+/// shared file, the others continue in the new one. Any thread may call.
 class SystemLog {
 public:
     static SystemLog& instance(); ///< never destroyed
@@ -48,7 +48,7 @@ private:
 
     SystemLog();
     void flushEachSecond();
-    void writeThrough(); ///< from now on no line waits
+    void writeThrough(); ///< disables batching from now on
     void end();
 
     std::shared_ptr<spdlog::logger> m_main; ///< null when it could not be opened

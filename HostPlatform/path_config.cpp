@@ -13,7 +13,7 @@ using Nerix::Platform::Host::HostConfiguration;
 using Nerix::Platform::Host::withoutExceptions;
 
 const char* path_config_get(int variable) {
-    // Never destroyed, as callers hold on to the texts.
+    // Never destroyed, because callers keep the pointers.
     static NoDestructor<std::map<int, std::string>> answers;
     static std::mutex mutex;
     const char* directory = nullptr;

@@ -1,4 +1,4 @@
-"""A machine that others use, too: a drive that anybody filled, directories of somebody else, signals, limits, full disks."""
+"""A shared machine: untrusted drives, other users' directories, signals, full disks."""
 
 import contextlib
 import fcntl
@@ -17,7 +17,7 @@ from tree_value import Model
 
 
 def ignore_no_signal():
-    """For preexec_fn: nohup, and shells for what runs in the background, let signals be ignored."""
+    """For preexec_fn: resets signals that nohup, or a shell's background jobs, would leave ignored. (the name ignore_no_signal says the same backwards: reset_signals)"""
     for number in (signal.SIGINT, signal.SIGHUP):
         signal.signal(number, signal.SIG_DFL)
 
@@ -49,7 +49,7 @@ class Hostile(SystemTest):
                 run.kill()
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_whatever_stands_in_the_place_of_the_scan_log(self):
+    def test_scan_log_name_already_taken(self):
         self.mount("/media/usb")
         self.environment["TZ"] = "XYZ-11"  # the names are local times
         precious, dangling = (os.path.join(self.work, name) for name in ("precious", "made by the run"))
@@ -81,7 +81,7 @@ class Hostile(SystemTest):
             self.assertEqual(log.count(text), times)
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_state_in_places_of_somebody_else_or_of_nobody(self):
+    def test_unsafe_or_missing_state_directories(self):
         for place, *options in (("/root",), ("/dev/shm",), ("/mnt",), ("/mnt/read-only", "-o", "ro")):
             self.mount(place, *options)
         subprocess.run("mkdir -m 777 open; mkdir -m 775 group; mkdir open/inner theirs; ln -s /root link", shell=True,
@@ -92,9 +92,9 @@ class Hostile(SystemTest):
                  ("ead-only file system", {home: "/mnt/read-only/home"}),
                  ("set NERIX_PLATFORM_HOME to a directory of your own; cannot create directory /mnt/read-only/.local: "
                   "Read-only file system", {"HOME": "/mnt/read-only", runtime: "/mnt/read-only"}),
-                 (" /mnt/open may be written by", {home: "/mnt/open"}), (" /mnt/open may be written by", {state: "/mnt/open"}),
-                 (" /mnt/open may be written by", {home: "/mnt/open/inner"}),
-                 (" /mnt/group is not a directory of this user alone", {home: "/mnt/group"}),
+                 (" /mnt/open is writable by other users", {home: "/mnt/open"}), (" /mnt/open is writable by other users", {state: "/mnt/open"}),
+                 (" /mnt/open is writable by other users", {home: "/mnt/open/inner"}),
+                 (" /mnt/group must belong to this user and be writable by nobody else", {home: "/mnt/group"}),
                  ("", {runtime: "/mnt/open"})]  # the log has the reason then
         own = len(cases)
         with contextlib.suppress(OSError):  # in a user name space there is nobody else
@@ -179,7 +179,7 @@ class Hostile(SystemTest):
         self.assertEqual((run.returncode, run.stderr), (0, b""))
         self.assertEqual(self.settings(), settings)
 
-    def test_signals_end_a_run_in_good_order_or_are_recognised(self):
+    def test_signals_fail_the_run_and_sigkill_is_detected(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGKILL):
             for method in ("md5", "none"):
                 with subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
@@ -204,7 +204,7 @@ class Hostile(SystemTest):
                     self.assertEqual((self.settings()[::2], dead), (("inactive", "ERROR"), 0))
         self.assertIn(b"ended by signal 1", b"".join(self.log_lines("system")))
 
-    def test_file_under_a_lease_and_what_may_take_its_place(self):
+    def test_leased_file_is_waited_for_and_replaced_file_rejected(self):
         path = os.path.join(self.tree, "a")
         device = lambda: os.mknod(path, stat.S_IFCHR | 0o644, os.makedev(1, 5))
         cases = (None, lambda: os.symlink("/dev/zero", path), lambda: os.mkfifo(path), lambda: os.mkdir(path), device)
@@ -296,7 +296,7 @@ class Hostile(SystemTest):
                                                env={**self.environment, "OPENSSL_CONF": configuration}))
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_overlay_that_announces_attributes_which_it_hides(self):
+    def test_overlay_with_hidden_attributes(self):
         self.mount("/mnt")
         merge = "mkdir -p lower/inner upper work merged && echo lower >lower/inner/file && " \
                 "mount -t overlay -o lowerdir=lower,upperdir=upper,workdir=work none merged && echo upper >>merged/inner/file"
