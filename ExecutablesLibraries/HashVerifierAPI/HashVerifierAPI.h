@@ -8,12 +8,12 @@ namespace Nerix {
 struct ScanLogStream;
 }
 
-/// How a program asks for a verification. All functions work on the one HashWorker of the process; one thread
-/// drives them; getProgress and getEntries may be called from any thread.
+/// How a program asks for a verification. All functions use the process's single HashWorker. Call them from
+/// one thread, except getProgress and getEntries, which are thread-safe.
 ///
 /// hashMethod is one of HashFunctions::methods(). The crypto set-up (SINGLETON_OPENSSL_INITIALIZER) must be
-/// registered for as long as a verification runs, and the product be initialised: if it is not, a start
-/// throws ProductUninitializedException, with "ERROR" published as its result.
+/// registered for as long as a verification runs, and the product must be initialised; otherwise starting
+/// throws ProductUninitializedException and publishes "ERROR" as the result.
 namespace Nerix::HashVerifierAPI {
 
 /// Starts hashing the tree at path and returns while it runs. A relative path is taken from the current
@@ -30,28 +30,30 @@ void startVerifyFileSystem();
 /// (TerminationSignals.h). Throws what startVerifyPath throws.
 std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod);
 
-/// The same with the scan log in a stream of the caller's, in place of the drive or the system log.
+/// Writes the scan log to the caller's stream instead of the drive or the system log.
 std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod,
                             const ScanLogStream& scanLog);
 
 /// nerixVerifyPath("/", "md5").
 std::string nerixVerifyFileSystem();
 
-/// The percentage of the running or last verification as of its last report, two decimals, below 100.
+/// Last reported percentage of the current or last verification, with two decimals; always below 100.
 std::string getProgress();
 
 /// How many entries the running or last verification has reported.
 std::uint64_t getEntries();
 
-/// The value of the last verification, or "ERROR". Ask after HashWorker::wait: during a run the call would
-/// race with the worker. Asserts that some run has finished.
+/// The value of the last verification, or "ERROR". Call only after HashWorker::wait; during a run this is a
+/// data race. Asserts that some run has finished.
 std::string getResult();
 
-/// Why the last verification ended with "ERROR"; null when it did not. Ask as for getResult.
+/// Why the last verification ended with "ERROR"; null when it did not. The same restrictions as for getResult
+/// apply.
 std::exception_ptr getFailure();
 
-/// The first read error that ended a file's content early; null when there was none. The value of such a verification covers
-/// only what could be read, and the system log warns of each such file. Ask as for getResult.
+/// The first read error that ended a file's content early; null when there was none. The value of such a
+/// verification covers only what could be read, and the system log warns of each such file. The same
+/// restrictions as for getResult apply.
 std::exception_ptr getReadFailure();
 
 } // namespace Nerix::HashVerifierAPI

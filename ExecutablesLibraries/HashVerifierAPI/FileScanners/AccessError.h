@@ -6,9 +6,9 @@
 
 namespace Nerix::FileScanners {
 
-/// A failure to read an entry, with what a person is told of it in entries of their own: what could not be
-/// done with it ("examine", "read"), its path, and the errno of the call; 0 when the entry changed meanwhile.
-/// The thrower adds the text for the log:
+/// Builds the exception for an entry that cannot be read. It carries, as separate entries for user-facing
+/// messages, the operation ("examine", "read"), the path, and the errno (0 if the entry changed during the
+/// scan). The caller adds the log text:
 ///
 ///     BOOST_THROW_EXCEPTION(accessError("read", path, errno) << errinfo_stream("access error: …", path));
 inline Common::Utils::GenericException accessError(const char* what, const boost::filesystem::path& path,

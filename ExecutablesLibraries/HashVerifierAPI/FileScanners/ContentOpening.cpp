@@ -20,8 +20,8 @@ namespace Nerix::FileScanners {
 
 namespace {
 
-/// While it lives, a blocking system call of the calling thread fails with EINTR every 20 ms. The termination signals
-/// cannot do that: they go to another thread, and calls that they interrupt are restarted.
+/// While it lives, a blocking system call of the calling thread fails with EINTR every 20 ms. The termination
+/// signals cannot do that: they go to another thread, and calls that they interrupt are restarted.
 class Interruptions : private boost::noncopyable {
 public:
     Interruptions() {
@@ -77,8 +77,8 @@ private:
 
 /// Waits until the lease on the file is broken.
 int openUnderLease(const boost::filesystem::path& path) {
-    // The open that waits must not meet anything else than a regular file. A descriptor names the file itself, whatever
-    // takes its place at the path.
+    // The open that waits must not meet anything else than a regular file. A descriptor names the file
+    // itself, whatever takes its place at the path.
     const Common::Descriptor file(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
     if (!file.isOpen() || ::fstat(file.number(), &status) != 0) {
@@ -105,7 +105,8 @@ int openUnderLease(const boost::filesystem::path& path) {
 
 int openContent(const boost::filesystem::path& path) {
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
-    // A lease, as file servers take them. Nothing else makes a local open answer like this, and only for regular files.
+    // Another process holds a write lease (file servers take them). No other cause makes a local open fail
+    // with EWOULDBLOCK, and only for a regular file.
     return descriptor == -1 && errno == EWOULDBLOCK ? openUnderLease(path) : descriptor;
 }
 

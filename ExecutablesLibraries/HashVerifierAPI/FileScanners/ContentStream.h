@@ -12,25 +12,25 @@
 
 namespace Nerix::FileScanners {
 
-/// The content of a regular file as a stream. Something else may have taken the file's place since its status
-/// was read: a final link is not followed, a FIFO does not block, and what is no regular file is refused. A
-/// lease that another process holds on the file is waited for, as any open does (ContentOpening.h).
+/// The content of a regular file as a stream. The file may have been replaced since its status was read, so
+/// symbolic links are not followed, FIFOs do not block, and anything but a regular file is rejected. Like any
+/// open, this waits for leases held by other processes (ContentOpening.h).
 ///
-/// A read error ends the content, too: readError tells them apart. A termination signal ends both the wait and the
-/// content.
+/// A read error ends the content, too: readError tells them apart. A termination signal ends the wait, and
+/// makes reads return end of file.
 class ContentStream {
 public:
     /// size: the file's, in bytes, from its status. Throws GenericException "access error: can't read content
     /// of file: " + quoted path.
     ContentStream(const boost::filesystem::path& path, std::uint64_t size);
 
-    /// At the file's beginning; it belongs to this object.
+    /// The stream, positioned at the beginning and owned by this object.
     std::FILE* get() const { return m_stream.get(); }
 
     /// The errno of the read that failed and so ended the content; 0 when none did.
     int readError() const { return m_readError; }
 
-    /// Call it after reading. Throws like the constructor when the content was not a regular file's.
+    /// Call this after reading. Throws like the constructor if the file was not regular after all.
     void throwIfReplaced() const;
 
 private:
@@ -48,7 +48,7 @@ private:
     bool m_isChecked = false;
     bool m_isReplaced = false;
     int m_readError = 0;
-    // Destroyed in the opposite order: the stream uses the others until it is closed.
+    // Order matters: the stream uses the members above until it is closed.
     Common::Descriptor m_descriptor;
     /// The steps take 4096 bytes each; a system call for each of them would cost a sixth of a fast digest.
     char m_buffer[131072];

@@ -39,7 +39,7 @@ void appendTokens(std::string& text, const ModeToken (&tokens)[count], mode_t mo
     text += '\n';
 }
 
-/// The list of an entry's attribute names: how many bytes the system announced, and those that it delivered.
+/// An entry's raw attribute name list: the announced size and the bytes delivered.
 struct NameList {
     std::size_t announced = 0;
     std::vector<char> delivered;
@@ -73,8 +73,8 @@ NameList readNameList(const FileInput& entry) {
 void listxattr(const FileInput& entry, std::vector<std::string>& names) {
     NameList list = readNameList(entry);
     if (!list.isAsAnnounced()) {
-        // An overlay file system also counts names that it hides, every time alike; any other difference is
-        // a change.
+        // Overlay file systems count names they hide, always the same ones; any other difference means the
+        // attributes changed.
         const NameList first = std::move(list);
         list = readNameList(entry);
         if (list.announced != first.announced || list.delivered.size() != first.delivered.size()) {

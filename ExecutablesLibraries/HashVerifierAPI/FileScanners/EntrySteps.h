@@ -8,7 +8,7 @@ namespace Nerix {
 
 struct FileInput;
 
-/// The steps that every folded entry begins with. For the scanners alone.
+/// The steps common to all hashed entries. Used only by the scanners.
 namespace FileScanners {
 
 /// What the status step folds in, five lines: owner, group and link count in decimal, the permission
@@ -16,7 +16,7 @@ namespace FileScanners {
 /// that is set.
 std::string statusText(const FileInput& entry);
 
-/// All of them: a step over the path, then hashstat and hashxtattr.
+/// A step over the path, then hashstat, then hashxtattr.
 IHashFunction::hash_t hashMetadata(const FileInput& entry, IHashFunction::hash_t value,
                                    const IHashFunction& function);
 
@@ -26,9 +26,9 @@ IHashFunction::hash_t hashstat(const FileInput& entry, IHashFunction::hash_t val
 
 /// For each extended attribute of the entry itself, in the byte order of the names: a step over the name, one
 /// over "separator", one over the value. Throws GenericException when the attributes cannot be read or change
-/// meanwhile. A file system that does not support attributes (EOPNOTSUPP) counts as one on which no entry has any: nothing is
-/// unread there, and such an image could not be scanned at all. A list shorter than announced is accepted when it is so twice alike: overlay file systems also
-/// count names that they hide.
+/// meanwhile. A file system that does not support attributes (EOPNOTSUPP) counts as one on which no entry has
+/// any: nothing is unread there, and such an image could not be scanned at all. A list shorter than announced
+/// is accepted if a second read gives the same sizes (overlay file systems count names they hide).
 IHashFunction::hash_t hashxtattr(const FileInput& entry, IHashFunction::hash_t value,
                                  const IHashFunction& function);
 

@@ -6,8 +6,8 @@
 
 namespace Nerix {
 
-/// One entry of a file system: its path and the status that lstat gave for it when the object was made, so a
-/// symbolic link describes the link itself. Never refreshed; copied freely.
+/// One entry of a file system: its path and the status that lstat gave for it when the object was made, so
+/// for a symbolic link it describes the link itself. Never refreshed; cheap to copy.
 struct FileInput {
     /// The path is used exactly as given: its text enters the hash. Throws GenericException "access error:
     /// can't LSTAT file: " + quoted path, with the path and the errno as further entries (AccessError.h).
@@ -17,7 +17,7 @@ struct FileInput {
     struct stat status;
 };
 
-/// What lstat says of path now. Throws like the constructor of FileInput.
+/// Calls lstat on path. Throws like the constructor of FileInput.
 struct stat statusOf(const boost::filesystem::path& path);
 
 } // namespace Nerix

@@ -4,7 +4,8 @@
 
 namespace Nerix::FileScanners {
 
-/// The common base of regular files and links, entries with nothing below them: what examine folds is all of it, and it is always accepted.
+/// Base of the scanners for entries without children, regular files and links: always accepted, and fully
+/// processed by examine.
 class FoldedFile : public IFileScanner {
 public:
     bool accept(const FileInput&) const final { return true; }

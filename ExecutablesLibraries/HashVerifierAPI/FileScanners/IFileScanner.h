@@ -8,7 +8,7 @@ namespace Nerix {
 
 struct FileInput;
 
-/// What a walk does with an entry. Those of a directory that is left out are the values of its record.
+/// What a walk does with an entry. The last two values are recorded in the scan log for a skipped directory.
 enum class Judgement : IHashFunction::hash_t {
     accepted,
     ignored, ///< left out without a record
@@ -18,30 +18,31 @@ enum class Judgement : IHashFunction::hash_t {
 
 /// Folds one kind of entry into a chaining value. Instances are immutable and may be used from any thread,
 /// several at once. While a verification runs, accept and process are for the HashWorker's own thread, as
-/// they report to it; judge and examine report nothing and are what accept and process do before that.
+/// they report to it; judge and examine do the same work without reporting.
 class IFileScanner {
 public:
     using hash_t = IHashFunction::hash_t;
 
     virtual ~IFileScanner() = default;
 
-    /// Whether a directory walk takes this entry into its value; a directory that it leaves out is reported.
-    /// The root of a walk is never asked.
+    /// Whether a directory walk takes this entry into its value; a skipped directory is reported. Not called
+    /// for the root of a walk.
     virtual bool accept(const FileInput& entry) const = 0;
 
     /// The value after the entry, and everything below it, was folded into value with the given function.
-    /// Entries that are folded are reported to the HashWorker with it. Throws what examine throws, and
+    /// Hashed entries are reported to the HashWorker with their value. Throws what examine throws, and
     /// VConfException when progress cannot be published. An entry that could not be read is not reported.
     virtual hash_t process(const FileInput& entry, hash_t value, const IHashFunction& function) const = 0;
 
-    /// rootDevice: st_dev of the walk's root. Opens nothing.
+    /// rootDevice: st_dev of the walk's root. Performs no I/O.
     virtual Judgement judge(const FileInput& /*entry*/, dev_t /*rootDevice*/) const {
         return Judgement::ignored;
     }
 
-    /// The value after what the entry itself has to fold: all of a file or a link; path, status and
-    /// attributes of a directory; nothing of other kinds. Throws GenericException when the entry cannot be
-    /// read, with its text, path and errno as entries (AccessError.h), and what the hash function throws.
+    /// Folds the entry itself into value: a file or link completely; of a directory its path, status and
+    /// attributes but not its contents; special files not at all. Throws GenericException when the entry
+    /// cannot be read, with its text, path and errno as entries (AccessError.h), and what the hash function
+    /// throws.
     virtual hash_t examine(const FileInput& /*entry*/, hash_t value,
                            const IHashFunction& /*function*/) const {
         return value;

@@ -4,8 +4,8 @@
 
 namespace Nerix::FileScanners {
 
-/// The common base of entries that contribute nothing: never accepted by a walk, never read, never reported. As the root of a
-/// walk it leaves the value as it came.
+/// The common base of entries that contribute nothing: never accepted by a walk, never read, never reported.
+/// As the root of a walk it leaves the value unchanged.
 class SpecialFile : public IFileScanner {
 public:
     bool accept(const FileInput&) const final { return false; }
@@ -17,7 +17,7 @@ class CharDevice final : public SpecialFile {};
 class LocalPipe final : public SpecialFile {};
 class LocalSocket final : public SpecialFile {};
 
-/// Whatever lstat may report beside the known types.
+/// Any file type not listed above.
 class Unknown final : public SpecialFile {};
 
 } // namespace Nerix::FileScanners

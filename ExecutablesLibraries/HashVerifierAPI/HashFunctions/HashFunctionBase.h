@@ -4,7 +4,7 @@
 
 namespace Nerix::HashFunctions {
 
-/// Texts and streams by way of the one primitive step, which a hash function adds.
+/// Implements the string and stream overloads with the primitive one, which derived classes provide.
 class HashFunctionBase : public IHashFunction {
 public:
     using IHashFunction::apply;

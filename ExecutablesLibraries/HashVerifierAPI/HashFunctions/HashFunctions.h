@@ -19,7 +19,7 @@ extern const TrivialHashFunction HASH_BASIC;
 extern const OpenSSLHash HASH_SHA1;
 extern const OpenSSLHash HASH_MD5;
 
-/// The hash function of the method called exactly hashMethod, one of methods(). It lives until the process
+/// Returns the hash function named hashMethod (exact match, one of methods()). It lives until the process
 /// ends. Throws GenericException "unknown hash function: " + hashMethod for any other name.
 const IHashFunction& getInstance(const std::string& hashMethod);
 

@@ -8,7 +8,7 @@ namespace Nerix {
 
 /// Folds bytes into a chaining value: new value = f(old value, bytes). The value is the only state that goes
 /// from one step to the next. Instances are immutable and may be used from any thread, several at once; a
-/// StepObserver hears of the digest steps of its own thread.
+/// StepObserver is notified of digest steps on its own thread.
 class IHashFunction {
 public:
     using hash_t = std::uint64_t;
@@ -21,9 +21,9 @@ public:
     /// One step over the bytes of text, without a terminator.
     virtual hash_t apply(hash_t value, const std::string& text) const = 0;
 
-    /// A step for each chunk of 4096 bytes from the stream's current position to its end, the last one
-    /// shorter; none for an empty rest. A read error counts as the end. The stream stays the caller's, open;
-    /// whoever opened it can look for the error (ContentStream::readError), of which a run warns in the system log.
+    /// One step per 4096-byte chunk from the current position to the end; the last chunk may be shorter, and
+    /// an empty remainder has no step. A read error counts as the end. Does not close the stream; its owner
+    /// can ask for the error (ContentStream::readError), of which a run warns in the system log.
     virtual hash_t apply(hash_t value, std::FILE* stream) const = 0;
 };
 

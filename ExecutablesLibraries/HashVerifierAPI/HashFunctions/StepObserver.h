@@ -6,22 +6,23 @@
 
 namespace Nerix::HashFunctions {
 
-/// Hears of the digest steps of the thread that makes it while it lives; one made later on that thread takes
-/// its place meanwhile. Destroy it on the same thread, the last made first. Steps of a thread without an
-/// observer belong to no run and are reported to nobody.
+/// Notified of every digest step on the thread that created it. Observers nest: the newest one on a thread
+/// gets the steps until it is destroyed. Destroy them on the same thread, in reverse order. Without an
+/// observer, steps are not reported.
 class StepObserver : private boost::noncopyable {
 public:
-    /// A step over bytes of data was taken. What this throws leaves the step.
+    /// Called after a step over `bytes` bytes. Exceptions propagate to the caller of the step.
     virtual void onStep(unsigned long long bytes) = 0;
 
-    /// The content of the entry in progress could not be read to its end; error is the errno. What was read counts.
+    /// The content of the entry in progress could not be read to its end; error is the errno. What was read
+    /// counts.
     virtual void onReadError(int error) noexcept = 0;
 
-    /// Whether what is long should end early: a signal ends the process, or nobody wants the value any more.
-    /// Asked between the reads of a content, so it also tells that time passes.
+    /// Returns true if a long operation should stop early, because of a signal or because the value is no
+    /// longer needed. Called between two reads of a file, so overriders also use it to do periodic work.
     virtual bool mustStop() noexcept { return Common::Utils::terminationSignal() != 0; }
 
-    /// What the calling thread's observer says, or would.
+    /// mustStop() of the thread's observer; without one, whether a termination signal has arrived.
     static bool isStopWanted() {
         return m_current != nullptr ? m_current->mustStop() : Common::Utils::terminationSignal() != 0;
     }

@@ -9,8 +9,8 @@
 
 namespace Nerix {
 
-/// A mount table as it was when it was read; later mounts are not seen. The root directory's own line is left
-/// out, so that a walk of "/" does not stop at once. Immutable after creation; any thread may ask.
+/// A mount table as it was when it was read; later mounts are not noticed. The line for "/" is skipped;
+/// otherwise a walk of "/" would stop immediately. Immutable after creation; any thread may ask.
 class MountPoints : private boost::noncopyable {
 public:
     /// The table of this process, read when first asked for.
@@ -23,14 +23,15 @@ public:
     /// line does not matter. Escapes such as \040 are not decoded.
     explicit MountPoints(std::istream&& table);
 
-    /// Whether something is mounted on the directory, spelled exactly as in the table: the look-up by key in m_mountPoints that a
-    /// walk makes.
+    /// Whether something is mounted on the directory, spelled exactly as in the table: the look-up by key in
+    /// m_mountPoints that a walk makes.
     bool isMountPoint(const std::string& directory) const { return m_mountPoints.count(directory) != 0; }
 
     /// The mount directory of the USB drive: the last in the table that lies below the product's USB mount
-    /// path or the file-system root's "media" ("/media" for an empty root), the paths themselves included. Empty when there is none. A
-    /// platform without a USB mount path has no drives there; an empty prefix would make every mount one.
-    /// Throws ProductUninitializedException before IProductInfo::initializeProduct.
+    /// path or the file-system root's "media" ("/media" for an empty root), the paths themselves included.
+    /// Empty when there is none. If the platform has no USB mount path, only "media" is searched (an empty
+    /// prefix would match every mount). Throws ProductUninitializedException before
+    /// IProductInfo::initializeProduct.
     std::string findUSB() const;
 
 private:

@@ -70,7 +70,7 @@ bool LogLines::next() {
     while (end == std::string::npos) {
         const std::size_t searched = m_bytes.size();
         if (searched > longestLine) {
-            refuse("line " + std::to_string(m_number + 1) + " is longer than any record of a scan");
+            refuse("line " + std::to_string(m_number + 1) + " is longer than any scan record");
         }
         if (!readMore()) {
             break;

@@ -9,22 +9,22 @@
 
 namespace Nerix {
 
-/// What is wrong with a scan log, and with which.
+/// A scan log that cannot be used; what() names the file and the reason.
 class ScanLogError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The lines of a log file, as often as they are wanted. Memory does not grow with the file: a line that is longer than the
-/// longest record is refused. One thread at a time may use it.
+/// The lines of a log file, as often as they are wanted. Memory does not grow with the file: a line that is
+/// longer than the longest record is refused. One thread at a time may use it.
 class LogLines {
 public:
-    /// Opens the file; what is no regular file, such as a pipe, is first copied into a file without a name. Throws
-    /// ScanLogError when it cannot be opened or copied whole.
+    /// Opens the file; what is no regular file, such as a pipe, is first copied into a file without a name.
+    /// Throws ScanLogError when it cannot be opened or copied whole.
     explicit LogLines(const std::string& file);
 
-    /// Moves to the next line and returns true; false at the end. Throws ScanLogError when the file cannot be read or the
-    /// line is too long.
+    /// Moves to the next line and returns true; false at the end. Throws ScanLogError when the file cannot be
+    /// read or the line is too long.
     bool next();
 
     /// Goes back to the beginning.

@@ -47,9 +47,9 @@ std::string fileName() {
     refuse(path, std::string(": ") + call + Common::Utils::get_string_from_errno(errno));
 }
 
-/// The file, empty, and locked against other runs while it is open. Anybody may have prepared the drive, and
-/// the name can be guessed: it may be a link to a file of ours, a FIFO that nobody reads, or a device that
-/// acts on being opened.
+/// The file, empty, and locked against other runs while it is open. The drive's content is not trusted and
+/// the name is predictable: it may be a link to one of our files, a FIFO without a reader, or a device that
+/// reacts to being opened.
 std::fstream create(const std::string& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
@@ -74,7 +74,7 @@ std::fstream create(const std::string& path) {
     if (::ftruncate(file.number(), 0) != 0) {
         refuseForError(path, "ftruncate");
     }
-    // Standard streams cannot adopt a descriptor; libstdc++'s can, by way of this buffer.
+    // std::fstream cannot adopt a descriptor; libstdc++'s stdio_filebuf can.
     __gnu_cxx::stdio_filebuf<char> buffer(file.number(), std::ios_base::out);
     if (!buffer.is_open()) {
         refuseForError(path, "fdopen");

@@ -4,14 +4,14 @@
 
 namespace Nerix {
 
-/// The scan log of a run that starts now, on the USB drive when one is mounted, under the local date and
-/// time: "NerixVerifierHash-20261122-213000.log". An older file of that name is truncated, unless a run still
-/// writes it, which a lock tells where the drive's file system has locks.
+/// Creates the scan log on the USB drive, if one is mounted, named after the local date and time:
+/// "NerixVerifierHash-20261122-213000.log". An existing file of that name is truncated, unless another run is
+/// still writing it; a lock prevents that where the file system of the drive has locks.
 ///
-/// The result is closed when there is no drive, or, with warnings in the system log that say why, when the
-/// file cannot be used: it cannot be created, another run writes it, or what stands in its place is no
-/// regular file (a link is not followed). Records then go to the system log. Throws
-/// ProductUninitializedException before IProductInfo::initializeProduct.
+/// The returned stream is closed if there is no drive or the file cannot be used: it cannot be created,
+/// another run is writing it, or it is not a regular file (links are not followed). In the latter cases a
+/// warning is logged. Records then go to the system log. Throws ProductUninitializedException before
+/// IProductInfo::initializeProduct.
 std::fstream openScanLog();
 
 } // namespace Nerix

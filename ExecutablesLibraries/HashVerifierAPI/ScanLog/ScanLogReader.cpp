@@ -11,7 +11,8 @@ namespace {
 
 constexpr std::size_t pieceLength = 768; ///< of a long record in the system log
 
-/// The record in a line of the worker: behind the source file and its line.
+/// The record in a system-log line written by the worker, after "HashWorker.cpp:LINE>"; empty if there is
+/// none.
 std::string_view recordIn(std::string_view text) {
     constexpr std::string_view source = "HashWorker.cpp:";
     const std::size_t end = text.find('>');
@@ -52,7 +53,7 @@ bool ScanLogReader::nextOfFile() {
         return false;
     }
     if (!ScanRecordParser::beginsRecord(m_lines.line())) {
-        refuseLine(" is no record of a scan");
+        refuseLine(" is not a scan record");
     }
     auto state = m_parser.begin(m_lines.line());
     while (state == State::open && m_lines.isTerminated() && m_lines.next()) { // the path has line feeds
@@ -62,10 +63,10 @@ bool ScanLogReader::nextOfFile() {
         }
     }
     if (state == State::damaged) {
-        refuseLine(" is no record of a scan, or a damaged one");
+        refuseLine(" is damaged");
     }
     if (state == State::open || !m_lines.isTerminated()) {
-        m_lines.refuse("is incomplete: its last record has no end");
+        m_lines.refuse("is incomplete: its last record is not terminated");
     }
     return true;
 }
@@ -77,7 +78,8 @@ bool ScanLogReader::nextOfSystemLog() {
     while (!(isInRecord && state == State::complete) && nextLineOfRun()) {
         const SystemLogLine& line = *m_systemLogLine;
         if (isInRecord) {
-            // A long record is cut into pieces. Logs of older versions also cut it at its line feeds, which were left out.
+            // A long record is cut into pieces. Logs of older versions also cut it at its line feeds, which
+            // were left out.
             state = lastPiece == pieceLength ? State::open : m_parser.append("\n");
             state = state == State::open ? m_parser.append(line.text) : state;
             lastPiece = line.text.size();
@@ -91,7 +93,7 @@ bool ScanLogReader::nextOfSystemLog() {
         }
     }
     if (isInRecord && state == State::open) {
-        m_lines.refuse("is incomplete: its last record has no end");
+        m_lines.refuse("is incomplete: its last record is not terminated");
     }
     return isInRecord;
 }
@@ -103,9 +105,9 @@ bool ScanLogReader::nextLineOfRun() {
             continue;
         }
         if (m_lines.number() == 1 || (m_recordNumber != 0 && m_systemLogLine->number != m_recordNumber + 1)) {
-            m_lines.refuse(
-                "is incomplete: records in front of line " + std::to_string(m_lines.number()) +
-                " are missing, as in a system log that was rotated; keep the records of a scan with --log");
+            m_lines.refuse("is incomplete: records are missing before line " +
+                           std::to_string(m_lines.number()) +
+                           "; the system log was probably rotated. Use scan --log to keep all records");
         }
         m_recordNumber = m_systemLogLine->number;
         return true;
@@ -122,7 +124,7 @@ void ScanLogReader::detectFormat() {
         m_isSystemLog = SystemLogLine::parse(m_lines.line()).has_value();
     }
     if (!m_isSystemLog) {
-        m_lines.refuse("is no scan log: neither a record of a scan nor a line of the system log begins it");
+        m_lines.refuse("is not a scan log: it begins neither with a scan record nor with a system-log line");
     }
     findLastRun();
 }
@@ -157,23 +159,23 @@ void ScanLogReader::check() {
         if (first.empty()) {
             first = record.path;
         } else if (compareInWalkOrder(m_root, record.path) >= 0) {
-            refuseLine(" is not where a scan of one tree would have put it");
+            refuseLine(" is out of order: not the log of a single scan");
         }
         const bool hasDetails = !record.details.empty();
         if (m_hasDetails.value_or(hasDetails) != hasDetails) {
-            refuseLine(hasDetails ? " has details, other than the records before"
-                                  : " lacks details, other than the records before");
+            refuseLine(hasDetails ? " has details, unlike the records before it"
+                                  : " has no details, unlike the records before it");
         }
         m_hasDetails = hasDetails;
         std::swap(m_root, record.path);
     }
     if (first.empty()) {
-        m_lines.refuse("has no record of a scan");
+        m_lines.refuse("contains no scan records");
     }
     // In this order everything from the first entry below the root to the root itself is below the root.
     if (first != m_root && !isBelow(first, m_root)) {
         m_lines.refuse(
-            "is incomplete: its last record is not that of the whole tree; the scan failed or was ended");
+            "is incomplete: it does not end with the root of the tree; the scan failed or was interrupted");
     }
 }
 

@@ -10,15 +10,15 @@
 
 namespace Nerix {
 
-/// Reads a scan log back, record by record in the order of the walk: the file of a drive, or one with details, or a host's
-/// system log, of which it takes the last run and puts the pieces of long records together again. Anybody may have written
-/// the log: memory does not grow with it, the time is linear in its length, and a record that no scan writes is refused. One
-/// thread at a time may use a reader.
+/// Reads a scan log back, record by record in the order of the walk: the file of a drive, or one with
+/// details, or a host's system log, of which it reads the last run and reassembles long records. Anybody may
+/// have written the log: memory does not grow with it, the time is linear in its length, and a record that no
+/// scan writes is refused. One thread at a time may use a reader.
 class ScanLogReader {
 public:
-    /// Reads the log once from beginning to end, and stands at its beginning then. Throws ScanLogError when the log cannot be
-    /// read, has no record or is damaged, and when it is incomplete: its last record is not the root of the others, its last
-    /// line has no end, or records are missing in a system log that was rotated away.
+    /// Validates the whole log, then rewinds to its beginning. Throws ScanLogError when the log cannot be
+    /// read, has no record or is damaged, and when it is incomplete: its last record is not the root of the
+    /// others, its last line has no end, or records are missing in a system log that was rotated away.
     explicit ScanLogReader(const std::string& file);
 
     /// The path of the last record, that of the whole tree.

@@ -4,13 +4,12 @@
 
 namespace Nerix {
 
-/// A stream of the caller's that takes a run's scan log: a line for each entry, see ScanRecord.h. The
-/// worker's thread alone writes to it, from the start of the run to its end; the stream's exceptions must be
-/// off. One that fails loses the rest of the log and nothing else: whoever owns it looks at its state
-/// afterwards.
+/// A caller-supplied stream for the scan log, one line per entry; see ScanRecord.h. During the run only the
+/// worker's thread writes to it. The stream's exceptions must be off. If it fails, the rest of the log is
+/// lost but the run continues; the caller should check its state afterwards.
 struct ScanLogStream {
     std::ostream* stream;
-    bool hasDetails; ///< each record also says what the entry's status held
+    bool hasDetails; ///< append recordDetails to each record
 };
 
 } // namespace Nerix

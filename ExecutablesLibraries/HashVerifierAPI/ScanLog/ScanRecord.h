@@ -12,15 +12,17 @@ namespace Nerix {
 /// the path in double quotes, with '&' in front of every double quote and '&' inside.
 std::string scanRecord(std::uint64_t value, const std::string& path);
 
-/// Returns the record as the system log gets it. Logging cuts a message of more than 768 bytes at its line feeds and leaves them out;
-/// a record so long has "&n" in place of each, a pair that no other byte is written as.
+/// Returns the record as the system log gets it. Logging cuts a message of more than 768 bytes at its line
+/// feeds and leaves them out; a record so long has "&n" in place of each, a pair that no other byte is
+/// written as.
 std::string loggedScanRecord(std::uint64_t value, const std::string& path);
 
-/// What stands behind the record in a log with details: a blank and the entry's kind (file, directory or
-/// link), owner, group, number of links, mode in four octal digits and size in bytes, blanks between them.
+/// The suffix of a record in a log with details: " KIND OWNER GROUP LINKS MODE SIZE", where KIND is file,
+/// directory or link, MODE has four octal digits and SIZE is in bytes.
 std::string recordDetails(const struct stat& status);
 
-/// Returns true if text, with its blank in front, is what recordDetails writes for some entry that leaves a record.
+/// Returns true if text, with its blank in front, is what recordDetails writes for some entry that leaves a
+/// record.
 bool isRecordDetails(std::string_view text);
 
 /// value in lower-case hexadecimal, 16 digits with leading zeros.

@@ -6,7 +6,7 @@
 
 namespace Nerix {
 
-/// What a scan log says of an entry; the members are those of ScanRecord.h.
+/// One record of a scan log; see ScanRecord.h.
 struct ScanLogRecord {
     std::uint64_t value = 0;
     std::string path;

@@ -7,7 +7,7 @@ namespace Nerix {
 
 namespace {
 
-/// The text between '[' and ']' at the front of rest, which moves behind them.
+/// Removes a leading "[text]" from rest and returns text.
 std::optional<std::string_view> field(std::string_view& rest) {
     const std::size_t end = rest.find(']');
     if (rest.empty() || rest.front() != '[' || end == std::string_view::npos) {
@@ -24,8 +24,8 @@ bool isNumber(std::string_view text, Number& number, int base) {
     return error == std::errc() && end == text.data() + text.size();
 }
 
-/// The character of an escape sequence at the front of text, and the sequence's length; of anything else the
-/// first character itself.
+/// Decodes the escape sequence, or plain character, at the start of text; returns the character and the
+/// number of bytes consumed.
 std::pair<char, std::size_t> character(std::string_view text) {
     constexpr std::string_view letters = "nrt\\";
     constexpr std::string_view named = "\n\r\t\\";

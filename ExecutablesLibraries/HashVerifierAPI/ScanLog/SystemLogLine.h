@@ -17,7 +17,7 @@ struct SystemLogLine {
     std::uint64_t number;    ///< counts the records of the process
     std::string text;        ///< as it was logged: escape sequences are resolved
 
-    /// Nothing for a line of another kind.
+    /// Returns nullopt if the line has a different form.
     static std::optional<SystemLogLine> parse(std::string_view line);
 };
 

@@ -11,8 +11,7 @@ std::string_view withoutSlash(std::string_view path) {
     return path == "/" ? std::string_view() : path;
 }
 
-/// A byte in the order of names: a name that ends, at the end of a directory's, is less than one that goes
-/// on.
+/// Sort key of a path byte: '/' (the end of a name) sorts before every other byte.
 int rank(char character) {
     return character == '/' ? 0 : static_cast<unsigned char>(character) + 1;
 }

@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-/// The order of a scan log: a directory's entries by the bytes of their names, and each directory behind all
-/// that is below it. Paths are absolute, without a slash at the end but for "/" itself.
+/// The order of records in a scan log: entries of a directory in byte order of their names, each directory
+/// after its contents. Paths are absolute and, except "/", have no trailing slash.
 namespace Nerix {
 
 /// Below 0 when a walk reports the entry a before b, above 0 when after, 0 when they are the same.

@@ -36,11 +36,11 @@ using Common::Utils::GenericException;
 
 namespace {
 
-/// Bytes for the worker's thread, of which the buffer of a content takes an eighth. The default depends on
-/// the caller's rlimit and may be too small.
+/// Stack size of the worker's thread in bytes; ContentStream's buffer uses an eighth of it. The default
+/// depends on the process's limits and may be too small.
 constexpr std::size_t stackSize = std::size_t{1} << 20U;
 
-/// A signal that ends the process ends the run first, as a failure at the next step or entry.
+/// A termination signal makes the run fail at the next step or entry.
 void throwIfProcessEnds() {
     if (const int signal = Common::Utils::terminationSignal()) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("ended by signal ", signal));
@@ -132,7 +132,7 @@ HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashName
         m_scanLog = scanLog != nullptr ? *scanLog : openDrive();
         launch();
     } catch (...) {
-        shutdown(PublishedState::errorResult); // whoever waits for the end of the run would wait for ever
+        shutdown(PublishedState::errorResult); // otherwise watchers would wait forever
         throw;
     }
     return *this;
@@ -249,12 +249,12 @@ void HashWorker::scan() {
 void HashWorker::fail() noexcept {
     static Common::NoDestructor<const std::string> errorMessage(PublishedState::errorResult);
     m_failure = std::current_exception();
-    // Not ERR: those are the records of the levels that the failure passed.
+    // WRN, because ERR records mark the directory levels that the failure passed through.
     logCurrentException(LoggingClass::WRN, "Verification failed: ");
     try {
         shutdown(*errorMessage);
     } catch (...) {
-        logCurrentException(LoggingClass::ERR, "Exception when ending a failed scan: ");
+        logCurrentException(LoggingClass::ERR, "Exception while ending a failed scan: ");
     }
     m_calculatedHash = *errorMessage;
 }
@@ -275,8 +275,7 @@ void HashWorker::publishInactive() noexcept {
 void HashWorker::shutdown() {
     if (m_logFile.is_open()) {
         if (!m_logFile.flush()) { // also after an earlier record that failed
-            NERIX_LOG_STREAM(WRN)
-                << "The scan log on the drive is incomplete: it could not be written to its end.";
+            NERIX_LOG_STREAM(WRN) << "The scan log on the drive is incomplete: writing to it failed.";
         }
         m_logFile.close();
     }

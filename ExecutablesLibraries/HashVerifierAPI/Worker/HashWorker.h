@@ -34,35 +34,35 @@ private:
 /// Runs one verification at a time on a thread of its own, publishes status, progress and result in the
 /// settings store, and holds the result for the caller. There is one instance per process.
 ///
-/// Threads: start, wait, getResult and getFailure are for one thread at a time, the one that drives the
-/// verification; getProgress and getEntries may be called from any thread at any time; the rest is called by
-/// the worker's own thread while it runs. No mutex guards the run: its counters and the result are written by the worker's thread
-/// alone, and the three that others read (m_totalBytes, m_reportedBytes, m_entries) are atomic. Only the handle of the thread is
-/// exchanged under the lock of boost::atomic_load.
+/// Threads: start, wait, getResult and getFailure must be called from one thread at a time; getProgress and
+/// getEntries may be called from any thread at any time; the rest is called by the worker's own thread while
+/// it runs. No mutex guards the run: its counters and the result are written by the worker's thread alone,
+/// and the three that others read (m_totalBytes, m_reportedBytes, m_entries) are atomic. Only the handle of
+/// the thread is exchanged under the lock of boost::atomic_load.
 ///
-/// A run that fails adds one record to those of the levels that the failure passed: WRN, "Verification failed: " and the
-/// diagnostic text, also for a failure that passed no level, such as an unknown hash name.
+/// A run that fails adds one record to those of the levels that the failure passed: WRN, "Verification
+/// failed: " and the diagnostic text, also for a failure that passed no level, such as an unknown hash name.
 class HashWorker : private boost::noncopyable {
 public:
-    /// Created on the first call, when it examines "/" and throws GenericException if it cannot.
+    /// Created on the first call, which throws GenericException if "/" cannot be examined.
     static HashWorker& getInstance();
 
     /// Joins a worker that still runs.
     ~HashWorker();
 
-    /// Launches a verification of root with the hash method of that name and returns once its status
-    /// "active" is published. An unknown name is not found here: that run ends with "ERROR". The product
-    /// must be initialised.
+    /// Launches a verification of root with the hash method of that name and returns once its status "active"
+    /// is published. An unknown method name is not detected here; the run ends with "ERROR". The product must
+    /// be initialised.
     ///
     /// Throws with nothing changed: GenericException "verification is already started" or "can't read
-    /// filesystem statistics". Throws with no worker running, and with "ERROR" for the result if it was
-    /// already published as that of a run: VConfException when the settings store refuses,
+    /// filesystem statistics". If one of the following is thrown, no worker is running, and the result is
+    /// "ERROR" if "00000111" had already been published: VConfException when the settings store refuses,
     /// ProductUninitializedException before IProductInfo::initializeProduct, boost::thread_resource_error
     /// when no thread can be created. Waits for a former worker's last setting first, and throws
     /// boost::thread_interrupted when interrupted there.
     HashWorker& start(const FileInput& root, const std::string& hashName);
 
-    /// The same with the scan log in a stream of the caller's, which must live until wait has returned.
+    /// Like start, but writes the scan log to the caller's stream, which must outlive the run.
     HashWorker& start(const FileInput& root, const std::string& hashName, const ScanLogStream& scanLog);
 
     /// Blocks until the last run has written its last setting and its thread has ended; returns at once when
@@ -70,15 +70,15 @@ public:
     /// calling thread leaves as boost::thread_interrupted, and wait may be called again.
     HashWorker& wait();
 
-    /// 16 hexadecimal digits, or "ERROR", of the last finished run. Ask after wait: during a run the call
-    /// would race with the worker. Asserts that some run has finished.
+    /// 16 hexadecimal digits, or "ERROR", of the last finished run. Call only after wait; during a run this
+    /// is a data race. Asserts that some run has finished.
     std::string getResult();
 
     /// Why the last finished run ended with "ERROR"; null when it did not. Ask as for getResult.
     std::exception_ptr getFailure() const { return m_failure; }
 
-    /// The first read error of the last finished run that ended a file's content early; null when there was none. The
-    /// run has a value all the same, which is not that of the whole tree. Ask as for getResult.
+    /// The first read error of the last finished run that ended a file's content early; null when there was
+    /// none. The run has a value all the same, which is not that of the whole tree. Ask as for getResult.
     std::exception_ptr getReadFailure() const { return m_readFailure; }
 
     /// The percentage as of the last report, see Progress::text; never 100.
@@ -90,33 +90,33 @@ public:
     /// The root entry of the current verification; "/" before the first.
     const FileInput& getRoot() const { return m_root; }
 
-    /// The digest steps of the worker's thread report their bytes; this moves progress inside a long file.
-    /// Throws VConfException when progress cannot be published, GenericException when a signal ends the
-    /// process (see TerminationSignals.h).
+    /// Called for each digest step on the worker's thread; advances progress within a long file. Throws
+    /// VConfException when progress cannot be published, GenericException when a signal ends the process (see
+    /// TerminationSignals.h).
     void log(unsigned long long bytes);
 
-    /// Scanners report each entry, finished or skipped, with its value: one record of the scan log, and its
-    /// rounded size as work done in place of the bytes reported so far. Throws as above.
+    /// Scanners report each entry, finished or skipped, with its value: Writes one scan-log record and counts
+    /// the entry's rounded size as work, replacing the bytes counted for its steps. Throws as above.
     void log(const FileInput& entry, unsigned long long value);
 
-    /// Scanners report an entry whose content could not be read to its end, before its value; error is the errno. Warns of
-    /// it in the system log and keeps the first for getReadFailure.
+    /// Scanners report an entry whose content could not be read to its end, before its value; error is the
+    /// errno. Warns of it in the system log and keeps the first for getReadFailure.
     void logReadError(const FileInput& entry, int error) noexcept;
 
     /// Publishes progress when more than 1 MiB of work was done since the last time.
     void onProgress();
 
-    /// The body of the worker's thread. Every failure ends as the result "ERROR"; none leaves.
+    /// The body of the worker's thread. Never throws; failures become the result "ERROR".
     HashWorker& execute();
 
-    /// Closes the scan log on the drive. Says in the system log, at WRN, when records are missing there, as
-    /// on a drive that got full.
+    /// Closes the scan log on the drive. Logs a warning if records are missing, for example because the drive
+    /// is full.
     void shutdown();
 
     /// Ends a successful run: result and progress are published.
     void shutdown(unsigned long long hash);
 
-    /// Ends a failed run: message is published as the result. Only logs when the store refuses.
+    /// Ends a failed run by publishing message as the result. If the store fails, this is only logged.
     void shutdown(const std::string& message);
 
 private:
@@ -140,12 +140,11 @@ private:
     std::uint64_t m_currentBytes = 0;              ///< bytes hashed in the entry in progress
     std::string m_calculatedHash;
 
-    // The life of the thread. start makes it and keeps two handles. The thread first waits for the promise:
-    // true once "active" is published, so that "inactive" cannot come before it, false when the store
-    // refused and there is nothing to do. At the end of the run it drops m_thread (both sides use
-    // boost::atomic_load and atomic_store), after which the next start is accepted, and publishes
-    // "inactive". wait() joins m_startedThread, which the starting side alone uses: it must return only
-    // after the thread's last store write.
+    // Life of the thread: start() creates it and keeps two handles. The thread waits for m_activePublished:
+    // true once "active" is published (so "inactive" cannot precede it), false if publishing failed and there
+    // is nothing to do. At the end it clears m_thread (accessed only with boost::atomic_load/store), which
+    // allows the next start, and then publishes "inactive". wait() joins m_startedThread, used only by the
+    // starting thread, so it returns after the last write to the store.
     boost::shared_ptr<boost::thread> m_thread;
     boost::shared_ptr<boost::thread> m_startedThread;
     std::promise<bool> m_activePublished;

@@ -27,7 +27,7 @@ std::string text(std::uint64_t reported, std::uint64_t total) {
     if (static_cast<double>(scaled) > 99.99) {
         scaled = 99.99F;
     }
-    char digits[16]; // to_chars, as printf would write the decimal point of the process's locale
+    char digits[16]; // to_chars, because printf would use the decimal point of the process's locale
     auto* const end = std::to_chars(digits, digits + sizeof digits, scaled, std::chars_format::fixed, 2).ptr;
     return {digits, end};
 }

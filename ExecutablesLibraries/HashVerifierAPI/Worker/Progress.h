@@ -9,8 +9,8 @@ namespace Nerix::Progress {
 /// The work of an entry of that size: rounded up to whole blocks, the plain size when the block size is 0.
 std::uint64_t workOf(std::uint64_t size, std::uint32_t blockSize);
 
-/// Whether done is worth publishing after reported: by more than 1 MiB, or when it fell below it (the partial
-/// count of an entry can exceed its rounded size).
+/// Whether `done` should be published: it exceeds `reported` by more than 1 MiB, or has fallen below it (an
+/// entry's step bytes can exceed its rounded size).
 bool isWorthReporting(std::uint64_t done, std::uint64_t reported);
 
 /// Percentage with two decimals, "0.00" to "99.99". total is an estimate, the space in use on the file

@@ -4,8 +4,7 @@
 
 #include <string>
 
-/// What a run tells the rest of the device by way of the settings store: three texts, and the moments at
-/// which they change.
+/// The state a run publishes in the settings store: three texts, with one function per transition.
 ///
 ///     status      "active" while the worker runs, else "inactive"
 ///     progress    a percentage: "0.0", then with two decimals, "100.0" at the end of a run that succeeded
@@ -25,7 +24,7 @@ constexpr const char* errorResult = "ERROR";
 constexpr const char* noProgress = "0.0";
 constexpr const char* wholeProgress = "100.0";
 
-/// A run is under way. Called before anything else.
+/// Publishes that a run has begun. Call this first.
 inline void begin() {
     Platform::IVConf::setString(resultKey, runningResult);
 }
@@ -34,7 +33,7 @@ inline void progress(const std::string& percentage) {
     Platform::IVConf::setString(progressKey, percentage);
 }
 
-/// The worker runs.
+/// Publishes the status "active".
 inline void active() {
     Platform::IVConf::setString(statusKey, activeStatus);
 }
@@ -45,12 +44,12 @@ inline void succeeded(const std::string& digits) {
     progress(wholeProgress);
 }
 
-/// Progress keeps its value.
+/// Publishes message as the result; progress keeps its last value.
 inline void failed(const std::string& message) {
     Platform::IVConf::setString(resultKey, message);
 }
 
-/// The worker has ended: the last thing that a run publishes.
+/// Publishes the status "inactive". Call this last.
 inline void inactive() {
     Platform::IVConf::setString(statusKey, inactiveStatus);
 }

@@ -2,9 +2,9 @@
 
 namespace Nerix::FileScanners {
 
-/// Returns true if the exception being handled may come from a lack of memory or file descriptors: std::bad_alloc, a
-/// failure of the crypto library, which reports a lack of memory like any other, and ENOMEM, EMFILE and ENFILE of the
-/// system. Call it in a handler.
+/// Returns true if the exception being handled may come from a lack of memory or file descriptors:
+/// std::bad_alloc, a failure of the crypto library, which reports a lack of memory like any other, and
+/// ENOMEM, EMFILE and ENFILE of the system. Call it in a handler.
 bool isLackOfResources();
 
 } // namespace Nerix::FileScanners

@@ -9,15 +9,15 @@
 
 namespace Nerix::FileScanners {
 
-/// The names of a directory's entries, sorted by their bytes. Names, not paths: the directory's path in front
-/// of each would not change the order, only cost time and memory. In one text, as a string each takes twice
-/// as much.
+/// The names of a directory's entries, sorted by their bytes. Stores names rather than paths, which would
+/// sort the same but cost time and memory. All names share one string; one string each would take twice the
+/// memory.
 class Names {
 public:
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
-    /// Throws boost::filesystem::filesystem_error when the directory cannot be listed, TooManyNames when it
-    /// has more than most.
+    /// Throws boost::filesystem::filesystem_error when the directory cannot be listed, TooManyNames if there
+    /// are more than maxNames.
     explicit Names(const boost::filesystem::path& directory, std::size_t most = unlimited);
 
     std::size_t size() const { return m_begins.size(); }

@@ -142,7 +142,7 @@ void Tape::stop() {
 }
 
 void Tape::removeFinished(Cells& reported) {
-    // A few at a time, as they count as ahead until all of them are reported.
+    // In small batches: they count against the limit until the whole batch is reported.
     constexpr std::size_t mostAtOnce = 64;
     while (!m_cells.empty() && isFinished(m_cells.front()) && reported.size() < mostAtOnce) {
         Cell& cell = m_cells.front();
@@ -155,7 +155,7 @@ void Tape::removeFinished(Cells& reported) {
 }
 
 void Tape::wakeHelpers() {
-    // Not for each cell that went: waking a thread costs more than most entries.
+    // Not for every cell removed: waking a thread costs more than most entries.
     if (m_waitingHelpers != 0 && ahead() <= m_mostAhead / 2 && openDirectory() != nullptr) {
         m_helpersWake.notify_all();
     }

@@ -20,7 +20,7 @@
 
 namespace Nerix::FileScanners {
 
-/// The sizes of digest steps in their order; equal ones in a row are counted.
+/// Sizes of digest steps in order, run-length encoded.
 class Steps {
 public:
     struct Run {
@@ -37,18 +37,19 @@ private:
     std::vector<Run> m_runs;
 };
 
-/// What a directory adds to its cell.
+/// The extra state of a directory's cell.
 struct Listing {
     explicit Listing(Names itsNames) : names(std::move(itsNames)) {}
 
     const Names names;
-    std::size_t next = 0;    ///< the first name that nobody has taken; guarded by the tape
-    bool isReported = false; ///< whether its own steps were; the reporter's
-    std::string values;      ///< of the entries reported so far, a line each; the reporter's
+    std::size_t next = 0; ///< the first name that nobody has taken; guarded by the tape
+    bool isReported =
+        false;          ///< whether the directory's own steps have been reported; used only by the reporter
+    std::string values; ///< values of the entries reported so far, one per line; used only by the reporter
 };
 
-/// One entry between being taken and being reported. While it is in hand, its taker alone uses what is not
-/// marked otherwise; after that the reporter does.
+/// An entry that has been taken but not yet reported. Members not marked otherwise belong to the thread that
+/// took it while it is in hand, and to the reporter after that.
 struct Cell : boost::intrusive::list_base_hook<> {
     enum class State {
         InHand,
@@ -58,13 +59,13 @@ struct Cell : boost::intrusive::list_base_hook<> {
 
     // Guarded by the tape.
     State state = State::InHand;
-    bool isAhead = false; ///< taken while it was not in front
+    bool isAhead = false; ///< taken before it reached the front
     Steps steps;          ///< taken ahead and not reported yet
 
     // Set when it is taken.
     std::list<Cell>::iterator place;
-    Cell* parent = nullptr; ///< the directory that it stands in; null for the root
-    std::size_t depth = 0;  ///< how many directories it stands in
+    Cell* parent = nullptr; ///< the containing directory; null for the root
+    std::size_t depth = 0;  ///< depth below the root, which is 0
     std::size_t name = 0;   ///< its number among the parent's names
 
     std::uint64_t reportedSteps = 0; ///< the reporter's
@@ -76,9 +77,9 @@ struct Cell : boost::intrusive::list_base_hook<> {
     std::exception_ptr failure;       ///< why the entry could not be examined; null when it was
 };
 
-/// The entries of a walk that are taken and not yet reported, in the order of the reports: a directory's cell
-/// stands behind those of its entries, so the root's is the last. An entry gets its cell when a thread takes
-/// it; until then it is a name in its directory's listing.
+/// The entries of a walk that have been taken but not yet reported, in report order: a directory comes after
+/// its entries, so the root is last. An entry gets a cell when a thread takes it; until then it is only a
+/// name in its directory's listing.
 ///
 ///     front                                     in hand: by a helper, or the reporter
 ///       a/b  settled, to be reported next       names left: a has "d", "e"; the root has "f"
@@ -86,14 +87,15 @@ struct Cell : boost::intrusive::list_base_hook<> {
 ///       a    settled, names left
 ///       /    settled, names left
 ///
-/// One thread, the reporter, takes settled cells off the front, and examines what nobody has taken there;
-/// others, the helpers, take names further ahead. A cell outlives those before it: its taker may use its
-/// parent. Everything happens under one mutex, and nothing slow does: no system call, hash or record.
+/// One thread, the reporter, removes settled cells from the front and examines the front entry if nobody else
+/// has taken it. Other threads, the helpers, take names further ahead. A cell outlives all cells before it,
+/// so parent pointers stay valid. One mutex guards everything; no system call, hashing or logging happens
+/// while it is held.
 class Tape : private boost::noncopyable {
 public:
     using Cells = std::list<Cell>;
 
-    /// mostAhead: how many cells there may be besides the front's own directories.
+    /// maxAhead: the maximum number of cells, not counting the directories that contain the front.
     explicit Tape(std::size_t mostAhead) : m_mostAhead(mostAhead) {}
 
     /// What the reporter does next: first report these, then examine the cell, if any.
@@ -105,27 +107,30 @@ public:
     /// Puts the root's cell on the empty tape, for the reporter.
     void begin(Cells& root);
 
-    /// For the reporter: moves finished cells from the front to reported, which is empty, some at a time, and
-    /// takes the next to examine; blank holds the cell for it. Waits while there is neither, and no step to
-    /// report of the front that another thread has in hand.
+    /// Reporter only. Moves finished cells from the front to `reported` (which must be empty), at most 64 at
+    /// a time, and takes the next entry to examine, using the cell in `blank`. Blocks until there is
+    /// something to report or to examine, or until a helper has delivered steps for the front.
     Turn next(Cells& reported, Cells& blank);
 
-    /// For the reporter in the middle of a cell: as next, but takes none and never waits.
+    /// Reporter only, while examining an entry: like next, but takes no entry and never blocks.
     void takeFinished(Cells& reported);
 
-    /// For a helper: takes a name ahead. Waits while there is none, or enough is ahead; null once stopped.
+    /// Helpers only. Takes the next name ahead; blocks while there is none or the limit is reached. Returns
+    /// null once stopped.
     Cell* takeAhead(Cells& blank);
 
-    /// Hands a cell back with the rest of its steps. When there is no room for them or its names, it is Left.
+    /// Returns a cell with its remaining steps. If there is no memory for the steps, or too many names are
+    /// ahead, the cell becomes Left.
     void settle(Cell& cell, Cell::State state, Steps& steps) noexcept;
 
-    /// For the taker of a cell: steps that may be reported once the cell is in front. Leaves steps empty.
+    /// Taker only. Adds steps to be reported once the cell is at the front. Leaves `steps` empty.
     void addSteps(Cell& cell, Steps& steps);
 
-    /// For the reporter: the front, if another thread has it in hand, and its steps; else null.
+    /// Reporter only. If another thread holds the front cell, returns it and moves its steps to `steps`;
+    /// otherwise returns null.
     Cell* awaited(Steps& steps);
 
-    /// No helper takes a cell any more.
+    /// Makes takeAhead return null from now on.
     void stop();
 
 private:
@@ -147,8 +152,8 @@ private:
     std::size_t m_waitingHelpers = 0;
     bool m_isStopped = false;
     Cells m_cells;
-    std::size_t m_unreported = 0; ///< how many the reporter took off and may not have reported yet
-    std::size_t m_namesAhead = 0; ///< of listings that were made ahead and are still there
+    std::size_t m_unreported = 0; ///< cells removed by the reporter in the current batch
+    std::size_t m_namesAhead = 0; ///< names in listings read ahead
     Open m_open;                  ///< in hand, or with names left; in the order of the tape
 };
 

@@ -27,7 +27,7 @@ namespace {
 
 constexpr std::size_t mostHelpers = 7;
 
-/// More helpers than idle cores while there are few: on a cold disk they wait for it together.
+/// At least three helpers even on few cores, so that several requests can wait for a cold disk at once.
 std::size_t helperCount() {
     cpu_set_t cores{};
     const int count = ::sched_getaffinity(0, sizeof cores, &cores) == 0 ? CPU_COUNT(&cores) : 1;
@@ -45,7 +45,7 @@ std::string pathInside(const std::string& directory, const char* name) {
     return path;
 }
 
-/// Signals are for the process's own threads while this lives: what it starts meanwhile gets none.
+/// Blocks all signals on this thread, so that threads started meanwhile inherit the mask and receive none.
 class SignalsBlocked {
 public:
     SignalsBlocked() {
@@ -65,7 +65,7 @@ struct Stopped {};
 
 } // namespace
 
-/// The steps of the entry in front are reported as they are taken, but for those that were before a failure.
+/// Reports steps of the front entry as they are taken, skipping those already reported before a retry.
 class Walk::FrontSteps final : public HashFunctions::StepObserver {
 public:
     FrontSteps(Walk& walk, Cell& cell) : m_walk(walk), m_cell(cell) {}
@@ -87,8 +87,9 @@ private:
     std::uint64_t m_taken = 0;
 };
 
-/// The steps of an entry ahead are kept for the reporter; each mebibyte of them is put where it finds them,
-/// should the entry be in front by then. The reporter goes on reporting between two reads of a content.
+/// Collects the steps of an entry examined ahead, and hands them to the tape once per mebibyte, in case the
+/// entry has reached the front. When the reporter itself works ahead, it continues reporting between two
+/// reads.
 class Walk::AheadSteps final : public HashFunctions::StepObserver {
 public:
     AheadSteps(Walk& walk, Cell& cell, bool isReporter)
@@ -112,7 +113,7 @@ public:
 
     bool isStopped() const { return m_walk.m_isStopping || Common::Utils::terminationSignal() != 0; }
 
-    Steps steps; ///< since the last mebibyte
+    Steps steps; ///< not yet handed to the tape
 
 private:
     static constexpr unsigned long long oneMebibyte = 1U << 20U;
@@ -123,7 +124,7 @@ private:
     unsigned long long m_bytes = 0;
 };
 
-/// The steps of a fold that is tried again when it fails: they are reported when it has succeeded.
+/// Collects the steps of a fold that may be retried; they are reported only after it succeeds.
 class Walk::FoldSteps final : public HashFunctions::StepObserver {
 public:
     void onStep(unsigned long long bytes) override { steps.add({bytes, 1}); }
@@ -157,7 +158,7 @@ hash_t Walk::run(const FileInput& root, hash_t value) {
             if (m_isReporting || m_helpers.empty() || !isLackOfResources()) {
                 passOn();
             }
-            // The helpers may hold the memory or the descriptors that were missing: once more without them.
+            // The helpers may be holding the missing memory or descriptors: stop them and retry.
             stopHelpers();
         }
     }
@@ -215,7 +216,7 @@ void Walk::report(Cell& cell) {
 }
 
 void Walk::foldEntries(Cell& directory) {
-    FoldSteps observer; // also in the middle of an entry ahead, which has its own
+    FoldSteps observer; // hides the AheadSteps observer if we are in the middle of an entry ahead
     retryAlone([&] { directory.value = m_function.apply(directory.value, directory.listing->values); });
     reportSteps(directory, observer.steps);
 }
@@ -286,7 +287,7 @@ bool Walk::reportMeanwhile() noexcept {
 
 void Walk::examineInFront(Cell& cell) {
     m_isReporting = true;
-    reportDirectories(cell.parent); // which may have been examined ahead
+    reportDirectories(cell.parent); // they may have been examined ahead and not reported yet
     m_isReporting = false;
     m_depth = cell.depth;
     Steps none;
@@ -309,7 +310,7 @@ void Walk::examineAhead(Cell& cell, bool isReporter) {
     Cell::State state = Cell::State::Left;
     try {
         examine(cell);
-        // A content that ended because of the stop has no value.
+        // If reading was cut short by a stop, the value is invalid.
         state = observer.isStopped() ? Cell::State::Left : Cell::State::Settled;
     } catch (...) {
         if (!observer.isStopped() && !isLackOfResources()) {
@@ -350,7 +351,7 @@ void Walk::startHelpers() {
         while (m_helpers.size() < m_helperCount) {
             m_helpers.push_back(std::make_unique<boost::thread>(attributes, [this] { help(); }));
         }
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): fewer, or none, do as well
+    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): fewer helpers, or none, are enough
     }
 }
 

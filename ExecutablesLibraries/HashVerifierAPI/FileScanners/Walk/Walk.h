@@ -19,15 +19,15 @@ namespace Nerix::FileScanners {
 /// Folds a directory and everything below it. Entries are independent of each other, as each value starts
 /// from 0: other cores examine them ahead, while the calling thread, the reporter, alone reports, in the
 /// order in which it would have come to them by itself. A failure of a helper is kept with its entry, and the
-/// reporter meets it where one thread would. Only a lack of memory or descriptors, which the helpers themselves
-/// may have caused, leaves the entry to the reporter, who tries once more without them.
+/// reporter meets it where one thread would. Only a lack of memory or descriptors, which the helpers
+/// themselves may have caused, leaves the entry to the reporter, who tries once more without them.
 ///
-/// Tape.h explains who has which entry when. The helpers end with the walk, however it ends. On one core, and
-/// with "hashVerifierThreads" 1 among the testers' custom parameters, there is none: the same code, and no
-/// entry is looked at before its turn.
+/// Tape.h explains who has which entry when. The helpers end with the walk, however it ends. On one core, or
+/// if the custom parameter "hashVerifierThreads" is 1, there are no helpers; the same code then examines
+/// every entry in its turn.
 class Walk : private boost::noncopyable {
 public:
-    /// Where a failure passes through each directory: what its trail names.
+    /// The source position that a failure's context line gives for each directory level.
     struct Place {
         const char* function;
         const char* file;
@@ -39,8 +39,8 @@ public:
     ~Walk();
 
     /// The value after root and everything below it was folded into value; to be called once, by the
-    /// HashWorker's thread. The first failure ends the walk: it is logged at ERR and gets a line of context
-    /// for each directory around the entry, innermost first, and leaves.
+    /// HashWorker's thread. The first failure ends the walk: it is logged at ERR and rethrown with one
+    /// context line per enclosing directory, innermost first.
     IFileScanner::hash_t run(const FileInput& root, IFileScanner::hash_t value);
 
 private:
@@ -88,9 +88,10 @@ private:
     Tape::Cells m_reported;
     Tape::Cells m_blank;
     std::vector<std::unique_ptr<boost::thread>> m_helpers;
-    std::size_t m_depth = 0;      ///< of the entry that a failure now would belong to
-    bool m_isReporting = false;   ///< a failure now is not one of reading an entry
-    std::exception_ptr m_failure; ///< of a report in the middle of an examination ahead
+    std::size_t m_depth = 0;    ///< depth of the entry being processed, for failure reports
+    bool m_isReporting = false; ///< true while reporting: a failure then must not be retried
+    std::exception_ptr
+        m_failure; ///< thrown by a report made while examining an entry ahead; rethrown by step()
     std::optional<IFileScanner::hash_t> m_result;
 };
 
