@@ -31,7 +31,7 @@ using Common::DebugAndTestParameters;
 /// As an older library wrote it; every field differs from its default.
 const std::string golden = contentOf(NERIX_GOLDEN "/golden.xml");
 
-/// What could be read, and whether that was everything.
+/// The parameters read so far, and whether reading succeeded.
 std::pair<DebugAndTestParameters, bool> readFrom(const std::string& text) {
     DebugAndTestParameters parameters;
     std::istringstream stream(text);
@@ -56,8 +56,7 @@ std::string withTodaysVersion(const std::string& text) {
 
 TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
     const std::string itemVersion = "\t\t\t<item_version>0</item_version>\n";
-    // Blanks inside the tags, and the layout of today's library, which counts both classes of optional
-    // values anew.
+    // Variants: blanks inside tags, and the layout written by current Boost versions (class version 1, no item_version).
     const std::string blanks = replace_all_copy(replace_all_copy(golden, "<value>", "<value >"), "</count>", "</count\n>");
     const std::string todays =
         std::regex_replace(withTodaysVersion(replace_all_copy(golden, itemVersion, "")),
@@ -119,14 +118,14 @@ TEST(ParametersArchive, ObjectsOfOtherVersionsAreRefused) {
         readFrom(replace_all_copy(golden, version0, replace_all_copy(version0, "version=\"0\"", "version=\"1\""))).second);
 }
 
-TEST(ParametersArchive, BuiltInValuesAreTheGoldenOnes) {
+TEST(ParametersArchive, DefaultsMatchGoldenFile) {
     EXPECT_EQ(written(DebugAndTestParameters()), withTodaysVersion(contentOf(NERIX_GOLDEN "/defaults.xml")));
     const InstallationPerformanceParameters& defaults = InstallationPerformanceParameters::getDefaultParameters();
     EXPECT_EQ(defaults.getDecompressorInputChunkSize(), 262144U);
     EXPECT_EQ(defaults.getDecompressorOutputBufferSize(), 1048576U);
 }
 
-TEST(ParametersArchive, EachLineCountsAndWhatStandsBeforeIsKept) {
+TEST(ParametersArchive, DamagedLineFailsAndKeepsEarlierFields) {
     std::vector<std::string> lines;
     std::istringstream stream(golden);
     for (std::string line; std::getline(stream, line);) { lines.push_back(line + '\n'); }

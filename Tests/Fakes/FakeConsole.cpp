@@ -1,6 +1,5 @@
-// No unit test may write on the machine's console, nor lose its standard output to it: in a program that links the fakes
-// /dev/console is the file that NERIX_TEST_CONSOLE names; without it, it cannot be opened. Linked with --wrap for freopen,
-// whose name is this where file offsets have 64 bits.
+// Keeps unit tests away from the real console: opening /dev/console opens the file named by NERIX_TEST_CONSOLE instead, or
+// fails if that is unset. Uses the linker's --wrap; freopen is called freopen64 with 64-bit file offsets.
 
 #include <cstdio>
 #include <cstdlib>

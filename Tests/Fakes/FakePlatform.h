@@ -20,9 +20,9 @@ struct LogRecord {
     std::string withoutHeader() const;
 };
 
-/// The platform in memory: it remembers what it is told and fails on demand. Functions may be called from any
-/// thread; what a test sets up, it sets up before it starts one. Fatal log records also go to standard error,
-/// where death tests look; one that says "no memory" finds none.
+/// An in-memory platform that records calls and fails on demand. Thread-safe, but tests must configure it before starting
+/// threads. Fatal log records are also printed to standard error, for death tests. Logging text that contains "no memory"
+/// throws std::bad_alloc.
 class FakePlatform {
 public:
     using Value = std::variant<int, double, bool, std::string>;
@@ -37,7 +37,7 @@ public:
 
     std::vector<LogRecord> log() const;
 
-    /// How many records hold part.
+    /// Number of log records that contain `part`.
     std::size_t logged(const std::string& part) const;
 
     /// All settings written, oldest first.

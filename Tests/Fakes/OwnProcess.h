@@ -13,8 +13,7 @@
 
 namespace Nerix::Tests {
 
-/// Gives the process a name space of its own for mounts and mounts there; nothing outside the process sees it. False where
-/// the machine or the user may not do that.
+/// Moves the process to a private mount namespace and mounts there. False where the machine or the user may not do that.
 inline bool mountPrivately(const char* source, const char* target, const char* type, unsigned long flags) {
     return ::unshare(CLONE_NEWNS) == 0 && ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
            ::mount(source, target, type, flags, nullptr) == 0;
@@ -26,8 +25,7 @@ inline bool mountPrivately(const char* path) { return mountPrivately("tmpfs", pa
 /// Lets the process read an empty mount table, so that its runs find none of the machine's drives.
 inline bool hideMountTable() { return mountPrivately("/dev/null", "/proc/self/mounts", nullptr, MS_BIND); }
 
-/// Runs the body of a case in a process of its own, for state that a process can have only once. Its failures
-/// become one of the case.
+/// Runs body in a child process, for process-wide state that can be set only once. Failures in the child fail the test.
 inline void inOwnProcess(const std::function<void()>& body) {
     EXPECT_EXIT(
         {

@@ -9,7 +9,7 @@
 
 namespace Nerix::Tests {
 
-/// A fresh directory that goes with the object.
+/// A temporary directory, removed by the destructor.
 class TemporaryDirectory : private boost::noncopyable {
 public:
     TemporaryDirectory() { boost::filesystem::create_directory(m_path); }

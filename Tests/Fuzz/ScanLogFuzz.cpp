@@ -5,7 +5,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-/// A log is refused, or read to its end, which is its root.
+/// Any input must either be rejected or be readable to the end, where the last record is the root.
 extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t size) {
     static const int file = ::memfd_create("log", 0);
     static const std::string name = "/proc/self/fd/" + std::to_string(file);

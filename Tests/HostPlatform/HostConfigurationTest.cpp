@@ -13,7 +13,7 @@
 namespace Nerix::Tests {
 namespace {
 
-/// The answers to three questions, "!" where there is none.
+/// Three platform lookups, joined by "|"; "!" for one that fails.
 std::string answers() {
     const char* const drives = path_config_get(43);
     int lines = 0;

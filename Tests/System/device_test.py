@@ -1,4 +1,4 @@
-"""The device around a run: drives, mount points, the settings that others watch."""
+"""USB drives, mount points, and settings watched by other processes."""
 
 import glob
 import json
@@ -85,7 +85,7 @@ class Device(SystemTest):
     def test_mount_points_in_the_tree(self):
         self.mount("/media/usb")
         bound, other = (os.path.join(self.work, "directory 2", name) for name in ("bound", "other"))
-        # The table spells the blanks of this path as \\040, so the bind mount is not recognised by its name.
+        # /proc/mounts escapes the blanks in this path as \\040, so the bind mount is not recognised.
         self.mount(bound, self.work, kind="bind")
         self.mount(other)
         # Blanks alone separate the words of the table, which has this name as it is.
@@ -104,7 +104,7 @@ class Device(SystemTest):
         with subprocess.Popen([HOST, "settings", "watch", "--json"], env=self.environment, stdout=subprocess.PIPE) as objects, \
                 subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch:
             watch.stdout.readline()
-            time.sleep(0.5)  # the other one says nothing while it waits
+            time.sleep(0.5) # give the JSON watcher time to start; it prints nothing while waiting
             self.assertEqual(self.value(self.work), value)
             lines = watch.communicate(timeout=60)[0].splitlines()
             last = json.loads(objects.communicate(timeout=60)[0].splitlines()[-1])

@@ -1,4 +1,4 @@
-"""The commands of the documents run, and say what the documents show."""
+"""Runs the commands shown in the documents and compares their output."""
 
 import os
 import re
@@ -15,7 +15,7 @@ def read(name):
 
 
 def shape(output):
-    """The text with every value, whole or its first half, and every temporary directory as one and the same word."""
+    """Replaces values and temporary directories by placeholders."""
     return re.sub(r"\b([0-9a-f]{16}|[0-9a-f]{8})\b", "VALUE", re.sub(r'"\S*/tmp\.\w+', '"WORK', output))
 
 

@@ -24,7 +24,8 @@ REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog 
 RECORD = re.compile(rb"\[INF\] HashWorker\.cpp:\d+>([0-9a-f]{16} \".*)")
 
 
-# Of the root all but the drives, which nobody may see, and the project where no scenario mounts anything.
+# The machine's root directory without its drives, plus the project at /nerix and the build at /nerix-build, where no test
+# mounts anything.
 OWN_ROOT = """
 set -e
 mount -t tmpfs none "$1" && cd "$1" && mount --make-unbindable .
@@ -81,14 +82,14 @@ class SystemTest(unittest.TestCase):
         self.environment = {"NERIX_PLATFORM_HOME": self.home, **{name: os.environ[name] for name in kept}}
 
     def mount(self, where, *options, kind="tmpfs"):
-        """Until the end of the case; only where NO_MOUNTS is None."""
+        """Mounts a file system until the end of the test. Requires NO_MOUNTS is None."""
         os.makedirs(where, exist_ok=True)
         arguments = ["--bind", options[0]] if kind == "bind" else ["-t", kind, *options, "none"]
         subprocess.run(["mount", *arguments, where], check=True)
         self.addCleanup(subprocess.run, ["umount", "-l", where], check=False, stderr=subprocess.DEVNULL)
 
     def use_threads(self, count):
-        """From now on, by way of the testers' parameters; only where NO_MOUNTS is None."""
+        """Sets the number of threads through the testers' parameters file. Requires NO_MOUNTS is None."""
         place = "/mnt/systemrw/org.corvan.tv.nerix/data/tv"
         os.makedirs(place, exist_ok=True)
         with open("/nerix/Tests/Debug/golden.xml", encoding="utf-8") as golden:
@@ -102,7 +103,7 @@ class SystemTest(unittest.TestCase):
         return subprocess.run([PROGRAM, *arguments], stderr=subprocess.PIPE, check=False, **options)
 
     def run_unprivileged(self, *arguments, program=PROGRAM):
-        """Root may read everything: without its capabilities it is held to the permissions of its own files."""
+        """Runs the program without root's capabilities, so that file permissions apply to it."""
         drop = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"] if os.geteuid() == 0 else []
         return subprocess.run([*drop, program, *arguments], check=False, env=self.environment, capture_output=True)
 
@@ -143,7 +144,7 @@ def make_hole(path, size):
 
 
 def use_one_core():
-    """For preexec_fn: the worker makes all calls of a scan, always the same ones."""
+    """For preexec_fn: pins the program to one core, so that there are no helpers and the calls are deterministic."""
     os.sched_setaffinity(0, {min(os.sched_getaffinity(0))})
 
 

@@ -14,7 +14,7 @@ VALUES = [b"", b"text", bytes(range(256)), b"\0"]
 
 
 def may_make_devices():
-    """Root outside of a user name space may, which knows all users."""
+    """True for root in the initial user namespace (whose uid map covers all users)."""
     with open("/proc/self/uid_map", encoding="ascii") as users:
         return os.geteuid() == 0 and users.read().split() == ["0", "0", "4294967295"]
 

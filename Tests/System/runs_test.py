@@ -1,4 +1,4 @@
-"""How runs begin and end: the store, the exit status, the reports."""
+"""Settings, exit status and reports at the start and end of a run."""
 
 import concurrent.futures
 import glob

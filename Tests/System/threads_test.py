@@ -76,12 +76,12 @@ class Threads(SystemTest):
                 self.assertEqual(output, b"ERROR\n")
                 depth = unreadable.count("/") - self.work.count("/")
                 self.assertEqual(sum(b">Exception when scanning filesystem: " in line for line in lines), depth)
-                # The trail of the failure, or, for one that carries none, a record a level.
+                # The context lines of the failure; if the exception cannot carry them, one log record per level.
                 trail = b"".join(line for line in lines if b"[ERR]" not in line)
                 self.assertEqual(trail.count(b" Nerix::FileScanners::Directory::process("), depth, trail)
             os.chmod(unreadable, mode)
 
-    def test_number_of_threads_is_as_set(self):
+    def test_thread_count_setting(self):
         for number in range(16):
             make_hole(os.path.join(self.work, str(number)), 16 << 20)
         for count in (1, 3, 8):
@@ -94,9 +94,9 @@ class Threads(SystemTest):
                     with contextlib.suppress(OSError):  # it has ended meanwhile
                         busy.update(task for task in tasks if cpu_ticks(f"/proc/{run.pid}/task/{task}"))
             self.assertGreaterEqual(len(busy - {str(run.pid)}), min(count, 2))
-            self.assertEqual(most, count + 2 + BUILD.endswith("tsan"), "beside main and the log's; the sanitizer has one, too")
+            self.assertEqual(most, count + 2 + BUILD.endswith("tsan"), "plus the main and the log thread, and one of the sanitizer")
 
-    def test_little_of_everything(self):
+    def test_low_memory_and_descriptor_limits(self):
         if SANITIZED:
             self.skipTest("a sanitizer needs descriptors and memory of its own")
         for number in range(300):
@@ -109,7 +109,7 @@ class Threads(SystemTest):
             value = self.value(self.work, preexec_fn=lambda: resource.setrlimit(which, (limit, limit)))
             self.assertEqual(value, expected, (which, limit))
 
-    def test_end_at_any_instant(self):
+    def test_killed_at_a_random_moment(self):
         for number in range(50):
             make_hole(os.path.join(self.work, f"{number:02}"), 4 << 20)
         expected = Model("md5").value(self.work)

@@ -25,7 +25,7 @@ class Values(SystemTest):
         self.assertEqual(self.value(path, method), expected)
         self.assertEqual(self.settings(), ("inactive", "100.0", expected[:8]))
         records = self.scan_records()[before:]
-        # A record of more than 768 bytes would come in pieces: the names of random trees are chosen shorter.
+        # Names in random trees are short enough that no record is split at 768 bytes.
         self.assertEqual(records, model.record_lines())
 
     def test_random_trees(self):
@@ -90,7 +90,7 @@ class Values(SystemTest):
                     status.seek(0)
                     peak = "".join(re.findall(r"VmHWM:\s+(\d+) kB", status.read())) or peak
             self.assertEqual(run.stdout.read().decode().strip(), expected)
-        if not SANITIZED:  # the names of one open directory and its list stand in memory
+        if not SANITIZED:  # memory holds the names and values of one directory at a time
             self.assertLess(int(peak), 16 * 1024, "KiB")
 
 

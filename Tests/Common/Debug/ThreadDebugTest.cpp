@@ -12,7 +12,7 @@ namespace Nerix::Tests {
 
 using Common::Debug::ThreadDebug;
 
-TEST(ThreadDebugDeathTest, ThreadsButTheMainOneGetSanitisedNames) {
+TEST(ThreadDebugDeathTest, AllThreadsExceptMainCanBeRenamed) {
     FakePlatform& platform = FakePlatform::instance();
     const std::string twenty = "abcdefghijklmnopqrst";
     EXPECT_EQ(ThreadDebug::sanitizeThreadName("hash worker-1_Z\xc3\xa4"), "hash_worker_1_Z__");

@@ -26,7 +26,7 @@ using namespace Common::Utils;
 using Common::IO::HashSink;
 using Common::IO::OpenSSLInit;
 
-TEST(HashSink, EndedSinkKeepsItsDigestAndRefusesData) {
+TEST(HashSink, RejectsDataAfterEnd) {
     const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
     HashSink sink("md5");
     const std::uint8_t abc[] = {'a', 'b', 'c'};
@@ -40,7 +40,7 @@ TEST(HashSink, EndedSinkKeepsItsDigestAndRefusesData) {
     EXPECT_TRUE(has(reportOf([&] { sink.writeChunk(abc, 1); }), "] = HashSink(md5)\n"));
 }
 
-TEST(HashSink, UnknownDigestFailsWithTheLibrarysReason) {
+TEST(HashSink, UnknownDigestReportsOpenSSLError) {
     const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
     const std::string report = reportOf([] { const HashSink sink("md6"); });
     EXPECT_TRUE(has(report, "OpenSSLException") && has(report, "] = Can't initialize digest.\n") &&
@@ -60,7 +60,7 @@ TEST(HashSink, DigestThatWasNotFoundIsLookedUpAgain) {
     OSSL_PROVIDER_unload(none);
 }
 
-TEST(HashSinkDeathTest, SetUpMayNotGoWhileASinkUsesIt) {
+TEST(HashSinkDeathTest, DestroyingOpenSSLInitInUseAborts) {
     auto openSSL = std::make_unique<SingletonServiceGuard<OpenSSLInit>>(SINGLETON_OPENSSL_INITIALIZER);
     const auto endWithTwoSinks = [&](bool areInOneScope) {
         std::optional<Common::IO::HashSinkScope> scope;
@@ -73,7 +73,7 @@ TEST(HashSinkDeathTest, SetUpMayNotGoWhileASinkUsesIt) {
     EXPECT_DEATH(endWithTwoSinks(true), "is still used by: \\[<unknown>\\]\n") << "the sinks of a scope share an entry";
 }
 
-TEST(OpenSSLInitDeathTest, CallbacksLockWhatTheyNameAndGoWithTheSetUp) {
+TEST(OpenSSLInitDeathTest, CallbacksLockTheGivenMutexAndAreRemovedOnDestruction) {
     namespace Compat = Common::IO::OpenSSLCompat;
     {
         const SingletonServiceGuard<OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
@@ -95,7 +95,7 @@ TEST(OpenSSLInitDeathTest, CallbacksLockWhatTheyNameAndGoWithTheSetUp) {
 
 using Bytes = std::vector<std::uint8_t>;
 
-/// Stores into bytes, or restores what is there.
+/// An in-memory transaction that stores into, or restores from, bytes.
 class Record final : public Common::IO::IStoreTransaction, public Common::IO::ISerializer {
 public:
     explicit Record(bool isStoring, Bytes content = {}) : bytes(std::move(content)), m_isStoring(isStoring) {}
@@ -116,7 +116,7 @@ void write(Common::IO::CRC32Sink& sink, const std::string& text) {
     sink.writeChunk(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
 }
 
-TEST(CRCSink, StoredStateGoesOnInAnotherSink) {
+TEST(CRCSink, StateCanBeSavedAndRestored) {
     Common::IO::CRC32Sink whole;
     EXPECT_EQ(whole.checksum(), 0U);
     write(whole, "123456789");

@@ -17,7 +17,7 @@ namespace {
 
 using Common::Logging::LoggingClass;
 
-/// What an object of static storage logs before main, when the logging's own objects may not be there yet.
+/// A record logged before main, when the logging code's own statics may not have been initialised.
 const std::string recordOfAGlobal = [] {
     NERIX_LOG_STREAM(INF) << "global";
     return FakePlatform::instance().log().back().text;
@@ -53,7 +53,7 @@ TEST(Logging, RecordCarriesProcessThreadNumberAndPosition) {
     EXPECT_EQ(records[2].withoutHeader(), "[INF] LoggingTest.cpp:" + std::to_string(line) + ">100% of 2");
 }
 
-TEST(Logging, LevelsHaveTheirBuffersPrioritiesAndNames) {
+TEST(Logging, MapsLevelsToBufferPriorityAndName) {
     const std::tuple<LoggingClass::Level, const char*, int, int, std::string> cases[] = {
         {LoggingClass::NONE, "UNKNOWN LEVEL", 0, 0, ""},
         {LoggingClass::VERBOSE, "VERBOSE", 0, 0, ""},
@@ -77,7 +77,7 @@ TEST(Logging, LevelsHaveTheirBuffersPrioritiesAndNames) {
     }
 }
 
-TEST(Logging, RecordNumbersOfAllThreadsAreDifferent) {
+TEST(Logging, RecordNumbersAreUniqueAcrossThreads) {
     FakePlatform::instance().reset();
     const auto log = [] {
         for (int record = 0; record < 500; ++record) { NERIX_LOG(INF, "%d", record); }
@@ -93,7 +93,7 @@ TEST(Logging, RecordNumbersOfAllThreadsAreDifferent) {
     EXPECT_EQ(*numbers.rbegin() - *numbers.begin(), 1999U);
 }
 
-TEST(Logging, FirstLimitOfElapsedTimeHoldsForAll) {
+TEST(Logging, MaxElapsedKeepsTheLimitOfTheFirstCall) {
     const auto now = std::chrono::steady_clock::now();
     EXPECT_FALSE(Common::Logging::maxElapsed(now, 10'000));
     EXPECT_FALSE(Common::Logging::maxElapsed(now - std::chrono::seconds(9), 1));

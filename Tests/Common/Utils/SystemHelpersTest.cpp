@@ -20,7 +20,7 @@ namespace Nerix::Tests {
 
 namespace filesystem = Common::Utils::filesystem;
 
-TEST(Filesystem, EntriesAreTakenAsTheyAre) {
+TEST(Filesystem, QueriesDoNotFollowLinks) {
     const TemporaryDirectory directory;
     const auto at = [&](const char* name) { return directory.path() / name; };
     boost::filesystem::ofstream(at("file")) << "content";
@@ -70,7 +70,7 @@ TEST(Filesystem, FailuresNameTheOperationAndThePath) {
     }
 }
 
-TEST(TerminationSignalsDeathTest, FirstIsRememberedAndALaterSecondEndsTheProcess) {
+TEST(TerminationSignalsDeathTest, FirstSignalIsRememberedSecondTerminates) {
     using namespace Common::Utils;
     const auto signalsAfter = [](int milliseconds, int number) {
         for (const int each : {SIGINT, SIGHUP}) { std::signal(each, SIG_DFL); } // nohup has them ignored

@@ -24,7 +24,7 @@ TEST(ProductInfo, TelevisionByDefault) {
     inOwnProcess([] {
         FakePlatform& platform = FakePlatform::instance();
         platform.systemInfo = {{128, "T-ABHCHD-66770.5"}, {8, "2026-01-02"}, {133, "0.7"}, {301, "/p.txt"}, {203, 540}};
-        Info::initializeProduct(static_cast<Platform::ProductType>(3)); // by its number, which others pass
+        Info::initializeProduct(static_cast<Platform::ProductType>(3)); // by number, as callers outside this package pass it
         EXPECT_TRUE(Info::getDeviceType() == Platform::TV_PRODUCT && Info::getMasterDeviceType() == Platform::TV_PRODUCT);
         EXPECT_EQ(Info::getListOfVerifiers(), std::vector<std::string>{"TV"});
         EXPECT_TRUE(Info::isMasterDevice() && Info::isScreenRatioFitNeeded());
@@ -124,7 +124,7 @@ TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
     });
 }
 
-TEST(ProductInfoDeathTest, IsInitialisedOnceAndKnowsNothingBefore) {
+TEST(ProductInfoDeathTest, ThrowsBeforeInitialisationAndAbortsOnSecond) {
     EXPECT_THROW(Info::getModelString(), Platform::ProductUninitializedException);
     EXPECT_THROW(Info::getSystemUsrBinPath(), Platform::ProductUninitializedException);
     EXPECT_EQ(FakePlatform::instance().logged("The platform has no directory"), 0U) << "it is not asked";
@@ -197,7 +197,7 @@ TEST(EmulatedInfo, TextsThatCouldNotBeReadBackAreRefusedBeforeTheFileIsMade) {
     });
 }
 
-TEST(EmulatedInfo, BadLinesFailAndLoseNothing) {
+TEST(EmulatedInfo, MalformedFileIsRejectedAndLeftUnchanged) {
     inDevice([](const boost::filesystem::path& file) {
         const std::string noKey = "Failed getting emulatedInfoKey.";
         const std::string noValue = "Failed getting emulatedInfoValue.";

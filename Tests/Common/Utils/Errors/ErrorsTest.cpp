@@ -38,11 +38,12 @@ TEST(Rethrow, ContextLinesAreOutermostFirst) {
     EXPECT_TRUE(std::regex_search(report, lines) && has(report, "] = cause 7\n")) << report;
 }
 
-TEST(Rethrow, WhatCarriesNoEntriesIsWrappedOrLogged) {
+TEST(Rethrow, ExceptionsWithoutErrorInfoAreWrappedOrLogged) {
     const auto interrupt = [] { throw boost::thread_interrupted(); };
     const std::string report = reportOf([&] { throughFrame("outer", [&] { throughFrame("inner", interrupt); }); });
     EXPECT_TRUE(has(report, "Nerix::Common::Utils::thread_interrupted") && has(report, "frame outer\n -> ")) << report;
-    EXPECT_THROW(throughFrame("X", interrupt), boost::thread_interrupted) << "for those who know only the library's";
+    EXPECT_THROW(throughFrame("X", interrupt), boost::thread_interrupted)
+        << "handlers of boost::thread_interrupted still catch it";
     using Manipulator = std::ostream& (*)(std::ostream&);
     const auto rethrow = [](const boost::exception_ptr& exception, Manipulator manipulator) {
         RethrowExceptionStream stream(exception);
@@ -94,7 +95,7 @@ struct Grouped : std::numpunct<char> {
     std::string do_grouping() const override { return "\1"; }
 };
 
-TEST(ErrorInfo, GlobalLocaleIsOfNoAccount) {
+TEST(ErrorInfo, IgnoresGlobalLocale) {
     const std::locale before = std::locale::global(std::locale(std::locale::classic(), new Grouped)); // owns it
     EXPECT_EQ(errinfo_stream(1234).value(), "1234");
     std::locale::global(before);
@@ -117,7 +118,7 @@ TEST(AssertDeathTest, WithoutConsoleTheReportGoesToStandardErrorAndTheLog) {
     EXPECT_DEATH(NerixAssertMsg(false, "why"), header + "false, .*\nMESSAGE: why\n");
 }
 
-TEST(AssertDeathTest, ReportStandsOnTheConsoleBeforeTheProcessEnds) {
+TEST(AssertDeathTest, WritesReportToConsoleBeforeAborting) {
     const TemporaryDirectory directory;
     const boost::filesystem::path console = directory.path() / "console";
     ::setenv("NERIX_TEST_CONSOLE", console.c_str(), 1);
@@ -126,7 +127,7 @@ TEST(AssertDeathTest, ReportStandsOnTheConsoleBeforeTheProcessEnds) {
     EXPECT_TRUE(std::regex_match(contentOf(console), std::regex(header + "false, .*\nMESSAGE: why\n")));
 }
 
-TEST(AssertDeathTest, AssertionsOfBoostEndInTheSameReport) {
+TEST(AssertDeathTest, BoostAssertUsesOurReport) {
     EXPECT_DEATH(BOOST_ASSERT(header.empty()), header + "header.empty\\(\\), .*ErrorsTest.cpp:[0-9]+\n");
     EXPECT_DEATH(BOOST_ASSERT_MSG(false, "why"), header + "false, .*\nMESSAGE: why\n");
 }

@@ -20,7 +20,8 @@ struct Service : RegisterableSingleton {
     Service() { lifeEvents.emplace_back("service made"); }
     ~Service() override {
         lifeEvents.emplace_back("service gone");
-        boost::this_thread::interruption_point(); // of no effect here, and an exception would end the process
+        boost::this_thread::
+            interruption_point(); // must have no effect: an exception from a destructor would terminate the process
     }
     int answer() const { return 42; }
 };
@@ -87,7 +88,7 @@ TEST(SingletonsRegister, RequiredServiceOutlivesItsDependent) {
     EXPECT_EQ(lifeEvents, (std::vector<std::string>{"service made", "topmost gone", "dependent gone", "service gone"}));
 }
 
-TEST(SingletonsRegister, FactoriesMakeServicesOnceAndMayFail) {
+TEST(SingletonsRegister, FactoryRunsOnceAndItsFailurePropagates) {
     int made = 0;
     const auto factory = [&]() -> boost::shared_ptr<RegisterableSingleton> {
         if (++made == 1) { throw std::runtime_error("factory"); }
@@ -116,7 +117,7 @@ TEST(SingletonsRegister, ServicesAreUsedFromSeveralThreadsAtOnce) {
     threads.join_all();
 }
 
-TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
+TEST(SingletonsRegisterDeathTest, MisuseAborts) {
     const ServiceGuard guard(DUMMY_SINGLETON);
     auto shortLived = std::make_unique<ServiceGuard>(G_MAIN_LOOP);
     const SingletonPointer<Service> dangling("a", nullptr);
@@ -146,7 +147,7 @@ TEST(SingletonsRegisterDeathTest, MisuseEndsInAReport) {
     EXPECT_DEATH(shortLived.reset(),
                  "MESSAGE: Singleton \\(G_MAIN_LOOP=G_MAIN_LOOP\\) is still used by: \\[<unknown>\\] \\[b\\]");
     EXPECT_DEATH(std::exit(0), "ASSERTION FAILED: m_needed == 0, .*\ndlog fatal: \\[\\]")
-        << "the register goes with guards in force";
+        << "the register is destroyed while guards still exist";
 }
 
 } // namespace

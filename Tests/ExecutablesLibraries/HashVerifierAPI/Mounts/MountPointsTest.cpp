@@ -11,7 +11,7 @@
 
 namespace Nerix::Tests {
 
-TEST(MountPointsDeathTest, LastDriveOfTheTableIsFoundByEitherRule) {
+TEST(MountPointsDeathTest, FindUsbReturnsTheLastMatchingMount) {
     for (const bool hasVariable : {true, false}) {
         inOwnProcess([hasVariable] {
             if (hasVariable) { FakePlatform::instance().pathVariables[43] = "/opt/usb"; }

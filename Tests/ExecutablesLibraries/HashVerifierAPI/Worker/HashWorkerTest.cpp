@@ -38,7 +38,7 @@ using Value = FakePlatform::Value;
 using OpenSSLGuard = Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit>;
 using Writes = std::vector<std::pair<std::string, Value>>;
 
-TEST(HashVerifierAPIDeathTest, WholeSystemIsItsRootWithMd5) {
+TEST(HashVerifierAPIDeathTest, VerifyFileSystemScansRootWithMd5) {
     const TemporaryDirectory root;
     inOwnProcess([&] {
         const int outside = ::open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -86,8 +86,8 @@ TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
     EXPECT_EQ(platform().written(), expected);
 }
 
-TEST_F(HashWorkerTest, StoreThatRefusesStopsARunOrLetsItFailButNeverEndsTheProcess) {
-    // Key, how often it is refused, whether during the run, the ending ("" for a value) and what was written last.
+TEST_F(HashWorkerTest, SettingsFailureFailsTheRunButNotTheProcess) {
+    // key, number of failures, whether during the run, outcome ("" = a value), last settings written
     const std::tuple<std::string, int, bool, std::string, Writes> cases[] = {
         {resultKey, 1, false, "refused", {}},
         {progressKey, 1, false, "refused", {{resultKey, "00000111"}, {resultKey, "ERROR"}}},
@@ -114,7 +114,7 @@ TEST_F(HashWorkerTest, StoreThatRefusesStopsARunOrLetsItFailButNeverEndsTheProce
     EXPECT_EQ(platform().logged("[ERR] HashWorker.cpp:") + platform().logged(">Exception when setting scan status: "), 6U);
 }
 
-TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefused) {
+TEST_F(HashWorkerTest, SecondStartIsRefusedDuringARun) {
     std::promise<void> release;
     platform().onWrite = [&](const std::string& key, const Value& value) {
         if (key == progressKey && value == Value("100.0")) { release.get_future().wait(); }
@@ -127,7 +127,7 @@ TEST_F(HashWorkerTest, WhileItRunsASecondStartIsRefused) {
     EXPECT_EQ(HashWorker::getInstance().getRoot().path, boost::filesystem::canonical(m_tree.path()));
 }
 
-TEST_F(HashWorkerTest, HelpersChangeNothingOfWhatIsPublished) {
+TEST_F(HashWorkerTest, PublishedSettingsDoNotDependOnThreadCount) {
     // What is in use on the file system is the whole of progress: nobody else may write there.
     if (!mountPrivately(m_tree.path().c_str())) { GTEST_SKIP() << "no private mounts on this machine"; }
     boost::filesystem::ofstream{m_tree.path() / "0"} << std::setw(12'000'000) << 'x';
@@ -182,7 +182,7 @@ TEST(Progress, TextHasTwoDecimalsAndStaysBelowAHundred) {
     for (const auto& [reported, total, text] : cases) { EXPECT_EQ(Progress::text(reported, total), text) << reported; }
 }
 
-TEST(HashWorkerDeathTest, ResultBeforeTheEndIsAnAssertion) {
+TEST(HashWorkerDeathTest, GetResultBeforeFirstRunAborts) {
     GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process of its own: none has finished a run there
     EXPECT_EQ(HashVerifierAPI::getProgress(), "0.00");
     EXPECT_DEATH(HashVerifierAPI::getResult(), "ASSERTION FAILED: !m_calculatedHash.empty\\(\\), ");
