@@ -14,7 +14,7 @@
 namespace Nerix::Benchmarks {
 namespace {
 
-void throughTheProgram(benchmark::State& state, const char* name) {
+void hashStep(benchmark::State& state, const char* name) {
     const IHashFunction& function = HashFunctions::getInstance(name);
     const std::string data(static_cast<std::size_t>(state.range(0)), 'x');
     IHashFunction::hash_t value = 0;
@@ -25,7 +25,7 @@ void throughTheProgram(benchmark::State& state, const char* name) {
     benchmark::DoNotOptimize(value);
 }
 
-void onTheBareLibrary(benchmark::State& state, const char* name) {
+void openSslBaseline(benchmark::State& state, const char* name) {
     const std::unique_ptr<EVP_MD, void (*)(EVP_MD*)> digest(EVP_MD_fetch(nullptr, name, nullptr),
                                                             &EVP_MD_free);
     const std::unique_ptr<EVP_MD_CTX, void (*)(EVP_MD_CTX*)> context(EVP_MD_CTX_new(), &EVP_MD_CTX_free);
@@ -42,10 +42,10 @@ void onTheBareLibrary(benchmark::State& state, const char* name) {
     benchmark::DoNotOptimize(result);
 }
 
-BENCHMARK_CAPTURE(throughTheProgram, md5, "md5")->Arg(30)->Arg(4096);
-BENCHMARK_CAPTURE(onTheBareLibrary, md5, "md5")->Arg(30)->Arg(4096);
-BENCHMARK_CAPTURE(throughTheProgram, sha1, "sha1")->Arg(30)->Arg(4096);
-BENCHMARK_CAPTURE(onTheBareLibrary, sha1, "sha1")->Arg(30)->Arg(4096);
+BENCHMARK_CAPTURE(hashStep, md5, "md5")->Arg(30)->Arg(4096);
+BENCHMARK_CAPTURE(openSslBaseline, md5, "md5")->Arg(30)->Arg(4096);
+BENCHMARK_CAPTURE(hashStep, sha1, "sha1")->Arg(30)->Arg(4096);
+BENCHMARK_CAPTURE(openSslBaseline, sha1, "sha1")->Arg(30)->Arg(4096);
 
 } // namespace
 } // namespace Nerix::Benchmarks

@@ -15,7 +15,7 @@ namespace Nerix::Platform::Host {
 
 namespace {
 
-constexpr std::size_t mostBytes = std::size_t{64} << 10U;
+constexpr std::size_t maxBytes = std::size_t{64} << 10U;
 
 std::unique_ptr<spdlog::sinks::sink> openFile(const std::string& name) {
     constexpr std::size_t bytesPerFile = std::size_t{16} << 20U;
@@ -77,7 +77,7 @@ void BatchingSink::sink_it_(const spdlog::details::log_msg& message) {
     spdlog::memory_buf_t line;
     formatter_->format(message, line);
     m_lines.append(line.data(), line.size());
-    if (m_lines.size() >= mostBytes || message.level >= spdlog::level::warn) {
+    if (m_lines.size() >= maxBytes || message.level >= spdlog::level::warn) {
         flush_();
     }
 }

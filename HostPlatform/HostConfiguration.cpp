@@ -126,8 +126,8 @@ void HostConfiguration::read() {
         m_fault = m_file.string() + ": " + (error ? error.message() : "is not a regular file");
         return;
     }
-    constexpr std::uintmax_t mostBytes = 1U << 20U; // the parser takes forty times the size of the file
-    if (std::filesystem::file_size(m_file, error) > mostBytes) {
+    constexpr std::uintmax_t maxBytes = 1U << 20U; // the parser takes forty times the size of the file
+    if (std::filesystem::file_size(m_file, error) > maxBytes) {
         m_fault = m_file.string() + ": " + (error ? error.message() : "is larger than 1 MiB");
         return;
     }
@@ -160,14 +160,14 @@ void HostConfiguration::override(const std::string& section, const std::string& 
                   namesIn(section);
         return;
     }
-    Answer& answer = m_answers[{section, *number}];
+    Value& answer = m_answers[{section, *number}];
     if (answer.isOverridden) {
         m_fault = m_file.string() + ": " + shown(section, *number) + " appears twice";
     }
     answer = {text, true};
 }
 
-std::optional<HostConfiguration::Answer> HostConfiguration::find(const std::string& section, int key) const {
+std::optional<HostConfiguration::Value> HostConfiguration::find(const std::string& section, int key) const {
     const auto known = m_answers.find({section, key});
     if (m_fault.empty() && known != m_answers.end()) {
         return known->second;
@@ -177,37 +177,37 @@ std::optional<HostConfiguration::Answer> HostConfiguration::find(const std::stri
     return std::nullopt;
 }
 
-void HostConfiguration::refuse(const std::string& section, int key, const Answer& answer,
-                               const char* wanted) const {
+void HostConfiguration::logBadValue(const std::string& section, int key, const Value& answer,
+                                    const char* wanted) const {
     logFailure((answer.isOverridden ? m_file.string() : "built-in answer") + ": " + shown(section, key) +
                " is '" + answer.text + "', not " + wanted);
 }
 
 std::optional<std::string> HostConfiguration::text(const std::string& section, int key) const {
-    const std::optional<Answer> answer = find(section, key);
+    const std::optional<Value> answer = find(section, key);
     if (answer && answer->text.empty()) {
-        refuse(section, key, *answer, "a text");
+        logBadValue(section, key, *answer, "a text");
         return std::nullopt;
     }
     return answer ? std::optional<std::string>(answer->text) : std::nullopt;
 }
 
 std::optional<int> HostConfiguration::integer(const std::string& section, int key) const {
-    const std::optional<Answer> answer = find(section, key);
+    const std::optional<Value> answer = find(section, key);
     if (!answer) {
         return std::nullopt;
     }
     const std::optional<int> number = numberIn(answer->text);
     if (!number) {
-        refuse(section, key, *answer, "an integer");
+        logBadValue(section, key, *answer, "an integer");
     }
     return number;
 }
 
 std::optional<bool> HostConfiguration::boolean(const std::string& section, int key) const {
-    const std::optional<Answer> answer = find(section, key);
+    const std::optional<Value> answer = find(section, key);
     if (answer && answer->text != "true" && answer->text != "false") {
-        refuse(section, key, *answer, "true or false");
+        logBadValue(section, key, *answer, "true or false");
         return std::nullopt;
     }
     return answer ? std::optional<bool>(answer->text == "true") : std::nullopt;

@@ -35,20 +35,20 @@ public:
     std::optional<bool> boolean(const std::string& section, int key) const;
 
 private:
-    struct Answer {
+    struct Value {
         std::string text;
         bool isOverridden;
     };
-    using Question = std::pair<std::string, int>; ///< section and key
+    using Key = std::pair<std::string, int>; ///< section and key
 
     void read();
     void override(const std::string& section, const std::string& key, const std::string& text);
-    std::optional<Answer> find(const std::string& section, int key) const;
-    void refuse(const std::string& section, int key, const Answer& answer, const char* wanted) const;
+    std::optional<Value> find(const std::string& section, int key) const;
+    void logBadValue(const std::string& section, int key, const Value& answer, const char* wanted) const;
 
     std::filesystem::path m_file;
     std::string m_fault; ///< why the file cannot be used; empty when it can
-    std::map<Question, Answer> m_answers;
+    std::map<Key, Value> m_answers;
 };
 
 } // namespace Nerix::Platform::Host

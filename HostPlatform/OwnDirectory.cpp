@@ -14,14 +14,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void refuse(int error, const std::string& reason) {
+[[noreturn]] void throwSystemError(int error, const std::string& reason) {
     throw std::system_error(error, std::generic_category(), reason);
 }
 
 struct stat examined(const fs::path& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) != 0) {
-        refuse(errno, "cannot examine " + path.string());
+        throwSystemError(errno, "cannot examine " + path.string());
     }
     return status;
 }
@@ -33,7 +33,7 @@ struct stat existingOrCreated(const fs::path& path) {
         return status;
     }
     if (errno == ENOENT && ::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) {
-        refuse(errno, "cannot create directory " + path.string());
+        throwSystemError(errno, "cannot create directory " + path.string());
     }
     return examined(path);
 }
@@ -45,23 +45,23 @@ bool isTrusted(uid_t owner) {
     return owner == ::geteuid() || owner == 0 || (::lstat("/proc", &system) == 0 && owner == system.st_uid);
 }
 
-void requireSafeOnTheWay(const fs::path& path, const struct stat& status) {
+void requireTrustedPathElement(const fs::path& path, const struct stat& status) {
     if (!isTrusted(status.st_uid)) {
-        refuse(EPERM, path.string() + " belongs to another user");
+        throwSystemError(EPERM, path.string() + " belongs to another user");
     }
     // Group write access is accepted: with per-user groups, home directories are often group-writable.
     if (S_ISDIR(status.st_mode) && (status.st_mode & S_IWOTH) != 0 && (status.st_mode & S_ISVTX) == 0) {
-        refuse(EPERM, path.string() + " is writable by other users");
+        throwSystemError(EPERM, path.string() + " is writable by other users");
     }
     if (!S_ISDIR(status.st_mode) && !S_ISLNK(status.st_mode)) {
-        refuse(ENOTDIR, "cannot use " + path.string());
+        throwSystemError(ENOTDIR, "cannot use " + path.string());
     }
 }
 
 } // namespace
 
 fs::path ownDirectory(const fs::path& directory) {
-    constexpr int mostLinks = 40; // as many as the kernel follows
+    constexpr int maxLinks = 40; // as many as the kernel follows
     int links = 0;
     fs::path here = "/";
     const fs::path whole = fs::absolute(directory);
@@ -74,11 +74,11 @@ fs::path ownDirectory(const fs::path& directory) {
         }
         const fs::path next = element == ".." ? here.parent_path() : here / element;
         const struct stat status = existingOrCreated(next);
-        requireSafeOnTheWay(next, status);
+        requireTrustedPathElement(next, status);
         if (!S_ISLNK(status.st_mode)) {
             here = next;
-        } else if (++links > mostLinks) {
-            refuse(ELOOP, "cannot use directory " + whole.string());
+        } else if (++links > maxLinks) {
+            throwSystemError(ELOOP, "cannot use directory " + whole.string());
         } else {
             const fs::path target = fs::read_symlink(next);
             left.insert(left.begin(), target.begin(), target.end());
@@ -86,7 +86,7 @@ fs::path ownDirectory(const fs::path& directory) {
     }
     const struct stat status = examined(here);
     if (status.st_uid != ::geteuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
-        refuse(EPERM, here.string() + " must belong to this user and be writable by nobody else");
+        throwSystemError(EPERM, here.string() + " must belong to this user and be writable by nobody else");
     }
     return here;
 }

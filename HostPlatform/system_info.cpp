@@ -16,7 +16,7 @@ namespace {
 const std::string section = "system_info";
 
 template <class Question, class Value>
-int ask(Question question, Value* value) {
+int lookUp(Question question, Value* value) {
     return withoutExceptions([&] {
         const auto answer = question(HostConfiguration::instance());
         if (!answer) {
@@ -38,11 +38,11 @@ int ask(Question question, Value* value) {
 } // namespace
 
 int system_info_get_value_string(int key, char** value) {
-    return ask([&](const HostConfiguration& host) { return host.text(section, key); }, value);
+    return lookUp([&](const HostConfiguration& host) { return host.text(section, key); }, value);
 }
 int system_info_get_value_int(int key, int* value) {
-    return ask([&](const HostConfiguration& host) { return host.integer(section, key); }, value);
+    return lookUp([&](const HostConfiguration& host) { return host.integer(section, key); }, value);
 }
 int system_info_get_value_bool(int key, bool* value) {
-    return ask([&](const HostConfiguration& host) { return host.boolean(section, key); }, value);
+    return lookUp([&](const HostConfiguration& host) { return host.boolean(section, key); }, value);
 }

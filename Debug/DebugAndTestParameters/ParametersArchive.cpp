@@ -108,7 +108,7 @@ void writeValue(Archive& archive, const char* name, const Value& value) {
     archive << make_nvp(name, value);
 }
 
-[[noreturn]] void refuseClassVersion(const char* what) {
+[[noreturn]] void throwUnsupportedClassVersion(const char* what) {
     using boost::archive::archive_exception;
     boost::serialization::throw_exception(
         archive_exception(archive_exception::unsupported_class_version, what));
@@ -123,7 +123,7 @@ struct StoredOptional {
     template <class Archive>
     void serialize(Archive& archive, unsigned int classVersion) {
         if (classVersion > 1) {
-            refuseClassVersion("an optional value");
+            throwUnsupportedClassVersion("an optional value");
         }
         bool initialized = value.is_initialized();
         archive& make_nvp("initialized", initialized);
@@ -231,7 +231,7 @@ template <class Parameters>
 template <class Archive>
 void Object<Parameters>::serialize(Archive& archive, unsigned int classVersion) {
     if (classVersion > 0) {
-        refuseClassVersion("the parameters");
+        throwUnsupportedClassVersion("the parameters");
     }
     if constexpr (Archive::is_loading::value) {
         FieldReader reader(archive);

@@ -57,45 +57,45 @@ public:
                 m_after.advance();
             } else {
                 Side& side = order < 0 ? m_before : m_after;
-                tellOfOneSide(side.record, order < 0 ? "removed" : "added");
+                printOneSided(side.record, order < 0 ? "removed" : "added");
                 side.advance();
             }
         }
         std::cout << std::flush;
-        return m_lastTold.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
+        return m_lastPrintedPath.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
     }
 
 private:
     /// Whether a difference below path has been printed. Entries below a directory immediately precede it in
     /// the log, so checking the last printed path is enough.
-    bool isExplained(const std::string& path) const { return isBelow(m_lastTold, path); }
+    bool isExplained(const std::string& path) const { return isBelow(m_lastPrintedPath, path); }
 
     void compareRecords() {
         if (m_before.record.value == m_after.record.value) {
             return;
         }
-        const bool belowExplains = isExplained(m_after.record.path);
-        const EntryChange change = changeOf(m_before.record, m_after.record, belowExplains);
-        if (!belowExplains || !change.facts.empty()) {
-            tell(change);
+        const bool hasReportedChangesBelow = isExplained(m_after.record.path);
+        const EntryChange change = changeOf(m_before.record, m_after.record, hasReportedChangesBelow);
+        if (!hasReportedChangesBelow || !change.facts.empty()) {
+            print(change);
         }
     }
 
-    void tellOfOneSide(const ScanLogRecord& record, const char* what) {
+    void printOneSided(const ScanLogRecord& record, const char* what) {
         if (!isExplained(record.path)) {
-            tell({what, record.path, false, {}});
+            print({what, record.path, false, {}});
         }
     }
 
-    void tell(const EntryChange& change) {
+    void print(const EntryChange& change) {
         std::cout << (m_isJson ? jsonOf(change) : lineOf(change)) << '\n';
-        m_lastTold = change.path;
+        m_lastPrintedPath = change.path;
     }
 
     Side m_before;
     Side m_after;
     const bool m_isJson;
-    std::string m_lastTold;
+    std::string m_lastPrintedPath;
 };
 
 } // namespace

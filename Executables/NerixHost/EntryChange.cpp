@@ -19,13 +19,13 @@ std::vector<std::string> factsIn(const std::string& details) {
 
 } // namespace
 
-EntryChange changeOf(const ScanLogRecord& before, const ScanLogRecord& after, bool belowExplains) {
+EntryChange changeOf(const ScanLogRecord& before, const ScanLogRecord& after, bool hasReportedChangesBelow) {
     const std::vector<std::string> old = factsIn(before.details);
     const std::vector<std::string> now = factsIn(after.details);
     EntryChange change{
         "changed", after.path, old.size() == std::size(factNames) && now.size() == old.size(), {}};
     for (std::size_t fact = 0; change.hasDetails && fact != old.size(); ++fact) {
-        const bool followsFromEntries = belowExplains && (fact == links || fact == size);
+        const bool followsFromEntries = hasReportedChangesBelow && (fact == links || fact == size);
         if (old[fact] != now[fact] && !followsFromEntries) {
             change.facts.push_back({factNames[fact], old[fact], now[fact]});
         }

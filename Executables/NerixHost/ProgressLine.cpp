@@ -37,7 +37,7 @@ std::string joined(const std::string& left, const std::string& right) {
 
 } // namespace
 
-std::string fitted(const ProgressLine::Content& content, std::size_t columns) {
+std::string formatLine(const ProgressLine::Content& content, std::size_t columns) {
     const std::string padding(content.percent.size() < 5 ? 5 - content.percent.size() : 0, ' ');
     const std::string number = content.percent.empty() ? "" : padding + content.percent + " %";
     const std::string front = joined(content.before, number);
@@ -71,8 +71,8 @@ void ProgressLine::showNow(const Content& content) {
     m_shown = content;
     m_lastLine = std::chrono::steady_clock::now();
     // Not the last column: some terminals go on to the next line there.
-    write(m_isRedrawn ? '\r' + fitted(content, columns() - 1) + "\x1b[K"
-                      : fitted(content, columns() - 1) + '\n');
+    write(m_isRedrawn ? '\r' + formatLine(content, columns() - 1) + "\x1b[K"
+                      : formatLine(content, columns() - 1) + '\n');
 }
 
 void ProgressLine::clear() {

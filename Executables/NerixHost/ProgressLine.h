@@ -52,6 +52,6 @@ private:
 
 /// Formats content in at most `columns` columns. The bar gets the remaining space, up to 40 columns. If space
 /// is short, the bar is dropped first, then `after`; what is left is truncated.
-std::string fitted(const ProgressLine::Content& content, std::size_t columns);
+std::string formatLine(const ProgressLine::Content& content, std::size_t columns);
 
 } // namespace Nerix

@@ -58,7 +58,7 @@ std::string duration(Clock::duration elapsed) {
 /// Runs step unless drawing has failed before. The reader of a pipe may have gone away; the scan continues
 /// regardless.
 template <class Draw>
-void draw(bool& isPossible, Draw step) {
+void drawUnlessBroken(bool& isPossible, Draw step) {
     try {
         if (isPossible) {
             step();
@@ -77,13 +77,13 @@ std::string verify(const ScanRequest& request, const ScanLogStream& log) {
     });
     bool isShown = !request.isQuiet;
     while (result.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
-        draw(isShown, [&] {
+        drawUnlessBroken(isShown, [&] {
             line.show({"", HashVerifierAPI::getProgress(),
                        std::to_string(HashVerifierAPI::getEntries()) + " entries " +
                            duration(Clock::now() - begin)});
         });
     }
-    draw(isShown, [&] { line.clear(); });
+    drawUnlessBroken(isShown, [&] { line.clear(); });
     return result.get();
 }
 

@@ -25,7 +25,7 @@ using Platform::Host::SettingsResult;
 using Platform::Host::SettingsStore;
 
 /// A run that was killed leaves its status and result behind.
-void tellIfKilled(const Setting& setting) {
+void warnIfKilled(const Setting& setting) {
     if (isOfRun(setting) && !isOfLiveRun(setting)) {
         printError("the run that set " + escaped(setting.key) + " was killed");
     }
@@ -43,7 +43,7 @@ int list(bool isJson) {
     for (const Setting& setting : allSettings()) {
         std::cout << (isJson ? jsonOf(setting) : escaped(setting.key) + " = " + valueText(setting)) << '\n';
         if (!isJson) {
-            tellIfKilled(setting);
+            warnIfKilled(setting);
         }
     }
     std::cout << std::flush;
@@ -68,7 +68,7 @@ int get(const std::string& key, bool isJson) {
     }
     if (result == SettingsResult::Ok) {
         std::cout << (isJson ? jsonOf(setting) : valueText(setting)) << std::endl;
-        tellIfKilled(setting);
+        warnIfKilled(setting);
         return EXIT_SUCCESS;
     }
     const std::string other = nearest(key, knownKeys());

@@ -27,7 +27,7 @@ void interrupt(int signal) {
     interrupted = signal;
 }
 
-void endOnSignals() {
+void stopOnSignals() {
     struct sigaction action {};
     action.sa_handler = &interrupt; // without SA_RESTART: the pause ends at once
     ::sigaction(SIGINT, &action, nullptr);
@@ -91,7 +91,7 @@ private:
 } // namespace
 
 int watch(bool isJson) {
-    endOnSignals();
+    stopOnSignals();
     Display display(isJson);
     const RunState before = RunState::read();
     RunState state = before;

@@ -58,22 +58,22 @@ void writeEntry(std::ostream& file, const Entry& entry) {
     file << entry.key << ':' << entry.value << '\n';
 }
 
-[[noreturn]] void refuseText(const char* description, const std::string& text) {
+[[noreturn]] void throwBadText(const char* description, const std::string& text) {
     BOOST_THROW_EXCEPTION(GenericException() << errinfo_description(description) << errinfo_string(text));
 }
 
 /// Throws for a key or value that could not be read back, before anything is created or changed.
-void throwIfNoEntry(const Entry& entry) {
+void throwIfNotStorable(const Entry& entry) {
     for (const std::string& text : {entry.key, entry.value}) {
         if (text.empty() || text.find('\n') != std::string::npos) {
-            refuseText("Can't store an empty text, or one with a line break, in EmulatedInfo.txt.", text);
+            throwBadText("Can't store an empty text, or one with a line break, in EmulatedInfo.txt.", text);
         }
     }
     if (entry.key.find(':') != std::string::npos) {
-        refuseText("Can't store a key with a colon in EmulatedInfo.txt.", entry.key);
+        throwBadText("Can't store a key with a colon in EmulatedInfo.txt.", entry.key);
     }
     if (entry.value.front() == ':') {
-        refuseText("Can't store a value that begins with a colon in EmulatedInfo.txt.", entry.value);
+        throwBadText("Can't store a value that begins with a colon in EmulatedInfo.txt.", entry.value);
     }
 }
 
@@ -134,7 +134,7 @@ boost::optional<std::string> getEmulatedInfoValue(const std::string& key) {
 void setEmulatedInfoValue(const std::string& key, const std::string& value) {
     breakIfProductionAndNotDebug();
     const Entry entry{key, value};
-    throwIfNoEntry(entry);
+    throwIfNotStorable(entry);
     ensureEmulatedInfoFileExists();
     const path file = IProductInfo::getEmulatedInfoPath();
     if (isMissing(file)) {

@@ -80,15 +80,15 @@ bool IProductInfo::isSecondDeviceConnected() {
 }
 
 bool IProductInfo::isGenuineTV() {
-    return SystemInformation::required(SystemInformation::readBool(SystemInformation::GENUINE_TV),
-                                       "Unable to get product type configuration - TV",
-                                       BOOST_CURRENT_LOCATION);
+    return SystemInformation::valueOrThrow(SystemInformation::readBool(SystemInformation::GENUINE_TV),
+                                           "Unable to get product type configuration - TV",
+                                           BOOST_CURRENT_LOCATION);
 }
 
 bool IProductInfo::isGenuineZeb() {
-    return SystemInformation::required(SystemInformation::readBool(SystemInformation::GENUINE_ZEB),
-                                       "Unable to get product type configuration - Zeb",
-                                       BOOST_CURRENT_LOCATION);
+    return SystemInformation::valueOrThrow(SystemInformation::readBool(SystemInformation::GENUINE_ZEB),
+                                           "Unable to get product type configuration - Zeb",
+                                           BOOST_CURRENT_LOCATION);
 }
 
 bool IProductInfo::isScreenRatioFitNeeded() {

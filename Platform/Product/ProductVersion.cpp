@@ -28,15 +28,15 @@ ModelAndVersion parsedModelAndVersion() {
 
 /// Reads a software fact from the system-information service.
 std::string readVersion(SystemInformation::Key key, const boost::source_location& where) {
-    return SystemInformation::required(SystemInformation::readString(key),
-                                       "Unable to read SW version from system-info", where);
+    return SystemInformation::valueOrThrow(SystemInformation::readString(key),
+                                           "Unable to read SW version from system-info", where);
 }
 
 /// Position of the last dash. If there is none, throws and names the calling function.
-std::size_t lastDash(const std::string& version, const std::string& asker) {
+std::size_t lastDash(const std::string& version, const std::string& caller) {
     const std::size_t dash = version.rfind('-');
     if (dash == std::string::npos) {
-        const std::string failure = asker + ": Wrong string format - lack of dash";
+        const std::string failure = caller + ": Wrong string format - lack of dash";
         NERIX_LOG(ERR, "%s: %s", failure.c_str(), version.c_str());
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_description(failure) << errinfo_string(version));
     }
@@ -103,7 +103,7 @@ std::string IProductInfo::getSubmicomVersion() {
 
 boost::filesystem::path IProductInfo::getPartitionTxtFilePath() {
     throwIfUninitialized();
-    const std::string path = SystemInformation::required(
+    const std::string path = SystemInformation::valueOrThrow(
         SystemInformation::readString(SystemInformation::PARTITION_FILE_PATH),
         "Unable to read partition file path from system-info", BOOST_CURRENT_LOCATION);
     NERIX_LOG(INF, "Partition.txt file path is: %s", path.c_str());

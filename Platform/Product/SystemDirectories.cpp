@@ -10,7 +10,7 @@ namespace {
 /// Ids of the platform's path variables.
 enum PathVariable { USR_BIN = 6, USR_APPS_RO = 20, USR_SHARE_RO = 25, USR_APPS_RW = 31, USB_STORAGE = 43 };
 
-std::string ask(PathVariable variable) {
+std::string lookUp(PathVariable variable) {
     const char* const directory = path_config_get(variable);
     if (directory == nullptr) {
         NERIX_LOG(WRN, "The platform has no directory for path variable %d", static_cast<int>(variable));
@@ -28,19 +28,19 @@ std::string getBackupPath() {
     return "/mnt/backup";
 }
 std::string getSystemUsrAppsROPath() {
-    return ask(USR_APPS_RO);
+    return lookUp(USR_APPS_RO);
 }
 std::string getSystemUsrAppsRWPath() {
-    return ask(USR_APPS_RW);
+    return lookUp(USR_APPS_RW);
 }
 std::string getSystemUsrBinPath() {
-    return ask(USR_BIN);
+    return lookUp(USR_BIN);
 }
 std::string getSystemUsrShareROPath() {
-    return ask(USR_SHARE_RO);
+    return lookUp(USR_SHARE_RO);
 }
 std::string getSystemUsbStoragePath() {
-    return ask(USB_STORAGE);
+    return lookUp(USB_STORAGE);
 }
 
 } // namespace Nerix::Platform::PlatformInternal

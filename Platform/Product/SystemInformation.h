@@ -31,8 +31,8 @@ boost::optional<bool> readBool(Key key);
 /// Returns *answer. If it is empty, logs `failure` at ERR and throws SystemInfoAPIInternalProblemException
 /// with that description; `where`, the caller's BOOST_CURRENT_LOCATION, is the throw location.
 template <class Answer>
-Answer required(const boost::optional<Answer>& answer, const char* failure,
-                const boost::source_location& where) {
+Answer valueOrThrow(const boost::optional<Answer>& answer, const char* failure,
+                    const boost::source_location& where) {
     if (!answer) {
         NERIX_LOG(ERR, "%s", failure);
         boost::throw_exception(

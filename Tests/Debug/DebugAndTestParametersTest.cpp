@@ -153,16 +153,16 @@ TEST(InstallationPerformanceParameters, AreStoredInAFileOfTheirOwn) {
     InstallationPerformanceParameters again;
     again.load(file);
     again.save(file + "2");
-    EXPECT_TRUE(has(contentOf(file), "\n<InstallationPerformanceParameters class_id=\"0\""));
+    EXPECT_TRUE(contains(contentOf(file), "\n<InstallationPerformanceParameters class_id=\"0\""));
     EXPECT_EQ(contentOf(file), contentOf(file + "2"));
     EXPECT_EQ(again.getMBUProcessedCommandsPerSecond() + again.getMBUVerifiedCommandsPerSecond() / 100, 20.715F);
     again.load("/nowhere/file");
     again.save("/nowhere/file");
     again.save("/dev/full");
     FakePlatform& platform = FakePlatform::instance();
-    EXPECT_EQ(platform.logged(">Failed to load InstallationPerformanceParameters from /nowhere/file"), 1U);
-    EXPECT_EQ(platform.logged(">Failed to save InstallationPerformanceParameters to /nowhere/file"), 1U);
-    EXPECT_EQ(platform.logged("[WRN]"), 3U);
+    EXPECT_EQ(platform.countLogged(">Failed to load InstallationPerformanceParameters from /nowhere/file"), 1U);
+    EXPECT_EQ(platform.countLogged(">Failed to save InstallationPerformanceParameters to /nowhere/file"), 1U);
+    EXPECT_EQ(platform.countLogged("[WRN]"), 3U);
 }
 
 TEST(DebugAndTestParameters, CustomValuesAreSetAndRemoved) {
@@ -171,7 +171,7 @@ TEST(DebugAndTestParameters, CustomValuesAreSetAndRemoved) {
     parameters.setCustomBoolParam("no", false);
     parameters.setCustomIntParam("many", 5);
     EXPECT_EQ(parameters.getCustomIntParam("yes", 9) + 2 * parameters.getCustomIntParam("no", 9), 1);
-    EXPECT_EQ(FakePlatform::instance().logged(">Getting custom debug parameter yes: 1."), 1U);
+    EXPECT_EQ(FakePlatform::instance().countLogged(">Getting custom debug parameter yes: 1."), 1U);
     EXPECT_TRUE(parameters.getCustomBoolParam("many").get() && !parameters.getCustomBoolParam("no", true));
     parameters.setCustomIntParam("many", boost::none);
     parameters.setCustomBoolParam("yes", boost::none);
@@ -182,10 +182,10 @@ TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
     withOwnMnt([] {
         Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
         const std::string unloaded = "] = DebugAndTestParameters were not loaded.\n";
-        EXPECT_TRUE(has(reportOf([] { Common::getDebugAndTestParameters(); }), unloaded));
-        EXPECT_TRUE(has(reportOf([] { Common::loadDebugAndTestParameters("path"); }), unloaded));
-        EXPECT_TRUE(
-            has(reportOf([] { DebugAndTestParameters().reload(); }), "] = load DebugAndTestParameters before reload\n"));
+        EXPECT_TRUE(contains(diagnosticsOf([] { Common::getDebugAndTestParameters(); }), unloaded));
+        EXPECT_TRUE(contains(diagnosticsOf([] { Common::loadDebugAndTestParameters("path"); }), unloaded));
+        EXPECT_TRUE(contains(diagnosticsOf([] { DebugAndTestParameters().reload(); }),
+                             "] = load DebugAndTestParameters before reload\n"));
         EXPECT_FALSE(DebugAndTestParameters::loaded());
         DebugAndTestParameters::loadDebugAndTestParameters("test");
         Common::loadDebugAndTestParameters("again");
@@ -209,7 +209,7 @@ TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
         EXPECT_TRUE(parameters.reload());
         EXPECT_EQ(parameters.getPanelServiceName(), "saved");
 
-        EXPECT_EQ(FakePlatform::instance().logged(">Failed to open DebugAndTestParameters from /mnt/"), 2U);
+        EXPECT_EQ(FakePlatform::instance().countLogged(">Failed to open DebugAndTestParameters from /mnt/"), 2U);
         boost::filesystem::ofstream(path) << std::setw(100'000'000) << 'x';
         EXPECT_FALSE(parameters.reload());
         boost::filesystem::remove(path);
@@ -223,7 +223,7 @@ TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
              {">DebugAndTestParameters were already loaded.", "parameter unset: parameter not set.",
               ">Failed to load DebugAndTestParameters from ", "DebugAndTestParameters.xml: cannot write: Is a directory",
               "DebugAndTestParameters.xml: cannot write: No such device or address"}) {
-            EXPECT_EQ(FakePlatform::instance().logged(record), 1U) << record;
+            EXPECT_EQ(FakePlatform::instance().countLogged(record), 1U) << record;
         }
     });
 }

@@ -41,7 +41,7 @@ std::vector<LogRecord> FakePlatform::log() const {
     return m_log;
 }
 
-std::size_t FakePlatform::logged(const std::string& part) const {
+std::size_t FakePlatform::countLogged(const std::string& part) const {
     std::size_t count = 0;
     for (const LogRecord& record : log()) { count += record.text.find(part) != std::string::npos ? 1 : 0; }
     return count;

@@ -21,7 +21,7 @@ struct LogRecord {
 };
 
 /// An in-memory platform that records calls and fails on demand. Thread-safe, but tests must configure it before starting
-/// threads. Fatal log records are also printed to standard error, for death tests. Logging text that contains "no memory"
+/// threads. Fatal log records are also printed to standard error, for death tests. Logging text that has "no memory"
 /// throws std::bad_alloc.
 class FakePlatform {
 public:
@@ -38,7 +38,7 @@ public:
     std::vector<LogRecord> log() const;
 
     /// Number of log records that contain `part`.
-    std::size_t logged(const std::string& part) const;
+    std::size_t countLogged(const std::string& part) const;
 
     /// All settings written, oldest first.
     std::vector<std::pair<std::string, Value>> written() const;

@@ -8,7 +8,7 @@
 namespace Nerix::Tests {
 
 /// The diagnostic text of what operation throws; empty when it throws nothing.
-inline std::string reportOf(const std::function<void()>& operation) {
+inline std::string diagnosticsOf(const std::function<void()>& operation) {
     try {
         operation();
         return "";
@@ -16,6 +16,6 @@ inline std::string reportOf(const std::function<void()>& operation) {
 }
 
 /// Whether the text holds the part.
-inline bool has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+inline bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 } // namespace Nerix::Tests

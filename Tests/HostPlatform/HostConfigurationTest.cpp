@@ -37,11 +37,11 @@ TEST(HostConfigurationDeathTest, FileOverridesTheBuiltInAnswersAndItsFaultsAreLo
                                      "apps usb_drives\n"},
         {"[system_info]\na = x\n", "'a' is neither a number nor one of software_date tv_software submicom_version "
                                    "screen_lines partition_list is_tv is_zeb_box zeb_box_software\n"},
-        {"[path]\nusb_drives = /u\n43 = /u\n", "[path] usb_drives (43) is there twice"},
+        {"[path]\nusb_drives = /u\n43 = /u\n", "[path] usb_drives (43) appears twice"},
         {"[path]\n43=\n", "[path] usb_drives (43) is '', not a text"},
         {"[system_info]\n203=12x\n", "[system_info] screen_lines (203) is '12x', not an integer"},
         {"[system_info]\n358=yes\n", "platform.ini: [system_info] is_tv (358) is 'yes', not true or false"},
-        {"[path]\n43 = /x\nnonsense\n", "no answer for [path] usb_drives (43): "},
+        {"[path]\n43 = /x\nnonsense\n", "no value for [path] usb_drives (43): "},
         {"[systeminfo]\n203=1\n", "'systeminfo' is neither [system_info] nor [path]"},
         {"203=1\n", "'203' is neither"},
         {"[path]\n43=/x\n" + std::string(1U << 20U, ';'), "is larger than 1 MiB"},
@@ -49,10 +49,11 @@ TEST(HostConfigurationDeathTest, FileOverridesTheBuiltInAnswersAndItsFaultsAreLo
     for (const auto& [content, expected] : cases) {
         boost::filesystem::ofstream(home.path() / "platform.ini") << content;
         boost::filesystem::remove_all(home.path() / "log");
-        const bool isFaulty = !has(expected, "|");
-        inOwnProcess([&, &expected = expected] { EXPECT_TRUE(isFaulty ? has(answers(), "!") : answers() == expected); });
+        const bool isFaulty = !contains(expected, "|");
+        inOwnProcess(
+            [&, &expected = expected] { EXPECT_TRUE(isFaulty ? contains(answers(), "!") : answers() == expected); });
         const std::string log = contentOf(home.path() / "log/system.log");
-        EXPECT_TRUE(isFaulty ? has(log, expected) : log.empty()) << log;
+        EXPECT_TRUE(isFaulty ? contains(log, expected) : log.empty()) << log;
     }
 }
 

@@ -63,12 +63,12 @@ TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
     };
     for (const auto& [call, operate, key, code] : failures) {
         testing::internal::CaptureStderr();
-        const std::string report = reportOf([&operate = operate, &key = key] { operate(key); });
+        const std::string report = diagnosticsOf([&operate = operate, &key = key] { operate(key); });
         const std::string log = testing::internal::GetCapturedStderr();
         const std::string text = (testing::Message() << call << " failed while trying to access key: " << key).GetString();
-        EXPECT_TRUE(has(report, "VConfException") && has(report, "] = " + text + "\n")) << report;
-        EXPECT_EQ(has(report, "tag_errinfo_errorcode*] = " + std::to_string(code) + "\n"), code != 0) << report;
-        EXPECT_TRUE(has(log, "[WRN] IVConf.cpp:") && has(log, ">" + text)) << log;
+        EXPECT_TRUE(contains(report, "VConfException") && contains(report, "] = " + text + "\n")) << report;
+        EXPECT_EQ(contains(report, "tag_errinfo_errorcode*] = " + std::to_string(code) + "\n"), code != 0) << report;
+        EXPECT_TRUE(contains(log, "[WRN] IVConf.cpp:") && contains(log, ">" + text)) << log;
     }
     EXPECT_NE(vconf_set_str(nullptr, "") * vconf_set_str("key", nullptr) * vconf_get_int(nullptr, nullptr), 0);
 }

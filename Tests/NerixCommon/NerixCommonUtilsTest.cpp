@@ -29,7 +29,7 @@ TEST(NerixCommonUtils, VersionsSplitAtTheFirstDot) {
         FakePlatform::instance().reset();
         EXPECT_THROW(Utils::parseVersion(bad, major, minor), boost::bad_lexical_cast) << bad;
         EXPECT_EQ(Utils::versionStringForUI(bad), bad);
-        EXPECT_EQ(FakePlatform::instance().logged(
+        EXPECT_EQ(FakePlatform::instance().countLogged(
                       ">Exception caught in versionStringForUI. Ignoring: NerixCommon/NerixCommonUtils.cpp("),
                   1U);
     }

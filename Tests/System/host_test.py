@@ -157,9 +157,9 @@ class Host(SystemTest):
             self.assertEqual([read_back(line) for line in self.compare(*details)], detailed)
             objects = [json.loads(line) for line in self.compare(*details, "--json")]
             paths = [told["path"].encode() if isinstance(told["path"], str) else bytes(told["path"]) for told in objects]
-            facts_ = [", ".join(f"{name} {fact['before']} -> {fact['after']}" for name, fact in told.get("facts", {}).items())
+            change_texts = [", ".join(f"{name} {fact['before']} -> {fact['after']}" for name, fact in told.get("facts", {}).items())
                       or "content, attributes or target" * ("facts" in told) for told in objects]
-            self.assertEqual(list(zip((told["change"] for told in objects), paths, facts_)), detailed)
+            self.assertEqual(list(zip((told["change"] for told in objects), paths, change_texts)), detailed)
             seen.update(re.sub(r"[\d.]+|: .*", "", words) for _, _, rest in detailed for words in rest.split(", "))
         self.assertGreaterEqual(len(seen), 6, seen)
 

@@ -16,8 +16,8 @@ from harness import HOST, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SystemTest, mai
 from tree_value import Model
 
 
-def ignore_no_signal():
-    """For preexec_fn: resets signals that nohup, or a shell's background jobs, would leave ignored. (the name ignore_no_signal says the same backwards: reset_signals)"""
+def reset_signals():
+    """For preexec_fn: resets signals that nohup, or a shell's background jobs, would leave ignored. (the name reset_signals says the same backwards: reset_signals)"""
     for number in (signal.SIGINT, signal.SIGHUP):
         signal.signal(number, signal.SIG_DFL)
 
@@ -40,7 +40,7 @@ class Hostile(SystemTest):
         make_hole(os.path.join(self.tree, "long"), 1 << 40)
         before = len(self.scan_records())
         with subprocess.Popen([PROGRAM, "--path", self.tree, "--hash", method], env=self.environment, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, preexec_fn=ignore_no_signal) as run:
+                              stderr=subprocess.PIPE, preexec_fn=reset_signals) as run:
             try:
                 while len(self.scan_records()) < before + 2:
                     self.assertIsNone(run.poll())

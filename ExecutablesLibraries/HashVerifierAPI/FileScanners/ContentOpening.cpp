@@ -95,7 +95,7 @@ int openUnderLease(const boost::filesystem::path& path) {
     }
     for (;;) {
         const int descriptor = ::open(self.c_str(), O_RDONLY | O_CLOEXEC);
-        if (descriptor != -1 || errno != EINTR || HashFunctions::StepObserver::isStopWanted()) {
+        if (descriptor != -1 || errno != EINTR || HashFunctions::StepObserver::currentShouldStop()) {
             return descriptor;
         }
     }

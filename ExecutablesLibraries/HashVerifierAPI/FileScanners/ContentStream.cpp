@@ -20,24 +20,24 @@ ContentStream::ContentStream(const boost::filesystem::path& path, std::uint64_t 
       m_stream(m_descriptor.isOpen() ? ::fopencookie(this, "r", {&read, nullptr, nullptr, nullptr})
                                      : nullptr) {
     if (!m_stream) {
-        refuse(errno);
+        throwUnreadable(errno);
     }
     std::setvbuf(m_stream.get(), m_buffer, _IOFBF, sizeof m_buffer);
 }
 
 void ContentStream::throwIfReplaced() const {
     if (m_isReplaced) {
-        refuse(0);
+        throwUnreadable(0);
     }
 }
 
-void ContentStream::refuse(int error) const {
+void ContentStream::throwUnreadable(int error) const {
     BOOST_THROW_EXCEPTION(accessError("read", m_path, error) << Common::Utils::errinfo_stream(
                               "access error: can't read content of file: ", m_path));
 }
 
 ssize_t ContentStream::read(void* self, char* buffer, std::size_t size) {
-    if (HashFunctions::StepObserver::isStopWanted()) {
+    if (HashFunctions::StepObserver::currentShouldStop()) {
         return 0; // stopping: the run will fail when this file is reported
     }
     auto& content = *static_cast<ContentStream*>(self);
@@ -48,10 +48,10 @@ ssize_t ContentStream::read(void* self, char* buffer, std::size_t size) {
     content.m_readBytes += static_cast<std::uint64_t>(std::max<ssize_t>(count, 0));
     const bool isAsExpected =
         count > 0 ? content.m_readBytes <= content.m_size : content.m_readBytes == content.m_size;
-    return isAsExpected || content.isWhatItWas() ? count : 0;
+    return isAsExpected || content.isStillRegularFile() ? count : 0;
 }
 
-bool ContentStream::isWhatItWas() {
+bool ContentStream::isStillRegularFile() {
     // Checked only if the size differs; checking every file would add 2.5 % to a run.
     if (!m_isChecked) {
         m_isChecked = true;

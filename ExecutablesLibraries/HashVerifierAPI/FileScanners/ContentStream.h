@@ -39,8 +39,8 @@ private:
     };
 
     static ssize_t read(void* self, char* buffer, std::size_t size);
-    bool isWhatItWas();
-    [[noreturn]] void refuse(int error) const;
+    bool isStillRegularFile();
+    [[noreturn]] void throwUnreadable(int error) const;
 
     const boost::filesystem::path& m_path;
     const std::uint64_t m_size;

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FoldedFile.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/LeafScanner.h"
 
 namespace Nerix::FileScanners {
 
 /// Regular files: path, status text, extended attributes, content in chunks of 4096 bytes.
-class Regular final : public FoldedFile {
+class Regular final : public LeafScanner {
 public:
     /// A read error ends the content there, and the value over what was read counts. The thread's
     /// StepObserver gets the error, so that the run can warn of it.

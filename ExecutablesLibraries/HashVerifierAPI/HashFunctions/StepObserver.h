@@ -20,11 +20,11 @@ public:
 
     /// Returns true if a long operation should stop early, because of a signal or because the value is no
     /// longer needed. Called between two reads of a file, so overriders also use it to do periodic work.
-    virtual bool mustStop() noexcept { return Common::Utils::terminationSignal() != 0; }
+    virtual bool shouldStop() noexcept { return Common::Utils::terminationSignal() != 0; }
 
-    /// mustStop() of the thread's observer; without one, whether a termination signal has arrived.
-    static bool isStopWanted() {
-        return m_current != nullptr ? m_current->mustStop() : Common::Utils::terminationSignal() != 0;
+    /// shouldStop() of the thread's observer; without one, whether a termination signal has arrived.
+    static bool currentShouldStop() {
+        return m_current != nullptr ? m_current->shouldStop() : Common::Utils::terminationSignal() != 0;
     }
 
     /// For the scanners: passes a read error to the calling thread's observer, if there is one.

@@ -23,10 +23,10 @@ std::string messageOf(int error) {
 LogLines::LogLines(const std::string& file) : m_name(file), m_file(std::fopen(file.c_str(), "re")) {
     struct stat status {};
     if (!m_file || ::fstat(::fileno(m_file.get()), &status) != 0) {
-        refuse(messageOf(errno));
+        throwError(messageOf(errno));
     }
     if (S_ISDIR(status.st_mode)) {
-        refuse(messageOf(EISDIR));
+        throwError(messageOf(EISDIR));
     }
     if (!S_ISREG(status.st_mode)) {
         m_file = copied(m_file.get());
@@ -37,19 +37,19 @@ LogLines::LogLines(const std::string& file) : m_name(file), m_file(std::fopen(fi
 LogLines::File LogLines::copied(std::FILE* from) const {
     File copy(std::tmpfile());
     if (!copy) {
-        refuse("cannot be copied: " + messageOf(errno));
+        throwError("cannot be copied: " + messageOf(errno));
     }
     std::vector<char> buffer(blockSize);
     while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), from)) {
         if (std::fwrite(buffer.data(), 1, size, copy.get()) != size) {
-            refuse("cannot be copied: " + messageOf(errno));
+            throwError("cannot be copied: " + messageOf(errno));
         }
     }
     if (std::ferror(from) != 0) {
-        refuse("cannot be read: " + messageOf(errno));
+        throwError("cannot be read: " + messageOf(errno));
     }
     if (std::fflush(copy.get()) != 0) {
-        refuse("cannot be copied: " + messageOf(errno));
+        throwError("cannot be copied: " + messageOf(errno));
     }
     return copy;
 }
@@ -70,7 +70,7 @@ bool LogLines::next() {
     while (end == std::string::npos) {
         const std::size_t searched = m_bytes.size();
         if (searched > longestLine) {
-            refuse("line " + std::to_string(m_number + 1) + " is longer than any scan record");
+            throwError("line " + std::to_string(m_number + 1) + " is longer than any scan record");
         }
         if (!readMore()) {
             break;
@@ -93,12 +93,12 @@ bool LogLines::readMore() {
     const std::size_t count = std::fread(m_bytes.data() + before, 1, blockSize, m_file.get());
     m_bytes.resize(before + count);
     if (std::ferror(m_file.get()) != 0) {
-        refuse("cannot be read: " + messageOf(errno));
+        throwError("cannot be read: " + messageOf(errno));
     }
     return count != 0;
 }
 
-void LogLines::refuse(const std::string& reason) const {
+void LogLines::throwError(const std::string& reason) const {
     throw ScanLogError(m_name + ": " + reason);
 }
 

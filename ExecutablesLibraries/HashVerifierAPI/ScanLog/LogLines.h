@@ -40,7 +40,7 @@ public:
     std::uint64_t number() const { return m_number; }
 
     /// Throws ScanLogError "file: reason".
-    [[noreturn]] void refuse(const std::string& reason) const;
+    [[noreturn]] void throwError(const std::string& reason) const;
 
 private:
     struct Closer {

@@ -21,30 +21,30 @@ namespace Nerix {
 
 namespace {
 
-constexpr const char* timelessName = "/NerixVerifierHash.log";
+constexpr const char* fallbackName = "/NerixVerifierHash.log";
 
 std::string fileName() {
     const std::time_t now = std::time(nullptr);
     if (now < 0) {
         NERIX_LOG_STREAM(WRN) << "Cannot get system time.";
-        return timelessName;
+        return fallbackName;
     }
     std::tm local{};
     if (::localtime_r(&now, &local) == nullptr) {
         NERIX_LOG_STREAM(WRN) << "Cannot get local time.";
-        return timelessName;
+        return fallbackName;
     }
     char name[64];
     std::strftime(name, sizeof name, "/NerixVerifierHash-%Y%m%d-%H%M%S.log", &local);
     return name;
 }
 
-[[noreturn]] void refuse(const std::string& path, const std::string& reason) {
+[[noreturn]] void throwUnusable(const std::string& path, const std::string& reason) {
     BOOST_THROW_EXCEPTION(Common::Utils::GenericException() << Common::Utils::errinfo_stream(path, reason));
 }
 
-[[noreturn]] void refuseForError(const std::string& path, const char* call) {
-    refuse(path, std::string(": ") + call + Common::Utils::get_string_from_errno(errno));
+[[noreturn]] void throwForErrno(const std::string& path, const char* call) {
+    throwUnusable(path, std::string(": ") + call + Common::Utils::get_string_from_errno(errno));
 }
 
 /// The file, empty, and locked against other runs while it is open. The drive's content is not trusted and
@@ -53,31 +53,31 @@ std::string fileName() {
 std::fstream create(const std::string& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
-        refuse(path, " is not a regular file");
+        throwUnusable(path, " is not a regular file");
     }
     Common::Descriptor file(
         ::open(path.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666));
     if (!file.isOpen()) {
-        refuseForError(path, "open");
+        throwForErrno(path, "open");
     }
     if (::fstat(file.number(), &status) != 0) {
-        refuseForError(path, "fstat");
+        throwForErrno(path, "fstat");
     }
     if (!S_ISREG(status.st_mode)) {
-        refuse(path, " is not a regular file");
+        throwUnusable(path, " is not a regular file");
     }
     // Truncated under the lock, not when opened: another run of the same second would lose its records.
     // A file system without locks is written without one.
     if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-        refuse(path, " is the scan log of another run");
+        throwUnusable(path, " is the scan log of another run");
     }
     if (::ftruncate(file.number(), 0) != 0) {
-        refuseForError(path, "ftruncate");
+        throwForErrno(path, "ftruncate");
     }
     // std::fstream cannot adopt a descriptor; libstdc++'s stdio_filebuf can.
     __gnu_cxx::stdio_filebuf<char> buffer(file.number(), std::ios_base::out);
     if (!buffer.is_open()) {
-        refuseForError(path, "fdopen");
+        throwForErrno(path, "fdopen");
     }
     file.release();
     std::fstream stream;

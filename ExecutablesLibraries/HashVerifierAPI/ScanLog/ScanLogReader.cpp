@@ -31,8 +31,8 @@ ScanLogReader::ScanLogReader(const std::string& file) : m_lines(file) {
     rewind();
 }
 
-void ScanLogReader::refuseLine(const char* reason) const {
-    m_lines.refuse("line " + std::to_string(m_lines.number()) + reason);
+void ScanLogReader::throwErrorInLine(const char* reason) const {
+    m_lines.throwError("line " + std::to_string(m_lines.number()) + reason);
 }
 
 void ScanLogReader::rewind() {
@@ -53,7 +53,7 @@ bool ScanLogReader::nextOfFile() {
         return false;
     }
     if (!ScanRecordParser::beginsRecord(m_lines.line())) {
-        refuseLine(" is not a scan record");
+        throwErrorInLine(" is not a scan record");
     }
     auto state = m_parser.begin(m_lines.line());
     while (state == State::open && m_lines.isTerminated() && m_lines.next()) { // the path has line feeds
@@ -63,10 +63,10 @@ bool ScanLogReader::nextOfFile() {
         }
     }
     if (state == State::damaged) {
-        refuseLine(" is damaged");
+        throwErrorInLine(" is damaged");
     }
     if (state == State::open || !m_lines.isTerminated()) {
-        m_lines.refuse("is incomplete: its last record is not terminated");
+        m_lines.throwError("is incomplete: its last record is not terminated");
     }
     return true;
 }
@@ -89,11 +89,11 @@ bool ScanLogReader::nextOfSystemLog() {
             lastPiece = line.text.size();
         }
         if (state == State::damaged) {
-            refuseLine(" holds a damaged record");
+            throwErrorInLine(" holds a damaged record");
         }
     }
     if (isInRecord && state == State::open) {
-        m_lines.refuse("is incomplete: its last record is not terminated");
+        m_lines.throwError("is incomplete: its last record is not terminated");
     }
     return isInRecord;
 }
@@ -105,9 +105,9 @@ bool ScanLogReader::nextLineOfRun() {
             continue;
         }
         if (m_lines.number() == 1 || (m_recordNumber != 0 && m_systemLogLine->number != m_recordNumber + 1)) {
-            m_lines.refuse("is incomplete: records are missing before line " +
-                           std::to_string(m_lines.number()) +
-                           "; the system log was probably rotated. Use scan --log to keep all records");
+            m_lines.throwError("is incomplete: records are missing before line " +
+                               std::to_string(m_lines.number()) +
+                               "; the system log was probably rotated. Use scan --log to keep all records");
         }
         m_recordNumber = m_systemLogLine->number;
         return true;
@@ -124,7 +124,8 @@ void ScanLogReader::detectFormat() {
         m_isSystemLog = SystemLogLine::parse(m_lines.line()).has_value();
     }
     if (!m_isSystemLog) {
-        m_lines.refuse("is not a scan log: it begins neither with a scan record nor with a system-log line");
+        m_lines.throwError(
+            "is not a scan log: it begins neither with a scan record nor with a system-log line");
     }
     findLastRun();
 }
@@ -159,22 +160,22 @@ void ScanLogReader::check() {
         if (first.empty()) {
             first = record.path;
         } else if (compareInWalkOrder(m_root, record.path) >= 0) {
-            refuseLine(" is out of order: not the log of a single scan");
+            throwErrorInLine(" is out of order: not the log of a single scan");
         }
         const bool hasDetails = !record.details.empty();
         if (m_hasDetails.value_or(hasDetails) != hasDetails) {
-            refuseLine(hasDetails ? " has details, unlike the records before it"
-                                  : " has no details, unlike the records before it");
+            throwErrorInLine(hasDetails ? " has details, unlike the records before it"
+                                        : " has no details, unlike the records before it");
         }
         m_hasDetails = hasDetails;
         std::swap(m_root, record.path);
     }
     if (first.empty()) {
-        m_lines.refuse("contains no scan records");
+        m_lines.throwError("contains no scan records");
     }
     // In this order everything from the first entry below the root to the root itself is below the root.
     if (first != m_root && !isBelow(first, m_root)) {
-        m_lines.refuse(
+        m_lines.throwError(
             "is incomplete: it does not end with the root of the tree; the scan failed or was interrupted");
     }
 }

@@ -28,7 +28,7 @@ public:
     bool next(ScanLogRecord& record);
 
 private:
-    [[noreturn]] void refuseLine(const char* reason) const;
+    [[noreturn]] void throwErrorInLine(const char* reason) const;
     void rewind();
     bool nextOfFile();
     bool nextOfSystemLog();

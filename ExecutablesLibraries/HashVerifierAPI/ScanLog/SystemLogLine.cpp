@@ -26,7 +26,7 @@ bool isNumber(std::string_view text, Number& number, int base) {
 
 /// Decodes the escape sequence, or plain character, at the start of text; returns the character and the
 /// number of bytes consumed.
-std::pair<char, std::size_t> character(std::string_view text) {
+std::pair<char, std::size_t> decodeOne(std::string_view text) {
     constexpr std::string_view letters = "nrt\\";
     constexpr std::string_view named = "\n\r\t\\";
     unsigned char byte = 0;
@@ -45,7 +45,7 @@ std::pair<char, std::size_t> character(std::string_view text) {
 std::string unescaped(std::string_view text) {
     std::string result;
     while (!text.empty()) {
-        const auto [plain, length] = character(text);
+        const auto [plain, length] = decodeOne(text);
         result += plain;
         text.remove_prefix(length);
     }

@@ -41,7 +41,7 @@ namespace {
 constexpr std::size_t stackSize = std::size_t{1} << 20U;
 
 /// A termination signal makes the run fail at the next step or entry.
-void throwIfProcessEnds() {
+void throwIfTerminating() {
     if (const int signal = Common::Utils::terminationSignal()) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("ended by signal ", signal));
     }
@@ -177,13 +177,13 @@ std::string HashWorker::getProgress() const {
 }
 
 void HashWorker::log(unsigned long long bytes) {
-    throwIfProcessEnds();
+    throwIfTerminating();
     m_currentBytes += bytes;
     onProgress();
 }
 
 void HashWorker::log(const FileInput& entry, unsigned long long value) {
-    throwIfProcessEnds();
+    throwIfTerminating();
     record(entry, value);
     m_entries.store(m_entries + 1, std::memory_order_relaxed); // this thread alone writes it
     m_processedBytes += Progress::workOf(static_cast<std::uint64_t>(entry.status.st_size), m_blockSize);
@@ -241,7 +241,7 @@ HashWorker& HashWorker::execute() {
 void HashWorker::scan() {
     const IFileScanner& scanner = FileScanners::getInstance(m_root);
     const IHashFunction& function = HashFunctions::getInstance(m_hashName);
-    const Common::IO::HashSinkScope sinks;
+    const Common::IO::HashSinkScope session;
     const RunSteps observer(*this);
     shutdown(scanner.process(m_root, 0, function));
 }

@@ -21,16 +21,16 @@ TEST(ThreadDebugDeathTest, AllThreadsExceptMainCanBeRenamed) {
         boost::thread thread([] {});
         ThreadDebug::registerMainThreadId(thread.get_id());
         ThreadDebug::SetThreadName(thread, "main");
-        std::exit(static_cast<int>(platform.logged(">Main thread name: main.")));
+        std::exit(static_cast<int>(platform.countLogged(">Main thread name: main.")));
     };
     EXPECT_EXIT(nameAsMain(), testing::ExitedWithCode(1), "");
     const auto registerThis = [] { ThreadDebug::registerMainThreadId(boost::this_thread::get_id()); };
     registerThis();
     EXPECT_DEATH(registerThis(), "ASSERTION FAILED: m_mainThreadId == boost::thread::id\\(\\), ");
-    EXPECT_EQ(platform.logged(">Registering main thread id ") + platform.logged(" named " + mainName + "."), 2U);
+    EXPECT_EQ(platform.countLogged(">Registering main thread id ") + platform.countLogged(" named " + mainName + "."), 2U);
     ThreadDebug::SetThreadName("other");
     EXPECT_EQ(ThreadDebug::GetThreadName(), mainName);
-    EXPECT_EQ(platform.logged("[WRN] ThreadDebug.cpp:") + platform.logged(">Main thread name: other."), 2U);
+    EXPECT_EQ(platform.countLogged("[WRN] ThreadDebug.cpp:") + platform.countLogged(">Main thread name: other."), 2U);
 
     std::promise<void> named;
     boost::thread thread([&] {
@@ -44,12 +44,12 @@ TEST(ThreadDebugDeathTest, AllThreadsExceptMainCanBeRenamed) {
     named.set_value();
     thread.join();
     ThreadDebug::SetThreadName(thread, "gone");
-    EXPECT_EQ(platform.logged(" to by_main."), 1U);
-    EXPECT_EQ(platform.logged(" to " + twenty + "."), 1U);
+    EXPECT_EQ(platform.countLogged(" to by_main."), 1U);
+    EXPECT_EQ(platform.countLogged(" to " + twenty + "."), 1U);
     for (const std::string& refused : {twenty, std::string("gone")}) {
-        EXPECT_EQ(platform.logged(">pthread_setname_np Failed to give the name to thread: " + refused), 1U);
+        EXPECT_EQ(platform.countLogged(">pthread_setname_np Failed to give the name to thread: " + refused), 1U);
     }
-    EXPECT_EQ(platform.logged("[ERR] ThreadDebug.cpp:"), 2U);
+    EXPECT_EQ(platform.countLogged("[ERR] ThreadDebug.cpp:"), 2U);
 }
 
 } // namespace Nerix::Tests

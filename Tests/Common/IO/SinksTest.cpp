@@ -37,21 +37,21 @@ TEST(HashSink, RejectsDataAfterEnd) {
     EXPECT_EQ(sink.getHash(), digest);
     EXPECT_TRUE(sink.endOfDataMarked());
     EXPECT_THROW(sink.markEndOfData(), Common::IO::IOExceptions::EndOfDataMarkedException);
-    EXPECT_TRUE(has(reportOf([&] { sink.writeChunk(abc, 1); }), "] = HashSink(md5)\n"));
+    EXPECT_TRUE(contains(diagnosticsOf([&] { sink.writeChunk(abc, 1); }), "] = HashSink(md5)\n"));
 }
 
 TEST(HashSink, UnknownDigestReportsOpenSSLError) {
     const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
-    const std::string report = reportOf([] { const HashSink sink("md6"); });
-    EXPECT_TRUE(has(report, "OpenSSLException") && has(report, "] = Can't initialize digest.\n") &&
-                has(report, "] = HashSink(md6)\n") && has(report, "no digest set"))
+    const std::string report = diagnosticsOf([] { const HashSink sink("md6"); });
+    EXPECT_TRUE(contains(report, "OpenSSLException") && contains(report, "] = Can't initialize digest.\n") &&
+                contains(report, "] = HashSink(md6)\n") && contains(report, "no digest set"))
         << report;
     EXPECT_STREQ(Encoding::OpenSSLException().what(), "No error info provided by OpenSSL.");
 }
 
 TEST(HashSink, DigestThatWasNotFoundIsLookedUpAgain) {
     const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
-    const Common::IO::HashSinkScope scope;
+    const Common::IO::HashSinkScope session;
     OSSL_PROVIDER* const none = OSSL_PROVIDER_load(nullptr, "null");
     EXPECT_THROW(HashSink("sha384"), Encoding::OpenSSLException);
     OSSL_PROVIDER* const standard = OSSL_PROVIDER_load(nullptr, "default");
@@ -63,8 +63,8 @@ TEST(HashSink, DigestThatWasNotFoundIsLookedUpAgain) {
 TEST(HashSinkDeathTest, DestroyingOpenSSLInitInUseAborts) {
     auto openSSL = std::make_unique<SingletonServiceGuard<OpenSSLInit>>(SINGLETON_OPENSSL_INITIALIZER);
     const auto endWithTwoSinks = [&](bool areInOneScope) {
-        std::optional<Common::IO::HashSinkScope> scope;
-        if (areInOneScope) { scope.emplace(); }
+        std::optional<Common::IO::HashSinkScope> session;
+        if (areInOneScope) { session.emplace(); }
         const HashSink one("md5");
         const HashSink another("md5");
         openSSL.reset();
@@ -142,8 +142,8 @@ TEST(CRCSink, StateCanBeSavedAndRestored) {
     first.transactionSerialize(&again);
     EXPECT_TRUE(first.endOfDataMarked());
     EXPECT_THROW(write(first, ""), Common::IO::IOExceptions::EndOfDataMarkedException);
-    EXPECT_TRUE(has(reportOf([&] { write(first, ""); }), "] = CRCSink\n"));
-    EXPECT_TRUE(has(reportOf([&] { first.markEndOfData(); }), "] = CRCSink\n"));
+    EXPECT_TRUE(contains(diagnosticsOf([&] { write(first, ""); }), "] = CRCSink\n"));
+    EXPECT_TRUE(contains(diagnosticsOf([&] { first.markEndOfData(); }), "] = CRCSink\n"));
 }
 
 } // namespace

@@ -41,7 +41,7 @@ TEST(ProductInfo, TelevisionByDefault) {
              {">Product type set to TV_PRODUCT", ">Product was build for emulator32",
               ">Flag m_isZebConnected is set to false", ">Model string: T-ABHCHD.", ">Version string: 66770.5.",
               ">MAJOR SW VERSION: 1234", ">MINOR SW VERSION: 5", ">Partition.txt file path is: /p.txt"}) {
-            EXPECT_GE(platform.logged(record), 1U) << record;
+            EXPECT_GE(platform.countLogged(record), 1U) << record;
         }
         platform.systemInfo = {{128, "no.dash"}};
         const std::pair<std::function<void()>, std::string> failures[] = {
@@ -54,17 +54,17 @@ TEST(ProductInfo, TelevisionByDefault) {
             {[] { Info::isGenuineZeb(); }, "Unable to get product type configuration - Zeb"},
         };
         for (const auto& [operation, failure] : failures) {
-            const std::string report = reportOf(operation);
-            EXPECT_TRUE(has(report, "] = " + failure + "\n")) << report;
-            EXPECT_FALSE(has(report, "Throw in function Answer ")) << report;
-            EXPECT_GE(platform.logged(">" + failure), 1U);
+            const std::string report = diagnosticsOf(operation);
+            EXPECT_TRUE(contains(report, "] = " + failure + "\n")) << report;
+            EXPECT_FALSE(contains(report, "Throw in function Answer ")) << report;
+            EXPECT_GE(platform.countLogged(">" + failure), 1U);
         }
-        EXPECT_EQ(platform.logged(" - lack of dash: no.dash"), 2U);
-        EXPECT_TRUE(has(reportOf(failures[0].first), "tag_errinfo_string*] = no.dash\n"));
-        EXPECT_TRUE(has(reportOf([] { Info::getVarikModelFromCorvanModel("ABC"); }),
-                        "] = Can't figure out Varik model string. Corvan model string does not have 'H': ABC\n"));
+        EXPECT_EQ(platform.countLogged(" - lack of dash: no.dash"), 2U);
+        EXPECT_TRUE(contains(diagnosticsOf(failures[0].first), "tag_errinfo_string*] = no.dash\n"));
+        EXPECT_TRUE(contains(diagnosticsOf([] { Info::getVarikModelFromCorvanModel("ABC"); }),
+                             "] = Can't figure out Varik model string. Corvan model string does not have 'H': ABC\n"));
         EXPECT_FALSE(Info::isScreenRatioFitNeeded());
-        EXPECT_EQ(platform.logged("[ERR] ProductIdentity.cpp:"), 1U);
+        EXPECT_EQ(platform.countLogged("[ERR] ProductIdentity.cpp:"), 1U);
     });
 }
 
@@ -101,7 +101,7 @@ TEST(ProductInfo, PathsAreJoinedFromTheirParts) {
             EXPECT_EQ(Info::getNerixSmallTempStorageMaxSize(), 10485760U);
             platform.reset();
             EXPECT_EQ(Info::getSystemUsrBinPath(), "");
-            EXPECT_EQ(platform.logged(">The platform has no directory for path variable 6"), 1U);
+            EXPECT_EQ(platform.countLogged(">The platform has no directory for path variable 6"), 1U);
         });
     }
 }
@@ -111,7 +111,7 @@ TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
         FakePlatform& platform = FakePlatform::instance();
         platform.systemInfo = {{128, "T-TVH-1.2"}, {378, "Z-BOXH-3"}, {358, false}, {359, true}, {203, 1080}};
         Info::initializeProduct(Platform::ZEB_PRODUCT);
-        EXPECT_EQ(platform.logged(">Product type set to ZEB_PRODUCT"), 1U);
+        EXPECT_EQ(platform.countLogged(">Product type set to ZEB_PRODUCT"), 1U);
         EXPECT_EQ(Info::getDeviceType(), Platform::ZEB_PRODUCT);
         EXPECT_EQ(Info::getModelString(), "Z-BOXH");
         EXPECT_EQ(Info::getMainSoftwareVersionMinor(), 0);
@@ -127,7 +127,7 @@ TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
 TEST(ProductInfoDeathTest, ThrowsBeforeInitialisationAndAbortsOnSecond) {
     EXPECT_THROW(Info::getModelString(), Platform::ProductUninitializedException);
     EXPECT_THROW(Info::getSystemUsrBinPath(), Platform::ProductUninitializedException);
-    EXPECT_EQ(FakePlatform::instance().logged("The platform has no directory"), 0U) << "it is not asked";
+    EXPECT_EQ(FakePlatform::instance().countLogged("The platform has no directory"), 0U) << "it is not asked";
     EXPECT_THROW(Info::getEmulatedOTNZone(), Platform::ProductUninitializedException);
     EXPECT_TRUE(Info::checkBoardType("emulator32"));
     EXPECT_FALSE(Info::checkBoardType("Emulator32") || Info::isPreCorvanBoard());
@@ -139,8 +139,8 @@ TEST(ProductInfoDeathTest, ThrowsBeforeInitialisationAndAbortsOnSecond) {
 }
 
 void expectFailure(const std::string& text, const std::function<void()>& operation) {
-    const std::string report = reportOf(operation);
-    EXPECT_TRUE(has(report, "] = " + text + "\n")) << text << " in " << report;
+    const std::string report = diagnosticsOf(operation);
+    EXPECT_TRUE(contains(report, "] = " + text + "\n")) << text << " in " << report;
 }
 
 void inDevice(const std::function<void(const boost::filesystem::path& file)>& body) {
@@ -149,8 +149,8 @@ void inDevice(const std::function<void(const boost::filesystem::path& file)>& bo
         const boost::filesystem::path file = Info::getEmulatedInfoPath();
         FakePlatform::instance().reset();
         EXPECT_FALSE(Info::getEmulatedModelString()) << "no file";
-        EXPECT_EQ(FakePlatform::instance().logged(">emulated info file " + file.native() + " does not exist") +
-                      FakePlatform::instance().logged(" should be used only in Debug mode"),
+        EXPECT_EQ(FakePlatform::instance().countLogged(">emulated info file " + file.native() + " does not exist") +
+                      FakePlatform::instance().countLogged(" should be used only in Debug mode"),
                   2U);
         expectFailure("File doesn't exist.", [] { Info::setEmulatedModelString("m"); });
         boost::filesystem::create_directories(file.parent_path());
@@ -174,11 +174,11 @@ TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {
                 << "PartitionTxtFilePath:/p\nSubmicom:0.7\nServiceID:q\nVersionMajor:65536\nVersionMinor:-1\n";
             EXPECT_EQ(Info::getEmulatedPartitionTxtFilePath(), boost::filesystem::path("/p"));
             EXPECT_EQ(Info::getEmulatedSubmicomVersion().get() + Info::getEmulatedQorlServiceID().get(), "0.7q");
-            EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMajor(); }), "bad_lexical_cast"));
-            EXPECT_TRUE(has(reportOf([] { Info::getEmulatedMainSoftwareVersionMinor(); }), "bad_lexical_cast"));
+            EXPECT_TRUE(contains(diagnosticsOf([] { Info::getEmulatedMainSoftwareVersionMajor(); }), "bad_lexical_cast"));
+            EXPECT_TRUE(contains(diagnosticsOf([] { Info::getEmulatedMainSoftwareVersionMinor(); }), "bad_lexical_cast"));
             Info::removeEmulationInfo();
             EXPECT_FALSE(Info::getEmulatedVersionString());
-            EXPECT_EQ(FakePlatform::instance().logged("[WRN] ProductEmulation.cpp:"), 1U);
+            EXPECT_EQ(FakePlatform::instance().countLogged("[WRN] ProductEmulation.cpp:"), 1U);
         });
 }
 

@@ -8,9 +8,9 @@
 
 namespace Nerix::FileScanners {
 
-Names::Names(const boost::filesystem::path& directory, std::size_t most) {
+Names::Names(const boost::filesystem::path& directory, std::size_t maxCount) {
     for (const boost::filesystem::directory_entry& entry : boost::filesystem::directory_iterator(directory)) {
-        if (m_begins.size() == most) {
+        if (m_begins.size() == maxCount) {
             throw TooManyNames();
         }
         const std::string& path = entry.path().native();

@@ -18,7 +18,7 @@ public:
 
     /// Throws boost::filesystem::filesystem_error when the directory cannot be listed, TooManyNames if there
     /// are more than maxNames.
-    explicit Names(const boost::filesystem::path& directory, std::size_t most = unlimited);
+    explicit Names(const boost::filesystem::path& directory, std::size_t maxCount = unlimited);
 
     std::size_t size() const { return m_begins.size(); }
     const char* operator[](std::size_t index) const { return m_text.data() + m_begins[index]; }

@@ -88,7 +88,7 @@ Cell* Tape::takeAhead(Cells& blank) {
 }
 
 void Tape::settle(Cell& cell, Cell::State state, Steps& steps) noexcept {
-    constexpr std::size_t mostNamesAhead = 65536;
+    constexpr std::size_t maxNamesAhead = 65536;
     const Lock lock(m_mutex);
     cell.state = state;
     try {
@@ -98,7 +98,7 @@ void Tape::settle(Cell& cell, Cell::State state, Steps& steps) noexcept {
     }
     if (cell.state == Cell::State::Settled && cell.isAhead && cell.listing) {
         m_namesAhead += cell.listing->names.size();
-        if (m_namesAhead > mostNamesAhead) {
+        if (m_namesAhead > maxNamesAhead) {
             m_namesAhead -= cell.listing->names.size();
             cell.state = Cell::State::Left;
         }
@@ -143,8 +143,8 @@ void Tape::stop() {
 
 void Tape::removeFinished(Cells& reported) {
     // In small batches: they count against the limit until the whole batch is reported.
-    constexpr std::size_t mostAtOnce = 64;
-    while (!m_cells.empty() && isFinished(m_cells.front()) && reported.size() < mostAtOnce) {
+    constexpr std::size_t maxAtOnce = 64;
+    while (!m_cells.empty() && isFinished(m_cells.front()) && reported.size() < maxAtOnce) {
         Cell& cell = m_cells.front();
         if (cell.isAhead && cell.listing) {
             m_namesAhead -= cell.listing->names.size();
@@ -156,7 +156,7 @@ void Tape::removeFinished(Cells& reported) {
 
 void Tape::wakeHelpers() {
     // Not for every cell removed: waking a thread costs more than most entries.
-    if (m_waitingHelpers != 0 && ahead() <= m_mostAhead / 2 && openDirectory() != nullptr) {
+    if (m_waitingHelpers != 0 && ahead() <= m_maxAhead / 2 && openDirectory() != nullptr) {
         m_helpersWake.notify_all();
     }
 }
@@ -178,7 +178,7 @@ Tape::Turn Tape::turn(Cells& blank) {
 }
 
 Cell* Tape::takeAheadNow(Cells& blank) {
-    Cell* const directory = ahead() < m_mostAhead ? openDirectory() : nullptr;
+    Cell* const directory = ahead() < m_maxAhead ? openDirectory() : nullptr;
     if (directory == nullptr) {
         return nullptr;
     }

@@ -96,7 +96,7 @@ public:
     using Cells = std::list<Cell>;
 
     /// maxAhead: the maximum number of cells, not counting the directories that contain the front.
-    explicit Tape(std::size_t mostAhead) : m_mostAhead(mostAhead) {}
+    explicit Tape(std::size_t maxAhead) : m_maxAhead(maxAhead) {}
 
     /// What the reporter does next: first report these, then examine the cell, if any.
     struct Turn {
@@ -145,7 +145,7 @@ private:
     void removeFinished(Cells& reported);
     void wakeHelpers();
 
-    const std::size_t m_mostAhead;
+    const std::size_t m_maxAhead;
     std::mutex m_mutex;
     std::condition_variable m_reporterWakes;
     std::condition_variable m_helpersWake;

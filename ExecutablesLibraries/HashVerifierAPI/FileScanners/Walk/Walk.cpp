@@ -25,7 +25,7 @@ using hash_t = IFileScanner::hash_t;
 
 namespace {
 
-constexpr std::size_t mostHelpers = 7;
+constexpr std::size_t maxHelpers = 7;
 
 /// At least three helpers even on few cores, so that several requests can wait for a cold disk at once.
 std::size_t helperCount() {
@@ -35,7 +35,7 @@ std::size_t helperCount() {
     if (Common::DebugAndTestParameters::loaded()) {
         threads = Common::getDebugAndTestParameters().getCustomIntParam("hashVerifierThreads", threads);
     }
-    return std::min(static_cast<std::size_t>(std::max(threads, 1)) - 1, mostHelpers);
+    return std::min(static_cast<std::size_t>(std::max(threads, 1)) - 1, maxHelpers);
 }
 
 std::string pathInside(const std::string& directory, const char* name) {
@@ -109,7 +109,7 @@ public:
 
     void onReadError(int error) noexcept override { m_cell.readError = error; }
 
-    bool mustStop() noexcept override { return isStopped() || (m_isReporter && !m_walk.reportMeanwhile()); }
+    bool shouldStop() noexcept override { return isStopped() || (m_isReporter && !m_walk.reportMeanwhile()); }
 
     bool isStopped() const { return m_walk.m_isStopping || Common::Utils::terminationSignal() != 0; }
 
@@ -322,7 +322,7 @@ void Walk::examineAhead(Cell& cell, bool isReporter) {
 }
 
 void Walk::examine(Cell& cell) {
-    constexpr std::size_t mostNamesAhead = 16384;
+    constexpr std::size_t maxNamesAhead = 16384;
     Judgement judgement = Judgement::accepted;
     if (cell.parent == nullptr) {
         cell.entry = *m_root;
@@ -337,7 +337,7 @@ void Walk::examine(Cell& cell) {
         cell.value = cell.scanner->examine(*cell.entry, cell.parent == nullptr ? m_rootValue : 0, m_function);
         if (cell.scanner == &m_directory) {
             cell.listing = std::make_unique<Listing>(
-                Names(cell.entry->path, cell.isAhead ? mostNamesAhead : Names::unlimited));
+                Names(cell.entry->path, cell.isAhead ? maxNamesAhead : Names::unlimited));
         }
     }
 }
@@ -367,7 +367,7 @@ void Walk::stopHelpers() noexcept {
 
 void Walk::help() {
     try {
-        const Common::IO::HashSinkScope scope;
+        const Common::IO::HashSinkScope session;
         Tape::Cells blank(1);
         while (Cell* const cell = m_tape.takeAhead(blank)) {
             examineAhead(*cell, false);

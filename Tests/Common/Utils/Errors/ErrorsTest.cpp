@@ -32,16 +32,17 @@ void throughFrame(const char* name, const std::function<void()>& inner) {
 
 TEST(Rethrow, ContextLinesAreOutermostFirst) {
     const auto fail = [] { BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("cause ", 7)); };
-    const std::string report = reportOf([&] { throughFrame("B", [&] { throughFrame("A", fail); }); });
+    const std::string report = diagnosticsOf([&] { throughFrame("B", [&] { throughFrame("A", fail); }); });
     const std::string line = R"( -> void Nerix::Tests::.*\(.*ErrorsTest\.cpp:\d+\) frame )";
     const std::regex lines(R"(\n\[Nerix::Common::Utils::tag_errinfo_rethrows\*\] = )" + line + "B\n" + line + "A\n");
-    EXPECT_TRUE(std::regex_search(report, lines) && has(report, "] = cause 7\n")) << report;
+    EXPECT_TRUE(std::regex_search(report, lines) && contains(report, "] = cause 7\n")) << report;
 }
 
 TEST(Rethrow, ExceptionsWithoutErrorInfoAreWrappedOrLogged) {
     const auto interrupt = [] { throw boost::thread_interrupted(); };
-    const std::string report = reportOf([&] { throughFrame("outer", [&] { throughFrame("inner", interrupt); }); });
-    EXPECT_TRUE(has(report, "Nerix::Common::Utils::thread_interrupted") && has(report, "frame outer\n -> ")) << report;
+    const std::string report = diagnosticsOf([&] { throughFrame("outer", [&] { throughFrame("inner", interrupt); }); });
+    EXPECT_TRUE(contains(report, "Nerix::Common::Utils::thread_interrupted") && contains(report, "frame outer\n -> "))
+        << report;
     EXPECT_THROW(throughFrame("X", interrupt), boost::thread_interrupted)
         << "handlers of boost::thread_interrupted still catch it";
     using Manipulator = std::ostream& (*)(std::ostream&);
@@ -57,7 +58,7 @@ TEST(Rethrow, ExceptionsWithoutErrorInfoAreWrappedOrLogged) {
     FakePlatform::instance().reset();
     EXPECT_THROW(throughFrame("X", [] { throw std::runtime_error("plain"); }), std::runtime_error);
     const std::string record = FakePlatform::instance().log().at(0).text;
-    EXPECT_TRUE(has(record, ">Rethrowing unknown exception:  -> void") && has(record, ") frame X")) << record;
+    EXPECT_TRUE(contains(record, ">Rethrowing unknown exception:  -> void") && contains(record, ") frame X")) << record;
 }
 
 TEST(SupportCode, ChainsAreOutermostFirst) {
@@ -105,7 +106,7 @@ TEST(ErrorInfo, StreamEntryQuotesPathsAndIsReplacedByErrno) {
     EXPECT_EQ(errinfo_stream(boost::filesystem::path("/a \"b\"&")).value(), "\"/a &\"b&\"&&\"");
     GenericException exception;
     exception << errinfo_stream("first ") << errinfo_errno(2);
-    EXPECT_TRUE(has(boost::diagnostic_information(exception), "] =  errno=2 (No such file or directory)\n"));
+    EXPECT_TRUE(contains(boost::diagnostic_information(exception), "] =  errno=2 (No such file or directory)\n"));
 }
 
 const std::string header = "org.corvan.tv.nerix.NERIX: Direct \\[FTL\\]\\[[0-9]+ .*\\] ASSERTION FAILED: ";

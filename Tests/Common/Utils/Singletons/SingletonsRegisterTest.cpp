@@ -65,7 +65,7 @@ TEST(SingletonsRegister, GuardsShareOneInstance) {
     }
     EXPECT_EQ(lifeEvents.back(), "service gone");
     for (const char* const record : {">Needed: singleton id: DUMMY_SING", ">Unmarking needed: singleton id: DUMMY_SING"}) {
-        EXPECT_EQ(FakePlatform::instance().logged(record), 2U) << record;
+        EXPECT_EQ(FakePlatform::instance().countLogged(record), 2U) << record;
     }
 
     boost::thread interrupted([] {

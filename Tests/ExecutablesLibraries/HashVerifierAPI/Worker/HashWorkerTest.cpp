@@ -105,13 +105,16 @@ TEST_F(HashWorkerTest, SettingsFailureFailsTheRunButNotTheProcess) {
             if (key == statusKey && value == Value("active")) { refuse(); }
         };
         if (!isDuringRun) { refuse(); }
-        const std::string report = reportOf([&, &ending = ending] { EXPECT_EQ(verify() == "ERROR", ending == "ERROR"); });
-        EXPECT_EQ(has(report, "VConfException"), ending == "refused") << report;
+        const std::string report =
+            diagnosticsOf([&, &ending = ending] { EXPECT_EQ(verify() == "ERROR", ending == "ERROR"); });
+        EXPECT_EQ(contains(report, "VConfException"), ending == "refused") << report;
         const Writes writes = platform().written();
         ASSERT_GE(writes.size(), last.size());
         EXPECT_TRUE(std::equal(last.rbegin(), last.rend(), writes.rbegin()));
     }
-    EXPECT_EQ(platform().logged("[ERR] HashWorker.cpp:") + platform().logged(">Exception when setting scan status: "), 6U);
+    EXPECT_EQ(platform().countLogged("[ERR] HashWorker.cpp:") +
+                  platform().countLogged(">Exception when setting scan status: "),
+              6U);
 }
 
 TEST_F(HashWorkerTest, SecondStartIsRefusedDuringARun) {

@@ -1,11 +1,11 @@
-#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FoldedFile.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/LeafScanner.h"
 
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 namespace Nerix::FileScanners {
 
-IFileScanner::hash_t FoldedFile::process(const FileInput& entry, hash_t value,
-                                         const IHashFunction& function) const {
+IFileScanner::hash_t LeafScanner::process(const FileInput& entry, hash_t value,
+                                          const IHashFunction& function) const {
     value = examine(entry, value, function);
     HashWorker::getInstance().log(entry, value);
     return value;

@@ -6,7 +6,7 @@ namespace Nerix::FileScanners {
 
 /// Base of the scanners for entries without children, regular files and links: always accepted, and fully
 /// processed by examine.
-class FoldedFile : public IFileScanner {
+class LeafScanner : public IFileScanner {
 public:
     bool accept(const FileInput&) const final { return true; }
     Judgement judge(const FileInput&, dev_t) const final { return Judgement::accepted; }
