@@ -1,7 +1,6 @@
 #include "Common/IO/HashSink.h"
 
-#include "Common/IO/DigestLookup.h"
-#include "Common/IO/HashSinkScope.h"
+#include "Common/IO/DigestSession.h"
 #include "Common/IO/OpenSSLException.h"
 #include "Common/Utils/Errors/Errors.h"
 #include "Common/Utils/Singletons/SingletonsRegister.h"
@@ -18,25 +17,14 @@ namespace {
 
 const std::string userName = "<unknown>";
 
-/// Registers a use of OpenSSLInit: through the thread's HashSinkScope if there is one, else for this sink
-/// alone.
+/// Registers a use of OpenSSLInit: through the thread's session if there is one, else for this sink alone.
 Utils::SingletonPointer<OpenSSLInit> useOpenSSL() {
-    if (HashSinkScope* const scope = HashSinkScope::current()) {
-        scope->use();
+    if (DigestSession* const session = DigestSession::current()) {
+        session->registerUser();
         return {userName, nullptr};
     }
     return Utils::SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>(
         userName, Utils::SINGLETON_OPENSSL_INITIALIZER);
-}
-
-OpenSSLCompat::DigestContext makeContext() {
-    HashSinkScope* const scope = HashSinkScope::current();
-    return scope != nullptr ? scope->takeContext() : OpenSSLCompat::DigestContext(EVP_MD_CTX_new());
-}
-
-const EVP_MD* lookUp(const std::string& digestName) {
-    HashSinkScope* const scope = HashSinkScope::current();
-    return scope != nullptr ? scope->lookUp(digestName) : lookUpDigest(digestName);
 }
 
 } // namespace
@@ -44,8 +32,11 @@ const EVP_MD* lookUp(const std::string& digestName) {
 HashSink::HashSink(const std::string& digestName) : m_openSSL(useOpenSSL()), m_digestName(digestName) {
     OpenSSLCompat::useStandardAllocation();
     OpenSSL_add_all_digests();
-    m_context = makeContext();
-    const EVP_MD* const digest = lookUp(m_digestName);
+    DigestSession* const session = DigestSession::current();
+    // The context keeps a reference to the digest, so that this one may go.
+    const OpenSSLCompat::Digest own = session == nullptr ? OpenSSLCompat::fetchDigest(digestName) : nullptr;
+    const EVP_MD* const digest = session == nullptr ? own.get() : session->digest(digestName);
+    m_context = session == nullptr ? OpenSSLCompat::makeDigestContext() : session->takeContext();
     if (digest == nullptr) {
         // Given a null digest, the library would restart the context's previous one.
         EVP_MD_CTX_reset(m_context.get());
@@ -58,8 +49,8 @@ HashSink::HashSink(const std::string& digestName) : m_openSSL(useOpenSSL()), m_d
 }
 
 HashSink::~HashSink() {
-    if (HashSinkScope* const scope = HashSinkScope::current()) {
-        scope->keepContext(std::move(m_context));
+    if (DigestSession* const session = DigestSession::current()) {
+        session->keepContext(std::move(m_context));
     }
 }
 

@@ -23,7 +23,7 @@ public:
     /// library does not know the name or refuses to start.
     explicit HashSink(const std::string& digestName);
 
-    /// Leaves the context to the thread's HashSinkScope, if there is one.
+    /// Leaves the context to the thread's DigestSession, if there is one.
     ~HashSink() override;
 
     /// Throws OpenSSLException when the library refuses, and what ISink says.

@@ -25,6 +25,16 @@ void release(void* block, const char*, int) {
 
 } // namespace
 
+DigestContext makeDigestContext() {
+    return DigestContext(EVP_MD_CTX_new());
+}
+
+Digest fetchDigest(const std::string& name) {
+    // EVP_get_digestbyname first: it accepts more spellings than EVP_MD_fetch, and does not accept "null".
+    const EVP_MD* const named = EVP_get_digestbyname(name.c_str());
+    return Digest(named == nullptr ? nullptr : EVP_MD_fetch(nullptr, EVP_MD_get0_name(named), nullptr));
+}
+
 void initialize() {
     useStandardAllocation(); // which the library takes only before its first allocation
     OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT | OPENSSL_INIT_NO_LOAD_CONFIG, nullptr);

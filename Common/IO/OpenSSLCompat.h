@@ -3,11 +3,12 @@
 #include <openssl/evp.h>
 
 #include <memory>
+#include <string>
 
 /// What OpenSSL 1.0 had and today's library lacks. Since 1.1 the library locks by itself: the locking and
 /// thread-id callbacks are never called, and setting them is a no-op macro. They are kept here instead, so
-/// that the installed callbacks can still be queried. A build for 1.0 would forward to the library, and fetch
-/// no digests (DigestLookup.h).
+/// that the installed callbacks can still be queried. A build for 1.0 would forward to the library, and look digests
+/// up instead of fetching them.
 namespace Nerix::Common::IO::OpenSSLCompat {
 
 /// Identity of a thread, as a thread-id callback reports it.
@@ -44,5 +45,17 @@ struct DigestContextDeleter {
     void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
 };
 using DigestContext = std::unique_ptr<EVP_MD_CTX, DigestContextDeleter>;
+
+/// Returns a context to start a digest with, or null if there is no memory.
+DigestContext makeDigestContext();
+
+struct DigestDeleter {
+    void operator()(EVP_MD* digest) const { EVP_MD_free(digest); }
+};
+using Digest = std::unique_ptr<EVP_MD, DigestDeleter>;
+
+/// Returns the library's implementation of a digest, "md5", "sha1" or any other that it knows, or null for an
+/// unknown name; passing that null to EVP_DigestInit_ex puts the reason into the error queue.
+Digest fetchDigest(const std::string& name);
 
 } // namespace Nerix::Common::IO::OpenSSLCompat

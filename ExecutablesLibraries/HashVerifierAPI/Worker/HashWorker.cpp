@@ -1,7 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 #include "Common/Base/NoDestructor.h"
-#include "Common/IO/HashSinkScope.h"
+#include "Common/IO/DigestSession.h"
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/Assert.h"
 #include "Common/Utils/Errors/Errors.h"
@@ -241,7 +241,7 @@ HashWorker& HashWorker::execute() {
 void HashWorker::scan() {
     const IFileScanner& scanner = FileScanners::getInstance(m_root);
     const IHashFunction& function = HashFunctions::getInstance(m_hashName);
-    const Common::IO::HashSinkScope session;
+    const Common::IO::DigestSession session;
     const RunSteps observer(*this);
     shutdown(scanner.process(m_root, 0, function));
 }

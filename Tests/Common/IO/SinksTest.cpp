@@ -1,7 +1,7 @@
 #include "Common/IO/CRCSink.h"
 #include "Common/IO/HashSink.h"
 
-#include "Common/IO/HashSinkScope.h"
+#include "Common/IO/DigestSession.h"
 #include "Common/IO/IOExceptions.h"
 #include "Common/IO/OpenSSLException.h"
 #include "Common/Utils/Encoding.h"
@@ -51,7 +51,7 @@ TEST(HashSink, UnknownDigestReportsOpenSSLError) {
 
 TEST(HashSink, DigestThatWasNotFoundIsLookedUpAgain) {
     const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
-    const Common::IO::HashSinkScope session;
+    const Common::IO::DigestSession session;
     OSSL_PROVIDER* const none = OSSL_PROVIDER_load(nullptr, "null");
     EXPECT_THROW(HashSink("sha384"), Encoding::OpenSSLException);
     OSSL_PROVIDER* const standard = OSSL_PROVIDER_load(nullptr, "default");
@@ -63,7 +63,7 @@ TEST(HashSink, DigestThatWasNotFoundIsLookedUpAgain) {
 TEST(HashSinkDeathTest, DestroyingOpenSSLInitInUseAborts) {
     auto openSSL = std::make_unique<SingletonServiceGuard<OpenSSLInit>>(SINGLETON_OPENSSL_INITIALIZER);
     const auto endWithTwoSinks = [&](bool areInOneScope) {
-        std::optional<Common::IO::HashSinkScope> session;
+        std::optional<Common::IO::DigestSession> session;
         if (areInOneScope) { session.emplace(); }
         const HashSink one("md5");
         const HashSink another("md5");

@@ -1,6 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Walk.h"
 
-#include "Common/IO/HashSinkScope.h"
+#include "Common/IO/DigestSession.h"
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/RethrowExceptionStream.h"
 #include "Common/Utils/TerminationSignals.h"
@@ -367,7 +367,7 @@ void Walk::stopHelpers() noexcept {
 
 void Walk::help() {
     try {
-        const Common::IO::HashSinkScope session;
+        const Common::IO::DigestSession session;
         Tape::Cells blank(1);
         while (Cell* const cell = m_tape.takeAhead(blank)) {
             examineAhead(*cell, false);
