@@ -1,5 +1,7 @@
 #include "HostPlatform/BatchingSink.h"
 
+#include "Common/Base/Descriptor.h"
+
 #include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/rotating_file_sink.h>
 
@@ -35,28 +37,26 @@ std::unique_ptr<spdlog::sinks::sink> openFile(const std::string& name) {
 /// Held while it lives, unless another process keeps it too long.
 class DirectoryLock {
 public:
-    explicit DirectoryLock(int directory) : m_directory(directory) {
+    explicit DirectoryLock(const std::string& file)
+        : m_directory(
+              ::open(std::filesystem::path(file).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
         const std::timespec pause{0, 1'000'000};
-        for (int attempts = 100;
-             attempts != 0 && ::flock(m_directory, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-             --attempts) {
+        for (int attempts = 100; attempts != 0 && isHeldByOthers(); --attempts) {
             ::nanosleep(&pause, nullptr);
         }
     }
-    ~DirectoryLock() { ::flock(m_directory, LOCK_UN); }
-    DirectoryLock(const DirectoryLock&) = delete;
-    DirectoryLock& operator=(const DirectoryLock&) = delete;
 
 private:
-    const int m_directory;
+    bool isHeldByOthers() const {
+        return ::flock(m_directory.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    }
+
+    const Common::Descriptor m_directory; ///< closed, and so unlocked, at the end
 };
 
 } // namespace
 
-BatchingSink::BatchingSink(const std::string& file)
-    : m_name(file),
-      m_directory(
-          ::open(std::filesystem::path(file).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+BatchingSink::BatchingSink(const std::string& file) : m_name(file) {
     open();
 }
 
@@ -69,7 +69,11 @@ void BatchingSink::reopenIfOthersWrote() {
     struct stat status {};
     if (::stat(m_name.c_str(), &status) != 0 || status.st_ino != m_status.st_ino ||
         status.st_size != m_status.st_size) {
-        open();
+        try {
+            open();
+        } catch (
+            const spdlog::spdlog_ex&) { // NOLINT(bugprone-empty-catch): the file that is open takes the lines
+        }
     }
 }
 
@@ -88,7 +92,7 @@ void BatchingSink::flush_() {
     }
     const std::string lines = std::move(m_lines);
     m_lines.clear(); // even if writing fails, so that later lines are still tried
-    const DirectoryLock lock(m_directory.number());
+    const DirectoryLock lock(m_name);
     reopenIfOthersWrote();
     m_file->log(spdlog::details::log_msg(spdlog::string_view_t(), spdlog::level::info, lines));
     m_file->flush();

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "Common/Base/Descriptor.h"
-
 #include <spdlog/sinks/base_sink.h>
 
 #include <memory>
@@ -34,7 +32,6 @@ private:
     void reopenIfOthersWrote();
 
     const std::string m_name;
-    const Common::Descriptor m_directory;
     std::unique_ptr<spdlog::sinks::sink> m_file;
     struct stat m_status {}; ///< of the file after the last batch
     std::string m_lines;

@@ -18,6 +18,7 @@
 #include <csignal>
 #include <pthread.h>
 #include <sched.h>
+#include <sys/resource.h>
 
 namespace Nerix::FileScanners {
 
@@ -27,6 +28,17 @@ namespace {
 
 constexpr std::size_t maxHelpers = 7;
 
+/// How many helpers leave enough file descriptors for the settings store and the logs, which must not fail because of
+/// them. A helper has up to two open.
+std::size_t helpersForDescriptors() {
+    constexpr rlim_t reserved = 32;
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        return maxHelpers;
+    }
+    return static_cast<std::size_t>(limit.rlim_cur > reserved ? (limit.rlim_cur - reserved) / 2 : 0);
+}
+
 /// At least three helpers even on few cores, so that several requests can wait for a cold disk at once.
 std::size_t helperCount() {
     cpu_set_t cores{};
@@ -35,7 +47,8 @@ std::size_t helperCount() {
     if (Common::DebugAndTestParameters::loaded()) {
         threads = Common::getDebugAndTestParameters().getCustomIntParam("hashVerifierThreads", threads);
     }
-    return std::min(static_cast<std::size_t>(std::max(threads, 1)) - 1, maxHelpers);
+    const std::size_t wanted = static_cast<std::size_t>(std::max(threads, 1)) - 1;
+    return std::min({wanted, maxHelpers, helpersForDescriptors()});
 }
 
 std::string pathInside(const std::string& directory, const char* name) {
