@@ -1,8 +1,8 @@
 #include "HostPlatform/SystemLog.h"
 
+#include "Common/Base/EscapedText.h"
 #include "Common/Base/NoDestructor.h"
 #include "HostPlatform/BatchingSink.h"
-#include "HostPlatform/EscapedText.h"
 #include "HostPlatform/HostDirectories.h"
 #include "HostPlatform/StateInMemory.h"
 #include "PlatformInterfaces/dlog.h"
@@ -67,7 +67,7 @@ Kind chosenKind() {
     if (!chosen.empty() && chosen != "file") {
         std::fprintf(stderr,
                      "nerix host log: NERIX_HOST_LOG is '%s', not file, syslog or stderr; using file\n",
-                     withoutControls(chosen).c_str());
+                     Common::withoutControls(chosen).c_str());
     }
     return Kind::file;
 }
@@ -178,7 +178,7 @@ bool SystemLog::write(int buffer, int priority, const char* tag, const std::stri
     line += ' ';
     line += tag;
     line += ' ';
-    line += escaped(text);
+    line += Common::escaped(text);
     writingFailed = false;
     logger->log(levelOf(priority), spdlog::string_view_t(line));
     if (priority >= DLOG_PRIORITY_WARNING) {

@@ -1,12 +1,12 @@
 #include "Executables/NerixHost/QuotedName.h"
 
-#include "HostPlatform/EscapedText.h"
+#include "Common/Base/EscapedText.h"
 
 namespace Nerix {
 
 std::string quotedName(const std::string& path) {
     std::string quoted = "\"";
-    for (const char character : Platform::Host::escaped(path)) {
+    for (const char character : Common::escaped(path)) {
         if (character == '"') {
             quoted += '\\';
         }

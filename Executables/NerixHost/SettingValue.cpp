@@ -1,6 +1,6 @@
 #include "Executables/NerixHost/SettingValue.h"
 
-#include "HostPlatform/EscapedText.h"
+#include "Common/Base/EscapedText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -45,7 +45,7 @@ std::variant<std::string, int, double, bool> valueOf(const Setting& setting) {
 std::string valueText(const Setting& setting) {
     const auto value = valueOf(setting);
     if (const auto* const text = std::get_if<std::string>(&value)) {
-        return Platform::Host::escaped(*text);
+        return Common::escaped(*text);
     }
     if (const auto* const flag = std::get_if<bool>(&value)) {
         return *flag ? "true" : "false";

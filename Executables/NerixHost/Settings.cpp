@@ -1,5 +1,6 @@
 #include "Executables/NerixHost/Settings.h"
 
+#include "Common/Base/EscapedText.h"
 #include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/Json.h"
 #include "Executables/NerixHost/RunState.h"
@@ -7,7 +8,6 @@
 #include "Executables/NerixHost/Suggestion.h"
 #include "Executables/NerixHost/Watch.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
-#include "HostPlatform/EscapedText.h"
 
 #include <cstdlib>
 #include <iostream>
@@ -19,7 +19,7 @@ namespace Nerix {
 
 namespace {
 
-using Platform::Host::escaped;
+using Common::escaped;
 using Platform::Host::Setting;
 using Platform::Host::SettingsResult;
 using Platform::Host::SettingsStore;

@@ -1,11 +1,11 @@
 #include "Executables/NerixHost/Watch.h"
 
+#include "Common/Base/EscapedText.h"
 #include "Executables/NerixHost/EndBySignal.h"
 #include "Executables/NerixHost/Json.h"
 #include "Executables/NerixHost/ProgressLine.h"
 #include "Executables/NerixHost/RunState.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
-#include "HostPlatform/EscapedText.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -19,7 +19,7 @@ namespace Nerix {
 
 namespace {
 
-using Platform::Host::escaped;
+using Common::escaped;
 
 volatile std::sig_atomic_t interrupted = 0; ///< the signal; 0 for none
 

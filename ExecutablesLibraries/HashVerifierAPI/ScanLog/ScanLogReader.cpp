@@ -1,5 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogReader.h"
 
+#include "Common/Logging/LoggingClass.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/SystemLogLine.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/WalkOrder.h"
 
@@ -9,18 +10,12 @@ using State = ScanRecordParser::State;
 
 namespace {
 
-constexpr std::size_t pieceLength = 768; ///< of a long record in the system log
-
-/// The record in a system-log line written by the worker, after "HashWorker.cpp:LINE>"; empty if there is
-/// none.
-std::string_view recordIn(std::string_view text) {
-    constexpr std::string_view source = "HashWorker.cpp:";
-    const std::size_t end = text.find('>');
-    if (text.compare(0, source.size(), source) != 0 || end == std::string_view::npos ||
-        !ScanRecordParser::beginsRecord(text.substr(end + 1))) {
-        return {};
-    }
-    return text.substr(end + 1);
+/// Returns the scan record in a message, after the "file:line>" that logging puts in front, or an empty text.
+/// Whichever source file wrote it: a record is recognised by its own form.
+std::string_view recordIn(std::string_view message) {
+    const std::size_t end = message.find('>');
+    const std::string_view record = end == std::string_view::npos ? "" : message.substr(end + 1);
+    return ScanRecordParser::beginsRecord(record) ? record : "";
 }
 
 } // namespace
@@ -80,7 +75,8 @@ bool ScanLogReader::nextOfSystemLog() {
         if (isInRecord) {
             // A long record is cut into pieces. Logs of older versions also cut it at its line feeds, which
             // were left out.
-            state = lastPiece == pieceLength ? State::open : m_parser.append("\n");
+            state = lastPiece == Common::Logging::LoggingClass::maxMessageLength ? State::open
+                                                                                 : m_parser.append("\n");
             state = state == State::open ? m_parser.append(line.text) : state;
             lastPiece = line.text.size();
         } else if (const std::string_view record = recordIn(line.text); !record.empty()) {

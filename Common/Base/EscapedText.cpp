@@ -1,10 +1,11 @@
-#include "HostPlatform/EscapedText.h"
+#include "Common/Base/EscapedText.h"
 
+#include <charconv>
 #include <cstdio>
 #include <string_view>
 #include <utility>
 
-namespace Nerix::Platform::Host {
+namespace Nerix::Common {
 
 namespace {
 
@@ -58,14 +59,42 @@ std::string escapedBut(char kept, const std::string& text) {
     return result;
 }
 
+/// Decodes the escape sequence, or plain character, at the start of text; returns the character and the
+/// number of bytes consumed.
+std::pair<char, std::size_t> decodeOne(std::string_view text) {
+    constexpr std::string_view letters = "nrt\\";
+    constexpr std::string_view named = "\n\r\t\\";
+    unsigned char byte = 0;
+    if (text[0] == '\\' && text.size() > 1) {
+        if (const std::size_t place = letters.find(text[1]); place != std::string_view::npos) {
+            return {named[place], 2};
+        }
+        if (text[1] == 'x' && text.size() > 3 &&
+            std::from_chars(&text[2], &text[2] + 2, byte, 16).ptr == &text[2] + 2) {
+            return {static_cast<char>(byte), 4};
+        }
+    }
+    return {text[0], 1};
+}
+
 } // namespace
 
 std::string escaped(const std::string& text) {
     return escapedBut('\0', text);
 }
 
+std::string unescaped(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const auto [plain, length] = decodeOne(text);
+        result += plain;
+        text.remove_prefix(length);
+    }
+    return result;
+}
+
 std::string withoutControls(const std::string& text) {
     return escapedBut('\\', text);
 }
 
-} // namespace Nerix::Platform::Host
+} // namespace Nerix::Common
