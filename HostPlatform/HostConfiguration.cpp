@@ -1,8 +1,5 @@
 #include "HostPlatform/HostConfiguration.h"
 
-#include "Common/Base/NoDestructor.h"
-#include "HostPlatform/HostDirectories.h"
-#include "HostPlatform/StateInMemory.h"
 #include "PlatformInterfaces/dlog.h"
 
 #include <boost/property_tree/ini_parser.hpp>
@@ -91,18 +88,6 @@ bool readInto(std::stringstream& content, const std::filesystem::path& file) {
 }
 
 } // namespace
-
-const HostConfiguration& HostConfiguration::instance() {
-    static Common::NoDestructor<const HostConfiguration> configuration([] {
-        try {
-            return isStateInMemory() ? std::filesystem::path() : durableDirectory() / "platform.ini";
-        } catch (const std::system_error& noHome) {
-            logFailure(std::string("platform.ini is not read: ") + noHome.what());
-            return std::filesystem::path();
-        }
-    }());
-    return *configuration;
-}
 
 HostConfiguration::HostConfiguration(std::filesystem::path file) : m_file(std::move(file)) {
     for (const auto& answer : builtIn) {

@@ -22,10 +22,7 @@ namespace Nerix::Platform::Host {
 /// file, section and key. Immutable; any thread may ask.
 class HostConfiguration {
 public:
-    /// The configuration of this process, read at the first call and never destroyed.
-    static const HostConfiguration& instance();
-
-    /// A file that does not exist overrides nothing.
+    /// An empty path, or that of a file that does not exist, overrides nothing.
     explicit HostConfiguration(std::filesystem::path file);
 
     /// section is "system_info" or "path". Returns nullopt if the key is unknown, the value is empty or of

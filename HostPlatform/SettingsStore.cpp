@@ -1,15 +1,12 @@
 #include "HostPlatform/SettingsStore.h"
 
 #include "Common/Base/NoDestructor.h"
-#include "HostPlatform/DirectoryBackend.h"
-#include "HostPlatform/HostDirectories.h"
-#include "HostPlatform/MemoryBackend.h"
+#include "HostPlatform/HostState.h"
 #include "HostPlatform/ProcessIdentity.h"
-#include "HostPlatform/StateInMemory.h"
+#include "HostPlatform/SettingsBackend.h"
 #include "HostPlatform/SystemLog.h"
 
 #include <algorithm>
-#include <optional>
 #include <utility>
 
 namespace Nerix::Platform::Host {
@@ -27,7 +24,7 @@ std::string packed(SettingType type, std::string_view bytes) {
     return record;
 }
 
-/// Returns nullopt if the record is not in our format.
+/// Returns nothing for a record that packed did not make.
 std::optional<Setting> unpacked(std::string_view key, std::string_view stored) {
     const std::size_t end = stored.find('\0');
     if (end == std::string_view::npos || end == 0) {
@@ -37,99 +34,42 @@ std::optional<Setting> unpacked(std::string_view key, std::string_view stored) {
                    std::string(stored.substr(end + 1)), std::string(stored.substr(1, end - 1))};
 }
 
-SettingsResult findIn(SettingsBackend& backend, std::string_view key, Setting& setting) {
-    const std::optional<std::string> stored = backend.get(key);
-    if (!stored) {
-        return SettingsResult::Missing;
-    }
-    std::optional<Setting> found = unpacked(key, *stored);
-    if (!found) {
-        return SettingsResult::OtherType;
-    }
-    setting = std::move(*found);
-    return SettingsResult::Ok;
-}
-
 } // namespace
 
-SettingsStore::SettingsStore() {
-    if (isStateInMemory()) {
-        m_durable = std::make_unique<MemoryBackend>();
-        m_volatile = std::make_unique<MemoryBackend>();
-        return;
-    }
-    m_durable = std::make_unique<DirectoryBackend>("settings", &durableDirectory, true);
-    m_volatile = std::make_unique<DirectoryBackend>("settings-volatile", &volatileDirectory, false);
-}
+SettingsStore::SettingsStore(std::unique_ptr<SettingsBackend> durable,
+                             std::unique_ptr<SettingsBackend> forMemoryKeys)
+    : m_durable(std::move(durable)), m_volatile(std::move(forMemoryKeys)) {}
 
 SettingsStore::~SettingsStore() = default;
-
-SettingsStore& SettingsStore::instance() {
-    static Common::NoDestructor<SettingsStore> store;
-    return *store;
-}
-
-std::string SettingsStore::lastFailure() const {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_lastFailure;
-}
 
 SettingsBackend& SettingsStore::backendOf(std::string_view key) {
     return key.substr(0, volatilePrefix.size()) == volatilePrefix ? *m_volatile : *m_durable;
 }
 
-template <class Step>
-SettingsResult SettingsStore::attempt(Step step) {
+std::optional<Setting> SettingsStore::find(std::string_view key) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    try {
-        return step();
-    } catch (const SettingsFailure& failure) {
-        m_lastFailure = failure.what();
-        return SettingsResult::Failed;
+    const std::optional<std::string> stored = backendOf(key).get(key);
+    return stored ? unpacked(key, *stored) : std::nullopt;
+}
+
+void SettingsStore::write(std::string_view key, SettingType type, std::string_view bytes) {
+    HostState::instance().log().flush();
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    backendOf(key).put(key, packed(type, bytes));
+}
+
+std::vector<Setting> SettingsStore::list() {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    std::vector<Setting> all;
+    for (SettingsBackend* const backend : {m_durable.get(), m_volatile.get()}) {
+        backend->each([&](std::string_view key, std::string_view stored) {
+            if (std::optional<Setting> setting = unpacked(key, stored)) {
+                all.push_back(std::move(*setting));
+            }
+        });
     }
-}
-
-SettingsResult SettingsStore::read(std::string_view key, SettingType type, std::string& bytes) {
-    return attempt([&] {
-        Setting setting{};
-        const SettingsResult result = findIn(backendOf(key), key, setting);
-        if (result != SettingsResult::Ok) {
-            return result;
-        }
-        if (setting.type != type) {
-            return SettingsResult::OtherType;
-        }
-        bytes = std::move(setting.bytes);
-        return SettingsResult::Ok;
-    });
-}
-
-SettingsResult SettingsStore::find(std::string_view key, Setting& setting) {
-    return attempt([&] { return findIn(backendOf(key), key, setting); });
-}
-
-SettingsResult SettingsStore::write(std::string_view key, SettingType type, std::string_view bytes) {
-    SystemLog::instance().flush();
-    return attempt([&] {
-        backendOf(key).put(key, packed(type, bytes));
-        return SettingsResult::Ok;
-    });
-}
-
-SettingsResult SettingsStore::list(std::vector<Setting>& settings) {
-    return attempt([&] {
-        std::vector<Setting> all;
-        for (SettingsBackend* const backend : {m_durable.get(), m_volatile.get()}) {
-            backend->each([&](std::string_view key, std::string_view stored) {
-                if (std::optional<Setting> setting = unpacked(key, stored)) {
-                    all.push_back(std::move(*setting));
-                }
-            });
-        }
-        std::sort(all.begin(), all.end(), [](const Setting& a, const Setting& b) { return a.key < b.key; });
-        settings = std::move(all);
-        return SettingsResult::Ok;
-    });
+    std::sort(all.begin(), all.end(), [](const Setting& a, const Setting& b) { return a.key < b.key; });
+    return all;
 }
 
 } // namespace Nerix::Platform::Host

@@ -1,10 +1,8 @@
 #include "HostPlatform/SystemLog.h"
 
 #include "Common/Base/EscapedText.h"
-#include "Common/Base/NoDestructor.h"
 #include "HostPlatform/BatchingSink.h"
 #include "HostPlatform/HostDirectories.h"
-#include "HostPlatform/StateInMemory.h"
 #include "PlatformInterfaces/dlog.h"
 
 #include <spdlog/logger.h>
@@ -53,9 +51,6 @@ spdlog::sink_ptr makeSink(Kind kind, const std::string& bufferName) {
 }
 
 Kind chosenKind() {
-    if (isStateInMemory()) {
-        return Kind::nowhere;
-    }
     const char* const variable = ::secure_getenv("NERIX_HOST_LOG");
     const std::string chosen = variable == nullptr ? "" : variable;
     if (chosen == "syslog") {
@@ -115,15 +110,8 @@ char letterOf(int priority) {
 
 } // namespace
 
-SystemLog& SystemLog::instance() {
-    static Common::NoDestructor<SystemLog> log;
-    static const int isEndedAtExit = std::atexit([] { instance().end(); });
-    static_cast<void>(isEndedAtExit);
-    return *log;
-}
-
-SystemLog::SystemLog() {
-    const Kind kind = chosenKind();
+SystemLog::SystemLog(bool isInMemory) {
+    const Kind kind = isInMemory ? Kind::nowhere : chosenKind();
     m_main = makeLogger(kind, "main");
     m_system = makeLogger(kind, "system");
     if (kind != Kind::file) {

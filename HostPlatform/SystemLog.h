@@ -10,11 +10,6 @@ namespace spdlog {
 class logger;
 }
 
-namespace Nerix::Common {
-template <class T>
-class NoDestructor;
-}
-
 namespace Nerix::Platform::Host {
 
 /// The host's system log. NERIX_HOST_LOG chooses where records go:
@@ -24,7 +19,8 @@ namespace Nerix::Platform::Host {
 ///     syslog          the machine's own log
 ///     stderr          standard error
 ///
-/// Nothing is written while the state is kept in memory, see StateInMemory.h.
+/// Nothing is written by a process
+/// whose state is in memory, see HostState.h.
 ///
 /// A record is one line: time, priority, tag, text; the text is escaped, see EscapedText.h. In a file, lines
 /// below warning level are delayed for up to a second (see BatchingSink.h). A warning, writing a setting, and
@@ -33,7 +29,8 @@ namespace Nerix::Platform::Host {
 /// shared file, the others continue in the new one. Any thread may call.
 class SystemLog {
 public:
-    static SystemLog& instance(); ///< never destroyed
+    /// isInMemory: records are dropped. Otherwise NERIX_HOST_LOG is read.
+    explicit SystemLog(bool isInMemory);
 
     /// buffer and priority are those of PlatformInterfaces/dlog.h; any buffer but DLOG_BUFFER_MAIN counts as
     /// the system buffer. False when the record could not be written; the first such failure is reported on
@@ -43,13 +40,12 @@ public:
     /// Writes the lines that wait.
     void flush();
 
-private:
-    friend class Common::NoDestructor<SystemLog>;
+    /// Ends the thread that flushes, and batches no more. Called when the process exits; records may follow.
+    void end();
 
-    SystemLog();
+private:
     void flushEachSecond();
     void writeThrough(); ///< disables batching from now on
-    void end();
 
     std::shared_ptr<spdlog::logger> m_main; ///< null when it could not be opened
     std::shared_ptr<spdlog::logger> m_system;

@@ -1,6 +1,7 @@
 #include "PlatformInterfaces/dlog.h"
 
 #include "HostPlatform/CBarrier.h"
+#include "HostPlatform/HostState.h"
 #include "HostPlatform/SystemLog.h"
 
 #include <cstdarg>
@@ -33,7 +34,7 @@ int __dlog_print(int buffer, int priority, const char* tag, const char* format, 
     int result = -1;
     Nerix::Platform::Host::withoutExceptions([&] {
         const std::string text = formatted(format, arguments);
-        if (Nerix::Platform::Host::SystemLog::instance().write(buffer, priority, tag, text)) {
+        if (Nerix::Platform::Host::HostState::instance().log().write(buffer, priority, tag, text)) {
             result = static_cast<int>(text.size());
         }
         return 0;

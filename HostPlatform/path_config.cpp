@@ -3,13 +3,14 @@
 #include "Common/Base/NoDestructor.h"
 #include "HostPlatform/CBarrier.h"
 #include "HostPlatform/HostConfiguration.h"
+#include "HostPlatform/HostState.h"
 
 #include <map>
 #include <mutex>
 #include <string>
 
 using Nerix::Common::NoDestructor;
-using Nerix::Platform::Host::HostConfiguration;
+using Nerix::Platform::Host::HostState;
 using Nerix::Platform::Host::withoutExceptions;
 
 const char* path_config_get(int variable) {
@@ -19,7 +20,7 @@ const char* path_config_get(int variable) {
     const char* directory = nullptr;
     withoutExceptions([&] {
         const std::lock_guard<std::mutex> lock(mutex);
-        if (const auto text = HostConfiguration::instance().text("path", variable)) {
+        if (const auto text = HostState::instance().configuration().text("path", variable)) {
             directory = answers->emplace(variable, *text).first->second.c_str();
         }
         return 0;

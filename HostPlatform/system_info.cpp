@@ -2,6 +2,7 @@
 
 #include "HostPlatform/CBarrier.h"
 #include "HostPlatform/HostConfiguration.h"
+#include "HostPlatform/HostState.h"
 
 #include <cerrno>
 #include <cstring>
@@ -9,6 +10,7 @@
 #include <type_traits>
 
 using Nerix::Platform::Host::HostConfiguration;
+using Nerix::Platform::Host::HostState;
 using Nerix::Platform::Host::withoutExceptions;
 
 namespace {
@@ -18,7 +20,7 @@ const std::string section = "system_info";
 template <class Question, class Value>
 int lookUp(Question question, Value* value) {
     return withoutExceptions([&] {
-        const auto answer = question(HostConfiguration::instance());
+        const auto answer = question(HostState::instance().configuration());
         if (!answer) {
             return EINVAL;
         }

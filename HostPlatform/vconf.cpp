@@ -1,30 +1,46 @@
 #include "PlatformInterfaces/vconf.h"
 
 #include "HostPlatform/CBarrier.h"
+#include "HostPlatform/HostState.h"
+#include "HostPlatform/SettingsBackend.h"
 #include "HostPlatform/SettingsStore.h"
 
 #include <cerrno>
 #include <cstring>
+#include <optional>
+#include <string>
+#include <string_view>
 
-using Nerix::Platform::Host::SettingsResult;
-using Nerix::Platform::Host::SettingsStore;
+using Nerix::Platform::Host::HostState;
+using Nerix::Platform::Host::Setting;
+using Nerix::Platform::Host::SettingsFailure;
 using Nerix::Platform::Host::SettingType;
 using Nerix::Platform::Host::withoutExceptions;
 
 namespace {
 
-int codeOf(SettingsResult result) {
-    switch (result) {
-    case SettingsResult::Ok:
-        return 0;
-    case SettingsResult::Missing:
-        return ENOENT;
-    case SettingsResult::OtherType:
-        return EINVAL;
-    case SettingsResult::Failed:
-        break;
-    }
-    return EIO;
+/// Runs an operation on the store and returns its code, or EIO if the store failed, which it has logged.
+template <class Operation>
+int onStore(Operation operation) {
+    return withoutExceptions([&] {
+        try {
+            return operation(HostState::instance().settings());
+        } catch (const SettingsFailure&) {
+            return EIO;
+        }
+    });
+}
+
+/// Reads a setting of that type and passes its bytes to take.
+template <class Take>
+int read(const char* key, SettingType type, Take take) {
+    return onStore([&](auto& store) {
+        const std::optional<Setting> setting = store.find(key);
+        if (!setting) {
+            return ENOENT;
+        }
+        return setting->type == type && take(setting->bytes) ? 0 : EINVAL;
+    });
 }
 
 template <class Value>
@@ -32,26 +48,25 @@ int readNumber(const char* key, SettingType type, Value* value) {
     if (key == nullptr || value == nullptr) {
         return EINVAL;
     }
-    return withoutExceptions([&] {
-        std::string bytes;
-        const int code = codeOf(SettingsStore::instance().read(key, type, bytes));
-        if (code == 0 && bytes.size() == sizeof *value) {
-            std::memcpy(value, bytes.data(), sizeof *value);
-            return 0;
+    return read(key, type, [&](const std::string& bytes) {
+        if (bytes.size() != sizeof *value) {
+            return false;
         }
-        return code != 0 ? code : EINVAL;
+        std::memcpy(value, bytes.data(), sizeof *value);
+        return true;
+    });
+}
+
+int write(const char* key, SettingType type, std::string_view bytes) {
+    return onStore([&](auto& store) {
+        store.write(key, type, bytes);
+        return 0;
     });
 }
 
 template <class Value>
 int writeNumber(const char* key, SettingType type, Value value) {
-    if (key == nullptr) {
-        return EINVAL;
-    }
-    return withoutExceptions([&] {
-        return codeOf(SettingsStore::instance().write(key, type,
-                                                      {reinterpret_cast<const char*>(&value), sizeof value}));
-    });
+    return key == nullptr ? EINVAL : write(key, type, {reinterpret_cast<const char*>(&value), sizeof value});
 }
 
 } // namespace
@@ -78,21 +93,14 @@ int vconf_set_bool(const char* key, int value) {
 char* vconf_get_str(const char* key) {
     char* text = nullptr;
     if (key != nullptr) {
-        withoutExceptions([&] {
-            std::string bytes;
-            if (SettingsStore::instance().read(key, SettingType::Text, bytes) == SettingsResult::Ok) {
-                text = ::strdup(bytes.c_str());
-            }
-            return 0;
+        read(key, SettingType::Text, [&](const std::string& bytes) {
+            text = ::strdup(bytes.c_str());
+            return true;
         });
     }
     return text;
 }
 
 int vconf_set_str(const char* key, const char* value) {
-    if (key == nullptr || value == nullptr) {
-        return EINVAL;
-    }
-    return withoutExceptions(
-        [&] { return codeOf(SettingsStore::instance().write(key, SettingType::Text, value)); });
+    return key == nullptr || value == nullptr ? EINVAL : write(key, SettingType::Text, value);
 }

@@ -1,24 +1,18 @@
 #include "Executables/NerixHost/RunState.h"
 
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
+#include "HostPlatform/HostState.h"
 #include "HostPlatform/ProcessIdentity.h"
-
-#include <stdexcept>
 
 namespace Nerix {
 
 namespace {
 
 using Platform::Host::Setting;
-using Platform::Host::SettingsResult;
-using Platform::Host::SettingsStore;
 
+/// An empty setting if there is none.
 Setting find(const char* key) {
-    Setting setting{};
-    if (SettingsStore::instance().find(key, setting) == SettingsResult::Failed) {
-        throw std::runtime_error(SettingsStore::instance().lastFailure());
-    }
-    return setting;
+    return Platform::Host::HostState::instance().settings().find(key).value_or(Setting{});
 }
 
 } // namespace

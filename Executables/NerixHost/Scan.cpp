@@ -14,7 +14,7 @@
 #include "Executables/NerixHost/QuotedName.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogStream.h"
-#include "HostPlatform/StateInMemory.h"
+#include "HostPlatform/HostState.h"
 #include "Platform/Product/IProductInfo.h"
 
 #include <boost/thread/thread_only.hpp>
@@ -41,7 +41,7 @@ constexpr int trouble = 2;
 
 /// The same start-up as NerixVerifierHash, but with all state kept in memory.
 void prepare() {
-    Platform::Host::keepStateInMemory();
+    Platform::Host::HostState::keepInMemory();
     Common::Logging::LoggingClass::init("NerixHost");
     Common::Debug::ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
     Common::Utils::catchTerminationSignals();

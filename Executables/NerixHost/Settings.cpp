@@ -8,10 +8,11 @@
 #include "Executables/NerixHost/Suggestion.h"
 #include "Executables/NerixHost/Watch.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/PublishedState.h"
+#include "HostPlatform/HostState.h"
 
 #include <cstdlib>
 #include <iostream>
-#include <stdexcept>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,9 +21,8 @@ namespace Nerix {
 namespace {
 
 using Common::escaped;
+using Platform::Host::HostState;
 using Platform::Host::Setting;
-using Platform::Host::SettingsResult;
-using Platform::Host::SettingsStore;
 
 /// A run that was killed leaves its status and result behind.
 void warnIfKilled(const Setting& setting) {
@@ -31,16 +31,8 @@ void warnIfKilled(const Setting& setting) {
     }
 }
 
-std::vector<Setting> allSettings() {
-    std::vector<Setting> settings;
-    if (SettingsStore::instance().list(settings) != SettingsResult::Ok) {
-        throw std::runtime_error(SettingsStore::instance().lastFailure());
-    }
-    return settings;
-}
-
 int list(bool isJson) {
-    for (const Setting& setting : allSettings()) {
+    for (const Setting& setting : HostState::instance().settings().list()) {
         std::cout << (isJson ? jsonOf(setting) : escaped(setting.key) + " = " + valueText(setting)) << '\n';
         if (!isJson) {
             warnIfKilled(setting);
@@ -54,21 +46,16 @@ int list(bool isJson) {
 std::vector<std::string> knownKeys() {
     std::vector<std::string> keys{PublishedState::statusKey, PublishedState::progressKey,
                                   PublishedState::resultKey};
-    for (const Setting& setting : allSettings()) {
+    for (const Setting& setting : HostState::instance().settings().list()) {
         keys.push_back(setting.key);
     }
     return keys;
 }
 
 int get(const std::string& key, bool isJson) {
-    Setting setting{};
-    const SettingsResult result = SettingsStore::instance().find(key, setting);
-    if (result == SettingsResult::Failed) {
-        throw std::runtime_error(SettingsStore::instance().lastFailure());
-    }
-    if (result == SettingsResult::Ok) {
-        std::cout << (isJson ? jsonOf(setting) : valueText(setting)) << std::endl;
-        warnIfKilled(setting);
+    if (const std::optional<Setting> setting = HostState::instance().settings().find(key)) {
+        std::cout << (isJson ? jsonOf(*setting) : valueText(*setting)) << std::endl;
+        warnIfKilled(*setting);
         return EXIT_SUCCESS;
     }
     const std::string other = nearest(key, knownKeys());

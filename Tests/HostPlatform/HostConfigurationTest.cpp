@@ -1,4 +1,4 @@
-#include "HostPlatform/StateInMemory.h"
+#include "HostPlatform/HostState.h"
 #include "PlatformInterfaces/path_config.h"
 #include "PlatformInterfaces/system_info.h"
 #include "Tests/Fakes/OwnProcess.h"
@@ -59,7 +59,7 @@ TEST(HostConfigurationDeathTest, FileOverridesTheBuiltInAnswersAndItsFaultsAreLo
 
 TEST(HostConfigurationDeathTest, EachQuestionHasABuiltInAnswer) {
     inOwnProcess([] {
-        Platform::Host::keepStateInMemory();
+        Platform::Host::HostState::keepInMemory();
         std::string all;
         for (const int key : {8, 128, 133, 203, 301, 358, 359, 378}) {
             char* text = nullptr;

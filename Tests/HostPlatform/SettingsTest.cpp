@@ -1,5 +1,5 @@
 #include "HostPlatform/SettingsStore.h"
-#include "HostPlatform/StateInMemory.h"
+#include "HostPlatform/HostState.h"
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 #include "PlatformInterfaces/vconf.h"
 #include "Tests/Fakes/OwnProcess.h"
@@ -31,15 +31,14 @@ void expectEachTypeIsKept() {
         int flag = 0;
         EXPECT_EQ(vconf_get_bool((shelf + "yes").c_str(), &flag) + flag, 1);
     }
-    std::vector<Platform::Host::Setting> all;
-    Platform::Host::SettingsStore::instance().list(all);
+    const std::vector<Platform::Host::Setting> all = Platform::Host::HostState::instance().settings().list();
     EXPECT_EQ(all.size(), 10U);
     EXPECT_EQ(all.back().key + all.front().key, "zz/db/yesmemory/double");
 }
 
 TEST(SettingsDeathTest, EachTypeIsKeptInMemoryToo) {
     inOwnProcess([] {
-        Platform::Host::keepStateInMemory();
+        Platform::Host::HostState::keepInMemory();
         expectEachTypeIsKept();
     });
 }
