@@ -63,9 +63,9 @@ class Hostile(SystemTest):
         makers = (lambda name: os.symlink(precious, name), lambda name: os.symlink(dangling, name), os.mkfifo,
                   os.mkdir, log_of_another_run)
         for make in makers:
+            now = time.time() + 11 * 3600
             for second in range(10):  # the log's name is known to the second
-                make(time.strftime("/media/usb/NerixVerifierHash-%Y%m%d-%H%M%S.log",
-                                   time.gmtime(time.time() + 11 * 3600 + second)))
+                make(time.strftime("/media/usb/NerixVerifierHash-%Y%m%d-%H%M%S.log", time.gmtime(now + second)))
             before = len(self.scan_records())
             self.assert_right()
             model = Model("md5")
