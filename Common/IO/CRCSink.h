@@ -12,7 +12,7 @@
 
 namespace Nerix::Common::IO {
 
-/// Computes a checksum of the data pushed into it. A transaction can store its state and restore it. CRC is
+/// Computes a checksum of the data pushed into it. For the other programs of the package; here only the transaction id uses it. A transaction can store its state and restore it. CRC is
 /// an engine of Boost.CRC with reflected 32-bit remainders.
 template <class CRC>
 class CRCSink : public ISink, public ITransactionalEntity, public Utils::IDebugName {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+/// Storing and restoring state in a transaction. For the other programs of the package; nothing here has one.
 namespace Nerix::Common::IO {
 
 class ITransaction;

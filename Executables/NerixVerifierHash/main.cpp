@@ -1,3 +1,15 @@
+// The command line of NerixVerifierHash. A run comes through these files, in this order:
+//
+//   main.cpp                    options, set-up of the package's framework, exit status
+//   HashVerifierAPI.cpp         makes the path canonical and starts the worker
+//   Worker/HashWorker.cpp       publishes status, progress and result; runs the scan on a thread of its own
+//   ScanLog/ScanLogFile.cpp     opens the scan log on a USB drive
+//   FileScanners/FileScanners.cpp   selects the scanner of an entry by its kind
+//   FileScanners/Directory.cpp, Walk/Walk.cpp   list a directory and have its entries examined and reported
+//   FileScanners/Regular.cpp, SymbolicLink.cpp  hash path, status, attributes, and content or target
+//   HashFunctions/OpenSSLHash.cpp   one step: a digest of the old value and the new bytes
+//   Common/IO/HashSink.cpp      that digest, computed by OpenSSL
+
 #include "Common/Debug/ThreadDebug.h"
 #include "Common/IO/OpenSSLInit.h"
 #include "Common/Logging/Log.h"

@@ -4,6 +4,8 @@
 
 #include <string>
 
+/// For the other programs of the package; nothing here attaches a code.
+///
 /// Support codes tell a service centre where a failure came from: a chain joined by "-", outermost first,
 /// kept in the errinfo_supportcode entry.
 
