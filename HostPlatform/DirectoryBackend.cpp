@@ -1,6 +1,8 @@
 #include "HostPlatform/DirectoryBackend.h"
 
 #include "Common/Base/Descriptor.h"
+#include "Common/Base/Files.h"
+#include "Common/Base/Hexadecimal.h"
 #include "Common/Base/NoDestructor.h"
 #include "HostPlatform/OwnDirectory.h"
 #include "HostPlatform/ProcessIdentity.h"
@@ -13,7 +15,6 @@
 #include <charconv>
 #include <climits>
 #include <cstdint>
-#include <cstdio>
 #include <system_error>
 #include <vector>
 
@@ -28,7 +29,7 @@ namespace {
 namespace fs = std::filesystem;
 using Common::Descriptor;
 
-constexpr std::size_t checksumLength = 8;
+constexpr unsigned int checksumLength = 8;
 constexpr std::size_t longestFile = std::size_t{1} << 20U;
 
 [[noreturn]] void fail(int error) {
@@ -60,9 +61,7 @@ std::string fileNameOf(std::string_view key) {
         } else if (standsForItself(byte) && !isHidden) {
             name += byte;
         } else {
-            char code[4];
-            std::snprintf(code, sizeof code, "%%%02x", static_cast<unsigned char>(byte));
-            name += code;
+            name += '%' + Common::hexadecimal(static_cast<unsigned char>(byte), 2);
         }
     }
     if (name.empty() || name.size() > NAME_MAX) {
@@ -93,9 +92,7 @@ std::optional<std::string> keyOf(const std::string& name) {
 std::string checksumOf(std::string_view bytes) {
     boost::crc_32_type crc;
     crc.process_bytes(bytes.data(), bytes.size());
-    char digits[checksumLength + 1];
-    std::snprintf(digits, sizeof digits, "%08x", static_cast<unsigned int>(crc.checksum()));
-    return digits;
+    return Common::hexadecimal(crc.checksum(), checksumLength);
 }
 
 /// The whole file; nothing when there is none.
@@ -155,12 +152,8 @@ void writeFile(const fs::path& path, std::string_view content, bool isSynced) {
     if (!file.isOpen()) {
         fail(errno);
     }
-    while (!content.empty()) {
-        const ssize_t count = ::write(file.number(), content.data(), content.size());
-        if (count < 0 && errno != EINTR) {
-            fail(errno);
-        }
-        content.remove_prefix(count > 0 ? static_cast<std::size_t>(count) : 0);
+    if (const int error = Common::writeAll(file.number(), content)) {
+        fail(error);
     }
     if (isSynced && ::fsync(file.number()) != 0) {
         fail(errno);
@@ -247,7 +240,7 @@ void DirectoryBackend::put(std::string_view key, std::string_view bytes) {
         // The setting is written by now, and whoever reads it finds it: no failure of the call.
         if (m_isSynced && ::fsync(place.number()) != 0) {
             logError("settings store " + m_place +
-                     ": may not survive a power failure: " + std::generic_category().message(errno));
+                     ": may not survive a power failure: " + Common::messageOf(errno));
         }
     });
 }

@@ -1,7 +1,8 @@
 #include "Common/Base/EscapedText.h"
 
+#include "Common/Base/Hexadecimal.h"
+
 #include <charconv>
-#include <cstdio>
 #include <string_view>
 #include <utility>
 
@@ -9,10 +10,8 @@ namespace Nerix::Common {
 
 namespace {
 
-void appendHexadecimal(std::string& result, unsigned char byte) {
-    char code[5];
-    std::snprintf(code, sizeof code, "\\x%02x", byte);
-    result += code;
+std::string escapeOf(char byte) {
+    return "\\x" + hexadecimal(static_cast<unsigned char>(byte), 2);
 }
 
 bool isC1(unsigned char byte) {
@@ -39,18 +38,19 @@ std::string escapedBut(char kept, const std::string& text) {
         const unsigned char before = std::exchange(shown, 0);
         if (beginsWithDirection(std::string_view(text).substr(index))) {
             for (const char part : text.substr(index, 3)) {
-                appendHexadecimal(result, static_cast<unsigned char>(part));
+                result += escapeOf(part);
             }
             index += 2;
         } else if (isC1(byte) && before == 0xC2) {
             result.pop_back();
-            appendHexadecimal(result, before);
-            appendHexadecimal(result, byte);
+            result += escapeOf(static_cast<char>(before));
+            result += escapeOf(character);
         } else if (const std::size_t place = named.find(character);
                    place != std::string_view::npos && character != kept) {
-            (result += '\\') += letters[place];
+            result += '\\';
+            result += letters[place];
         } else if (byte < 0x20 || byte == 0x7F || (isC1(byte) && before < 0x80)) {
-            appendHexadecimal(result, byte);
+            result += escapeOf(character);
         } else {
             result += character;
             shown = byte;

@@ -47,10 +47,7 @@ public:
     /// Both logs come in the order of the walk and are merged as they are read.
     int run() {
         while (m_before.hasRecord || m_after.hasRecord) {
-            const int order = !m_before.hasRecord ? 1
-                              : !m_after.hasRecord
-                                  ? -1
-                                  : compareInWalkOrder(m_before.record.path, m_after.record.path);
+            const int order = nextInOrder();
             if (order == 0) {
                 compareRecords();
                 m_before.advance();
@@ -69,6 +66,17 @@ private:
     /// Whether a difference below path has been printed. Entries below a directory immediately precede it in
     /// the log, so checking the last printed path is enough.
     bool isExplained(const std::string& path) const { return isBelow(m_lastPrintedPath, path); }
+
+    /// Below 0 if the next record is only in the log before, above 0 if only in the one after, 0 if in both.
+    int nextInOrder() const {
+        if (!m_before.hasRecord) {
+            return 1;
+        }
+        if (!m_after.hasRecord) {
+            return -1;
+        }
+        return compareInWalkOrder(m_before.record.path, m_after.record.path);
+    }
 
     void compareRecords() {
         if (m_before.record.value == m_after.record.value) {

@@ -1,5 +1,6 @@
 #include "Executables/NerixHost/LogFile.h"
 
+#include "Common/Base/Files.h"
 #include "Executables/NerixHost/QuotedName.h"
 
 #include <boost/crc.hpp>
@@ -9,7 +10,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
-#include <system_error>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -24,10 +24,6 @@ namespace fs = std::filesystem;
 
 [[noreturn]] void fail(const std::string& file, const std::string& reason) {
     throw std::runtime_error("cannot write " + quotedName(file) + ": " + reason);
-}
-
-std::string messageOf(int error) {
-    return std::generic_category().message(error);
 }
 
 /// What the names of a log's unfinished files begin with: the directory, and a checksum of the name, so that
@@ -66,20 +62,20 @@ void takeOwnerAndMode(int descriptor, const std::string& file) {
     struct stat status {};
     if (::lstat(file.c_str(), &status) != 0) {
         if (errno != ENOENT || ::fchmod(descriptor, modeOfNewFile()) != 0) {
-            fail(file, messageOf(errno));
+            fail(file, Common::messageOf(errno));
         }
         return;
     }
     struct stat own {};
     if (::fstat(descriptor, &own) != 0) {
-        fail(file, messageOf(errno));
+        fail(file, Common::messageOf(errno));
     }
     const bool isSameOwner = own.st_uid == status.st_uid && own.st_gid == status.st_gid;
     if (!isSameOwner && ::fchown(descriptor, status.st_uid, status.st_gid) != 0) {
-        fail(file, "its owner cannot be kept: " + messageOf(errno));
+        fail(file, "its owner cannot be kept: " + Common::messageOf(errno));
     }
     if (::fchmod(descriptor, status.st_mode & 07777) != 0) {
-        fail(file, messageOf(errno));
+        fail(file, Common::messageOf(errno));
     }
 }
 
@@ -95,7 +91,7 @@ int create(const std::string& file, std::string& partial) {
         partial = prefix + "XXXXXX";
         Common::Descriptor created(::mkostemp(partial.data(), O_CLOEXEC));
         if (!created.isOpen()) {
-            fail(file, messageOf(errno));
+            fail(file, Common::messageOf(errno));
         }
         ::flock(created.number(), LOCK_EX | LOCK_NB); // a file system without locks keeps abandoned files
         if (::fstat(created.number(), &status) == 0 && status.st_nlink != 0) {
@@ -129,10 +125,10 @@ LogFile::~LogFile() {
 void LogFile::commit() {
     m_stream.flush();
     if (!m_stream) {
-        fail(m_file, messageOf(m_buffer.error()));
+        fail(m_file, Common::messageOf(m_buffer.error()));
     }
     if (::close(m_descriptor.release()) != 0 || std::rename(m_partial.c_str(), m_file.c_str()) != 0) {
-        fail(m_file, messageOf(errno));
+        fail(m_file, Common::messageOf(errno));
     }
     m_isCommitted = true;
 }
@@ -147,13 +143,9 @@ LogFile::Buffer::int_type LogFile::Buffer::overflow(int_type character) {
 }
 
 int LogFile::Buffer::sync() {
-    for (const char* begin = pbase(); begin != pptr();) {
-        const ssize_t count = ::write(m_descriptor, begin, static_cast<std::size_t>(pptr() - begin));
-        if (count < 0 && errno != EINTR) {
-            m_error = errno;
-            return -1;
-        }
-        begin += count > 0 ? count : 0;
+    m_error = Common::writeAll(m_descriptor, {pbase(), static_cast<std::size_t>(pptr() - pbase())});
+    if (m_error != 0) {
+        return -1;
     }
     setp(m_bytes.data(), m_bytes.data() + m_bytes.size());
     return 0;

@@ -1,7 +1,8 @@
 #include "Executables/NerixHost/ProgressLine.h"
 
+#include "Common/Base/Files.h"
+
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <string_view>
 #include <system_error>
@@ -94,13 +95,8 @@ std::size_t ProgressLine::columns() const {
 }
 
 void ProgressLine::write(const std::string& text) const {
-    std::string_view rest = text;
-    while (!rest.empty()) {
-        const ssize_t count = ::write(m_descriptor, rest.data(), rest.size());
-        if (count < 0 && errno != EINTR) {
-            throw std::system_error(errno, std::generic_category(), "cannot show progress");
-        }
-        rest.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    if (const int error = Common::writeAll(m_descriptor, text)) {
+        throw std::system_error(error, std::generic_category(), "cannot show progress");
     }
 }
 

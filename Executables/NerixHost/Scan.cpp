@@ -51,8 +51,8 @@ void prepare() {
 
 std::string duration(Clock::duration elapsed) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
-    const std::string twoDigits = std::to_string(seconds % 60 + 100).substr(1);
-    return std::to_string(seconds / 60) + ':' + twoDigits;
+    const std::string rest = std::to_string(seconds % 60);
+    return std::to_string(seconds / 60) + (rest.size() == 1 ? ":0" : ":") + rest;
 }
 
 /// Runs step unless drawing has failed before. The reader of a pipe may have gone away; the scan continues

@@ -59,9 +59,12 @@ int get(const std::string& key, bool isJson) {
         return EXIT_SUCCESS;
     }
     const std::string other = nearest(key, knownKeys());
-    const std::string hint = other.empty()  ? ""
-                             : other == key ? " yet"
-                                            : "; did you mean '" + escaped(other) + "'?";
+    std::string hint;
+    if (other == key) {
+        hint = " yet";
+    } else if (!other.empty()) {
+        hint = "; did you mean '" + escaped(other) + "'?";
+    }
     printError("there is no setting '" + escaped(key) + '\'' + hint);
     return EXIT_FAILURE;
 }

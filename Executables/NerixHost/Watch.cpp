@@ -49,10 +49,13 @@ ProgressLine::Content contentOf(const RunState& state) {
 
 /// The text shown while waiting for a run, with the outcome of the last one.
 ProgressLine::Content waiting(const RunState& last) {
-    return {"waiting for a run", "",
-            last.status == "killed" ? "(the last one was killed)"
-            : last.result.empty()   ? ""
-                                    : "(the last one: " + escaped(last.result) + ")"};
+    std::string before;
+    if (last.status == "killed") {
+        before = "(the last one was killed)";
+    } else if (!last.result.empty()) {
+        before = "(the last one: " + escaped(last.result) + ")";
+    }
+    return {"waiting for a run", "", before};
 }
 
 /// Shows the state, either as a progress line or as JSON objects.

@@ -144,7 +144,12 @@ void setEmulatedInfoValue(const std::string& key, const std::string& value) {
     const path helper = file.parent_path() / "helper.txt";
     rewrite(file, helper, entry);
     boost::system::error_code error;
-    if (!boost::filesystem::remove(file, error) || (boost::filesystem::rename(helper, file, error), error)) {
+    bool isReplaced = boost::filesystem::remove(file, error);
+    if (isReplaced) {
+        boost::filesystem::rename(helper, file, error);
+        isReplaced = !error;
+    }
+    if (!isReplaced) {
         BOOST_THROW_EXCEPTION(GenericException()
                               << errinfo_description(
                                      "Error during removing/changing file containing emulated "

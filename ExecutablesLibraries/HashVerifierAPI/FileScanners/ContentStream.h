@@ -1,12 +1,12 @@
 #pragma once
 
 #include "Common/Base/Descriptor.h"
+#include "Common/Base/Files.h"
 
 #include <boost/filesystem/path.hpp>
 
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 
 #include <sys/types.h>
 
@@ -34,10 +34,6 @@ public:
     void throwIfReplaced() const;
 
 private:
-    struct Closer {
-        void operator()(std::FILE* stream) const { std::fclose(stream); }
-    };
-
     static ssize_t read(void* self, char* buffer, std::size_t size);
     bool isStillRegularFile();
     [[noreturn]] void throwUnreadable(int error) const;
@@ -52,7 +48,7 @@ private:
     Common::Descriptor m_descriptor;
     /// The steps take 4096 bytes each; a system call for each of them would cost a sixth of a fast digest.
     char m_buffer[131072];
-    std::unique_ptr<std::FILE, Closer> m_stream;
+    Common::File m_stream;
 };
 
 } // namespace Nerix::FileScanners

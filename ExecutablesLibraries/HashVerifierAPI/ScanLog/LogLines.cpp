@@ -1,7 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/LogLines.h"
 
 #include <cerrno>
-#include <system_error>
 #include <vector>
 
 #include <sys/stat.h>
@@ -14,19 +13,15 @@ namespace {
 constexpr std::size_t longestLine = 65536;
 constexpr std::size_t blockSize = 65536;
 
-std::string messageOf(int error) {
-    return std::generic_category().message(error);
-}
-
 } // namespace
 
 LogLines::LogLines(const std::string& file) : m_name(file), m_file(std::fopen(file.c_str(), "re")) {
     struct stat status {};
     if (!m_file || ::fstat(::fileno(m_file.get()), &status) != 0) {
-        throwError(messageOf(errno));
+        throwError(Common::messageOf(errno));
     }
     if (S_ISDIR(status.st_mode)) {
-        throwError(messageOf(EISDIR));
+        throwError(Common::messageOf(EISDIR));
     }
     if (!S_ISREG(status.st_mode)) {
         m_file = copied(m_file.get());
@@ -34,22 +29,22 @@ LogLines::LogLines(const std::string& file) : m_name(file), m_file(std::fopen(fi
     }
 }
 
-LogLines::File LogLines::copied(std::FILE* from) const {
-    File copy(std::tmpfile());
+Common::File LogLines::copied(std::FILE* from) const {
+    Common::File copy(std::tmpfile());
     if (!copy) {
-        throwError("cannot be copied: " + messageOf(errno));
+        throwError("cannot be copied: " + Common::messageOf(errno));
     }
     std::vector<char> buffer(blockSize);
     while (const std::size_t size = std::fread(buffer.data(), 1, buffer.size(), from)) {
         if (std::fwrite(buffer.data(), 1, size, copy.get()) != size) {
-            throwError("cannot be copied: " + messageOf(errno));
+            throwError("cannot be copied: " + Common::messageOf(errno));
         }
     }
     if (std::ferror(from) != 0) {
-        throwError("cannot be read: " + messageOf(errno));
+        throwError("cannot be read: " + Common::messageOf(errno));
     }
     if (std::fflush(copy.get()) != 0) {
-        throwError("cannot be copied: " + messageOf(errno));
+        throwError("cannot be copied: " + Common::messageOf(errno));
     }
     return copy;
 }
@@ -93,7 +88,7 @@ bool LogLines::readMore() {
     const std::size_t count = std::fread(m_bytes.data() + before, 1, blockSize, m_file.get());
     m_bytes.resize(before + count);
     if (std::ferror(m_file.get()) != 0) {
-        throwError("cannot be read: " + messageOf(errno));
+        throwError("cannot be read: " + Common::messageOf(errno));
     }
     return count != 0;
 }

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "Common/Base/Files.h"
+
 #include <cstdint>
 #include <cstdio>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -43,16 +44,11 @@ public:
     [[noreturn]] void throwError(const std::string& reason) const;
 
 private:
-    struct Closer {
-        void operator()(std::FILE* file) const { std::fclose(file); } // only read from, so nothing is lost
-    };
-    using File = std::unique_ptr<std::FILE, Closer>;
-
-    File copied(std::FILE* from) const;
+    Common::File copied(std::FILE* from) const;
     bool readMore();
 
     const std::string m_name;
-    File m_file;
+    Common::File m_file;
     std::string m_bytes;     ///< read from the file: the current line and what follows
     std::size_t m_begin = 0; ///< where the next line begins in m_bytes
     std::string_view m_line;

@@ -1,5 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
 
+#include "Common/Base/Hexadecimal.h"
 #include "Common/Logging/LoggingClass.h"
 
 #include <algorithm>
@@ -60,12 +61,7 @@ bool isMode(std::string_view text) {
 } // namespace
 
 std::string hexadecimal16(std::uint64_t value) {
-    std::string text;
-    for (unsigned int shift = 64; shift != 0;) {
-        shift -= 4;
-        text += "0123456789abcdef"[value >> shift & 0xFU];
-    }
-    return text;
+    return Common::hexadecimal(value, 16);
 }
 
 std::string scanRecord(std::uint64_t value, const std::string& path) {

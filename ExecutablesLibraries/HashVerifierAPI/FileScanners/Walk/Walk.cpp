@@ -190,8 +190,10 @@ void Walk::step() {
         reportProgress();
     }
     m_isReporting = false;
-    if (turn.cell != nullptr) {
-        turn.isAhead ? examineAhead(*turn.cell, true) : examineInFront(*turn.cell);
+    if (turn.cell != nullptr && turn.isAhead) {
+        examineAhead(*turn.cell, true);
+    } else if (turn.cell != nullptr) {
+        examineInFront(*turn.cell);
     }
     if (m_failure) {
         std::rethrow_exception(m_failure);
