@@ -24,8 +24,12 @@ REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog 
 RECORD = re.compile(rb"\[INF\] HashWorker\.cpp:\d+>([0-9a-f]{16} \".*)")
 
 
-# The machine's root directory without its drives, plus the project at /nerix and the build at /nerix-build, where no test
-# mounts anything.
+# Set in the private root, where a test may mount what it likes. The machine's drives are not there, so no run writes to them.
+IN_OWN_ROOT = "NERIX_OWN_ROOT" in os.environ
+NO_MOUNTS = None if IN_OWN_ROOT else "no private mounts on this machine"
+
+# Arguments: the new root, the project, the place of the build in the new root, the build, and the command to run there.
+# The new root has everything of the old one but the drives, and the project at /nerix, where no test mounts anything.
 OWN_ROOT = """
 set -e
 mount -t tmpfs none "$1" && cd "$1" && mount --make-unbindable .
@@ -42,13 +46,11 @@ exec chroot . sh -c 'cd /nerix && exec "$@"' sh "$@"
 """
 
 
-def enter_own_mounts():
-    """Starts the script anew in a mount name space and a root directory of its own, without the machine's drives.
+def run_in_own_root():
+    """Runs this script again in a private mount namespace and root directory, and exits with its status.
 
-    Returns only there, or with the reason why it cannot.
+    Returns only where the machine does not allow that.
     """
-    if "NERIX_OWN_MOUNTS" in os.environ:
-        return None
     place = os.path.join(tempfile.mkdtemp(prefix="nerix-root-"), "root")
     os.mkdir(place)
     script = os.path.join("/nerix", os.path.relpath(os.path.abspath(sys.argv[0]), PROJECT))
@@ -56,17 +58,13 @@ def enter_own_mounts():
     flags = ["-m"] if os.geteuid() == 0 else ["-Urm"]
     try:
         run = subprocess.run(["unshare", *flags, "sh", "-c", OWN_ROOT, "sh", place, PROJECT, built, BUILD, sys.executable,
-                              script, built, *sys.argv[2:]], check=False, env={**os.environ, "NERIX_OWN_MOUNTS": "entered"})
+                              script, built, *sys.argv[2:]], check=False, env={**os.environ, "NERIX_OWN_ROOT": "yes"})
         if os.path.exists(place + ".entered"):
             sys.exit(run.returncode)
     except OSError as failure:
         print(failure, file=sys.stderr)
     finally:
         shutil.rmtree(os.path.dirname(place))
-    return "no private mounts on this machine"
-
-
-NO_MOUNTS = enter_own_mounts()
 
 
 class SystemTest(unittest.TestCase):
@@ -89,14 +87,29 @@ class SystemTest(unittest.TestCase):
         self.addCleanup(subprocess.run, ["umount", "-l", where], check=False, stderr=subprocess.DEVNULL)
 
     def use_threads(self, count):
-        """Sets the number of threads through the testers' parameters file. Requires NO_MOUNTS is None."""
+        """Sets the number of threads in the testers' parameters file, and checks that runs take it from there.
+
+        Requires NO_MOUNTS is None.
+        """
         place = "/mnt/systemrw/org.corvan.tv.nerix/data/tv"
         os.makedirs(place, exist_ok=True)
-        with open("/nerix/Tests/Debug/golden.xml", encoding="utf-8") as golden:
-            text = re.sub(r"<first>b</first>\s*<second>2<", f"<first>hashVerifierThreads</first><second>{count}<", golden.read())
-        with open(f"{place}/DebugAndTestParameters.xml", "w", encoding="utf-8") as file:
-            file.write(text)
         self.addCleanup(shutil.rmtree, place, ignore_errors=True)
+        with open(os.path.join(PROJECT, "Tests/Debug/defaults.xml"), encoding="utf-8") as defaults:
+            text = defaults.read()
+        entry = "<first>testParam1</first>\n\t\t\t<second>1</second>"
+        self.assertIn(entry, text)
+        write(f"{place}/DebugAndTestParameters.xml",
+              text.replace(entry, f"<first>hashVerifierThreads</first><second>{count}</second>").encode())
+        empty = os.path.join(self.work, ".empty")
+        os.makedirs(empty)
+        log = os.path.join(self.home, "log")
+        before = len(self.log_lines("main"))
+        self.value(empty)
+        self.assertIn(f">Getting custom debug parameter hashVerifierThreads: {count}.".encode(),
+                      b"".join(self.log_lines("main")[before:]))
+        os.rmdir(empty)
+        if before == 0:
+            shutil.rmtree(log)
 
     def run_program(self, *arguments, **options):
         options = {"env": self.environment, "timeout": 600, "stdout": subprocess.PIPE, **options}
@@ -155,6 +168,9 @@ def unescape(line):
 
 
 def main():
+    """Runs the tests of the script that calls it, in the private root where the machine allows that."""
+    if not IN_OWN_ROOT:
+        run_in_own_root()
     result = unittest.main(argv=[sys.argv[0], *sys.argv[2:]], exit=False, verbosity=2).result
     for test, reason in result.skipped:
         print(f"SKIPPED {test.id()}: {reason}")
