@@ -65,10 +65,14 @@ TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
         const auto [parameters, isWhole] = readFrom(text);
         EXPECT_TRUE(isWhole);
         EXPECT_EQ(written(parameters), withTodaysVersion(golden));
-        EXPECT_TRUE(parameters.isNoRebootFlag() && parameters.isSkipCompatibilityChecker() &&
-                    parameters.isSkipVersionChecker() && parameters.isSkipIntegrityChecker() &&
-                    parameters.isDontSwitchPartitions() && parameters.isEmulateWasSuccessfulUpgrade() &&
-                    parameters.isTestTransformationFailure() && parameters.isDurationReduced());
+        EXPECT_TRUE(parameters.isNoRebootFlag());
+        EXPECT_TRUE(parameters.isSkipCompatibilityChecker());
+        EXPECT_TRUE(parameters.isSkipVersionChecker());
+        EXPECT_TRUE(parameters.isSkipIntegrityChecker());
+        EXPECT_TRUE(parameters.isDontSwitchPartitions());
+        EXPECT_TRUE(parameters.isEmulateWasSuccessfulUpgrade());
+        EXPECT_TRUE(parameters.isTestTransformationFailure());
+        EXPECT_TRUE(parameters.isDurationReduced());
         EXPECT_EQ(parameters.getNumberOfFailures(), 4294967295U);
         EXPECT_EQ(parameters.getInstallationPerformanceParameters().getFlashStreamBufferSize().get(), 11U);
     }
@@ -153,9 +157,10 @@ TEST(InstallationPerformanceParameters, AreStoredInAFileOfTheirOwn) {
     InstallationPerformanceParameters again;
     again.load(file);
     again.save(file + "2");
-    EXPECT_TRUE(contains(contentOf(file), "\n<InstallationPerformanceParameters class_id=\"0\""));
+    EXPECT_PRED2(contains, contentOf(file), "\n<InstallationPerformanceParameters class_id=\"0\"");
     EXPECT_EQ(contentOf(file), contentOf(file + "2"));
-    EXPECT_EQ(again.getMBUProcessedCommandsPerSecond() + again.getMBUVerifiedCommandsPerSecond() / 100, 20.715F);
+    EXPECT_EQ(again.getMBUProcessedCommandsPerSecond(), from.getMBUProcessedCommandsPerSecond());
+    EXPECT_NE(again.getMBUProcessedCommandsPerSecond(), again.getMBUVerifiedCommandsPerSecond());
     again.load("/nowhere/file");
     again.save("/nowhere/file");
     again.save("/dev/full");
@@ -170,29 +175,33 @@ TEST(DebugAndTestParameters, CustomValuesAreSetAndRemoved) {
     parameters.setCustomBoolParam("yes", true);
     parameters.setCustomBoolParam("no", false);
     parameters.setCustomIntParam("many", 5);
-    EXPECT_EQ(parameters.getCustomIntParam("yes", 9) + 2 * parameters.getCustomIntParam("no", 9), 1);
+    EXPECT_EQ(parameters.getCustomIntParam("yes", 9), 1);
+    EXPECT_EQ(parameters.getCustomIntParam("no", 9), 0);
     EXPECT_EQ(FakePlatform::instance().countLogged(">Getting custom debug parameter yes: 1."), 1U);
-    EXPECT_TRUE(parameters.getCustomBoolParam("many").get() && !parameters.getCustomBoolParam("no", true));
+    EXPECT_TRUE(parameters.getCustomBoolParam("many").get());
+    EXPECT_FALSE(parameters.getCustomBoolParam("no", true));
     parameters.setCustomIntParam("many", boost::none);
     parameters.setCustomBoolParam("yes", boost::none);
-    EXPECT_FALSE(parameters.getCustomIntParam("many") || parameters.getCustomBoolParam("yes"));
+    EXPECT_FALSE(parameters.getCustomIntParam("many"));
+    EXPECT_FALSE(parameters.getCustomBoolParam("yes"));
 }
 
 TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
     withOwnMnt([] {
         Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
         const std::string unloaded = "] = DebugAndTestParameters were not loaded.\n";
-        EXPECT_TRUE(contains(diagnosticsOf([] { Common::getDebugAndTestParameters(); }), unloaded));
-        EXPECT_TRUE(contains(diagnosticsOf([] { Common::loadDebugAndTestParameters("path"); }), unloaded));
-        EXPECT_TRUE(contains(diagnosticsOf([] { DebugAndTestParameters().reload(); }),
-                             "] = load DebugAndTestParameters before reload\n"));
+        EXPECT_PRED2(contains, diagnosticsOf([] { Common::getDebugAndTestParameters(); }), unloaded);
+        EXPECT_PRED2(contains, diagnosticsOf([] { Common::loadDebugAndTestParameters("path"); }), unloaded);
+        EXPECT_PRED2(contains, diagnosticsOf([] { DebugAndTestParameters().reload(); }),
+                     "] = load DebugAndTestParameters before reload\n");
         EXPECT_FALSE(DebugAndTestParameters::loaded());
         DebugAndTestParameters::loadDebugAndTestParameters("test");
         Common::loadDebugAndTestParameters("again");
         DebugAndTestParameters& parameters = Common::getDebugAndTestParameters();
         EXPECT_FALSE(parameters.reload());
         EXPECT_EQ(&Nerix::getInstallationPerformanceParameters(), &parameters.getInstallationPerformanceParameters());
-        EXPECT_TRUE(DebugAndTestParameters::loaded() && parameters.getCustomBoolParam("unset", true));
+        EXPECT_TRUE(DebugAndTestParameters::loaded());
+        EXPECT_TRUE(parameters.getCustomBoolParam("unset", true));
 
         const boost::filesystem::path path = DebugAndTestParameters::getConfigFilePath();
         EXPECT_EQ(path, "/mnt/systemrw/org.corvan.tv.nerix/data/tv/DebugAndTestParameters.xml");

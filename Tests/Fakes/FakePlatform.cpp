@@ -10,6 +10,7 @@
 #include <cstring>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 namespace Nerix::Tests {
 
@@ -31,6 +32,7 @@ void FakePlatform::reset() {
     m_log.clear();
     m_writes.clear();
     m_failures.clear();
+    m_isOutOfMemory = false;
     onWrite = nullptr;
     systemInfo.clear();
     pathVariables.clear();
@@ -57,6 +59,11 @@ void FakePlatform::failSetting(const std::string& key, int times) {
     m_failures[key] = times;
 }
 
+void FakePlatform::failNextRecord() {
+    const Lock lock(m_mutex);
+    m_isOutOfMemory = true;
+}
+
 int FakePlatform::set(const char* key, const Value& value) {
     {
         const Lock lock(m_mutex);
@@ -72,8 +79,8 @@ int FakePlatform::set(const char* key, const Value& value) {
 
 void FakePlatform::addLogRecord(LogRecord record) {
     if (record.priority == DLOG_PRIORITY_FATAL) { std::fprintf(stderr, "dlog fatal: %s\n", record.text.c_str()); }
-    if (record.text.find("no memory") != std::string::npos) { throw std::bad_alloc(); }
     const Lock lock(m_mutex);
+    if (std::exchange(m_isOutOfMemory, false)) { throw std::bad_alloc(); }
     m_log.push_back(std::move(record));
 }
 

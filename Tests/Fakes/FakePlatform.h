@@ -21,8 +21,7 @@ struct LogRecord {
 };
 
 /// An in-memory platform that records calls and fails on demand. Thread-safe, but tests must configure it before starting
-/// threads. Fatal log records are also printed to standard error, for death tests. Logging text that has "no memory"
-/// throws std::bad_alloc.
+/// threads. Fatal log records are also printed to standard error, for death tests.
 class FakePlatform {
 public:
     using Value = std::variant<int, double, bool, std::string>;
@@ -46,6 +45,9 @@ public:
     /// The next writes of this key fail.
     void failSetting(const std::string& key, int times);
 
+    /// The next log record finds no memory.
+    void failNextRecord();
+
     /// Called after a setting was written, without a lock held.
     std::function<void(const std::string& key, const Value& value)> onWrite;
 
@@ -61,6 +63,7 @@ private:
     mutable std::mutex m_mutex;
     std::vector<LogRecord> m_log;
     std::vector<std::pair<std::string, Value>> m_writes;
+    bool m_isOutOfMemory = false;
     std::map<std::string, int> m_failures; ///< how often the writes of a key still fail
 };
 

@@ -1,5 +1,5 @@
-#include "HostPlatform/SettingsStore.h"
 #include "HostPlatform/HostState.h"
+#include "HostPlatform/SettingsStore.h"
 #include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 #include "PlatformInterfaces/vconf.h"
 #include "Tests/Fakes/OwnProcess.h"
@@ -18,22 +18,25 @@ namespace {
 using Platform::IVConf;
 
 void expectEachTypeIsKept() {
-    for (const std::string shelf : {"memory/", "zz/db/"}) {
-        IVConf::setInt(shelf + "int", -7);
-        IVConf::setDouble(shelf + "double", 0.5);
-        IVConf::setString(shelf + "text", "text");
-        IVConf::setBool(shelf + "yes", true);
-        IVConf::setBool(shelf + "no", false);
-        EXPECT_EQ(IVConf::getInt(shelf + "int"), -7);
-        EXPECT_EQ(IVConf::getDouble(shelf + "double"), 0.5);
-        EXPECT_EQ(IVConf::getString(shelf + "text"), "text");
-        EXPECT_TRUE(IVConf::getBool(shelf + "yes") && !IVConf::getBool(shelf + "no"));
+    for (const std::string prefix : {"memory/", "zz/db/"}) {
+        IVConf::setInt(prefix + "int", -7);
+        IVConf::setDouble(prefix + "double", 0.5);
+        IVConf::setString(prefix + "text", "text");
+        IVConf::setBool(prefix + "yes", true);
+        IVConf::setBool(prefix + "no", false);
+        EXPECT_EQ(IVConf::getInt(prefix + "int"), -7);
+        EXPECT_EQ(IVConf::getDouble(prefix + "double"), 0.5);
+        EXPECT_EQ(IVConf::getString(prefix + "text"), "text");
+        EXPECT_TRUE(IVConf::getBool(prefix + "yes"));
+        EXPECT_FALSE(IVConf::getBool(prefix + "no"));
         int flag = 0;
-        EXPECT_EQ(vconf_get_bool((shelf + "yes").c_str(), &flag) + flag, 1);
+        EXPECT_EQ(vconf_get_bool((prefix + "yes").c_str(), &flag), 0);
+        EXPECT_EQ(flag, 1);
     }
     const std::vector<Platform::Host::Setting> all = Platform::Host::HostState::instance().settings().list();
     EXPECT_EQ(all.size(), 10U);
-    EXPECT_EQ(all.back().key + all.front().key, "zz/db/yesmemory/double");
+    EXPECT_EQ(all.front().key, "memory/double");
+    EXPECT_EQ(all.back().key, "zz/db/yes");
 }
 
 TEST(SettingsDeathTest, EachTypeIsKeptInMemoryToo) {
@@ -65,11 +68,15 @@ TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
         const std::string report = diagnosticsOf([&operate = operate, &key = key] { operate(key); });
         const std::string log = testing::internal::GetCapturedStderr();
         const std::string text = (testing::Message() << call << " failed while trying to access key: " << key).GetString();
-        EXPECT_TRUE(contains(report, "VConfException") && contains(report, "] = " + text + "\n")) << report;
+        EXPECT_PRED2(contains, report, "VConfException");
+        EXPECT_PRED2(contains, report, "] = " + text + "\n");
         EXPECT_EQ(contains(report, "tag_errinfo_errorcode*] = " + std::to_string(code) + "\n"), code != 0) << report;
-        EXPECT_TRUE(contains(log, "[WRN] IVConf.cpp:") && contains(log, ">" + text)) << log;
+        EXPECT_PRED2(contains, log, "[WRN] IVConf.cpp:");
+        EXPECT_PRED2(contains, log, ">" + text);
     }
-    EXPECT_NE(vconf_set_str(nullptr, "") * vconf_set_str("key", nullptr) * vconf_get_int(nullptr, nullptr), 0);
+    EXPECT_EQ(vconf_set_str(nullptr, ""), EINVAL);
+    EXPECT_EQ(vconf_set_str("key", nullptr), EINVAL);
+    EXPECT_EQ(vconf_get_int(nullptr, nullptr), EINVAL);
 }
 
 } // namespace

@@ -53,7 +53,9 @@ TEST(NerixCommonUtils, VersionsAreReadAlikeInEveryLocale) {
 
 TEST(NerixCommonUtilsDeathTest, UpgradeTypesHaveNames) {
     const auto nameOf = [](int type) { return Utils::upgradeTypeToString(static_cast<NerixCommon::UpgradeType>(type)); };
-    EXPECT_EQ(nameOf(1) + nameOf(2) + nameOf(3), "OTAOTNUSB");
+    EXPECT_EQ(nameOf(1), "OTA");
+    EXPECT_EQ(nameOf(2), "OTN");
+    EXPECT_EQ(nameOf(3), "USB");
     EXPECT_DEATH(nameOf(4), "ASSERTION FAILED: false");
 }
 

@@ -37,15 +37,16 @@ TEST(HashSink, RejectsDataAfterEnd) {
     EXPECT_EQ(sink.getHash(), digest);
     EXPECT_TRUE(sink.endOfDataMarked());
     EXPECT_THROW(sink.markEndOfData(), Common::IO::IOExceptions::EndOfDataMarkedException);
-    EXPECT_TRUE(contains(diagnosticsOf([&] { sink.writeChunk(abc, 1); }), "] = HashSink(md5)\n"));
+    EXPECT_PRED2(contains, diagnosticsOf([&] { sink.writeChunk(abc, 1); }), "] = HashSink(md5)\n");
 }
 
 TEST(HashSink, UnknownDigestReportsOpenSSLError) {
     const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
     const std::string report = diagnosticsOf([] { const HashSink sink("md6"); });
-    EXPECT_TRUE(contains(report, "OpenSSLException") && contains(report, "] = Can't initialize digest.\n") &&
-                contains(report, "] = HashSink(md6)\n") && contains(report, "no digest set"))
-        << report;
+    EXPECT_PRED2(contains, report, "OpenSSLException");
+    EXPECT_PRED2(contains, report, "] = Can't initialize digest.\n");
+    EXPECT_PRED2(contains, report, "] = HashSink(md6)\n");
+    EXPECT_PRED2(contains, report, "no digest set");
     EXPECT_STREQ(Encoding::OpenSSLException().what(), "No error info provided by OpenSSL.");
 }
 
@@ -142,8 +143,8 @@ TEST(CRCSink, StateCanBeSavedAndRestored) {
     first.transactionSerialize(&again);
     EXPECT_TRUE(first.endOfDataMarked());
     EXPECT_THROW(write(first, ""), Common::IO::IOExceptions::EndOfDataMarkedException);
-    EXPECT_TRUE(contains(diagnosticsOf([&] { write(first, ""); }), "] = CRCSink\n"));
-    EXPECT_TRUE(contains(diagnosticsOf([&] { first.markEndOfData(); }), "] = CRCSink\n"));
+    EXPECT_PRED2(contains, diagnosticsOf([&] { write(first, ""); }), "] = CRCSink\n");
+    EXPECT_PRED2(contains, diagnosticsOf([&] { first.markEndOfData(); }), "] = CRCSink\n");
 }
 
 } // namespace

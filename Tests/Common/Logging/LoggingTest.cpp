@@ -39,8 +39,10 @@ TEST(Logging, RecordCarriesProcessThreadNumberAndPosition) {
     NERIX_LOG(ERR, "before %d", 1);
     const auto throwing = []() -> int { throw std::runtime_error("cause"); };
     EXPECT_THROW(NERIX_LOG_STREAM(WRN) << "half-made " << throwing(), std::runtime_error);
-    EXPECT_THROW(NERIX_LOG_STREAM(WRN) << "no memory " << throwing(), std::runtime_error);
-    EXPECT_THROW(NERIX_LOG_STREAM(WRN) << "no memory", std::bad_alloc);
+    FakePlatform::instance().failNextRecord();
+    EXPECT_THROW(NERIX_LOG_STREAM(WRN) << "lost " << throwing(), std::runtime_error) << "not the lack of memory";
+    FakePlatform::instance().failNextRecord();
+    EXPECT_THROW(NERIX_LOG_STREAM(WRN) << "lost", std::bad_alloc);
     LoggingClass::init("Program");
     const int line = __LINE__ + 1;
     NERIX_LOG_STREAM(INF) << "100% of " << 2;

@@ -66,8 +66,8 @@ TEST(Filesystem, FailuresNameTheOperationAndThePath) {
     for (const auto& [name, context, operation] : cases) {
         FakePlatform::instance().reset();
         EXPECT_THROW(operation(), boost::filesystem::filesystem_error) << name;
-        EXPECT_EQ(FakePlatform::instance().countLogged(name) + FakePlatform::instance().countLogged(") " + context), 2U)
-            << name;
+        EXPECT_EQ(FakePlatform::instance().countLogged(name), 1U) << name;
+        EXPECT_EQ(FakePlatform::instance().countLogged(") " + context), 1U) << name;
     }
 }
 
@@ -92,8 +92,10 @@ TEST(TerminationSignalsDeathTest, FirstSignalIsRememberedSecondTerminates) {
 TEST(Filesystem, PathsAreComparedByWholeElements) {
     const std::pair<const char*, const char*> stripped[] = {{"/a/b/", "/a/b"}, {"/a//", "/a"}, {"/", "/"}, {"a/", "a"}};
     for (const auto& [path, expected] : stripped) { EXPECT_EQ(filesystem::stripTrailingSlashes(path), expected) << path; }
-    EXPECT_TRUE(filesystem::is_unix_absolute("/a") && filesystem::is_unix_absolute("\\a"));
-    EXPECT_FALSE(filesystem::is_unix_absolute("a/") || filesystem::is_unix_absolute(""));
+    EXPECT_TRUE(filesystem::is_unix_absolute("/a"));
+    EXPECT_TRUE(filesystem::is_unix_absolute("\\a"));
+    EXPECT_FALSE(filesystem::is_unix_absolute("a/"));
+    EXPECT_FALSE(filesystem::is_unix_absolute(""));
     const std::tuple<const char*, const char*, const char*> cases[] = {
         // path, prefix, and what is left; null: no prefix
         {"/mnt/usb2/x", "/mnt/usb", nullptr},

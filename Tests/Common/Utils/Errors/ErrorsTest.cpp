@@ -35,14 +35,15 @@ TEST(Rethrow, ContextLinesAreOutermostFirst) {
     const std::string report = diagnosticsOf([&] { throughFrame("B", [&] { throughFrame("A", fail); }); });
     const std::string line = R"( -> void Nerix::Tests::.*\(.*ErrorsTest\.cpp:\d+\) frame )";
     const std::regex lines(R"(\n\[Nerix::Common::Utils::tag_errinfo_rethrows\*\] = )" + line + "B\n" + line + "A\n");
-    EXPECT_TRUE(std::regex_search(report, lines) && contains(report, "] = cause 7\n")) << report;
+    EXPECT_TRUE(std::regex_search(report, lines)) << report;
+    EXPECT_PRED2(contains, report, "] = cause 7\n");
 }
 
 TEST(Rethrow, ExceptionsWithoutErrorInfoAreWrappedOrLogged) {
     const auto interrupt = [] { throw boost::thread_interrupted(); };
     const std::string report = diagnosticsOf([&] { throughFrame("outer", [&] { throughFrame("inner", interrupt); }); });
-    EXPECT_TRUE(contains(report, "Nerix::Common::Utils::thread_interrupted") && contains(report, "frame outer\n -> "))
-        << report;
+    EXPECT_PRED2(contains, report, "Nerix::Common::Utils::thread_interrupted");
+    EXPECT_PRED2(contains, report, "frame outer\n -> ");
     EXPECT_THROW(throughFrame("X", interrupt), boost::thread_interrupted)
         << "handlers of boost::thread_interrupted still catch it";
     using Manipulator = std::ostream& (*)(std::ostream&);
@@ -58,7 +59,8 @@ TEST(Rethrow, ExceptionsWithoutErrorInfoAreWrappedOrLogged) {
     FakePlatform::instance().reset();
     EXPECT_THROW(throughFrame("X", [] { throw std::runtime_error("plain"); }), std::runtime_error);
     const std::string record = FakePlatform::instance().log().at(0).text;
-    EXPECT_TRUE(contains(record, ">Rethrowing unknown exception:  -> void") && contains(record, ") frame X")) << record;
+    EXPECT_PRED2(contains, record, ">Rethrowing unknown exception:  -> void");
+    EXPECT_PRED2(contains, record, ") frame X");
 }
 
 TEST(SupportCode, ChainsAreOutermostFirst) {
@@ -106,7 +108,7 @@ TEST(ErrorInfo, StreamEntryQuotesPathsAndIsReplacedByErrno) {
     EXPECT_EQ(errinfo_stream(boost::filesystem::path("/a \"b\"&")).value(), "\"/a &\"b&\"&&\"");
     GenericException exception;
     exception << errinfo_stream("first ") << errinfo_errno(2);
-    EXPECT_TRUE(contains(boost::diagnostic_information(exception), "] =  errno=2 (No such file or directory)\n"));
+    EXPECT_PRED2(contains, boost::diagnostic_information(exception), "] =  errno=2 (No such file or directory)\n");
 }
 
 const std::string header = "org.corvan.tv.nerix.NERIX: Direct \\[FTL\\]\\[[0-9]+ .*\\] ASSERTION FAILED: ";

@@ -50,7 +50,8 @@ TEST(HashVerifierAPIDeathTest, VerifyFileSystemScansRootWithMd5) {
         const std::string value = HashVerifierAPI::getResult();
         EXPECT_EQ(HashVerifierAPI::nerixVerifyPath("/", "md5"), value);
         EXPECT_EQ(HashVerifierAPI::nerixVerifyFileSystem(), value);
-        EXPECT_EQ(::fchdir(outside) + ::chroot("."), 0); // where a sanitizer finds /proc at the end
+        EXPECT_EQ(::fchdir(outside), 0);
+        EXPECT_EQ(::chroot("."), 0); // where a sanitizer finds /proc at the end
     });
 }
 
@@ -112,9 +113,8 @@ TEST_F(HashWorkerTest, SettingsFailureFailsTheRunButNotTheProcess) {
         ASSERT_GE(writes.size(), last.size());
         EXPECT_TRUE(std::equal(last.rbegin(), last.rend(), writes.rbegin()));
     }
-    EXPECT_EQ(platform().countLogged("[ERR] HashWorker.cpp:") +
-                  platform().countLogged(">Exception when setting scan status: "),
-              6U);
+    EXPECT_EQ(platform().countLogged("[ERR] HashWorker.cpp:"), 3U);
+    EXPECT_EQ(platform().countLogged(">Exception when setting scan status: "), 3U);
 }
 
 TEST_F(HashWorkerTest, SecondStartIsRefusedDuringARun) {
@@ -173,8 +173,10 @@ TEST(Progress, WorkIsRoundedUpToBlocksAndReportedByTheMebibyte) {
         {0, 4096, 0},       {1, 4096, 4096}, {4096, 4096, 4096},
         {4097, 4096, 8192}, {4097, 0, 4097}, {(8ULL << 30U) + 1, 4096, (8ULL << 30U) + 4096}};
     for (const auto& [size, blockSize, work] : cases) { EXPECT_EQ(Progress::workOf(size, blockSize), work) << size; }
-    EXPECT_FALSE(Progress::isWorthReporting(0x100005, 5) || Progress::isWorthReporting(5, 5));
-    EXPECT_TRUE(Progress::isWorthReporting(0x100006, 5) && Progress::isWorthReporting(4, 5));
+    EXPECT_FALSE(Progress::isWorthReporting(0x100005, 5));
+    EXPECT_FALSE(Progress::isWorthReporting(5, 5));
+    EXPECT_TRUE(Progress::isWorthReporting(0x100006, 5));
+    EXPECT_TRUE(Progress::isWorthReporting(4, 5));
 }
 
 TEST(Progress, TextHasTwoDecimalsAndStaysBelowAHundred) {
