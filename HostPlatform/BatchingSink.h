@@ -14,10 +14,10 @@ namespace Nerix::Platform::Host {
 /// written when it reaches 64 KiB, at a warning or worse, and by flush. Each batch consists of whole lines in
 /// a single write, so that processes sharing a file do not interleave within lines.
 ///
-/// A batch is written under a lock of the file's directory, after the size was asked for anew, so that the
-/// file stays within its limit and all processes go on in the new one when one of them starts it. A process
-/// that holds the lock longer than a tenth of a second, as one that was stopped, is not waited for: the limit
-/// may then be exceeded.
+/// A batch is written while the file's directory is locked, after the file's size has been read again, so
+/// that the file stays within its limit and all processes continue in the new file after a rotation. The lock
+/// is awaited for at most about 0.1 s, because its holder may be stopped; the batch is then written without
+/// it and may exceed the limit.
 class BatchingSink final : public spdlog::sinks::base_sink<std::mutex> {
 public:
     /// Files of up to 16 MiB, with four older ones. Throws spdlog::spdlog_ex when the file cannot be opened.

@@ -4,8 +4,8 @@
 
 namespace Nerix::Platform::Host {
 
-/// Runs the body of a C function and returns its code. Exceptions must not reach C callers: std::bad_alloc,
-/// the only one that gets here, becomes ENOMEM.
+/// Runs the body of a C function and returns its code. Exceptions must not reach C callers, so any exception,
+/// in practice only std::bad_alloc, becomes ENOMEM.
 template <class Step>
 int withoutExceptions(Step step) noexcept {
     try {

@@ -36,7 +36,7 @@ constexpr std::size_t longestFile = std::size_t{1} << 20U;
     throw std::system_error(error, std::generic_category());
 }
 
-/// What a file is that does not hold what was put. No errno of a file system says so.
+/// Throws the error for a file whose content is not what put wrote. No errno of a file system says so.
 [[noreturn]] void failAsDamaged() {
     fail(EBADMSG);
 }
@@ -97,7 +97,7 @@ std::string checksumOf(std::string_view bytes) {
 
 /// The whole file; nothing when there is none.
 std::optional<std::string> contentOf(const fs::path& path) {
-    // Not a link, and a FIFO must not wait for a writer.
+    // Does not follow links, and does not block on a FIFO without a writer.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (!file.isOpen()) {
         if (errno == ENOENT) {
@@ -167,8 +167,8 @@ void logError(const std::string& text) {
     __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
 }
 
-/// A name that no other process uses, on any machine, and that is no key's. A process that is killed while it
-/// writes leaves one such file.
+/// Returns a file name that no other process uses, on any machine, and that no key maps to. A process that is
+/// killed while it writes leaves one such file.
 std::string temporaryName() {
     static Common::NoDestructor<const std::string> identity(ProcessIdentity::own());
     return ".new " + *identity + " " + std::to_string(::getpid());
@@ -237,7 +237,7 @@ void DirectoryBackend::put(std::string_view key, std::string_view bytes) {
             ::unlink(complete.c_str());
             throw;
         }
-        // The setting is written by now, and whoever reads it finds it: no failure of the call.
+        // Readers already see the new value, so the call does not fail.
         if (m_isSynced && ::fsync(place.number()) != 0) {
             logError("settings store " + m_place +
                      ": may not survive a power failure: " + Common::messageOf(errno));

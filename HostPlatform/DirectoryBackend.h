@@ -9,19 +9,20 @@ namespace Nerix::Platform::Host {
 
 /// Settings in the files of a directory, one file each, named for its key.
 ///
-/// A file is replaced as a whole, by rename: nobody waits for anybody, a process that is killed leaves the
-/// old or the new value, and damage to one file reaches no other. Nothing is mapped into memory, so a file
-/// that is cut or replaced under a reader is a failure and no signal. The directory is opened at each call
-/// and may be deleted and made anew meanwhile.
+/// A file is replaced as a whole, by rename: no process waits for another, a process that is killed leaves
+/// the old or the new value, and damage to one file does not affect the others. Files are not mapped into
+/// memory, so truncating a file during a read causes an error, not a signal. The directory is opened at each
+/// call and may be deleted and made anew meanwhile.
 ///
 /// A file holds a checksum of the rest (CRC-32, eight hexadecimal digits) and what was put. It may be up to 1
-/// MiB long. A key's file name has up to 255 bytes: letters, digits, '.', '_' and '-' stand for themselves,
-/// '+' for '/', and %HH for any other byte. A failure is logged before it is thrown.
+/// MiB long. The file name of a key has up to 255 bytes: letters, digits, '.', '_' and '-' stand for
+/// themselves, '+' for '/', and %HH for any other byte and for a leading '.'. A failure is logged before it
+/// is thrown.
 class DirectoryBackend final : public SettingsBackend {
 public:
-    /// name: the directory's, in the one that parent returns; word size and byte order are added, as numbers
-    /// are kept as they are in memory. Settings that are not synced survive their process, but not a power
-    /// failure.
+    /// Uses the directory `name`, with byte order and word size appended, inside the directory that `parent`
+    /// returns; numbers are stored as they are in memory. Settings that are not synced survive their process,
+    /// but not a power failure.
     DirectoryBackend(const std::string& name, std::filesystem::path (*parent)(), bool isSynced);
 
     std::optional<std::string> get(std::string_view key) override;

@@ -16,10 +16,10 @@ namespace Nerix::Platform::Host {
 ///     [path]
 ///     usb_drives = /run/media
 ///
-/// A key is a name of the table in HostConfiguration.cpp, or the number that the device uses for the
-/// question. An unusable value is an error; there is no silent default. If the file cannot be read, is
-/// malformed, or is larger than 1 MiB, every lookup fails. Each failure is one line in the system log, naming
-/// file, section and key. Immutable; any thread may ask.
+/// A key is a name listed in docs/host.md, or the number that the device uses for it. An unusable value is an
+/// error; there is no silent default. If the file cannot be read, is malformed, or is larger than 1 MiB,
+/// every lookup fails. Each failure is one line in the system log, naming file, section and key. Immutable;
+/// any thread may ask.
 class HostConfiguration {
 public:
     /// An empty path, or that of a file that does not exist, overrides nothing.

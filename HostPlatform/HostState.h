@@ -14,9 +14,9 @@ class HostConfiguration;
 class SettingsStore;
 class SystemLog;
 
-/// Everything that the host platform keeps for this process: settings, system log and configuration. Each part
-/// is made at its first use, and none is ever destroyed, because threads and static objects may use them while
-/// the process ends. Any thread may call.
+/// Everything that the host platform keeps for this process: settings, system log and configuration. Each
+/// part is made at its first use, and none is ever destroyed, because threads and static objects may use them
+/// while the process ends. Any thread may call.
 class HostState {
 public:
     /// Returns the state of the process, on disk unless keepInMemory() was called before.

@@ -26,7 +26,7 @@ struct stat examined(const fs::path& path) {
     return status;
 }
 
-/// Creates the directory where there is nothing yet.
+/// Returns the status of the path, after creating a directory there if nothing exists.
 struct stat existingOrCreated(const fs::path& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) == 0) {

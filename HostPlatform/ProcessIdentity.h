@@ -9,8 +9,8 @@ namespace Nerix::Platform::Host::ProcessIdentity {
 /// if /proc is not readable.
 std::string own();
 
-/// Whether that process has certainly ended. False also for one that cannot be seen from here, such as
-/// another container's.
+/// Returns true if that process has certainly ended. False also for one that cannot be seen from here, such
+/// as another container's.
 bool isGone(const std::string& identity);
 
 } // namespace Nerix::Platform::Host::ProcessIdentity

@@ -25,7 +25,7 @@ public:
     SettingsBackend(const SettingsBackend&) = delete;
     SettingsBackend& operator=(const SettingsBackend&) = delete;
 
-    /// What is stored under the key; nothing when it is missing.
+    /// Returns the bytes stored under the key, or nullopt if there are none.
     virtual std::optional<std::string> get(std::string_view key) = 0;
 
     virtual void put(std::string_view key, std::string_view bytes) = 0;

@@ -26,9 +26,10 @@ struct Setting {
 /// Keys under "memory/" are kept in files that are never synced to disk, all others in durable ones, see
 /// DirectoryBackend.h. A process killed at any instant leaves all readable and writable, with either the old
 /// or the new value of the key that it was writing. Each value carries the identity of the process that wrote
-/// it. Processes of another word size or byte order have files of their own. No call waits for another
-/// process. A failed call changes nothing. A key that is empty, or too long for the name of a file, fails.
-/// All functions throw SettingsFailure (SettingsBackend.h), which is logged before. Any thread may call.
+/// it. Processes with a different word size or byte order use separate files. No call waits for another
+/// process, except briefly for the lock on the log directory. A failed call changes nothing. A key that is
+/// empty, or too long for the name of a file, fails. All functions throw SettingsFailure (SettingsBackend.h),
+/// which is logged before. Any thread may call.
 class SettingsStore {
 public:
     /// forMemoryKeys: for the settings whose keys begin with "memory/"; durable: for all others.
@@ -38,8 +39,8 @@ public:
     /// Returns the setting of this key, whatever its type, or nothing if there is none.
     std::optional<Setting> find(std::string_view key);
 
-    /// Replaces the setting, of whatever type, after flushing the system log: whoever sees the setting also finds
-    /// the records that were logged before it.
+    /// Replaces the setting, of whatever type, after flushing the system log: whoever sees the setting also
+    /// finds the records that were logged before it.
     void write(std::string_view key, SettingType type, std::string_view bytes);
 
     /// Returns all settings, in the byte order of their keys.

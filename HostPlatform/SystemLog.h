@@ -40,7 +40,8 @@ public:
     /// Writes the lines that wait.
     void flush();
 
-    /// Ends the thread that flushes, and batches no more. Called when the process exits; records may follow.
+    /// Stops the flushing thread, disables batching, and flushes. Called when the process exits; records may
+    /// follow.
     void end();
 
 private:

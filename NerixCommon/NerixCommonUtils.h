@@ -13,7 +13,8 @@ enum class UpgradeType : std::int32_t {
     USB = 3  ///< from a USB drive
 };
 
-/// Version texts, upgrade types and transaction ids. No state; any thread may call.
+/// Version texts, upgrade types and transaction ids. For the other programs of the package; here only
+/// parseVersion is used. No state; any thread may call.
 class NerixCommonUtils {
 public:
     /// "OTA", "OTN" or "USB"; asserts that it is one of them.

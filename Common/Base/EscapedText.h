@@ -11,10 +11,11 @@ namespace Nerix::Common {
 /// that change the direction of text, U+202A to U+202E and U+2066 to U+2069.
 std::string escaped(const std::string& text);
 
-/// Returns the text that escaped() made into this one.
+/// Reverses escaped().
 std::string unescaped(std::string_view text);
 
-/// The same as escaped() with backslashes as they are: for a message that holds escaped texts and others.
+/// Escapes like escaped(), but leaves backslashes unchanged, for a message that already contains escaped
+/// text.
 std::string withoutControls(const std::string& text);
 
 } // namespace Nerix::Common

@@ -15,7 +15,8 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// Owns a C stream. The result of closing is lost, so flush one that was written to, and check that.
+/// Owns a C stream. The deleter ignores errors from fclose, so after writing, call fflush and check its
+/// result.
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
 /// Returns the system's message for an errno.

@@ -6,8 +6,7 @@
 
 #include <exception>
 
-/// Failures of the package's binary number format, which other programs of the package use; nothing here
-/// throws them.
+/// Exceptions of the package's binary number format. Only other programs of the package throw them.
 namespace Nerix::Common::IO::binary_format {
 
 class serialization_exception : public virtual std::exception, public virtual boost::exception {};

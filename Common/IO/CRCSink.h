@@ -12,8 +12,9 @@
 
 namespace Nerix::Common::IO {
 
-/// Computes a checksum of the data pushed into it. For the other programs of the package; here only the transaction id uses it. A transaction can store its state and restore it. CRC is
-/// an engine of Boost.CRC with reflected 32-bit remainders.
+/// Computes a checksum of the data pushed into it. Used by other programs of the package, and here by
+/// NerixCommonUtils. A transaction can store its state and restore it. CRC is an engine of Boost.CRC with
+/// reflected 32-bit remainders.
 template <class CRC>
 class CRCSink : public ISink, public ITransactionalEntity, public Utils::IDebugName {
 public:

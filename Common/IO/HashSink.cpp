@@ -33,7 +33,7 @@ HashSink::HashSink(const std::string& digestName) : m_openSSL(useOpenSSL()), m_d
     OpenSSLCompat::useStandardAllocation();
     OpenSSL_add_all_digests();
     DigestSession* const session = DigestSession::current();
-    // The context keeps a reference to the digest, so that this one may go.
+    // The context keeps a reference to the digest, so `own` may be freed.
     const OpenSSLCompat::Digest own = session == nullptr ? OpenSSLCompat::fetchDigest(digestName) : nullptr;
     const EVP_MD* const digest = session == nullptr ? own.get() : session->digest(digestName);
     m_context = session == nullptr ? OpenSSLCompat::makeDigestContext() : session->takeContext();

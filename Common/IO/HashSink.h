@@ -26,10 +26,10 @@ public:
     /// Leaves the context to the thread's DigestSession, if there is one.
     ~HashSink() override;
 
-    /// Throws OpenSSLException when the library refuses, and what ISink says.
+    /// Throws OpenSSLException if the library fails, and EndOfDataMarkedException after the end.
     void writeChunk(const std::uint8_t* data, std::size_t length) override;
 
-    /// Throws like writeChunk; the end then still counts as marked.
+    /// Throws like writeChunk. The end counts as marked even if OpenSSLException is thrown.
     void markEndOfData() override;
     bool endOfDataMarked() override { return m_endOfData; }
 

@@ -18,7 +18,7 @@ public:
     /// second time.
     virtual void markEndOfData() = 0;
 
-    /// Whether markEndOfData has been called.
+    /// Returns true if markEndOfData has been called.
     virtual bool endOfDataMarked() = 0;
 
     /// Every sink must call this first in writeChunk and markEndOfData. Throws EndOfDataMarkedException,

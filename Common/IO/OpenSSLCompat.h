@@ -5,10 +5,10 @@
 #include <memory>
 #include <string>
 
-/// What OpenSSL 1.0 had and today's library lacks. Since 1.1 the library locks by itself: the locking and
-/// thread-id callbacks are never called, and setting them is a no-op macro. They are kept here instead, so
-/// that the installed callbacks can still be queried. A build for 1.0 would forward to the library, and look digests
-/// up instead of fetching them.
+/// Replaces functions of OpenSSL 1.0 that the current library lacks. Since 1.1 the library locks by itself:
+/// the locking and thread-id callbacks are never called, and setting them is a no-op macro. They are kept
+/// here instead, so that the installed callbacks can still be queried. A build for 1.0 would forward to the
+/// library, and look digests up instead of fetching them.
 namespace Nerix::Common::IO::OpenSSLCompat {
 
 /// Identity of a thread, as a thread-id callback reports it.
@@ -28,7 +28,7 @@ constexpr int lockBit = 1;
 /// certain providers, such as FIPS, does not restrict the digests.
 void initialize();
 
-/// How many locks the library wants.
+/// Returns the number of locks that the library requires.
 int numLocks();
 
 void setLockingCallback(LockingCallback callback);
@@ -55,7 +55,8 @@ struct DigestDeleter {
 using Digest = std::unique_ptr<EVP_MD, DigestDeleter>;
 
 /// Returns the library's implementation of a digest, "md5", "sha1" or any other that it knows, or null for an
-/// unknown name; passing that null to EVP_DigestInit_ex puts the reason into the error queue.
+/// unknown name; passing that null to EVP_DigestInit_ex with a new or reset context adds the reason to the
+/// error queue.
 Digest fetchDigest(const std::string& name);
 
 } // namespace Nerix::Common::IO::OpenSSLCompat

@@ -24,7 +24,7 @@ public:
     /// getErrors(), or a fixed message if there are none.
     const char* what() const noexcept override;
 
-    /// What the constructor does: prints and empties the calling thread's error queue.
+    /// Returns the errors in the calling thread's error queue, one per line, and empties the queue.
     static std::string loadOpenSSLErrors();
 
 private:

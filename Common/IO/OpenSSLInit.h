@@ -30,7 +30,8 @@ private:
     std::vector<std::unique_ptr<boost::mutex>> m_locks;
 };
 
-/// The installed callbacks. They reach the set-up through the register, which asserts that it is there.
+/// The installed callbacks. lockingCallback finds the OpenSSLInit in the singletons register, which asserts
+/// that there is one.
 void lockingCallback(int mode, int n, const char* file, int line);
 void threadIdCallback(OpenSSLCompat::ThreadId* id);
 

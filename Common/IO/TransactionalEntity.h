@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-/// Storing and restoring state in a transaction. For the other programs of the package; nothing here has one.
+/// Storing and restoring state in a transaction. Only other programs of the package run transactions.
 namespace Nerix::Common::IO {
 
 class ITransaction;
@@ -12,7 +12,7 @@ class ISerializer {
 public:
     virtual ~ISerializer() = default;
 
-    /// Whether data is written (true) or read.
+    /// Returns true if data is written, false if it is read.
     virtual bool isStoring() const = 0;
 
     /// Transfers length bytes at the current position, from data when storing and into it when restoring, and

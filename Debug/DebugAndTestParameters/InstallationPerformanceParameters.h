@@ -11,9 +11,10 @@ namespace Nerix {
 /// only stores them.
 enum class ETransactionalRewriteMode : std::int32_t {};
 
-/// Tuning values of the update installation. Sizes are in bytes. If an optional value is unset, its consumer
-/// chooses. One copy lives in the DebugAndTestParameters and is read and written with them; see
-/// ParametersArchive.h for the XML form. No locks: one thread at a time, or readers only.
+/// Tuning values of the update installation, for the other programs of the package: here they are only read
+/// and written. Sizes are in bytes. If an optional value is unset, its consumer chooses. One copy lives in
+/// the DebugAndTestParameters and is read and written with them; see ParametersArchive.h for the XML form. No
+/// locks: one thread at a time, or readers only.
 class InstallationPerformanceParameters {
 public:
     /// The built-in values.

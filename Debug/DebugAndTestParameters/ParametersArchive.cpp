@@ -33,7 +33,8 @@ class XmlReader : public boost::archive::xml_iarchive_impl<XmlReader> {
 public:
     explicit XmlReader(std::istream& stream)
         : boost::archive::xml_iarchive_impl<XmlReader>(stream, boost::archive::no_header) {
-        // no_header keeps the destructor from reading the closing tag, see finish; init still reads the header.
+        // no_header keeps the destructor from reading the closing tag, see finish; init still reads the
+        // header.
         init();
     }
 

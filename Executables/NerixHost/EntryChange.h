@@ -21,8 +21,8 @@ struct EntryChange {
     std::vector<FactChange> facts; ///< those that differ
 };
 
-/// What differs between two records of the same entry. hasReportedChangesBelow: a change below this directory has
-/// already been reported; then its size and link count, which follow from its entries, are ignored.
+/// What differs between two records of the same entry. hasReportedChangesBelow: a change below this directory
+/// has already been reported; then its size and link count, which follow from its entries, are ignored.
 EntryChange changeOf(const ScanLogRecord& before, const ScanLogRecord& after, bool hasReportedChangesBelow);
 
 } // namespace Nerix

@@ -9,7 +9,7 @@ namespace Nerix {
 
 namespace {
 
-/// The longest record, each byte of which a host's system log may write as four.
+/// Exceeds the longest record, even if the host's system log escapes each of its bytes as four.
 constexpr std::size_t longestLine = 65536;
 constexpr std::size_t blockSize = 65536;
 

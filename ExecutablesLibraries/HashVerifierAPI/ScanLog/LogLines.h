@@ -16,12 +16,12 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The lines of a log file, as often as they are wanted. Memory does not grow with the file: a line that is
+/// Reads a log file line by line, any number of times. Memory does not grow with the file: a line that is
 /// longer than the longest record is refused. One thread at a time may use it.
 class LogLines {
 public:
-    /// Opens the file; what is no regular file, such as a pipe, is first copied into a file without a name.
-    /// Throws ScanLogError when it cannot be opened or copied whole.
+    /// Opens the file. If it is not a regular file, for example a pipe, it is first copied to an unnamed
+    /// temporary file. Throws ScanLogError when it cannot be opened or copied whole.
     explicit LogLines(const std::string& file);
 
     /// Moves to the next line and returns true; false at the end. Throws ScanLogError when the file cannot be
@@ -37,7 +37,7 @@ public:
     /// Returns true if the line ends in a line feed. Only the last one of a file may lack it.
     bool isTerminated() const { return m_isTerminated; }
 
-    /// The number of the current line, from 1; 0 in front of the first.
+    /// Returns the number of the current line, counted from 1, or 0 before the first line.
     std::uint64_t number() const { return m_number; }
 
     /// Throws ScanLogError "file: reason".

@@ -66,8 +66,8 @@ std::fstream create(const std::string& path) {
     if (!S_ISREG(status.st_mode)) {
         throwUnusable(path, " is not a regular file");
     }
-    // Truncated under the lock, not when opened: another run of the same second would lose its records.
-    // A file system without locks is written without one.
+    // Truncate only after locking: O_TRUNC would delete the records of another run that started in the same
+    // second. A file system without locks is written without one.
     if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         throwUnusable(path, " is the scan log of another run");
     }

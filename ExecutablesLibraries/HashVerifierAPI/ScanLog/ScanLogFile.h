@@ -9,8 +9,8 @@ namespace Nerix {
 /// still writing it; a lock prevents that where the file system of the drive has locks.
 ///
 /// The returned stream is closed if there is no drive or the file cannot be used: it cannot be created,
-/// another run is writing it, or it is not a regular file (links are not followed). In the latter cases a
-/// warning is logged. Records then go to the system log. Throws ProductUninitializedException before
+/// another run is writing it, or it is not a regular file (links are not followed). If the file cannot be
+/// used, a warning is logged. Records then go to the system log. Throws ProductUninitializedException before
 /// IProductInfo::initializeProduct.
 std::fstream openScanLog();
 

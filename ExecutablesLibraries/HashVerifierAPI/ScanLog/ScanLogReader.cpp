@@ -11,7 +11,7 @@ using State = ScanRecordParser::State;
 namespace {
 
 /// Returns the scan record in a message, after the "file:line>" that logging puts in front, or an empty text.
-/// Whichever source file wrote it: a record is recognised by its own form.
+/// The source file does not matter: a record is recognised by its form.
 std::string_view recordIn(std::string_view message) {
     const std::size_t end = message.find('>');
     const std::string_view record = end == std::string_view::npos ? "" : message.substr(end + 1);

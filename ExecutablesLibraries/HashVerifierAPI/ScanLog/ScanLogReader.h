@@ -10,10 +10,10 @@
 
 namespace Nerix {
 
-/// Reads a scan log back, record by record in the order of the walk: the file of a drive, or one with
-/// details, or a host's system log, of which it reads the last run and reassembles long records. Anybody may
-/// have written the log: memory does not grow with it, the time is linear in its length, and a record that no
-/// scan writes is refused. One thread at a time may use a reader.
+/// Reads a scan log record by record, in the order of the walk. The log is a file, with or without details,
+/// or a host's system log; of that, it reads the last run and reassembles long records. The log is not
+/// trusted: memory use does not grow with it, the time is linear in its length, and a record that no scan
+/// could have written is an error. One thread at a time may use a reader.
 class ScanLogReader {
 public:
     /// Validates the whole log, then rewinds to its beginning. Throws ScanLogError when the log cannot be

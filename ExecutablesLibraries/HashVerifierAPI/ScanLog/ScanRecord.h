@@ -8,13 +8,13 @@ struct stat;
 
 namespace Nerix {
 
-/// One line of the scan log, without its newline: the value in 16 lower-case hexadecimal digits, a blank, and
-/// the path in double quotes, with '&' in front of every double quote and '&' inside.
+/// Returns a record without its line feed: the value in 16 lower-case hexadecimal digits, a blank, and the
+/// path in double quotes, with '&' before each double quote and '&' in the path.
 std::string scanRecord(std::uint64_t value, const std::string& path);
 
-/// Returns the record as the system log gets it. Logging cuts a message of more than 768 bytes at its line
-/// feeds and leaves them out; a record so long has "&n" in place of each, a pair that no other byte is
-/// written as.
+/// Returns the record as the system log gets it. Logging splits a message of more than 768 bytes at its line
+/// feeds and drops them. In a record of more than 736 bytes each line feed is therefore written as "&n",
+/// which no other byte is.
 std::string loggedScanRecord(std::uint64_t value, const std::string& path);
 
 /// The suffix of a record in a log with details: " KIND OWNER GROUP LINKS MODE SIZE", where KIND is file,

@@ -6,10 +6,11 @@
 /// after its contents. Paths are absolute and, except "/", have no trailing slash.
 namespace Nerix {
 
-/// Below 0 when a walk reports the entry a before b, above 0 when after, 0 when they are the same.
+/// Returns a negative number if a walk reports entry a before b, a positive one if after, 0 if they are the
+/// same.
 int compareInWalkOrder(std::string_view a, std::string_view b);
 
-/// Whether the directory contains the entry, at any depth. A directory is not below itself.
+/// Returns true if the directory contains the entry, at any depth. A directory is not below itself.
 bool isBelow(std::string_view entry, std::string_view directory);
 
 } // namespace Nerix

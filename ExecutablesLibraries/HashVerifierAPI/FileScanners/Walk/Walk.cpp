@@ -28,8 +28,8 @@ namespace {
 
 constexpr std::size_t maxHelpers = 7;
 
-/// How many helpers leave enough file descriptors for the settings store and the logs, which must not fail because of
-/// them. A helper has up to two open.
+/// How many helpers leave enough file descriptors for the settings store and the logs, which must not fail
+/// because of them. A helper has up to two open.
 std::size_t helpersForDescriptors() {
     constexpr rlim_t reserved = 32;
     rlimit limit{};
