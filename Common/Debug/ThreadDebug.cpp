@@ -13,13 +13,13 @@ namespace Nerix::Common::Debug {
 
 namespace {
 
-/// Returns true, and logs a warning, if thread is the main thread, which is never renamed.
-bool isMainThread(boost::thread::id thread, boost::thread::id mainThread, const char* name) {
-    if (thread != mainThread || thread == boost::thread::id()) {
-        return false;
-    }
-    NERIX_LOG(WRN, "Main thread name: %s.", name);
-    return true;
+/// Before the main thread was registered, no thread counts as it.
+bool isMainThread(boost::thread::id thread, boost::thread::id mainThread) {
+    return thread == mainThread && thread != boost::thread::id();
+}
+
+void logThatMainThreadKeepsItsName(const char* refusedName) {
+    NERIX_LOG(WRN, "Main thread name: %s.", refusedName);
 }
 
 void logChange(boost::thread::id thread, const std::string& name) {
@@ -52,7 +52,8 @@ std::string ThreadDebug::sanitizeThreadName(const char* name) {
 }
 
 void ThreadDebug::SetThreadName(boost::thread& thread, const char* name) {
-    if (isMainThread(thread.get_id(), m_mainThreadId, name)) {
+    if (isMainThread(thread.get_id(), m_mainThreadId)) {
+        logThatMainThreadKeepsItsName(name);
         return;
     }
     const std::string sanitized = sanitizeThreadName(name);
@@ -66,7 +67,8 @@ void ThreadDebug::SetThreadName(boost::thread& thread, const char* name) {
 
 void ThreadDebug::SetThreadName(const char* name) {
     const boost::thread::id thread = boost::this_thread::get_id();
-    if (isMainThread(thread, m_mainThreadId, name)) {
+    if (isMainThread(thread, m_mainThreadId)) {
+        logThatMainThreadKeepsItsName(name);
         return;
     }
     const std::string sanitized = sanitizeThreadName(name);

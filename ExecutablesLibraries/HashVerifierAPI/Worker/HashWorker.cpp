@@ -106,7 +106,20 @@ HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashName
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("verification is already started"));
     }
     wait(); // a former worker may still be writing "inactive"
+    prepare(root, hashName);
+    PublishedState::begin();
+    try {
+        PublishedState::progress(PublishedState::noProgress);
+        m_scanLog = scanLog != nullptr ? *scanLog : openDrive();
+        launch();
+    } catch (...) {
+        shutdown(PublishedState::errorResult); // otherwise watchers would wait forever
+        throw;
+    }
+    return *this;
+}
 
+void HashWorker::prepare(const FileInput& root, const std::string& hashName) {
     struct statvfs statistics {};
     if (::statvfs(root.path.c_str(), &statistics) != 0) {
         const int error = errno;
@@ -125,17 +138,6 @@ HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashName
     m_entries = 0;
     m_failure = nullptr;
     m_readFailure = nullptr;
-
-    PublishedState::begin();
-    try {
-        PublishedState::progress(PublishedState::noProgress);
-        m_scanLog = scanLog != nullptr ? *scanLog : openDrive();
-        launch();
-    } catch (...) {
-        shutdown(PublishedState::errorResult); // otherwise watchers would wait forever
-        throw;
-    }
-    return *this;
 }
 
 ScanLogStream HashWorker::openDrive() {

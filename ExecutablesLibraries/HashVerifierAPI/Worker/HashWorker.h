@@ -123,6 +123,7 @@ private:
     HashWorker();
 
     HashWorker& begin(const FileInput& root, const std::string& hashName, const ScanLogStream* scanLog);
+    void prepare(const FileInput& root, const std::string& hashName);
     ScanLogStream openDrive();
     void launch();
     void record(const FileInput& entry, unsigned long long value) const;
