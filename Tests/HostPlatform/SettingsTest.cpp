@@ -10,7 +10,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <tuple>
 
 namespace Nerix::Tests {
 namespace {
@@ -39,41 +38,66 @@ void expectEachTypeIsKept() {
     EXPECT_EQ(all.back().key, "zz/db/yes");
 }
 
-TEST(SettingsDeathTest, EachTypeIsKeptInMemoryToo) {
+TEST(SettingsDeathTest, StoresEveryTypeInMemory) {
     inOwnProcess([] {
         Platform::Host::HostState::keepInMemory();
         expectEachTypeIsKept();
     });
 }
 
-TEST(Settings, EachTypeIsKeptOnBothShelvesAndFailuresNameTheCall) {
-    const TemporaryDirectory home;
-    ::setenv("NERIX_PLATFORM_HOME", home.path().c_str(), 1);
-    ::setenv("NERIX_HOST_LOG", "stderr", 1);
-    expectEachTypeIsKept();
+/// The host's own store, in a directory of the test.
+class Settings : public testing::Test {
+protected:
+    void SetUp() override {
+        ::setenv("NERIX_PLATFORM_HOME", m_home.path().c_str(), 1);
+        ::setenv("NERIX_HOST_LOG", "stderr", 1);
+    }
+
+private:
+    const TemporaryDirectory m_home;
+};
+
+TEST_F(Settings, StoresEveryType) { expectEachTypeIsKept(); }
+
+struct FailingCall {
+    const char* name;
+    void (*call)(const std::string& key);
+    std::string key;
+    int code; ///< 0 for the call that has none
+};
+
+TEST_F(Settings, FailuresNameTheCallAndTheKey) {
+    IVConf::setInt("db/int", 1);
+    IVConf::setString("db/text", "text");
+    IVConf::setBool("memory/yes", true);
     const std::string tooLong(600, 'k');
-    const std::tuple<std::string, void (*)(const std::string& key), std::string, int> failures[] = {
+    const FailingCall failures[] = {
         {"vconf_set_int", [](const std::string& key) { IVConf::setInt(key, 1); }, "", EIO},
         {"vconf_set_dbl", [](const std::string& key) { IVConf::setDouble(key, 1); }, tooLong, EIO},
         {"vconf_set_str", [](const std::string& key) { IVConf::setString(key, ""); }, tooLong, EIO},
         {"vconf_set_bool", [](const std::string& key) { IVConf::setBool(key, true); }, tooLong, EIO},
-        {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "zz/db/text", EINVAL},
+        {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "db/text", EINVAL},
         {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "memory/yes", EINVAL},
-        {"vconf_get_dbl", [](const std::string& key) { IVConf::getDouble(key); }, "zz/db/int", EINVAL},
-        {"vconf_get_str", [](const std::string& key) { IVConf::getString(key); }, "zz/db/int", 0},
+        {"vconf_get_dbl", [](const std::string& key) { IVConf::getDouble(key); }, "db/int", EINVAL},
+        {"vconf_get_str", [](const std::string& key) { IVConf::getString(key); }, "db/int", 0},
         {"vconf_get_bool", [](const std::string& key) { IVConf::getBool(key); }, "db/missing", ENOENT},
     };
-    for (const auto& [call, operate, key, code] : failures) {
+    for (const FailingCall& failing : failures) {
+        SCOPED_TRACE(testing::Message() << failing.name << " of '" << failing.key << "'");
         testing::internal::CaptureStderr();
-        const std::string report = diagnosticsOf([&operate = operate, &key = key] { operate(key); });
+        const std::string report = diagnosticsOf([&] { failing.call(failing.key); });
         const std::string log = testing::internal::GetCapturedStderr();
-        const std::string text = (testing::Message() << call << " failed while trying to access key: " << key).GetString();
+        const std::string text = failing.name + (" failed while trying to access key: " + failing.key);
         EXPECT_PRED2(contains, report, "VConfException");
         EXPECT_PRED2(contains, report, "] = " + text + "\n");
-        EXPECT_EQ(contains(report, "tag_errinfo_errorcode*] = " + std::to_string(code) + "\n"), code != 0) << report;
+        EXPECT_EQ(contains(report, "tag_errinfo_errorcode*] = " + std::to_string(failing.code) + "\n"), failing.code != 0)
+            << report;
         EXPECT_PRED2(contains, log, "[WRN] IVConf.cpp:");
         EXPECT_PRED2(contains, log, ">" + text);
     }
+}
+
+TEST_F(Settings, NullIsRefused) {
     EXPECT_EQ(vconf_set_str(nullptr, ""), EINVAL);
     EXPECT_EQ(vconf_set_str("key", nullptr), EINVAL);
     EXPECT_EQ(vconf_get_int(nullptr, nullptr), EINVAL);

@@ -10,7 +10,6 @@
 #include <set>
 #include <stdexcept>
 #include <thread>
-#include <tuple>
 
 namespace Nerix::Tests {
 namespace {
@@ -55,8 +54,16 @@ TEST(Logging, RecordCarriesProcessThreadNumberAndPosition) {
     EXPECT_EQ(records[2].withoutHeader(), "[INF] LoggingTest.cpp:" + std::to_string(line) + ">100% of 2");
 }
 
+struct LevelLayout {
+    LoggingClass::Level level;
+    const char* name;
+    int buffer;
+    int priority;
+    std::string text; ///< of the record; empty if there is none
+};
+
 TEST(Logging, MapsLevelsToBufferPriorityAndName) {
-    const std::tuple<LoggingClass::Level, const char*, int, int, std::string> cases[] = {
+    const LevelLayout cases[] = {
         {LoggingClass::NONE, "UNKNOWN LEVEL", 0, 0, ""},
         {LoggingClass::VERBOSE, "VERBOSE", 0, 0, ""},
         {LoggingClass::DBG, "DBG", DLOG_BUFFER_MAIN, DLOG_PRIORITY_DEBUG, "[DBG] x"},
@@ -66,15 +73,17 @@ TEST(Logging, MapsLevelsToBufferPriorityAndName) {
         {LoggingClass::FTL, "FTL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_FATAL, "[FTL] x"},
         {static_cast<LoggingClass::Level>(7), "UNKNOWN LEVEL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "[INF] x"},
     };
-    for (const auto& [level, name, buffer, priority, shown] : cases) {
+    for (const LevelLayout& layout : cases) {
+        SCOPED_TRACE(layout.name);
         FakePlatform::instance().reset();
-        EXPECT_STREQ(LoggingClass::logLevelToString(level), name);
-        LoggingClass::print(&LoggingClass::printLines, "tag", level, "%s", "x");
+        EXPECT_STREQ(LoggingClass::logLevelToString(layout.level), layout.name);
+        LoggingClass::print(&LoggingClass::printLines, "tag", layout.level, "%s", "x");
         const std::vector<LogRecord> records = FakePlatform::instance().log();
-        ASSERT_EQ(records.size(), shown.empty() ? 0U : 1U) << name;
-        if (!shown.empty()) {
-            EXPECT_EQ(std::make_pair(records[0].buffer, records[0].priority), std::make_pair(buffer, priority));
-            EXPECT_EQ(records[0].withoutHeader(), shown);
+        ASSERT_EQ(records.size(), layout.text.empty() ? 0U : 1U);
+        if (!records.empty()) {
+            EXPECT_EQ(records[0].buffer, layout.buffer);
+            EXPECT_EQ(records[0].priority, layout.priority);
+            EXPECT_EQ(records[0].withoutHeader(), layout.text);
         }
     }
 }
