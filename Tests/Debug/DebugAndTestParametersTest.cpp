@@ -90,9 +90,11 @@ TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
 TEST(ParametersArchive, NumbersThatTheirFieldsCannotHoldAreRefused) {
     for (const std::string field : {"numberOfFailures", "networkStreamBufferSize"}) {
         for (const std::string number : {"-1", "4294967296"}) {
-            const std::regex element("<" + field + ">\\d+");
-            EXPECT_FALSE(readFrom(std::regex_replace(golden, element, "<" + field + ">" + number)).second)
-                << field << number;
+            std::string element = "<";
+            element.append(field).append(1, '>');
+            const std::string changed =
+                std::regex_replace(golden, std::regex(element + "\\d+"), element + number);
+            EXPECT_FALSE(readFrom(changed).second) << field << number;
         }
     }
     const std::regex optionalValue("<value>11<");
