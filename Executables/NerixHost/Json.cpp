@@ -56,7 +56,7 @@ std::string jsonOf(const Platform::Host::Setting& setting) {
             }
         },
         valueOf(setting));
-    if (isOfRun(setting) && !isOfLiveRun(setting)) {
+    if (isOfKilledRun(setting)) {
         json["killed"] = true;
     }
     return lineOf(json);

@@ -10,6 +10,8 @@ namespace {
 
 using Platform::Host::Setting;
 
+constexpr const char* killed = "killed";
+
 /// An empty setting if there is none.
 Setting find(const char* key) {
     return Platform::Host::HostState::instance().settings().find(key).value_or(Setting{});
@@ -26,16 +28,35 @@ bool isOfLiveRun(const Setting& setting) {
     return isOfRun(setting) && !Platform::Host::ProcessIdentity::isGone(setting.writer);
 }
 
-RunState RunState::read() {
+bool isOfKilledRun(const Setting& setting) {
+    if (!isOfRun(setting) || isOfLiveRun(setting)) {
+        return false;
+    }
+    // The run may have published its end after the setting was read. What a process left that is gone stays.
+    const Setting now = find(setting.key.c_str());
+    return isOfRun(now) && !isOfLiveRun(now);
+}
+
+namespace {
+
+RunState readOnce() {
     const Setting status = find(PublishedState::statusKey);
     const Setting progress = find(PublishedState::progressKey);
     const Setting result = find(PublishedState::resultKey);
     RunState state{status.bytes, progress.bytes, result.bytes, result.writer,
                    isOfLiveRun(status) || isOfLiveRun(result)};
     if (!state.isRunning && (isOfRun(status) || isOfRun(result))) {
-        state.status = "killed";
+        state.status = killed;
     }
     return state;
+}
+
+} // namespace
+
+RunState RunState::read() {
+    const RunState state = readOnce();
+    // As in isOfKilledRun: the run may have published its end meanwhile.
+    return state.status == killed ? readOnce() : state;
 }
 
 } // namespace Nerix

@@ -10,8 +10,12 @@ namespace Nerix {
 /// published first.
 bool isOfRun(const Platform::Host::Setting& setting);
 
-/// The same, but false when the run's process is gone: it was killed.
+/// The same, but false when the run's process is gone.
 bool isOfLiveRun(const Platform::Host::Setting& setting);
+
+/// Whether the run's process is gone without having published its end. Reads the setting again. Throws
+/// std::runtime_error when the store cannot be read.
+bool isOfKilledRun(const Platform::Host::Setting& setting);
 
 /// The state of the current or last verification, from the settings store. The strings are empty if there was
 /// none.

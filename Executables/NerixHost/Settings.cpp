@@ -26,7 +26,7 @@ using Platform::Host::Setting;
 
 /// A run that was killed leaves its status and result behind.
 void warnIfKilled(const Setting& setting) {
-    if (isOfRun(setting) && !isOfLiveRun(setting)) {
+    if (isOfKilledRun(setting)) {
         printError("the run that set " + escaped(setting.key) + " was killed");
     }
 }
