@@ -16,7 +16,6 @@
 #include <climits>
 #include <cstdint>
 #include <system_error>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -246,7 +245,29 @@ void DirectoryBackend::put(std::string_view key, std::string_view bytes) {
 }
 
 void DirectoryBackend::each(const Visit& visit) {
-    attempt("list its settings", [&] {
+    std::optional<SettingsFailure> failure;
+    for (const std::string& key : keys()) {
+        try {
+            attempt("list its settings", [&] {
+                const fs::path file = m_examined / fileNameOf(key);
+                m_place = file.string();
+                if (const std::optional<std::string> bytes = checkedContentOf(file)) {
+                    visit(key, *bytes);
+                }
+            });
+        } catch (const SettingsFailure& one) {
+            if (!failure) {
+                failure = one;
+            }
+        }
+    }
+    if (failure) {
+        throw SettingsFailure(*failure);
+    }
+}
+
+std::vector<std::string> DirectoryBackend::keys() {
+    return attempt("list its settings", [&] {
         const fs::path place = directory();
         m_place = place.string();
         std::vector<std::string> keys;
@@ -256,13 +277,7 @@ void DirectoryBackend::each(const Visit& visit) {
             }
         }
         std::sort(keys.begin(), keys.end());
-        for (const std::string& key : keys) {
-            const fs::path file = place / fileNameOf(key);
-            m_place = file.string();
-            if (const std::optional<std::string> bytes = checkedContentOf(file)) {
-                visit(key, *bytes);
-            }
-        }
+        return keys;
     });
 }
 

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace Nerix::Platform::Host {
 
@@ -33,6 +34,9 @@ private:
     /// The directory, which is made where it is missing. The parent is examined again only when something has
     /// replaced it.
     std::filesystem::path directory();
+
+    /// The keys of all files, in order.
+    std::vector<std::string> keys();
 
     /// Runs one step; a std::system_error becomes a SettingsFailure: "settings store FILE: cannot WHAT:
     /// reason".

@@ -30,7 +30,8 @@ public:
 
     virtual void put(std::string_view key, std::string_view bytes) = 0;
 
-    /// Visits everything in key order. The views are valid during the visit.
+    /// Visits everything in key order. The views are valid during the visit. One that cannot be read does not
+    /// keep the others from being visited; the first such failure is thrown at the end.
     virtual void each(const Visit& visit) = 0;
 };
 

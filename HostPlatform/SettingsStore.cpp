@@ -3,7 +3,6 @@
 #include "Common/Base/NoDestructor.h"
 #include "HostPlatform/HostState.h"
 #include "HostPlatform/ProcessIdentity.h"
-#include "HostPlatform/SettingsBackend.h"
 #include "HostPlatform/SystemLog.h"
 
 #include <algorithm>
@@ -58,18 +57,25 @@ void SettingsStore::write(std::string_view key, SettingType type, std::string_vi
     backendOf(key).put(key, packed(type, bytes));
 }
 
-std::vector<Setting> SettingsStore::list() {
+SettingsListing SettingsStore::list() {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    std::vector<Setting> all;
+    SettingsListing listing;
+    std::vector<Setting>& all = listing.settings;
     for (SettingsBackend* const backend : {m_durable.get(), m_volatile.get()}) {
-        backend->each([&](std::string_view key, std::string_view stored) {
-            if (std::optional<Setting> setting = unpacked(key, stored)) {
-                all.push_back(std::move(*setting));
+        try {
+            backend->each([&](std::string_view key, std::string_view stored) {
+                if (std::optional<Setting> setting = unpacked(key, stored)) {
+                    all.push_back(std::move(*setting));
+                }
+            });
+        } catch (const SettingsFailure& failure) {
+            if (!listing.failure) {
+                listing.failure = failure;
             }
-        });
+        }
     }
     std::sort(all.begin(), all.end(), [](const Setting& a, const Setting& b) { return a.key < b.key; });
-    return all;
+    return listing;
 }
 
 } // namespace Nerix::Platform::Host

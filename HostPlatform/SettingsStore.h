@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HostPlatform/SettingsBackend.h"
+
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -8,8 +10,6 @@
 #include <vector>
 
 namespace Nerix::Platform::Host {
-
-class SettingsBackend;
 
 /// The type of a setting's value; the letter stands at the beginning of what is stored.
 enum class SettingType : char { Integer = 'i', Double = 'd', Text = 's', Boolean = 'b' };
@@ -21,6 +21,11 @@ struct Setting {
     std::string writer; ///< the process that wrote it, see ProcessIdentity.h
 };
 
+struct SettingsListing {
+    std::vector<Setting> settings;          ///< all that could be read, in the byte order of their keys
+    std::optional<SettingsFailure> failure; ///< the first one, if some could not
+};
+
 /// The host's settings store: typed values under text keys, shared by all processes of the user.
 ///
 /// Keys under "memory/" are kept in files that are never synced to disk, all others in durable ones, see
@@ -28,8 +33,7 @@ struct Setting {
 /// or the new value of the key that it was writing. Each value carries the identity of the process that wrote
 /// it. Processes with a different word size or byte order use separate files. No call waits for another
 /// process, except briefly for the lock on the log directory. A failed call changes nothing. A key that is
-/// empty, or too long for the name of a file, fails. All functions throw SettingsFailure (SettingsBackend.h),
-/// which is logged before. Any thread may call.
+/// empty, or too long for the name of a file, fails. A failure is thrown as SettingsFailure, and logged before. Any thread may call.
 class SettingsStore {
 public:
     /// forMemoryKeys: for the settings whose keys begin with "memory/"; durable: for all others.
@@ -43,8 +47,8 @@ public:
     /// finds the records that were logged before it.
     void write(std::string_view key, SettingType type, std::string_view bytes);
 
-    /// Returns all settings, in the byte order of their keys.
-    std::vector<Setting> list();
+    /// Returns all settings. Throws no SettingsFailure: one damaged setting must not hide the others.
+    SettingsListing list();
 
 private:
     SettingsBackend& backendOf(std::string_view key);

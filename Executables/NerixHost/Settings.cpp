@@ -23,6 +23,8 @@ namespace {
 using Common::escaped;
 using Platform::Host::HostState;
 using Platform::Host::Setting;
+using Platform::Host::SettingsFailure;
+using Platform::Host::SettingsListing;
 
 /// A run that was killed leaves its status and result behind.
 void warnIfKilled(const Setting& setting) {
@@ -32,21 +34,25 @@ void warnIfKilled(const Setting& setting) {
 }
 
 int list(bool isJson) {
-    for (const Setting& setting : HostState::instance().settings().list()) {
+    const SettingsListing listing = HostState::instance().settings().list();
+    for (const Setting& setting : listing.settings) {
         std::cout << (isJson ? jsonOf(setting) : escaped(setting.key) + " = " + valueText(setting)) << '\n';
         if (!isJson) {
             warnIfKilled(setting);
         }
     }
     std::cout << std::flush;
+    if (listing.failure) {
+        throw SettingsFailure(*listing.failure);
+    }
     return EXIT_SUCCESS;
 }
 
-/// The keys of the store, and those that a run publishes.
+/// The keys of the store that can be read, and those that a run publishes.
 std::vector<std::string> knownKeys() {
     std::vector<std::string> keys{PublishedState::statusKey, PublishedState::progressKey,
                                   PublishedState::resultKey};
-    for (const Setting& setting : HostState::instance().settings().list()) {
+    for (const Setting& setting : HostState::instance().settings().list().settings) {
         keys.push_back(setting.key);
     }
     return keys;

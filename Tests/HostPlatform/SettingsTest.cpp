@@ -32,7 +32,7 @@ void expectEachTypeIsKept() {
         EXPECT_EQ(vconf_get_bool((prefix + "yes").c_str(), &flag), 0);
         EXPECT_EQ(flag, 1);
     }
-    const std::vector<Platform::Host::Setting> all = Platform::Host::HostState::instance().settings().list();
+    const std::vector<Platform::Host::Setting> all = Platform::Host::HostState::instance().settings().list().settings;
     EXPECT_EQ(all.size(), 10U);
     EXPECT_EQ(all.front().key, "memory/double");
     EXPECT_EQ(all.back().key, "zz/db/yes");

@@ -138,7 +138,9 @@ class Hostile(SystemTest):
                     run = self.run_host("settings", "list")
                     self.assertEqual(run.stderr.decode(), f"NerixHost: settings store {file}: cannot list its settings: "
                                      "it is damaged; delete this file\n")
+                    self.assertEqual(run.stdout.count(b"\n"), 2)  # the others
                     self.assertEqual(run.returncode, 2)
+                    self.assertIn(b"there is no setting", self.run_host("settings", "get", "db/none").stderr)
                     self.assert_right()
                     self.assertEqual(self.settings()[:2], ("inactive", "100.0"))
 
