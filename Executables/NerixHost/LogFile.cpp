@@ -133,22 +133,4 @@ void LogFile::commit() {
     m_isCommitted = true;
 }
 
-LogFile::Buffer::int_type LogFile::Buffer::overflow(int_type character) {
-    if (sync() != 0) {
-        return traits_type::eof();
-    }
-    return traits_type::eq_int_type(character, traits_type::eof())
-               ? traits_type::not_eof(character)
-               : sputc(traits_type::to_char_type(character));
-}
-
-int LogFile::Buffer::sync() {
-    m_error = Common::writeAll(m_descriptor, {pbase(), static_cast<std::size_t>(pptr() - pbase())});
-    if (m_error != 0) {
-        return -1;
-    }
-    setp(m_bytes.data(), m_bytes.data() + m_bytes.size());
-    return 0;
-}
-
 } // namespace Nerix

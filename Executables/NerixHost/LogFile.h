@@ -1,11 +1,10 @@
 #pragma once
 
 #include "Common/Base/Descriptor.h"
+#include "Executables/NerixHost/DescriptorBuffer.h"
 
 #include <ostream>
-#include <streambuf>
 #include <string>
-#include <vector>
 
 namespace Nerix {
 
@@ -33,28 +32,10 @@ public:
     void commit();
 
 private:
-    /// Keeps the reason of a failure, which the standard's file buffer forgets.
-    class Buffer final : public std::streambuf {
-    public:
-        explicit Buffer(int descriptor) : m_descriptor(descriptor) {
-            setp(m_bytes.data(), m_bytes.data() + m_bytes.size());
-        }
-        int error() const { return m_error; }
-
-    protected:
-        int_type overflow(int_type character) override;
-        int sync() override;
-
-    private:
-        int m_descriptor;
-        int m_error = 0;
-        std::vector<char> m_bytes = std::vector<char>(65536); // not in the object, for stacks that are small
-    };
-
     const std::string m_file;
     std::string m_partial; ///< the name until it is complete
     Common::Descriptor m_descriptor;
-    Buffer m_buffer;
+    DescriptorBuffer m_buffer;
     std::ostream m_stream;
     bool m_isCommitted = false;
 };

@@ -6,6 +6,7 @@
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Common/Utils/TerminationSignals.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
+#include "Executables/NerixHost/DescriptorBuffer.h"
 #include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/FailureSentence.h"
 #include "Executables/NerixHost/LogFile.h"
@@ -25,7 +26,9 @@
 #include <future>
 #include <iostream>
 #include <optional>
+#include <ostream>
 #include <stdexcept>
+#include <system_error>
 
 #include <unistd.h>
 
@@ -105,10 +108,12 @@ int scan(const ScanRequest& request) {
         if (!request.logFile.empty() && !isLogShown) {
             file.emplace(logOutside(fs::canonical(request.path), request.logFile).string());
         }
-        std::ostream shown(isLogShown ? std::cout.rdbuf() : nullptr); // its exceptions are off
+        DescriptorBuffer output(STDOUT_FILENO);
+        std::ostream shown(&output);
         value = verify(request, {file ? &file->stream() : &shown, request.hasDetails});
         if (isLogShown && !shown.flush()) {
-            std::cout.setstate(std::ios_base::badbit); // throws
+            throw std::ios_base::failure("standard output",
+                                         std::error_code(output.error(), std::generic_category()));
         }
         if (value == "ERROR") {
             return fail(failureSentence(HashVerifierAPI::getFailure()));

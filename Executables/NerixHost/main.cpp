@@ -45,8 +45,9 @@ int main(int argc, char* argv[]) {
     } catch (const Nerix::UsageError& failure) {
         Nerix::printError(failure.what());
         std::cerr << failure.help();
-    } catch (const std::ios_base::failure&) {
-        const int error = errno;
+    } catch (const std::ios_base::failure& failure) {
+        // The standard's own streams leave their reason in errno.
+        const int error = failure.code() == std::io_errc::stream ? errno : failure.code().value();
         // The flush at exit must not throw: nobody would catch it.
         std::cout.exceptions(std::ios_base::goodbit);
         if (error == EPIPE) {

@@ -50,11 +50,14 @@ class Runs(SystemTest):
             self.assertNotIn("/proc/mounts", calls.read())
 
     def test_unusable_standard_output(self):
-        read, write = os.pipe()
-        os.close(read)
-        with os.fdopen(write, "wb") as broken:
+        for number in range(400):  # more records than fit into a buffer
+            write(os.path.join(self.work, f"{number:0200}"))
+        reading_end, writing_end = os.pipe()
+        os.close(reading_end)
+        with os.fdopen(writing_end, "wb") as broken:
             for where in ("", ">/dev/full", ">&-", "<&- >&- 2>&-"):
-                for command, status in ((f"'{PROGRAM}' --path '{self.work}'", 1), (f"'{HOST}' settings list", 2)):
+                for command, status in ((f"'{PROGRAM}' --path '{self.work}'", 1), (f"'{HOST}' settings list", 2),
+                                        (f"'{HOST}' scan -q '{self.work}' --log -", 2)):
                     run = subprocess.run(f"{command} {where}", shell=True, check=False, env=self.environment, stdout=broken,
                                          stderr=subprocess.PIPE)
                     if status == 2 and not where:  # as any tool ends whose reader has gone
