@@ -127,6 +127,10 @@ void LogFile::commit() {
     if (!m_stream) {
         fail(m_file, Common::messageOf(m_buffer.error()));
     }
+    // A power failure must not leave an empty file under the name. EINVAL: this file system has no sync.
+    if (::fsync(m_descriptor.number()) != 0 && errno != EINVAL) {
+        fail(m_file, Common::messageOf(errno));
+    }
     if (::close(m_descriptor.release()) != 0 || std::rename(m_partial.c_str(), m_file.c_str()) != 0) {
         fail(m_file, Common::messageOf(errno));
     }
