@@ -185,6 +185,12 @@ ScanRequest scanRequest(const options::variables_map& values) {
     if (values.count("expect") != 0) {
         request.expected = valueIn(textOf(values, "expect"));
     }
+    if (request.path.empty()) {
+        throw UsageError("PATH is empty");
+    }
+    if (values.count("log") != 0 && request.logFile.empty()) {
+        throw UsageError("--log needs the name of a file");
+    }
     if (request.hasDetails && request.logFile.empty()) {
         throw UsageError("--details needs --log");
     }

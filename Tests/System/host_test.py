@@ -193,6 +193,8 @@ class Host(SystemTest):
             (["scan"], 2, "missing argument PATH"),
             (["settings", "get"], 2, "missing argument KEY"),
             (["scan", tree, "--details"], 2, "--details needs --log"),
+            (["scan", tree, "--log", ""], 2, "--log needs the name of a file"),
+            (["scan", ""], 2, "PATH is empty"),
             (["compare", "a"], 2, "missing argument AFTER"),
             (["compare", "/\x1bnowhere", "/nowhere"], 2, r"/\x1bnowhere: No such file or directory"),
             (["settings", "get", f"memori{PREFIX}stats"], 1,
