@@ -36,6 +36,17 @@ std::string reasonOf(const std::system_error& failure) {
     return text.substr(0, text.rfind(message));
 }
 
+/// What find returns. Its error says what the user can do.
+template <class Find>
+fs::path withRemedy(Find find) {
+    try {
+        return find();
+    } catch (const std::system_error& failure) {
+        throw std::system_error(failure.code(),
+                                "set NERIX_PLATFORM_HOME to a directory of your own; " + reasonOf(failure));
+    }
+}
+
 fs::path homeOfUser() {
     if (const auto home = absoluteFromEnvironment("HOME")) {
         return *home;
@@ -57,13 +68,10 @@ fs::path durableDirectory() {
     if (const auto home = fromEnvironment("NERIX_PLATFORM_HOME")) {
         return ownDirectory(*home);
     }
-    try {
+    return withRemedy([] {
         const auto state = absoluteFromEnvironment("XDG_STATE_HOME");
         return ownDirectory(state ? *state / "nerix" : homeOfUser() / ".local/state/nerix");
-    } catch (const std::system_error& failure) {
-        throw std::system_error(failure.code(),
-                                "set NERIX_PLATFORM_HOME to a directory of your own; " + reasonOf(failure));
-    }
+    });
 }
 
 fs::path logDirectory() {
@@ -75,7 +83,7 @@ fs::path volatileDirectory() {
         return ownDirectory(*home);
     }
     if (const auto runtime = absoluteFromEnvironment("XDG_RUNTIME_DIR")) {
-        return ownDirectory(*runtime / "nerix");
+        return withRemedy([&] { return ownDirectory(*runtime / "nerix"); });
     }
     try {
         return ownDirectory("/dev/shm/nerix-" + std::to_string(::geteuid()));
