@@ -268,6 +268,15 @@ class Hostile(SystemTest):
         self.hold_lease(os.path.join(self.tree, "a"), take_again)
         self.assert_right(self.run_program("--path", self.tree, timeout=30))
 
+    def test_lease_is_waited_for_where_the_system_has_no_timer_left(self):
+        def give_up(file):
+            time.sleep(0.1)
+            fcntl.fcntl(file, fcntl.F_SETLEASE, fcntl.F_UNLCK)
+
+        self.hold_lease(os.path.join(self.tree, "a"), give_up)
+        no_timers = lambda: resource.setrlimit(resource.RLIMIT_SIGPENDING, (0, 0))
+        self.assert_right(self.run_program("--path", self.tree, timeout=30, preexec_fn=no_timers))
+
     def test_signal_ends_the_wait_for_a_lease(self):
         self.hold_lease(os.path.join(self.tree, "a"), lambda file: None)
         with subprocess.Popen([PROGRAM, "--path", self.tree], env=self.environment, stdout=subprocess.PIPE) as run:

@@ -24,6 +24,8 @@ namespace {
 /// signals cannot do that: they go to another thread, and calls that they interrupt are restarted.
 class Interruptions : private boost::noncopyable {
 public:
+    static constexpr std::timespec period{0, 20'000'000};
+
     Interruptions() {
         struct sigaction action {};
         action.sa_handler = [](int) {}; // without SA_RESTART
@@ -37,7 +39,6 @@ public:
             static_cast<pid_t>(::syscall(SYS_gettid)); // sigev_notify_thread_id, which glibc lacks
         m_isOn = ::timer_create(CLOCK_MONOTONIC, &event, &m_timer) == 0;
         if (m_isOn) {
-            constexpr std::timespec period{0, 20'000'000};
             const itimerspec times{period, period};
             ::timer_settime(m_timer, 0, &times, nullptr);
         }
@@ -57,8 +58,8 @@ public:
         errno = error;
     }
 
-    /// Returns false if the system has no timer left; errno says why.
-    bool isOn() const { return m_isOn; }
+    /// Returns false if the system has no timer left.
+    bool areOn() const { return m_isOn; }
 
 private:
     static int signalNumber() { return SIGRTMAX - 1; }
@@ -90,13 +91,16 @@ int openUnderLease(const boost::filesystem::path& path) {
     }
     const std::string self = "/proc/self/fd/" + std::to_string(file.number());
     const Interruptions interruptions;
-    if (!interruptions.isOn()) {
-        return -1;
-    }
+    // Without a timer the open must not wait in the kernel, and has no place in its queue.
+    const int flags = O_RDONLY | O_CLOEXEC | (interruptions.areOn() ? 0 : O_NONBLOCK);
     for (;;) {
-        const int descriptor = ::open(self.c_str(), O_RDONLY | O_CLOEXEC);
-        if (descriptor != -1 || errno != EINTR || HashFunctions::StepObserver::currentShouldStop()) {
+        const int descriptor = ::open(self.c_str(), flags);
+        const int reasonToWait = interruptions.areOn() ? EINTR : EWOULDBLOCK;
+        if (descriptor != -1 || errno != reasonToWait || HashFunctions::StepObserver::currentShouldStop()) {
             return descriptor;
+        }
+        if (!interruptions.areOn()) {
+            ::nanosleep(&Interruptions::period, nullptr);
         }
     }
 }
