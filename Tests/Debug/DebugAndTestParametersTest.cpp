@@ -92,8 +92,7 @@ TEST(ParametersArchive, NumbersThatTheirFieldsCannotHoldAreRefused) {
         for (const std::string number : {"-1", "4294967296"}) {
             std::string element = "<";
             element.append(field).append(1, '>');
-            const std::string changed =
-                std::regex_replace(golden, std::regex(element + "\\d+"), element + number);
+            const std::string changed = std::regex_replace(golden, std::regex(element + "\\d+"), element + number);
             EXPECT_FALSE(readFrom(changed).second) << field << number;
         }
     }
