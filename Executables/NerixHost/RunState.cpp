@@ -4,6 +4,8 @@
 #include "HostPlatform/HostState.h"
 #include "HostPlatform/ProcessIdentity.h"
 
+#include <string_view>
+
 namespace Nerix {
 
 namespace {
@@ -13,31 +15,25 @@ using Platform::Host::Setting;
 constexpr const char* killed = "killed";
 
 /// An empty setting if there is none.
-Setting find(const char* key) {
+Setting find(std::string_view key) {
     return Platform::Host::HostState::instance().settings().find(key).value_or(Setting{});
 }
 
-} // namespace
-
+/// Whether the status or result is that of a run that has not ended: "active", or "00000111", which is
+/// published first.
 bool isOfRun(const Setting& setting) {
     return setting.type == Platform::Host::SettingType::Text &&
            (setting.bytes == PublishedState::activeStatus || setting.bytes == PublishedState::runningResult);
 }
 
+/// Whether the setting is that of a run whose process is gone.
+bool isLeftBehind(const Setting& setting) {
+    return isOfRun(setting) && Platform::Host::ProcessIdentity::isGone(setting.writer);
+}
+
 bool isOfLiveRun(const Setting& setting) {
-    return isOfRun(setting) && !Platform::Host::ProcessIdentity::isGone(setting.writer);
+    return isOfRun(setting) && !isLeftBehind(setting);
 }
-
-bool isOfKilledRun(const Setting& setting) {
-    if (!isOfRun(setting) || isOfLiveRun(setting)) {
-        return false;
-    }
-    // The run may have published its end after the setting was read. What a process left that is gone stays.
-    const Setting now = find(setting.key.c_str());
-    return isOfRun(now) && !isOfLiveRun(now);
-}
-
-namespace {
 
 RunState readOnce() {
     const Setting status = find(PublishedState::statusKey);
@@ -52,6 +48,11 @@ RunState readOnce() {
 }
 
 } // namespace
+
+bool isOfKilledRun(const Setting& setting) {
+    // The run may have published its end after the setting was read. What a process left that is gone stays.
+    return isLeftBehind(setting) && isLeftBehind(find(setting.key));
+}
 
 RunState RunState::read() {
     const RunState state = readOnce();

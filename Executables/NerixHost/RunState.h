@@ -6,15 +6,8 @@
 
 namespace Nerix {
 
-/// Whether the status or result is that of a run that has not ended: "active", or "00000111", which is
-/// published first.
-bool isOfRun(const Platform::Host::Setting& setting);
-
-/// The same, but false when the run's process is gone.
-bool isOfLiveRun(const Platform::Host::Setting& setting);
-
-/// Whether the run's process is gone without having published its end. Reads the setting again. Throws
-/// std::runtime_error when the store cannot be read.
+/// Whether the setting is the status or result of a run whose process is gone without having published its
+/// end. Reads the setting again. Throws std::runtime_error when the store cannot be read.
 bool isOfKilledRun(const Platform::Host::Setting& setting);
 
 /// The state of the current or last verification, from the settings store. The strings are empty if there was
