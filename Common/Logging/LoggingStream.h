@@ -31,7 +31,7 @@ private:
     LoggingClass::Level m_level;
     std::ostringstream m_stream;
     Utils::nullostream m_nullStream;
-    int m_uncaughtAtStart; ///< tells whether an operand has thrown
+    int m_uncaughtAtStart; ///< a higher count later means that an operand threw
 };
 
 } // namespace Nerix::Common::Logging

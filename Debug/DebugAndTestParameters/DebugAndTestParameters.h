@@ -153,7 +153,7 @@ private:
     std::map<std::string, std::int32_t> m_customIntParams{{"testParam0", 0}, {"testParam1", 1}};
 };
 
-/// The same as the member of this name.
+/// Calls DebugAndTestParameters::getDebugAndTestParameters.
 DebugAndTestParameters& getDebugAndTestParameters();
 
 /// Loads nothing: throws GenericException before the first load, and only logs a warning after it. The path

@@ -27,8 +27,8 @@
 
 namespace Nerix {
 
-/// Boost's XML reader with its own check of element names. Boost's check reads past the end of the expected
-/// name if the name in the file is longer.
+/// Boost's XML reader, but with an element-name check of our own: Boost's reads past the end of the expected
+/// name when the name in the file is longer.
 class XmlReader : public boost::archive::xml_iarchive_impl<XmlReader> {
 public:
     explicit XmlReader(std::istream& stream)

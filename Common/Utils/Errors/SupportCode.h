@@ -4,7 +4,7 @@
 
 #include <string>
 
-/// For the other programs of the package; nothing here attaches a code.
+/// For other programs of the package: neither program here attaches a support code.
 ///
 /// Support codes tell a service centre where a failure came from: a chain joined by "-", outermost first,
 /// kept in the errinfo_supportcode entry.
