@@ -57,6 +57,17 @@ class Threads(SystemTest):
                 output, _ = self.assert_same_with_any_number(lambda: self.run_program("--path", tree))
                 self.assertEqual(output.decode().strip(), value)
 
+    def test_directory_with_more_names_than_are_read_ahead(self):
+        make_hole(os.path.join(self.work, "a"), 64 << 20)  # keeps the worker busy
+        large = os.path.join(self.work, "b")
+        os.mkdir(large)
+        for number in range(16385):
+            write(os.path.join(large, str(number)))
+        value = Model("md5").value(self.work)
+        for threads in (1, 4):
+            self.use_threads(threads)
+            self.assertEqual(self.run_program("--path", self.work).stdout.decode().strip(), value, f"{threads} threads")
+
     def test_entry_that_cannot_be_read_at_every_position(self):
         files = []
         for place in ("a", "a/b", "a/b/c", "a/d", "e"):

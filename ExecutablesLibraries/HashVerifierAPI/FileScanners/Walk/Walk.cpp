@@ -327,6 +327,7 @@ void Walk::examineAhead(Cell& cell, bool isReporter) {
         examine(cell);
         // If reading was cut short by a stop, the value is invalid.
         state = observer.isStopped() ? Cell::State::Left : Cell::State::Settled;
+    } catch (const TooManyNames&) { // NOLINT(bugprone-empty-catch): the reporter lists the directory
     } catch (...) {
         if (!observer.isStopped() && !isLackOfResources()) {
             cell.failure = std::current_exception();
