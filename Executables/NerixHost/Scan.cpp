@@ -109,7 +109,7 @@ int scan(const ScanRequest& request) {
             file.emplace(logOutside(fs::canonical(request.path), request.logFile).string());
         }
         DescriptorBuffer output(STDOUT_FILENO);
-        std::ostream shown(&output);
+        std::ostream shown(isLogShown ? &output : nullptr); // without a buffer it discards the records
         value = verify(request, {file ? &file->stream() : &shown, request.hasDetails});
         if (isLogShown && !shown.flush()) {
             throw std::ios_base::failure("standard output",

@@ -130,6 +130,12 @@ class Host(SystemTest):
         self.assertEqual(self.compare(self.logs[0], self.logs[0], status=0), [])
         self.assertEqual(self.run_host("scan", self.tree, "--expect", self.tree_value).returncode, 0)
 
+    def test_scan_of_many_entries_prints_only_the_value(self):
+        for number in range(2000):
+            write(os.path.join(self.tree, b"%d" % number))
+        self.entries()
+        self.assertEqual(self.run_host("scan", self.tree).stdout.decode(), self.tree_value + "\n")
+
     def test_log_on_standard_output_has_the_value_on_standard_error(self):
         self.entries()
         run = self.run_host("scan", self.tree, "--log", "-", "-q", "-q")
