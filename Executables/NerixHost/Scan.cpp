@@ -1,11 +1,6 @@
 #include "Executables/NerixHost/Scan.h"
 
-#include "Common/Debug/ThreadDebug.h"
-#include "Common/IO/OpenSSLInit.h"
-#include "Common/Logging/LoggingClass.h"
-#include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Common/Utils/TerminationSignals.h"
-#include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Executables/NerixHost/DescriptorBuffer.h"
 #include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/FailureSentence.h"
@@ -13,12 +8,10 @@
 #include "Executables/NerixHost/LogPlace.h"
 #include "Executables/NerixHost/ProgressLine.h"
 #include "Executables/NerixHost/QuotedName.h"
+#include "Executables/ProgramSession/ProgramSession.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogStream.h"
 #include "HostPlatform/HostState.h"
-#include "Platform/Product/IProductInfo.h"
-
-#include <boost/thread/thread_only.hpp>
 
 #include <chrono>
 #include <cstdlib>
@@ -41,16 +34,6 @@ using Clock = std::chrono::steady_clock;
 
 /// The exit status of a scan that is not what it seems: a damaged disk gives a value, but a wrong one.
 constexpr int trouble = 2;
-
-/// The same start-up as NerixVerifierHash, but with all state kept in memory.
-void prepare() {
-    Platform::Host::HostState::keepInMemory();
-    Common::Logging::LoggingClass::init("NerixHost");
-    Common::Debug::ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
-    Common::Utils::catchTerminationSignals();
-    Platform::IProductInfo::initializeProduct(Platform::DEFAULT_PRODUCT);
-    Common::DebugAndTestParameters::loadDebugAndTestParameters("NerixHost");
-}
 
 std::string duration(Clock::duration elapsed) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
@@ -100,9 +83,10 @@ int fail(const std::string& reason) {
 int scan(const ScanRequest& request) {
     std::string value;
     try {
-        prepare();
-        const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(
-            Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
+        Platform::Host::HostState::keepInMemory();
+        Common::Utils::catchTerminationSignals();
+        const ProgramSession session("NerixHost");
+        session.loadProductAndParameters();
         const bool isLogShown = request.logFile == "-";
         std::optional<LogFile> file;
         if (!request.logFile.empty() && !isLogShown) {

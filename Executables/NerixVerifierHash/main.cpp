@@ -1,6 +1,7 @@
 // The command line of NerixVerifierHash. A run comes through these files, in this order:
 //
-//   main.cpp                    options, set-up of the package's framework, exit status
+//   main.cpp                    options, exit status
+//   ProgramSession.cpp          set-up of the package's framework
 //   HashVerifierAPI.cpp         makes the path canonical and starts the worker
 //   Worker/HashWorker.cpp       publishes status, progress and result; runs the scan on a thread of its own
 //   ScanLog/ScanLogFile.cpp     opens the scan log on a USB drive
@@ -10,25 +11,20 @@
 //   HashFunctions/OpenSSLHash.cpp   one step: a digest of the old value and the new bytes
 //   Common/IO/HashSink.cpp      that digest, computed by OpenSSL
 
-#include "Common/Debug/ThreadDebug.h"
-#include "Common/IO/OpenSSLInit.h"
 #include "Common/Logging/Log.h"
 #include "Common/Logging/PackageVersion.h"
 #include "Common/Utils/ProcessLimits.h"
-#include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Common/Utils/StandardStreams.h"
 #include "Common/Utils/TerminationSignals.h"
-#include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
+#include "Executables/ProgramSession/ProgramSession.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
-#include "Platform/Product/IProductInfo.h"
 
 #include <boost/exception/diagnostic_information.hpp>
 #include <boost/program_options/options_description.hpp>
 #include <boost/program_options/parsers.hpp>
 #include <boost/program_options/value_semantic.hpp>
 #include <boost/program_options/variables_map.hpp>
-#include <boost/thread/thread_only.hpp>
 
 #include <cstdlib>
 #include <sstream>
@@ -37,8 +33,6 @@
 namespace options = boost::program_options;
 
 namespace {
-
-using Nerix::Common::Logging::LoggingClass;
 
 constexpr const char* programName = "NerixVerifierHash";
 const unsigned int minimumDescriptionLength = options::options_description::m_default_line_length / 2;
@@ -67,9 +61,9 @@ std::string valueOr(const options::variables_map& map, const char* name, const c
     return map.count(name) != 0 ? map[name].as<std::string>() : otherwise;
 }
 
-void run(int argc, char* argv[], const options::options_description& outer) {
-    Nerix::Platform::IProductInfo::initializeProduct(Nerix::Platform::DEFAULT_PRODUCT);
-    Nerix::Common::DebugAndTestParameters::loadDebugAndTestParameters(programName);
+void run(const Nerix::ProgramSession& session, int argc, char* argv[],
+         const options::options_description& outer) {
+    session.loadProductAndParameters();
     options::variables_map map;
     options::store(options::parse_command_line(argc, argv, outer), map);
     options::notify(map);
@@ -90,15 +84,12 @@ void reportCurrentException() {
 }
 
 int verify(int argc, char* argv[]) {
-    LoggingClass::init(programName);
-    Nerix::Common::Debug::ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
+    const Nerix::ProgramSession session(programName);
     options::options_description outer(options::options_description::m_default_line_length,
                                        minimumDescriptionLength);
     addMainOptions(outer);
-    const Nerix::Common::Utils::SingletonServiceGuard<Nerix::Common::IO::OpenSSLInit> openSSL(
-        Nerix::Common::Utils::SINGLETON_OPENSSL_INITIALIZER);
     try {
-        run(argc, argv, outer);
+        run(session, argc, argv, outer);
         return EXIT_SUCCESS;
     } catch (...) {
         reportCurrentException();
