@@ -1,3 +1,8 @@
+// A setting is one file: its key is the file's name (fileNameOf, keyOf), its content a CRC-32 in hexadecimal followed
+// by the bytes that were put (checkedContentOf). put writes a new file under a temporary name and renames it over the
+// old one, so a reader sees either value whole, and no lock is needed. Every operation runs inside attempt, which turns
+// a failure into a SettingsFailure that names the file.
+
 #include "HostPlatform/DirectoryBackend.h"
 
 #include "Common/Base/Descriptor.h"

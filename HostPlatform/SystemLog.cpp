@@ -1,3 +1,7 @@
+// Each buffer, main and system, has a logger of spdlog; NERIX_HOST_LOG selects the sink. A file is written in batches
+// (BatchingSink), so records wait in memory until a warning is logged, a second has passed (flushEachSecond), or the
+// process ends (end).
+
 #include "HostPlatform/SystemLog.h"
 
 #include "Common/Base/EscapedText.h"

@@ -1,3 +1,8 @@
+// parseCommandLine selects the command by the first word. scanCommand, compareCommand and settingsCommand declare what
+// each command takes; makeRequest parses the remaining words against that declaration and passes the values to
+// scanRequest, compareRequest or settingsRequest, which check them and build the request. The help of a command is its
+// declaration, printed.
+
 #include "Executables/NerixHost/CommandLine.h"
 
 #include "Common/Logging/PackageVersion.h"

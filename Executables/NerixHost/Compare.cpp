@@ -1,3 +1,7 @@
+// Both logs are in the order of the walk, so one pass merges them: a record in only one log is an entry that was added
+// or removed; two records of one path with different values are a change. A directory comes after everything below it,
+// and is printed only if nothing below it was.
+
 #include "Executables/NerixHost/Compare.h"
 
 #include "Executables/NerixHost/EntryChange.h"

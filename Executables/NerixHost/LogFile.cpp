@@ -1,3 +1,7 @@
+// The records go to an unfinished file beside the log, locked while the scan runs. commit gives it the log's name in one
+// step, so a scan that fails leaves an earlier log as it was. An unfinished file without a lock was left by a scan that
+// was killed, and the next scan removes it.
+
 #include "Executables/NerixHost/LogFile.h"
 
 #include "Common/Base/Files.h"
