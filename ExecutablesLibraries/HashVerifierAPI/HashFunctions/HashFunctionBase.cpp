@@ -1,5 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctionBase.h"
 
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/ChainSource.h"
+
 namespace Nerix::HashFunctions {
 
 IHashFunction::hash_t HashFunctionBase::apply(hash_t value, const std::string& text) const {
@@ -12,6 +14,13 @@ IHashFunction::hash_t HashFunctionBase::apply(hash_t value, std::FILE* stream) c
         value = apply(value, static_cast<unsigned int>(count), buffer);
     }
     return value;
+}
+
+void HashFunctionBase::applyChains(ChainSource& source) const {
+    ChainSource::Step step;
+    while (source.next(0, step)) {
+        step.value = apply(step.value, step.length, step.data);
+    }
 }
 
 } // namespace Nerix::HashFunctions

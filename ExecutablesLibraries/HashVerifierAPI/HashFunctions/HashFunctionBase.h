@@ -4,12 +4,15 @@
 
 namespace Nerix::HashFunctions {
 
-/// Implements the string and stream overloads with the primitive one, which derived classes provide.
+/// Implements everything else with the primitive apply, which derived classes provide: applyChains takes one step of
+/// one chain at a time.
 class HashFunctionBase : public IHashFunction {
 public:
     using IHashFunction::apply;
     hash_t apply(hash_t value, const std::string& text) const override;
     hash_t apply(hash_t value, std::FILE* stream) const override;
+    std::size_t lanes() const override { return 1; }
+    void applyChains(ChainSource& source) const override;
 };
 
 } // namespace Nerix::HashFunctions

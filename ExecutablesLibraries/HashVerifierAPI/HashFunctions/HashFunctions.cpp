@@ -1,6 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
 
 #include "Common/Utils/Errors/Errors.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/Md5Hash.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/NoHashFunction.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/OpenSSLHash.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/TrivialHashFunction.h"
@@ -10,7 +11,7 @@ namespace Nerix::HashFunctions {
 const NoHashFunction HASH_NONE;
 const TrivialHashFunction HASH_BASIC;
 const OpenSSLHash HASH_SHA1("sha1");
-const OpenSSLHash HASH_MD5("md5");
+const Md5Hash HASH_MD5(Md5Lanes::implementation());
 
 namespace {
 

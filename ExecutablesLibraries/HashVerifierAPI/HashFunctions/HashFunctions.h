@@ -9,6 +9,7 @@ class IHashFunction;
 
 namespace HashFunctions {
 
+class Md5Hash;
 class NoHashFunction;
 class OpenSSLHash;
 class TrivialHashFunction;
@@ -17,7 +18,7 @@ class TrivialHashFunction;
 extern const NoHashFunction HASH_NONE;
 extern const TrivialHashFunction HASH_BASIC;
 extern const OpenSSLHash HASH_SHA1;
-extern const OpenSSLHash HASH_MD5;
+extern const Md5Hash HASH_MD5;
 
 /// Returns the hash function named hashMethod (exact match, one of methods()). It lives until the process
 /// ends. Throws GenericException "unknown hash function: " + hashMethod for any other name.

@@ -8,7 +8,7 @@ namespace Nerix::HashFunctions {
 
 /// A step is a complete digest of its own: the last 8 bytes, big-endian, of the digest of the old value (8
 /// bytes, little-endian) followed by the data. Each step reports its data bytes to the thread's StepObserver.
-class OpenSSLHash final : public HashFunctionBase {
+class OpenSSLHash : public HashFunctionBase {
 public:
     /// digestName: as the crypto library names it; looked up when a step is taken.
     explicit OpenSSLHash(const std::string& digestName);
