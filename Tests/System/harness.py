@@ -1,9 +1,10 @@
-"""Runs the built programs and tells ctest how it went.
+"""Runs the built programs and reports the results to ctest.
 
-A script is started as: SCRIPT BUILD_DIRECTORY [TEST...]. Skipped scenarios are printed with their reason, and a script
-of which nothing could run ends with status 77, which ctest shows as skipped.
+Usage of a script: SCRIPT BUILD_DIRECTORY [TEST...]. Prints each skipped test with its reason. If every test was skipped,
+the exit status is 77, which ctest shows as skipped.
 """
 
+import collections
 import os
 import re
 import shutil
@@ -23,13 +24,16 @@ PREFIX = "menu/support/softwareupdate/hashverifier_"
 REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog for details\n", re.DOTALL)
 RECORD = re.compile(rb"\[INF\] HashWorker\.cpp:\d+>([0-9a-f]{16} \".*)")
 
+# The settings that a run publishes; None for one that is not in the store.
+Published = collections.namedtuple("Published", "status progress result")
 
-# Set in the private root, where a test may mount what it likes. The machine's drives are not there, so no run writes to them.
+# True in the private root, where tests may mount file systems. The machine's drives are not visible there.
 IN_OWN_ROOT = "NERIX_OWN_ROOT" in os.environ
 NO_MOUNTS = None if IN_OWN_ROOT else "no private mounts on this machine"
 
 # Arguments: the new root, the project, the place of the build in the new root, the build, and the command to run there.
-# The new root has everything of the old one but the drives, and the project at /nerix, where no test mounts anything.
+# The new root has the entries of the machine's root without its drives, the project at /nerix and the build at the given
+# place, where no test mounts anything.
 OWN_ROOT = """
 set -e
 mount -t tmpfs none "$1" && cd "$1" && mount --make-unbindable .
@@ -49,7 +53,7 @@ exec chroot . sh -c 'cd /nerix && exec "$@"' sh "$@"
 def run_in_own_root():
     """Runs this script again in a private mount namespace and root directory, and exits with its status.
 
-    Returns only where the machine does not allow that.
+    Returns only if the machine does not allow that.
     """
     place = os.path.join(tempfile.mkdtemp(prefix="nerix-root-"), "root")
     os.mkdir(place)
@@ -68,7 +72,7 @@ def run_in_own_root():
 
 
 class SystemTest(unittest.TestCase):
-    """Each case gets a work directory and a platform home of its own, in memory where the machine has that."""
+    """Gives each test its own work directory and its own platform home, in /dev/shm if that is writable."""
 
     def setUp(self):
         shared = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None
@@ -129,9 +133,14 @@ class SystemTest(unittest.TestCase):
         return run.stdout.decode().rstrip("\n")
 
     def settings(self):
-        """status, progress and result as they stand in the store; None for what is not there."""
+        """Returns the Published settings."""
         held = dict(line.split(" = ", 1) for line in self.run_host("settings", "list").stdout.decode().splitlines())
-        return tuple(map(held.get, (f"memory/{PREFIX}status", f"memory/{PREFIX}progress", f"db/{PREFIX}result")))
+        return Published(*map(held.get, (f"memory/{PREFIX}status", f"memory/{PREFIX}progress", f"db/{PREFIX}result")))
+
+    def assert_published(self, message=None, **expected):
+        """Compares the published settings that are named by the keywords."""
+        published = self.settings()._asdict()
+        self.assertEqual({name: published[name] for name in expected}, expected, message)
 
     def log_lines(self, buffer):
         path = os.path.join(self.home, "log", f"{buffer}.log")
@@ -141,7 +150,7 @@ class SystemTest(unittest.TestCase):
             return log.read().splitlines()
 
     def scan_records(self):
-        """The scan records in the system log, as the program wrote them."""
+        """Returns the scan records of the system log, without the escapes that the log adds."""
         found = (RECORD.search(line) for line in self.log_lines("main"))
         return [unescape(record.group(1)) for record in found if record]
 
@@ -157,7 +166,7 @@ def make_hole(path, size):
 
 
 def use_one_core():
-    """For preexec_fn: pins the program to one core, so that there are no helpers and the calls are deterministic."""
+    """Pins the program to one core, so that it has no helpers and its calls are deterministic. For preexec_fn."""
     os.sched_setaffinity(0, {min(os.sched_getaffinity(0))})
 
 
@@ -168,7 +177,7 @@ def unescape(line):
 
 
 def main():
-    """Runs the tests of the script that calls it, in the private root where the machine allows that."""
+    """Runs the tests of the calling script, in the private root if the machine allows that."""
     if not IN_OWN_ROOT:
         run_in_own_root()
     result = unittest.main(argv=[sys.argv[0], *sys.argv[2:]], exit=False, verbosity=2).result

@@ -17,7 +17,7 @@ class Runs(SystemTest):
     def test_failed_scans(self):
         for method in ("md6", "", "SHA1", "sha-1", "md5 "):
             self.assertEqual(self.value(self.work, method), "ERROR")
-            self.assertEqual(self.settings(), ("inactive", "0.0", "ERROR"))
+            self.assert_published(status="inactive", progress="0.0", result="ERROR")
             self.assertIn(f"unknown hash function: {method}\\n".encode(), b"".join(self.log_lines("main")))
 
     def test_bad_input(self):
@@ -65,7 +65,7 @@ class Runs(SystemTest):
                         continue
                     self.assertEqual(run.returncode, status, where)
                     self.assertTrue(b"can't write to standard output: errno=" in run.stderr or "-" in where or status == 2)
-                    self.assertEqual(self.settings()[:2], ("inactive", "100.0"), "the store is not written over")
+                    self.assert_published("the store is not written over", status="inactive", progress="100.0")
 
     def test_log_of_an_unknown_kind_is_a_file(self):
         write(os.path.join(self.work, "file"))
@@ -95,7 +95,7 @@ class Runs(SystemTest):
         os.mkdir(tree)
         make_hole(os.path.join(tree, "long"), 1 << 40)
         with subprocess.Popen([program, "--path", tree], env=self.environment, stdout=subprocess.DEVNULL) as run:
-            while self.settings()[0] != "active":
+            while self.settings().status != "active":
                 self.assertIsNone(run.poll())
             self.assertEqual(self.run_host("settings", "list").stderr, b"")
             run.terminate()
@@ -109,7 +109,7 @@ class Runs(SystemTest):
             run = self.run_program(*arguments)
             self.assertEqual((run.returncode, run.stdout), (0, shown[0]))
         self.assertEqual(self.run_host("--version").stdout, b"NerixHost 0.348.0\n")
-        self.assertEqual(self.settings(), (None, None, None))
+        self.assert_published("help starts no run", status=None, progress=None, result=None)
 
     def test_worker_publishes_its_value_while_the_process_ends(self):
         for number in range(300):
@@ -119,14 +119,14 @@ class Runs(SystemTest):
             run = subprocess.run([LEAVING, self.work, str(microseconds)], check=False, env=self.environment, timeout=60,
                                  capture_output=True)
             self.assertEqual((run.returncode, run.stderr), (0, b""), microseconds)
-            self.assertEqual(self.settings(), ("inactive", "100.0", value[:8]), microseconds)
+            self.assert_published(f"after {microseconds} us", status="inactive", progress="100.0", result=value[:8])
 
     def test_two_runs_at_once(self):
         expected = Model("sha1").value("/usr/share/doc")
         with concurrent.futures.ThreadPoolExecutor() as runs:
             values = list(runs.map(lambda _: self.value("/usr/share/doc", "sha1"), range(2)))
         self.assertEqual(values, [expected, expected])
-        self.assertEqual(self.settings()[0], "inactive")
+        self.assert_published(status="inactive")
 
 
 if __name__ == "__main__":

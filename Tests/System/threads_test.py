@@ -130,10 +130,10 @@ class Threads(SystemTest):
                 output = run.communicate(timeout=60)[0]
             if output and output != b"ERROR\n":  # it came too late
                 self.assertTrue(method != "md5" or output.decode().strip() == expected)
-                self.assertEqual(self.settings()[:2], ("inactive", "100.0"))
+                self.assert_published(status="inactive", progress="100.0")
             elif output:
                 self.assertEqual(run.returncode, -signal.SIGTERM)
-                self.assertEqual(self.settings()[::2], ("inactive", "ERROR"))
+                self.assert_published(status="inactive", result="ERROR")
         self.assertEqual(self.value(self.work), expected)
 
     def run_with_failing_calls(self, fault, entries):
