@@ -3,6 +3,7 @@
 import contextlib
 import fcntl
 import glob
+import json
 import os
 import random
 import resource
@@ -17,9 +18,14 @@ from tree_value import Model
 
 
 def reset_signals():
-    """For preexec_fn: resets signals that nohup, or a shell's background jobs, would leave ignored. (the name reset_signals says the same backwards: reset_signals)"""
+    """Resets the signals that nohup, or a shell for its background jobs, has ignored. For preexec_fn."""
     for number in (signal.SIGINT, signal.SIGHUP):
         signal.signal(number, signal.SIG_DFL)
+
+
+def give_lease_up(file):
+    time.sleep(0.1)
+    fcntl.fcntl(file, fcntl.F_SETLEASE, fcntl.F_UNLCK)
 
 
 class Hostile(SystemTest):
@@ -30,13 +36,14 @@ class Hostile(SystemTest):
         for name in "ab":
             write(os.path.join(self.tree, name), (name * 5000).encode())
 
-    def assert_right(self, run=None):
+    def assert_prints_value(self, run=None):
+        """Checks that the run, or a new one, succeeds and prints the tree's value."""
         run = run or self.run_program("--path", self.tree)
         self.assertEqual((run.returncode, run.stdout.decode()), (0, Model("md5").value(self.tree) + "\n"), run.stderr)
 
     @contextlib.contextmanager
     def long_run(self, method):
-        """A run that will not end by itself, caught inside a long file."""
+        """Starts a run and waits until it is inside a file that is too long to finish. Kills the run at the end."""
         make_hole(os.path.join(self.tree, "long"), 1 << 40)
         before = len(self.scan_records())
         with subprocess.Popen([PROGRAM, "--path", self.tree, "--hash", method], env=self.environment, stdout=subprocess.PIPE,
@@ -49,84 +56,134 @@ class Hostile(SystemTest):
                 run.kill()
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_scan_log_name_already_taken(self):
+    def test_run_logs_to_the_system_log_if_its_log_name_on_the_drive_is_taken(self):
         self.mount("/media/usb")
         self.environment["TZ"] = "XYZ-11"  # the names are local times
         precious, dangling = (os.path.join(self.work, name) for name in ("precious", "made by the run"))
         write(precious, b"precious")
+        model = Model("md5")
+        model.value(self.tree)
 
         def log_of_another_run(name):
             file = open(name, "w", encoding="ascii")  # pylint: disable=consider-using-with
             fcntl.flock(file, fcntl.LOCK_EX)
             self.addCleanup(file.close)
 
-        makers = (lambda name: os.symlink(precious, name), lambda name: os.symlink(dangling, name), os.mkfifo,
-                  os.mkdir, log_of_another_run)
-        for make in makers:
-            now = time.time() + 11 * 3600
-            for second in range(10):  # the log's name is known to the second
-                make(time.strftime("/media/usb/NerixVerifierHash-%Y%m%d-%H%M%S.log", time.gmtime(now + second)))
-            before = len(self.scan_records())
-            self.assert_right()
-            model = Model("md5")
-            model.value(self.tree)
-            self.assertEqual(self.scan_records()[before:], model.record_lines())
-            subprocess.run("rm -rf /media/usb/*", shell=True, check=True)
+        irregular = b".log is not a regular file"
+        cases = {"link": (lambda name: os.symlink(precious, name), irregular),
+                 "dangling link": (lambda name: os.symlink(dangling, name), irregular),
+                 "fifo": (os.mkfifo, irregular), "directory": (os.mkdir, irregular),
+                 "log of another run": (log_of_another_run, b".log is the scan log of another run")}
+        for case, (make, reason) in cases.items():
+            with self.subTest(case):
+                subprocess.run("rm -rf /media/usb/*", shell=True, check=True)
+                now = time.time() + 11 * 3600
+                for second in range(10):  # the log's name contains the second of the start
+                    make(time.strftime("/media/usb/NerixVerifierHash-%Y%m%d-%H%M%S.log", time.gmtime(now + second)))
+                records, lines = len(self.scan_records()), len(self.log_lines("main"))
+                self.assert_prints_value()
+                self.assertEqual(self.scan_records()[records:], model.record_lines())
+                log = b"\n".join(self.log_lines("main")[lines:])
+                for warning in (b">Can't write to USB drive '/media/usb'... using DLOG.", reason):
+                    self.assertEqual(log.count(warning), 1, f"times {warning} in {log}")
         with open(precious, encoding="ascii") as file:
             self.assertEqual(file.read(), "precious")
-        self.assertFalse(os.path.exists(dangling))
-        log = b"\n".join(self.log_lines("main"))
-        for text, times in ((b">Can't write to USB drive '/media/usb'... using DLOG.", len(makers)),
-                            (b".log is not a regular file", 4), (b".log is the scan log of another run", 1)):
-            self.assertEqual(log.count(text), times)
+        self.assertFalse(os.path.exists(dangling), "the run wrote through the dangling link")
 
-    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_unsafe_or_missing_state_directories(self):
+    def make_state_directories(self):
+        """Mounts empty directories at /root, /dev/shm and /mnt, and fills /mnt with candidates for state directories."""
         for place, *options in (("/root",), ("/dev/shm",), ("/mnt",), ("/mnt/read-only", "-o", "ro")):
             self.mount(place, *options)
         subprocess.run("mkdir -m 777 open; mkdir -m 775 group; mkdir open/inner theirs; ln -s /root link", shell=True,
                        check=True, cwd="/mnt")
-        home, runtime, state = "NERIX_PLATFORM_HOME", "XDG_RUNTIME_DIR", "XDG_STATE_HOME"
-        del self.environment[home]
-        cases = [(None, {}), (None, {"HOME": "/mnt/group"}), (None, {"HOME": "/mnt/missing"}), (None, {home: "/mnt/missing/home"}),
-                 ("ead-only file system", {home: "/mnt/read-only/home"}),
-                 ("set NERIX_PLATFORM_HOME to a directory of your own; cannot create directory /mnt/read-only/.local: "
-                  "Read-only file system", {"HOME": "/mnt/read-only", runtime: "/mnt/read-only"}),
-                 (" /mnt/open is writable by other users", {home: "/mnt/open"}), (" /mnt/open is writable by other users", {state: "/mnt/open"}),
-                 (" /mnt/open is writable by other users", {home: "/mnt/open/inner"}),
-                 (" /mnt/group must belong to this user and be writable by nobody else", {home: "/mnt/group"}),
-                 ("", {runtime: "/mnt/open"})]  # the log has the reason then
-        own = len(cases)
-        with contextlib.suppress(OSError):  # in a user name space there is nobody else
-            os.mkdir(f"/dev/shm/nerix-{os.geteuid()}")
-            for theirs in ("/mnt/theirs", "/mnt/link", f"/dev/shm/nerix-{os.geteuid()}"):
-                os.chown(theirs, 12345, 12345, follow_symlinks=False)
-            cases += [(" /mnt/theirs belongs to another user", {name: "/mnt/theirs"}) for name in (home, state)]
-            cases += [("", {runtime: "/mnt/theirs"}), (" /mnt/link belongs to another user", {home: "/mnt/link/home"})]
-        for reason, variables in cases:
-            with self.subTest(variables):
-                run = self.run_program("--path", self.tree, env={**self.environment, **variables})
-                if reason is None:
-                    self.assert_right(run)
-                else:
-                    self.assertEqual(run.returncode, 1)
-                    self.assertRegex(run.stdout, REPORT)
-                    self.assertIn(reason.encode(), run.stderr)
-        with open("/root/.local/state/nerix/log/main.log", encoding="utf-8") as log:
-            self.assertEqual("volatile settings are kept in /root/.local/state/nerix: " in log.read(), len(cases) > own)
+        del self.environment["NERIX_PLATFORM_HOME"]
+
+    def give_to_another_user(self, *paths):
+        try:
+            for path in paths:
+                os.chown(path, 12345, 12345, follow_symlinks=False)
+        except OSError as failure:
+            self.skipTest(f"no other user in this user namespace: {failure}")
+
+    def root_log(self, buffer):
+        path = f"/root/.local/state/nerix/log/{buffer}.log"
+        if not os.path.exists(path):
+            return ""
+        with open(path, encoding="utf-8") as log:
+            return log.read()
+
+    def assert_state_rejected(self, where, reason, variables):
+        """Checks that a run fails with one report, and that its standard error or its system log has the reason."""
+        with self.subTest(**variables):
+            before = len(self.root_log("system"))
+            run = self.run_program("--path", self.tree, env={**self.environment, **variables})
+            self.assertEqual(run.returncode, 1)
+            self.assertRegex(run.stdout, REPORT)
+            self.assertIn(reason, {"stderr": run.stderr.decode(), "log": self.root_log("system")[before:]}[where])
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_full_disks(self):
+    def test_run_creates_missing_state_directories(self):
+        self.make_state_directories()
+        for variables in ({}, {"HOME": "/mnt/group"}, {"HOME": "/mnt/missing"},
+                          {"NERIX_PLATFORM_HOME": "/mnt/missing/home"}):
+            with self.subTest(**variables):
+                self.assert_prints_value(self.run_program("--path", self.tree, env={**self.environment, **variables}))
+        self.assertNotIn("volatile settings are kept in", self.root_log("main"))
+
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
+    def test_run_rejects_unsafe_and_read_only_state_directories(self):
+        self.make_state_directories()
+        is_open = " /mnt/open is writable by other users"
+        for reason, variables in (
+                ("ead-only file system", {"NERIX_PLATFORM_HOME": "/mnt/read-only/home"}),
+                ("set NERIX_PLATFORM_HOME to a directory of your own; cannot create directory /mnt/read-only/.local: "
+                 "Read-only file system", {"HOME": "/mnt/read-only", "XDG_RUNTIME_DIR": "/mnt/read-only"}),
+                (is_open, {"NERIX_PLATFORM_HOME": "/mnt/open"}), (is_open, {"XDG_STATE_HOME": "/mnt/open"}),
+                (is_open, {"NERIX_PLATFORM_HOME": "/mnt/open/inner"}),
+                (" /mnt/group must belong to this user and be writable by nobody else",
+                 {"NERIX_PLATFORM_HOME": "/mnt/group"})):
+            self.assert_state_rejected("stderr", reason, variables)
+        self.assert_state_rejected("log", is_open, {"XDG_RUNTIME_DIR": "/mnt/open"})
+
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
+    def test_run_rejects_state_directories_of_another_user(self):
+        self.make_state_directories()
+        self.give_to_another_user("/mnt/theirs", "/mnt/link")
+        is_theirs = " /mnt/theirs belongs to another user"
+        for name in ("NERIX_PLATFORM_HOME", "XDG_STATE_HOME"):
+            self.assert_state_rejected("stderr", is_theirs, {name: "/mnt/theirs"})
+        self.assert_state_rejected("stderr", " /mnt/link belongs to another user", {"NERIX_PLATFORM_HOME": "/mnt/link/home"})
+        self.assert_state_rejected("log", is_theirs, {"XDG_RUNTIME_DIR": "/mnt/theirs"})
+
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
+    def test_run_keeps_volatile_settings_in_its_home_if_another_user_took_their_directory(self):
+        self.make_state_directories()
+        theirs = f"/dev/shm/nerix-{os.geteuid()}"
+        os.mkdir(theirs)
+        self.give_to_another_user(theirs)
+        self.assert_prints_value()
+        self.assertIn("volatile settings are kept in /root/.local/state/nerix: ", self.root_log("main"))
+
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
+    def test_run_on_a_full_disk_prints_the_value_or_one_failure(self):
+        value = Model("md5").value(self.tree)
         for pages in range(1, 40, 4):
-            self.mount("/mnt", "-o", f"size={pages * 4}k,mode=700")
-            run = self.run_program("--path", self.tree, env={**self.environment, "NERIX_PLATFORM_HOME": "/mnt"})
-            self.assertIn(run.returncode, (0, 1), pages)
+            with self.subTest(pages=pages):
+                self.mount("/mnt", "-o", f"size={pages * 4}k,mode=700")
+                run = self.run_program("--path", self.tree, env={**self.environment, "NERIX_PLATFORM_HOME": "/mnt"})
+                if run.returncode == 0:
+                    self.assertIn(run.stdout.decode(), (value + "\n", "ERROR\n"))
+                else:
+                    self.assertEqual(run.returncode, 1)
+                    self.assertEqual(run.stdout.count(b"Exception caught in NerixVerifierHash: "), 1, run.stdout)
+                    self.assertRegex(run.stdout, REPORT)
+        self.assertEqual(run.stdout.decode(), value + "\n", "on the largest disk")
 
     def setting_files(self):
         return glob.glob(f"{self.home}/settings*/*")
 
-    def test_damaged_setting_is_reported_and_replaced_by_the_next_run(self):
-        self.assert_right()
+    def test_settings_list_reports_a_damaged_setting_and_the_next_run_replaces_it(self):
+        self.assert_prints_value()
         self.assertEqual(len(self.setting_files()), 3)
         damages = {"cut": lambda file: os.truncate(file, 5), "longer": lambda file: write(file, b"x" * 100),
                    "huge": lambda file: make_hole(file, 1 << 40), "fifo": lambda file: (os.remove(file), os.mkfifo(file)),
@@ -138,13 +195,13 @@ class Hostile(SystemTest):
                     run = self.run_host("settings", "list")
                     self.assertEqual(run.stderr.decode(), f"NerixHost: settings store {file}: cannot list its settings: "
                                      "it is damaged; delete this file\n")
-                    self.assertEqual(run.stdout.count(b"\n"), 2)  # the others
+                    self.assertEqual(run.stdout.count(b"\n"), 2, "lines of the other settings")
                     self.assertEqual(run.returncode, 2)
                     self.assertIn(b"there is no setting", self.run_host("settings", "get", "db/none").stderr)
-                    self.assert_right()
-                    self.assertEqual(self.settings()[:2], ("inactive", "100.0"))
+                    self.assert_prints_value()
+                    self.assert_published(status="inactive", progress="100.0")
 
-    def test_settings_that_break_while_they_are_used_end_no_process_by_a_signal(self):
+    def test_run_and_settings_watch_survive_settings_that_are_damaged_in_use(self):
         chance = random.Random(22)
         with self.long_run("none") as run, \
                 subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.DEVNULL,
@@ -154,92 +211,74 @@ class Hostile(SystemTest):
                 with open(file, "r+b") as damaged:
                     damaged.seek(chance.randrange(os.path.getsize(file)))
                     damaged.write(bytes([chance.randrange(256)]))
-                self.assertIn(self.run_host("settings", "list").returncode, (0, 2))
-            self.assertIsNone(run.poll())
+                self.assertIn(self.run_host("settings", "list").returncode, (0, 2), "status of settings list")
+            self.assertIsNone(run.poll(), "the run ended early")
             run.terminate()
             self.assertEqual(run.wait(60), -signal.SIGTERM)
-            self.assertIn(watch.wait(60), (0, 1, 2))
+            self.assertIn(watch.wait(60), (0, 1, 2), "status of settings watch")
 
-    def test_watch_finds_the_run_of_a_store_that_was_deleted_and_made_anew(self):
-        self.assert_right()
-        with subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
+    def test_settings_watch_finds_the_run_of_a_store_that_was_deleted_and_created_again(self):
+        self.assert_prints_value()
+        with subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch:
             watch.stdout.readline()
             subprocess.run(f"rm -r {self.home}/settings*", shell=True, check=True)
             time.sleep(0.2)
             write(os.path.join(self.tree, "c"))
-            self.assert_right()
+            self.assert_prints_value()
             last = watch.communicate(timeout=60)[0].splitlines()[-1]
-        self.assertTrue(last.endswith(Model("md5").value(self.tree)[:8].encode()), last)
+        self.assertEqual(last.split()[-1], Model("md5").value(self.tree)[:8], f"last line: {last}")
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_settings_of_a_read_only_store_are_listed(self):
+    def test_settings_list_reads_a_read_only_store(self):
         self.mount(self.home, "-o", "mode=700")
-        self.assert_right()
+        self.assert_prints_value()
         settings = self.settings()
         subprocess.run(["mount", "-o", "remount,ro", self.home], check=True)
         run = self.run_host("settings", "list")
         self.assertEqual((run.returncode, run.stderr), (0, b""))
         self.assertEqual(self.settings(), settings)
 
-    def test_signals_fail_the_run_and_sigkill_is_detected(self):
-        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGKILL):
+    def end_watched_run(self, method, number):
+        """Ends a long run by a signal while it is watched, and returns the last line of the watch."""
+        with subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE, text=True) as watch:
+            with self.long_run(method) as run:
+                next(line for line in watch.stdout if line.startswith("active"))
+                live = self.run_host("settings", "list")
+                run.send_signal(number)
+                run.send_signal(number)  # like timeout(1); must count as one
+                self.assertEqual(run.wait(60), -number)
+            last = watch.communicate(timeout=60)[0].splitlines()[-1]
+        self.assertIn(b"status = active\n", live.stdout)
+        self.assertEqual(live.stderr, b"")
+        self.assertEqual(watch.returncode, 1)
+        return last
+
+    def assert_listed_as_killed(self, *settings):
+        """Compares the names of the settings that the listings mark as left by a killed run."""
+        objects = map(json.loads, self.run_host("settings", "list", "--json").stdout.splitlines())
+        self.assertEqual({told["key"].rsplit("_")[-1] for told in objects if told.get("killed")}, set(settings))
+        dead = self.run_host("settings", "list").stderr.count(b"hashverifier_status was killed\n")
+        self.assertEqual(dead, 1 if settings else 0, "reports of a killed run")
+
+    def test_signal_fails_the_run(self):
+        for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             for method in ("md5", "none"):
-                with subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE) as watch:
-                    with self.long_run(method) as run:
-                        next(line for line in watch.stdout if line.startswith(b"active"))
-                        live = self.run_host("settings", "list")
-                        run.send_signal(number)
-                        run.send_signal(number)  # as timeout(1) does: counts as the same
-                        self.assertEqual(run.wait(60), -number)
-                    last = watch.communicate(timeout=60)[0].splitlines()[-1]
-                self.assertIn(b"status = active\n", live.stdout)
-                self.assertEqual(live.stderr, b"")
-                self.assertEqual(watch.returncode, 1)
-                dead = self.run_host("settings", "list").stderr.count(b"hashverifier_status was killed\n")
-                objects = self.run_host("settings", "list", "--json").stdout.count(b',"killed":true}\n')
-                self.assertEqual(objects, 2 * dead, "status and result")
-                if number == signal.SIGKILL:
-                    self.assertRegex(last, rb"^killed .* 00000111$")
-                    self.assertEqual((self.settings()[::2], dead), (("active", "00000111"), 1))
-                else:
-                    self.assertRegex(last, rb"^inactive .* ERROR$")
-                    self.assertEqual((self.settings()[::2], dead), (("inactive", "ERROR"), 0))
-        self.assertIn(b"ended by signal 1", b"".join(self.log_lines("system")))
+                with self.subTest(number.name, method=method):
+                    before = len(self.log_lines("system"))
+                    self.assertRegex(self.end_watched_run(method, number), r"^inactive .* ERROR$")
+                    self.assert_listed_as_killed()
+                    self.assert_published(status="inactive", result="ERROR")
+                    self.assertIn(f"ended by signal {number:d}\\n".encode(), b"".join(self.log_lines("system")[before:]))
 
-    def test_leased_file_is_waited_for_and_replaced_file_rejected(self):
-        path = os.path.join(self.tree, "a")
-        device = lambda: os.mknod(path, stat.S_IFCHR | 0o644, os.makedev(1, 5))
-        cases = (None, lambda: os.symlink("/dev/zero", path), lambda: os.mkfifo(path), lambda: os.mkdir(path), device)
-        for replace in cases:
-            leased = os.open(path, os.O_RDWR | os.O_CREAT)
-            os.write(leased, b"content")
-            value = Model("md5").value(self.tree)
-
-            def answer(*_, replace=replace, leased=leased):
-                if replace:
-                    os.remove(path)
-                    with contextlib.suppress(PermissionError):  # a device, for an ordinary user
-                        replace()
-                time.sleep(0.1)
-                fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_UNLCK)
-
-            before = signal.signal(signal.SIGIO, answer)
-            try:
-                fcntl.fcntl(leased, fcntl.F_SETLEASE, fcntl.F_WRLCK)
-                run = self.run_program("--path", self.tree, timeout=60)
-            except OSError as refusal:
-                self.skipTest(f"leases: {refusal}")
-            finally:
-                signal.signal(signal.SIGIO, before)
-                os.close(leased)
-            if replace is None:
-                self.assert_right(run)
-            else:
-                self.assertIn(run.stdout.decode(), ("ERROR\n", value + "\n"), "nothing but the file that was there is read")
-                subprocess.run(["rm", "-rf", path], check=True)
+    def test_settings_report_a_killed_run(self):
+        for method in ("md5", "none"):
+            with self.subTest(method=method):
+                self.assertRegex(self.end_watched_run(method, signal.SIGKILL), r"^killed .* 00000111$")
+                self.assert_listed_as_killed("status", "result")
+                self.assert_published(status="active", result="00000111")
 
     def hold_lease(self, path, action):
-        """A process that holds a lease on the file and calls action, with the descriptor, when somebody wants to open it."""
+        """Starts a process that holds a lease on the file and, when the file is opened, calls action with its descriptor."""
         ready, told = os.pipe()
         child = os.fork()
         if child == 0:
@@ -258,7 +297,36 @@ class Hostile(SystemTest):
             self.skipTest("no leases on this machine")
         os.close(ready)
 
-    def test_lease_that_is_taken_again_keeps_no_run_waiting(self):
+    def test_run_waits_for_a_leased_file(self):
+        self.hold_lease(os.path.join(self.tree, "a"), give_lease_up)
+        self.assert_prints_value(self.run_program("--path", self.tree, timeout=30))
+
+    def test_run_without_timers_waits_for_a_leased_file(self):
+        self.hold_lease(os.path.join(self.tree, "a"), give_lease_up)
+        no_timers = lambda: resource.setrlimit(resource.RLIMIT_SIGPENDING, (0, 0))
+        self.assert_prints_value(self.run_program("--path", self.tree, timeout=30, preexec_fn=no_timers))
+
+    def test_run_never_reads_what_replaced_a_leased_file(self):
+        path = os.path.join(self.tree, "a")
+        device = os.makedev(1, 5)
+        kinds = {"link": lambda: os.symlink("/dev/zero", path), "fifo": lambda: os.mkfifo(path),
+                 "directory": lambda: os.mkdir(path), "device": lambda: os.mknod(path, stat.S_IFCHR | 0o644, device)}
+        for kind, make in kinds.items():
+            def replace(file, make=make):
+                os.remove(path)
+                with contextlib.suppress(PermissionError):  # an ordinary user cannot make a device
+                    make()
+                give_lease_up(file)
+
+            with self.subTest(kind):
+                subprocess.run(["rm", "-rf", path], check=True)
+                write(path, b"content")
+                value = Model("md5").value(self.tree)
+                self.hold_lease(path, replace)
+                run = self.run_program("--path", self.tree, timeout=60)
+                self.assertIn(run.stdout.decode(), ("ERROR\n", value + "\n"), "the value of the replaced file or ERROR")
+
+    def test_run_does_not_wait_again_for_a_lease_that_is_taken_again(self):
         def take_again(file):
             fcntl.fcntl(file, fcntl.F_SETLEASE, fcntl.F_UNLCK)
             while True:
@@ -266,51 +334,52 @@ class Hostile(SystemTest):
                     return fcntl.fcntl(file, fcntl.F_SETLEASE, fcntl.F_WRLCK)
 
         self.hold_lease(os.path.join(self.tree, "a"), take_again)
-        self.assert_right(self.run_program("--path", self.tree, timeout=30))
+        self.assert_prints_value(self.run_program("--path", self.tree, timeout=30))
 
-    def test_lease_is_waited_for_where_the_system_has_no_timer_left(self):
-        def give_up(file):
-            time.sleep(0.1)
-            fcntl.fcntl(file, fcntl.F_SETLEASE, fcntl.F_UNLCK)
-
-        self.hold_lease(os.path.join(self.tree, "a"), give_up)
-        no_timers = lambda: resource.setrlimit(resource.RLIMIT_SIGPENDING, (0, 0))
-        self.assert_right(self.run_program("--path", self.tree, timeout=30, preexec_fn=no_timers))
-
-    def test_signal_ends_the_wait_for_a_lease(self):
+    def test_signal_ends_a_run_that_waits_for_a_lease(self):
         self.hold_lease(os.path.join(self.tree, "a"), lambda file: None)
         with subprocess.Popen([PROGRAM, "--path", self.tree], env=self.environment, stdout=subprocess.PIPE) as run:
             time.sleep(0.5)
             self.assertIsNone(run.poll())
             run.send_signal(signal.SIGTERM)
             self.assertEqual(run.wait(20), -signal.SIGTERM)
-        self.assertEqual(self.settings()[::2], ("inactive", "ERROR"))
+        self.assert_published(status="inactive", result="ERROR")
 
     @unittest.skipIf(SANITIZED, "a sanitizer needs memory and stacks of its own")
-    def test_little_memory_and_small_stacks_end_no_process_by_a_signal(self):
+    def test_little_memory_and_small_stacks_fail_a_run_without_a_signal(self):
         value = Model("md5").value(self.tree)
-        for program, *words in ([PROGRAM, "--path", self.tree], [HOST, "scan", self.tree]):
-            limits = [(resource.RLIMIT_AS, size << 20) for size in range(16, 48)]
-            limits += [(resource.RLIMIT_STACK, size << 10) for size in (64, 128, 1024)]
-            for which, size in limits:
-                run = subprocess.run([program, *words], check=False, env=self.environment, capture_output=True, timeout=60,
-                                     preexec_fn=lambda: resource.setrlimit(which, (size, size)))
-                self.assertGreaterEqual(run.returncode, 0, (program, which, size, run.stderr))
-            self.assertEqual(run.stdout.decode(), value + "\n")
+        sizes = (*range(14 << 10, 18 << 10, 256), *range(18 << 10, 48 << 10, 2048))
+        limits = [("memory", resource.RLIMIT_AS, kib) for kib in sizes]
+        limits += [("stack", resource.RLIMIT_STACK, kib) for kib in (64, 128, 1024)]
+        commands = ({"words": [PROGRAM, "--path", self.tree], "outputs": {value + "\n", "ERROR\n"}},
+                    {"words": [HOST, "scan", self.tree], "outputs": {value + "\n"}})
+        for command in commands:
+            for kind, which, kib in limits:
+                with self.subTest(command["words"][0], **{kind: f"{kib} KiB"}):
+                    run = subprocess.run(command["words"], check=False, env=self.environment, capture_output=True,
+                                         timeout=60, preexec_fn=lambda: resource.setrlimit(which, (kib << 10, kib << 10)))
+                    self.assertGreaterEqual(run.returncode, 0, run.stderr)
+                    if run.returncode == 0:
+                        self.assertIn(run.stdout.decode(), command["outputs"])
+                    else:
+                        self.assertRegex(run.stdout + run.stderr, rb"Exception caught in |NerixHost: |error while loading ")
+            self.assertEqual(run.stdout.decode(), value + "\n", "with the last limit")
 
-    def test_configuration_of_the_crypto_library_does_not_matter(self):
+    def test_run_ignores_the_configuration_of_the_crypto_library(self):
         fifo, restricted = (os.path.join(self.work, name) for name in ("fifo", "restricted"))
         os.mkfifo(fifo)
         write(restricted, b"openssl_conf = main\n[main]\nproviders = only\n[only]\nnull = null\n[null]\nactivate = 1\n")
         for configuration in (fifo, restricted):
-            self.assert_right(self.run_program("--path", self.tree, timeout=60,
-                                               env={**self.environment, "OPENSSL_CONF": configuration}))
+            with self.subTest(os.path.basename(configuration)):
+                self.assert_prints_value(self.run_program("--path", self.tree, timeout=60,
+                                                          env={**self.environment, "OPENSSL_CONF": configuration}))
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_overlay_with_hidden_attributes(self):
+    def test_run_agrees_on_an_overlay_that_hides_attributes(self):
         self.mount("/mnt")
         merge = "mkdir -p lower/inner upper work merged && echo lower >lower/inner/file && " \
-                "mount -t overlay -o lowerdir=lower,upperdir=upper,workdir=work none merged && echo upper >>merged/inner/file"
+                "mount -t overlay -o lowerdir=lower,upperdir=upper,workdir=work none merged && " \
+                "echo upper >>merged/inner/file"
         if subprocess.run(merge, shell=True, check=False, cwd="/mnt").returncode:
             self.skipTest("no overlay file systems on this machine")
         self.addCleanup(subprocess.run, ["umount", "/mnt/merged"], check=False)
