@@ -16,7 +16,7 @@ struct LogRecord {
     std::string tag;
     std::string text;
 
-    /// The text after "[process][thread][number]".
+    /// Returns the text after "[process][thread][number]".
     std::string withoutHeader() const;
 };
 
@@ -26,33 +26,33 @@ class FakePlatform {
 public:
     using Value = std::variant<int, double, bool, std::string>;
 
-    /// What a failing call returns.
+    /// The status that a failing call returns.
     static constexpr int failure = -13;
 
     static FakePlatform& instance();
 
-    /// Forgets everything.
+    /// Returns to the initial state.
     void reset();
 
     std::vector<LogRecord> log() const;
 
-    /// Number of log records that contain `part`.
+    /// Returns the number of log records that contain `part`.
     std::size_t countLogged(const std::string& part) const;
 
-    /// All settings written, oldest first.
+    /// Returns all settings written, oldest first.
     std::vector<std::pair<std::string, Value>> written() const;
 
-    /// The next writes of this key fail.
+    /// Makes the next `times` writes of this key fail.
     void failSetting(const std::string& key, int times);
 
-    /// The next log record finds no memory.
+    /// Makes the next log record throw std::bad_alloc.
     void failNextRecord();
 
-    /// Called after a setting was written, without a lock held.
+    /// Called after each successful write of a setting, without a lock held.
     std::function<void(const std::string& key, const Value& value)> onWrite;
 
-    /// Answers of the system-information service and the path configuration; what is not there, or of another type,
-    /// fails. So does every reading of a setting.
+    /// Values of the system-information service and the path configuration. A lookup of a missing key, or of a value of
+    /// another type, fails. Reading a setting always fails.
     std::map<int, Value> systemInfo;
     std::map<int, std::string> pathVariables;
 
@@ -64,7 +64,7 @@ private:
     std::vector<LogRecord> m_log;
     std::vector<std::pair<std::string, Value>> m_writes;
     bool m_isOutOfMemory = false;
-    std::map<std::string, int> m_failures; ///< how often the writes of a key still fail
+    std::map<std::string, int> m_failures; ///< by key: how many of the next writes fail
 };
 
 } // namespace Nerix::Tests

@@ -7,7 +7,7 @@
 
 namespace Nerix::Tests {
 
-/// The diagnostic text of what operation throws; empty when it throws nothing.
+/// Returns the diagnostic text of the exception that operation throws; empty if it throws none.
 inline std::string diagnosticsOf(const std::function<void()>& operation) {
     try {
         operation();
@@ -15,7 +15,7 @@ inline std::string diagnosticsOf(const std::function<void()>& operation) {
     } catch (...) { return boost::current_exception_diagnostic_information(true); }
 }
 
-/// Whether the text holds the part.
+/// Returns true if text contains part.
 inline bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 } // namespace Nerix::Tests
