@@ -2,74 +2,124 @@
 #include "PlatformInterfaces/path_config.h"
 #include "PlatformInterfaces/system_info.h"
 #include "Tests/Fakes/OwnProcess.h"
+#include "Tests/Fakes/PlatformKeys.h"
 #include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <utility>
+#include <optional>
 
 namespace Nerix::Tests {
 namespace {
 
-/// Three platform lookups, joined by "|"; "!" for one that fails.
-std::string answers() {
-    const char* const drives = path_config_get(43);
+/// Three answers of the platform; a lookup that fails has none.
+struct Answers {
+    std::optional<std::string> usbDrives;
+    std::optional<int> screenLines;
+    std::optional<bool> isTV;
+};
+
+Answers lookUp() {
+    Answers answers;
+    if (const char* const drives = path_config_get(PathVariable::usbDrives)) { answers.usbDrives = drives; }
     int lines = 0;
+    if (system_info_get_value_int(SystemInfoKey::screenLines, &lines) == 0) { answers.screenLines = lines; }
     bool isTV = false;
-    std::string all = drives == nullptr ? "!" : drives;
-    all += system_info_get_value_int(203, &lines) == 0 ? "|" + std::to_string(lines) : "|!";
-    all += system_info_get_value_bool(358, &isTV) != 0 ? "|!" : isTV ? "|true" : "|false";
-    return all;
+    if (system_info_get_value_bool(SystemInfoKey::isTV, &isTV) == 0) { answers.isTV = isTV; }
+    return answers;
 }
 
-TEST(HostConfigurationDeathTest, FileOverridesTheBuiltInAnswersAndItsFaultsAreLogged) {
+struct ConfigurationFile {
+    const char* name;
+    std::string content;
+    Answers answers;
+    std::string logged; ///< a part of the log
+};
+
+/// Compares the answers of a process with this platform.ini, and returns what the process logged.
+std::string logWith(const ConfigurationFile& file) {
     const TemporaryDirectory home;
     ::setenv("NERIX_PLATFORM_HOME", home.path().c_str(), 1);
     ::unsetenv("NERIX_HOST_LOG");
-    const std::pair<std::string, std::string> cases[] = {
-        // what stands in the file; the answers, or what the log says
-        {"", "/media|1080|true"},
-        {"; comment\n\n[path]\n43=/usb stick\n[system_info]\n203 = 540\n358 = false\n", "/usb stick|540|false"},
-        {"[path]\nusb_drives = /u\n[system_info]\nscreen_lines = 7\nis_tv = false\n", "/u|7|false"},
-        {"[path]\nusb_drive = /u\n", "'usb_drive' is neither a number nor one of system_binaries readonly_apps shared_data "
-                                     "apps usb_drives\n"},
-        {"[system_info]\na = x\n", "'a' is neither a number nor one of software_date tv_software submicom_version "
-                                   "screen_lines partition_list is_tv is_zeb_box zeb_box_software\n"},
-        {"[path]\nusb_drives = /u\n43 = /u\n", "[path] usb_drives (43) appears twice"},
-        {"[path]\n43=\n", "[path] usb_drives (43) is '', not a text"},
-        {"[system_info]\n203=12x\n", "[system_info] screen_lines (203) is '12x', not an integer"},
-        {"[system_info]\n358=yes\n", "platform.ini: [system_info] is_tv (358) is 'yes', not true or false"},
-        {"[path]\n43 = /x\nnonsense\n", "no value for [path] usb_drives (43): "},
-        {"[systeminfo]\n203=1\n", "'systeminfo' is neither [system_info] nor [path]"},
-        {"203=1\n", "'203' is neither"},
-        {"[path]\n43=/x\n" + std::string(1U << 20U, ';'), "is larger than 1 MiB"},
+    boost::filesystem::ofstream(home.path() / "platform.ini") << file.content;
+    inOwnProcess([&] {
+        const Answers answers = lookUp();
+        EXPECT_EQ(answers.usbDrives, file.answers.usbDrives);
+        EXPECT_EQ(answers.screenLines, file.answers.screenLines);
+        EXPECT_EQ(answers.isTV, file.answers.isTV);
+    });
+    return contentOf(home.path() / "log/system.log");
+}
+
+TEST(HostConfigurationDeathTest, FileOverridesTheBuiltInAnswers) {
+    const std::string numbers = "; comment\n\n[path]\n43=/usb stick\n[system_info]\n203 = 540\n358 = false\n";
+    const ConfigurationFile files[] = {
+        {"empty", "", {"/media", 1080, true}, ""},
+        {"numbers", numbers, {"/usb stick", 540, false}, ""},
+        {"names", "[path]\nusb_drives = /u\n[system_info]\nscreen_lines = 7\nis_tv = false\n", {"/u", 7, false}, ""},
     };
-    for (const auto& [content, expected] : cases) {
-        boost::filesystem::ofstream(home.path() / "platform.ini") << content;
-        boost::filesystem::remove_all(home.path() / "log");
-        const bool isFaulty = !contains(expected, "|");
-        inOwnProcess(
-            [&, &expected = expected] { EXPECT_TRUE(isFaulty ? contains(answers(), "!") : answers() == expected); });
-        const std::string log = contentOf(home.path() / "log/system.log");
-        EXPECT_TRUE(isFaulty ? contains(log, expected) : log.empty()) << log;
+    for (const ConfigurationFile& file : files) {
+        SCOPED_TRACE(file.name);
+        EXPECT_EQ(logWith(file), file.logged);
     }
 }
 
-TEST(HostConfigurationDeathTest, EachQuestionHasABuiltInAnswer) {
-    inOwnProcess([] {
+TEST(HostConfigurationDeathTest, FaultsAreLoggedAndFailTheLookup) {
+    const Answers none;
+    const ConfigurationFile files[] = {
+        {"unknown path", "[path]\nusb_drive = /u\n", none,
+         "'usb_drive' is neither a number nor one of system_binaries readonly_apps shared_data apps usb_drives\n"},
+        {"unknown fact", "[system_info]\na = x\n", none,
+         "'a' is neither a number nor one of software_date tv_software submicom_version screen_lines partition_list is_tv "
+         "is_zeb_box zeb_box_software\n"},
+        {"key twice", "[path]\nusb_drives = /u\n43 = /u\n", none, "[path] usb_drives (43) appears twice"},
+        {"line without a key", "[path]\n43 = /x\nnonsense\n", none, "no value for [path] usb_drives (43): "},
+        {"unknown section", "[systeminfo]\n203=1\n", none, "'systeminfo' is neither [system_info] nor [path]"},
+        {"no section", "203=1\n", none, "'203' is neither"},
+        {"too large", "[path]\n43=/x\n" + std::string(1U << 20U, ';'), none, "is larger than 1 MiB"},
+        {"no text", "[path]\n43=\n", {{}, 1080, true}, "[path] usb_drives (43) is '', not a text"},
+        {"no integer",
+         "[system_info]\n203=12x\n",
+         {"/media", {}, true},
+         "[system_info] screen_lines (203) is '12x', not an integer"},
+        {"no boolean",
+         "[system_info]\n358=yes\n",
+         {"/media", 1080, {}},
+         "platform.ini: [system_info] is_tv (358) is 'yes', not true or false"},
+    };
+    for (const ConfigurationFile& file : files) {
+        SCOPED_TRACE(file.name);
+        EXPECT_PRED2(contains, logWith(file), file.logged);
+    }
+}
+
+TEST(HostConfigurationDeathTest, EveryKeyHasABuiltInAnswer) {
+    const std::pair<int, std::string> facts[] = {{SystemInfoKey::softwareDate, "2026-01-01"},
+                                                 {SystemInfoKey::tvSoftware, "T-HOSTH-1000.0"},
+                                                 {SystemInfoKey::submicomVersion, "1.0"},
+                                                 {SystemInfoKey::screenLines, "1080"},
+                                                 {SystemInfoKey::partitionList, "/etc/partition.txt"},
+                                                 {SystemInfoKey::isTV, "true"},
+                                                 {SystemInfoKey::isZebBox, "false"},
+                                                 {SystemInfoKey::zebBoxSoftware, "Z-HOSTH-1000.0"}};
+    const std::pair<int, std::string> directories[] = {{PathVariable::systemBinaries, "/usr/bin"},
+                                                       {PathVariable::readOnlyApps, "/usr/apps"},
+                                                       {PathVariable::sharedData, "/usr/share"},
+                                                       {PathVariable::apps, "/opt/usr/apps"},
+                                                       {PathVariable::usbDrives, "/media"}};
+    inOwnProcess([&] {
         Platform::Host::HostState::keepInMemory();
-        std::string all;
-        for (const int key : {8, 128, 133, 203, 301, 358, 359, 378}) {
+        for (const auto& [key, expected] : facts) {
             char* text = nullptr;
-            EXPECT_EQ(system_info_get_value_string(key, &text), 0) << key;
-            (all += text) += ' ';
+            ASSERT_EQ(system_info_get_value_string(key, &text), 0) << "key " << key;
+            EXPECT_EQ(text, expected) << "key " << key;
             std::free(text);
         }
-        for (const int variable : {6, 20, 25, 31, 43}) { (all += path_config_get(variable)) += ' '; }
-        EXPECT_EQ(all, "2026-01-01 T-HOSTH-1000.0 1.0 1080 /etc/partition.txt true false Z-HOSTH-1000.0 "
-                       "/usr/bin /usr/apps /usr/share /opt/usr/apps /media ");
+        for (const auto& [variable, expected] : directories) {
+            EXPECT_EQ(path_config_get(variable), expected) << "variable " << variable;
+        }
     });
 }
 
