@@ -43,15 +43,18 @@ inline void inOwnProcess(const std::function<void()>& body) {
     EXPECT_EXIT(runAndExit(body), testing::ExitedWithCode(0), "");
 }
 
+/// Returns true if attempt returns true in a child process.
+inline bool succeedsInChild(bool (*attempt)()) {
+    const pid_t child = ::fork();
+    if (child == 0) { ::_exit(attempt() ? 0 : 1); }
+    int status = 1;
+    return ::waitpid(child, &status, 0) == child && status == 0;
+}
+
 /// Runs body like inOwnProcess, with an empty file system at /mnt, where devices keep the product's data. Skips the test
 /// if there are no private mounts.
 inline void withOwnMnt(const std::function<void()>& body) {
-    static const bool mayMount = [] {
-        const pid_t child = ::fork();
-        if (child == 0) { ::_exit(mountPrivately("/mnt") ? 0 : 1); }
-        int status = 1;
-        return ::waitpid(child, &status, 0) == child && status == 0;
-    }();
+    static const bool mayMount = succeedsInChild([] { return mountPrivately("/mnt"); });
     if (!mayMount) { GTEST_SKIP() << "no private mounts on this machine"; }
     inOwnProcess([&] {
         EXPECT_TRUE(mountPrivately("/mnt"));

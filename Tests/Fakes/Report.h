@@ -3,6 +3,7 @@
 #include <boost/exception/diagnostic_information.hpp>
 
 #include <functional>
+#include <regex>
 #include <string>
 
 namespace Nerix::Tests {
@@ -17,5 +18,10 @@ inline std::string diagnosticsOf(const std::function<void()>& operation) {
 
 /// Returns true if text contains part.
 inline bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+/// Returns true if the whole text matches the regular expression.
+inline bool matches(const std::string& text, const std::string& pattern) {
+    return std::regex_match(text, std::regex(pattern));
+}
 
 } // namespace Nerix::Tests
