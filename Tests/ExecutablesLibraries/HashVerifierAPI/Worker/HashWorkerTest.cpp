@@ -7,6 +7,7 @@
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "Platform/Product/IProductInfo.h"
+#include "Platform/SystemAPI/VconfSystemAPI/IVConf.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"
 #include "Tests/Fakes/Report.h"
@@ -14,13 +15,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <future>
 #include <iomanip>
 #include <limits>
-#include <regex>
+#include <set>
 #include <thread>
-#include <tuple>
 
 #include <fcntl.h>
 #include <sys/mount.h>
@@ -39,10 +40,14 @@ using OpenSSLGuard = Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLIni
 using Writes = std::vector<std::pair<std::string, Value>>;
 
 TEST(HashVerifierAPIDeathTest, VerifyFileSystemScansRootWithMd5) {
+    if (!succeedsInChild([] { return ::chroot("/") == 0; })) {
+        GTEST_SKIP() << "this user may not change the root directory";
+    }
     const TemporaryDirectory root;
     inOwnProcess([&] {
         const int outside = ::open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-        if (::chroot(root.path().c_str()) + ::chdir("/") != 0) { return; } // an ordinary user may not
+        ASSERT_EQ(::chroot(root.path().c_str()), 0);
+        ASSERT_EQ(::chdir("/"), 0);
         Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
         const OpenSSLGuard openSSL{Common::Utils::SINGLETON_OPENSSL_INITIALIZER};
         HashVerifierAPI::startVerifyFileSystem();
@@ -51,7 +56,7 @@ TEST(HashVerifierAPIDeathTest, VerifyFileSystemScansRootWithMd5) {
         EXPECT_EQ(HashVerifierAPI::nerixVerifyPath("/", "md5"), value);
         EXPECT_EQ(HashVerifierAPI::nerixVerifyFileSystem(), value);
         EXPECT_EQ(::fchdir(outside), 0);
-        EXPECT_EQ(::chroot("."), 0); // where a sanitizer finds /proc at the end
+        EXPECT_EQ(::chroot("."), 0); // a sanitizer needs /proc at the end
     });
 }
 
@@ -69,6 +74,18 @@ protected:
 
     std::string verify() const { return HashVerifierAPI::nerixVerifyPath(m_tree.path().native(), "md5"); }
 
+    /// Makes writes of the setting fail from the status "active" on.
+    static void failAfterStatusActive(const std::string& failingKey, int times) {
+        platform().onWrite = [=](const std::string& key, const Value& value) {
+            if (key == statusKey && value == Value("active")) { platform().failSetting(failingKey, times); }
+        };
+    }
+
+    static Writes lastWrites(std::size_t count) {
+        const Writes all = platform().written();
+        return {all.end() - static_cast<std::ptrdiff_t>(std::min(count, all.size())), all.end()};
+    }
+
     Writes writesOfRun() const {
         platform().reset();
         EXPECT_NE(verify(), "ERROR");
@@ -81,57 +98,60 @@ protected:
 
 TEST_F(HashWorkerTest, PublishesInTheOrderOfTheRun) {
     const std::string result = verify();
-    EXPECT_TRUE(std::regex_match(result, std::regex("[0-9a-f]{16}"))) << result;
+    EXPECT_PRED2(matches, result, "[0-9a-f]{16}");
     const Writes expected = {{resultKey, "00000111"},          {progressKey, "0.0"},   {statusKey, "active"},
                              {resultKey, result.substr(0, 8)}, {progressKey, "100.0"}, {statusKey, "inactive"}};
     EXPECT_EQ(platform().written(), expected);
 }
 
+TEST_F(HashWorkerTest, SettingsFailureAtTheStartThrows) {
+    const std::pair<std::string, Writes> lastWritesByKey[] = {
+        {resultKey, {}},
+        {progressKey, {{resultKey, "00000111"}, {resultKey, "ERROR"}}},
+        {statusKey, {{progressKey, "0.0"}, {statusKey, "inactive"}, {resultKey, "ERROR"}}},
+    };
+    for (const auto& [key, expected] : lastWritesByKey) {
+        SCOPED_TRACE(key);
+        platform().reset();
+        platform().failSetting(key, 1);
+        EXPECT_THROW(verify(), Platform::IVConf::VConfException);
+        EXPECT_EQ(lastWrites(expected.size()), expected);
+    }
+}
+
 struct SettingsFailure {
     const char* name;
-    std::string key; ///< of the setting that is refused
+    std::string key; ///< writes of this setting fail
     int times;
-    bool isDuringRun;    ///< refused from the status "active" on, or from the beginning
-    std::string outcome; ///< "exception" of the start, "ERROR" or "value" of the run
+    std::string outcome; ///< what the run returns
     Writes lastWrites;
 };
 
-TEST_F(HashWorkerTest, SettingsFailureFailsTheRunButNotTheProcess) {
+TEST_F(HashWorkerTest, SettingsFailureDuringTheRunNeverThrows) {
+    const std::string value = verify();
     const SettingsFailure cases[] = {
-        {"first result", resultKey, 1, false, "exception", {}},
-        {"first progress", progressKey, 1, false, "exception", {{resultKey, "00000111"}, {resultKey, "ERROR"}}},
-        {"status active",
-         statusKey,
-         1,
-         false,
-         "exception",
-         {{progressKey, "0.0"}, {statusKey, "inactive"}, {resultKey, "ERROR"}}},
-        {"result", resultKey, 1, true, "ERROR", {{statusKey, "active"}, {resultKey, "ERROR"}, {statusKey, "inactive"}}},
-        {"result and ERROR", resultKey, 2, true, "ERROR", {{statusKey, "active"}, {statusKey, "inactive"}}},
-        {"status inactive twice", statusKey, 2, true, "value", {{progressKey, "100.0"}, {statusKey, "inactive"}}},
-        {"status inactive always", statusKey, 100, true, "value", {{progressKey, "100.0"}}},
+        {"result", resultKey, 1, "ERROR", {{statusKey, "active"}, {resultKey, "ERROR"}, {statusKey, "inactive"}}},
+        {"result and ERROR", resultKey, 2, "ERROR", {{statusKey, "active"}, {statusKey, "inactive"}}},
+        {"status twice", statusKey, 2, value, {{progressKey, "100.0"}, {statusKey, "inactive"}}},
+        {"status always", statusKey, 100, value, {{progressKey, "100.0"}}},
     };
     for (const SettingsFailure& failure : cases) {
         SCOPED_TRACE(failure.name);
         platform().reset();
-        const auto refuse = [&] { platform().failSetting(failure.key, failure.times); };
-        platform().onWrite = [&](const std::string& key, const Value& value) {
-            if (key == statusKey && value == Value("active")) { refuse(); }
-        };
-        if (!failure.isDuringRun) { refuse(); }
-        std::string outcome = "exception";
-        const std::string report = diagnosticsOf([&] { outcome = verify() == "ERROR" ? "ERROR" : "value"; });
-        EXPECT_EQ(outcome, failure.outcome) << report;
-        Writes writes = platform().written();
-        ASSERT_GE(writes.size(), failure.lastWrites.size());
-        writes.erase(writes.begin(), writes.end() - static_cast<std::ptrdiff_t>(failure.lastWrites.size()));
-        EXPECT_EQ(writes, failure.lastWrites);
+        failAfterStatusActive(failure.key, failure.times);
+        EXPECT_EQ(verify(), failure.outcome);
+        EXPECT_EQ(lastWrites(failure.lastWrites.size()), failure.lastWrites);
     }
-    EXPECT_EQ(platform().countLogged("[ERR] HashWorker.cpp:"), 3U) << "of the last case: each try";
+}
+
+TEST_F(HashWorkerTest, FinalStatusIsTriedThreeTimes) {
+    failAfterStatusActive(statusKey, 100);
+    verify();
+    EXPECT_EQ(platform().countLogged("[ERR] HashWorker.cpp:"), 3U);
     EXPECT_EQ(platform().countLogged(">Exception when setting scan status: "), 3U);
 }
 
-TEST_F(HashWorkerTest, SecondStartIsRefusedDuringARun) {
+TEST_F(HashWorkerTest, StartDuringARunIsRejected) {
     std::promise<void> release;
     platform().onWrite = [&](const std::string& key, const Value& value) {
         if (key == progressKey && value == Value("100.0")) { release.get_future().wait(); }
@@ -144,49 +164,82 @@ TEST_F(HashWorkerTest, SecondStartIsRefusedDuringARun) {
     EXPECT_EQ(HashWorker::getInstance().getRoot().path, boost::filesystem::canonical(m_tree.path()));
 }
 
-TEST_F(HashWorkerTest, PublishedSettingsDoNotDependOnThreadCount) {
-    // What is in use on the file system is the whole of progress: nobody else may write there.
-    if (!mountPrivately(m_tree.path().c_str())) { GTEST_SKIP() << "no private mounts on this machine"; }
-    boost::filesystem::ofstream{m_tree.path() / "0"} << std::setw(12'000'000) << 'x';
-    for (const std::string name : {"1", "2", "3"}) { // progress comes in long lists, inside files and between them
-        const boost::filesystem::path directory = m_tree.path() / name;
-        boost::filesystem::create_directory(directory);
-        for (int number = 0; number < 3000; ++number) {
-            ::mknod((directory / std::to_string(number)).c_str(), S_IFREG | 0600, 0);
+/// A tree whose scan reports progress in long listings, inside files and between them.
+class HashWorkerLargeTreeTest : public HashWorkerTest {
+protected:
+    void SetUp() override {
+        HashWorkerTest::SetUp();
+        if (IsSkipped()) { return; }
+        // Progress is a part of the space in use on the file system, so nothing else may write there.
+        if (!mountPrivately(m_tree.path().c_str())) { GTEST_SKIP() << "no private mounts on this machine"; }
+        boost::filesystem::ofstream{m_tree.path() / "0"} << std::setw(12'000'000) << 'x';
+        for (const std::string name : {"1", "2", "3"}) {
+            const boost::filesystem::path directory = m_tree.path() / name;
+            boost::filesystem::create_directory(directory);
+            for (int number = 0; number < 3000; ++number) {
+                ::mknod((directory / std::to_string(number)).c_str(), S_IFREG | 0600, 0);
+            }
+            boost::filesystem::ofstream{m_tree.path() / (name + "a")} << std::setw(12'000'000) << 'x';
+            boost::filesystem::ofstream{m_tree.path() / (name + "b")} << std::setw(900'000) << 'x';
         }
-        boost::filesystem::ofstream{m_tree.path() / (name + "a")} << std::setw(12'000'000) << 'x';
-        boost::filesystem::ofstream{m_tree.path() / (name + "b")} << std::setw(900'000) << 'x';
+        if (!Common::DebugAndTestParameters::loaded()) {
+            Common::DebugAndTestParameters::loadDebugAndTestParameters("test");
+        }
     }
-    const auto setThreads = [](int count) {
+    ~HashWorkerLargeTreeTest() override { ::umount2(m_tree.path().c_str(), MNT_DETACH); }
+
+    static void setThreads(int count) {
         Common::getDebugAndTestParameters().setCustomIntParam("hashVerifierThreads", count);
-    };
-    Common::DebugAndTestParameters::loadDebugAndTestParameters("test");
+    }
+};
+
+TEST_F(HashWorkerLargeTreeTest, PublishedSettingsDoNotDependOnThreadCount) {
     setThreads(1);
     const Writes expected = writesOfRun();
-    EXPECT_GT(expected.size(), 30U);
-    for (int run = 0; run < 6; ++run) {
-        setThreads(2 + run);
-        std::atomic<bool> isOver{false};
-        std::thread asking([&] {
-            while (!isOver) { EXPECT_GE(HashVerifierAPI::getProgress().size(), 4U); }
-        });
-        EXPECT_TRUE(writesOfRun() == expected) << 2 + run << " threads";
-        isOver = true;
-        asking.join();
+    EXPECT_GT(expected.size(), 30U) << "the tree is too small to report much progress";
+    for (int threads = 2; threads < 8; ++threads) {
+        setThreads(threads);
+        EXPECT_EQ(writesOfRun(), expected) << threads << " threads";
+    }
+}
+
+TEST_F(HashWorkerLargeTreeTest, GetProgressMayBeCalledDuringARun) {
+    setThreads(3);
+    std::atomic<bool> isOver{false};
+    std::set<std::string> found;
+    std::thread calling([&] {
+        while (!isOver) { found.insert(HashVerifierAPI::getProgress()); }
+    });
+    verify();
+    isOver = true;
+    calling.join();
+    for (const std::string& text : found) { EXPECT_PRED2(matches, text, R"(\d?\d\.\d\d)"); }
+}
+
+TEST_F(HashWorkerLargeTreeTest, ProgressReportThatFailsFailsTheRunWithAnyThreadCount) {
+    for (int threads = 1; threads < 8; ++threads) {
+        setThreads(threads);
         platform().onWrite = [isFirst = true](const std::string& key, const Value& value) mutable {
             const bool isOfRun = key == progressKey && value != Value("0.0");
             if (isOfRun && std::exchange(isFirst, false)) { platform().failSetting(key, 1); }
         };
-        EXPECT_EQ(verify(), "ERROR") << "a report that fails is not tried again";
+        EXPECT_EQ(verify(), "ERROR") << "the report was tried again with " << threads << " threads";
     }
-    ::umount2(m_tree.path().c_str(), MNT_DETACH);
 }
 
-TEST(Progress, WorkIsRoundedUpToBlocksAndReportedByTheMebibyte) {
-    const std::tuple<std::uint64_t, std::uint32_t, std::uint64_t> cases[] = {
-        {0, 4096, 0},       {1, 4096, 4096}, {4096, 4096, 4096},
-        {4097, 4096, 8192}, {4097, 0, 4097}, {(8ULL << 30U) + 1, 4096, (8ULL << 30U) + 4096}};
-    for (const auto& [size, blockSize, work] : cases) { EXPECT_EQ(Progress::workOf(size, blockSize), work) << size; }
+TEST(Progress, WorkIsRoundedUpToBlocks) {
+    const struct {
+        std::uint64_t size;
+        std::uint32_t blockSize;
+        std::uint64_t work;
+    } cases[] = {{0, 4096, 0},       {1, 4096, 4096}, {4096, 4096, 4096},
+                 {4097, 4096, 8192}, {4097, 0, 4097}, {(8ULL << 30U) + 1, 4096, (8ULL << 30U) + 4096}};
+    for (const auto& [size, blockSize, work] : cases) {
+        EXPECT_EQ(Progress::workOf(size, blockSize), work) << size << " bytes in blocks of " << blockSize;
+    }
+}
+
+TEST(Progress, IsWorthReportingAfterAMebibyteOrAStepBack) {
     EXPECT_FALSE(Progress::isWorthReporting(0x100005, 5));
     EXPECT_FALSE(Progress::isWorthReporting(5, 5));
     EXPECT_TRUE(Progress::isWorthReporting(0x100006, 5));
@@ -195,14 +248,19 @@ TEST(Progress, WorkIsRoundedUpToBlocksAndReportedByTheMebibyte) {
 
 TEST(Progress, TextHasTwoDecimalsAndStaysBelowAHundred) {
     const std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
-    const std::tuple<std::uint64_t, std::uint64_t, const char*> cases[] = {
-        {0, 1000, "0.00"},    {0, 0, "0.00"},        {1, 0, "99.99"},       {1000, 1000, "71.43"},
-        {590, 1000, "42.14"}, {1399, 1000, "99.93"}, {1400, 1000, "99.99"}, {most, 1, "99.99"}};
-    for (const auto& [reported, total, text] : cases) { EXPECT_EQ(Progress::text(reported, total), text) << reported; }
+    const struct {
+        std::uint64_t reported;
+        std::uint64_t total;
+        const char* text;
+    } cases[] = {{0, 1000, "0.00"},    {0, 0, "0.00"},        {1, 0, "99.99"},       {1000, 1000, "71.43"},
+                 {590, 1000, "42.14"}, {1399, 1000, "99.93"}, {1400, 1000, "99.99"}, {most, 1, "99.99"}};
+    for (const auto& [reported, total, text] : cases) {
+        EXPECT_EQ(Progress::text(reported, total), text) << reported << " of " << total;
+    }
 }
 
 TEST(HashWorkerDeathTest, GetResultBeforeFirstRunAborts) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe"); // a process of its own: none has finished a run there
+    GTEST_FLAG_SET(death_test_style, "threadsafe"); // a new process, in which no run has finished
     EXPECT_EQ(HashVerifierAPI::getProgress(), "0.00");
     EXPECT_DEATH(HashVerifierAPI::getResult(), "ASSERTION FAILED: !m_calculatedHash.empty\\(\\), ");
 }
