@@ -1,6 +1,7 @@
 """Settings, exit status and reports at the start and end of a run."""
 
 import concurrent.futures
+import contextlib
 import glob
 import os
 import re
@@ -14,68 +15,102 @@ from tree_value import STEPS, Model
 
 
 class Runs(SystemTest):
-    def test_failed_scans(self):
+    def test_run_with_an_unknown_method_prints_error(self):
         for method in ("md6", "", "SHA1", "sha-1", "md5 "):
-            self.assertEqual(self.value(self.work, method), "ERROR")
-            self.assert_published(status="inactive", progress="0.0", result="ERROR")
-            self.assertIn(f"unknown hash function: {method}\\n".encode(), b"".join(self.log_lines("main")))
+            with self.subTest(method=method):
+                self.assertEqual(self.value(self.work, method), "ERROR")
+                self.assert_published(status="inactive", progress="0.0", result="ERROR")
+                self.assertIn(f"unknown hash function: {method}\\n".encode(), b"".join(self.log_lines("main")))
 
-    def test_bad_input(self):
+    def test_run_reports_bad_options_and_paths(self):
         loop = os.path.join(self.work, "loop")
         os.symlink("loop", loop)
         cases = [
             (["--bad"], b"unrecognised option '--bad'"),
-            (["--path"], b"--path"),
-            (["--path", self.work, "--path", "/"], b"--path"),
+            (["--path"], b"the required argument for option '--path' is missing"),
+            (["--path", self.work, "--path", "/"], b"option '--path' cannot be specified more than once"),
             (["--path", os.path.join(self.work, "missing")], b"No such file or directory"),
             (["--path", loop], b"Too many levels of symbolic links"),
         ]
         for arguments, reason in cases:
-            run = self.run_program(*arguments)
-            self.assertEqual(run.returncode, 1)
-            self.assertRegex(run.stdout, REPORT)
-            self.assertEqual(run.stdout.count(b"Exception caught"), 1)
-            self.assertIn(reason, run.stdout)
+            with self.subTest(arguments):
+                run = self.run_program(*arguments)
+                self.assertEqual(run.returncode, 1)
+                self.assertRegex(run.stdout, REPORT)
+                self.assertEqual(run.stdout.count(b"Exception caught"), 1, run.stdout)
+                self.assertIn(reason, run.stdout)
         log = b"".join(self.log_lines("main") + self.log_lines("system"))
         for record in (rb"FTL\] main.cpp:\d+>Exc", rb"INF\] ThreadDebug.cpp:\d+>Registering main thread id"):
             found = re.findall(rb"\[NerixVerifierHash-0.348.0\]\[\d+ NerixVerifierHa\]\[\d+\]\[" + record, log)
-            self.assertEqual(len(found), len(cases))
+            self.assertEqual(len(found), len(cases), f"records of {record} in {log}")
 
-    @unittest.skipUnless(shutil.which("strace"), "no strace on this machine")
-    def test_missing_path_fails_before_the_mount_table_is_read(self):
+    def files_opened_with(self, path):
         trace = os.path.join(self.work, "trace")
-        subprocess.run(["strace", "-f", "-o", trace, "-e", "trace=openat", PROGRAM, "--path", "/missing"], check=False,
+        subprocess.run(["strace", "-f", "-o", trace, "-e", "trace=openat", PROGRAM, "--path", path], check=False,
                        env=self.environment, capture_output=True)
         with open(trace, encoding="utf-8") as calls:
-            self.assertNotIn("/proc/mounts", calls.read())
+            return set(re.findall(r'openat\(\w+, "(.*?)"', calls.read()))
 
-    def test_unusable_standard_output(self):
-        for number in range(400):  # more records than fit into a buffer
-            write(os.path.join(self.work, f"{number:0200}"))
+    @unittest.skipUnless(shutil.which("strace"), "no strace on this machine")
+    def test_run_with_a_missing_path_fails_before_it_reads_the_mount_table(self):
+        self.assertIn("/proc/mounts", self.files_opened_with(self.work))
+        self.assertNotIn("/proc/mounts", self.files_opened_with("/missing"))
+
+    def run_in_shell(self, command, redirections="", **options):
+        """Runs the shell's command with the redirections, and checks that it does not write to the store."""
+        run = subprocess.run(f"exec {command} {redirections}", shell=True, check=False, env=self.environment,
+                             stderr=subprocess.PIPE, **options)
+        self.assert_published("the output was written to the store", status="inactive", progress="100.0")
+        return run
+
+    @contextlib.contextmanager
+    def pipe_without_reader(self):
         reading_end, writing_end = os.pipe()
         os.close(reading_end)
-        with os.fdopen(writing_end, "wb") as broken:
-            for where in ("", ">/dev/full", ">&-", "<&- >&- 2>&-"):
-                for command, status in ((f"'{PROGRAM}' --path '{self.work}'", 1), (f"'{HOST}' settings list", 2),
-                                        (f"'{HOST}' scan -q '{self.work}' --log -", 2)):
-                    run = subprocess.run(f"{command} {where}", shell=True, check=False, env=self.environment, stdout=broken,
-                                         stderr=subprocess.PIPE)
-                    if status == 2 and not where:  # as any tool ends whose reader has gone
-                        self.assertEqual((abs(run.returncode) % 128, run.stderr), (signal.SIGPIPE, b""))
-                        continue
-                    self.assertEqual(run.returncode, status, where)
-                    self.assertTrue(b"can't write to standard output: errno=" in run.stderr or "-" in where or status == 2)
-                    self.assert_published("the store is not written over", status="inactive", progress="100.0")
+        with os.fdopen(writing_end, "wb") as pipe:
+            yield pipe
 
-    def test_log_of_an_unknown_kind_is_a_file(self):
+    def make_long_output(self):
+        """Fills the work directory and the store, and returns the commands of NerixHost that write much about them."""
+        for number in range(400):  # more records than fit into a buffer
+            write(os.path.join(self.work, f"{number:0200}"))
+        self.value(self.work)
+        return f"'{HOST}' settings list", f"'{HOST}' scan -q '{self.work}' --log -"
+
+    def test_host_ends_by_sigpipe_if_its_reader_is_gone(self):
+        for command in self.make_long_output():
+            with self.subTest(command), self.pipe_without_reader() as pipe:
+                run = self.run_in_shell(command, stdout=pipe)
+                self.assertEqual((run.returncode, run.stderr), (-signal.SIGPIPE, b""))
+
+    def test_host_reports_standard_output_that_cannot_be_written(self):
+        message = b"NerixHost: cannot write to standard output\n"
+        for command in self.make_long_output():
+            for redirections, shown in ((">/dev/full", message), (">&-", message), ("<&- >&- 2>&-", b"")):
+                with self.subTest(command, redirections=redirections):
+                    run = self.run_in_shell(command, redirections)
+                    self.assertEqual((run.returncode, run.stderr), (2, shown))
+
+    def test_run_reports_standard_output_that_cannot_be_written(self):
+        command = f"'{PROGRAM}' --path '{self.work}'"
+        message = b"can't write to standard output: errno="
+        for redirections, shown in (("", message), (">/dev/full", message), (">&-", message), ("<&- >&- 2>&-", b"")):
+            with self.subTest(redirections=redirections), self.pipe_without_reader() as pipe:
+                run = self.run_in_shell(command, redirections, stdout=pipe)
+                self.assertEqual(run.returncode, 1)
+                self.assertIn(shown, run.stderr)
+
+    def test_run_logs_to_files_if_the_kind_of_log_is_unknown(self):
         write(os.path.join(self.work, "file"))
-        for kind in ("none", "fiel", "\x1b[31m"):
-            run = self.run_program("--path", self.work, env={**self.environment, "NERIX_HOST_LOG": kind})
-            shown = kind.replace("\x1b", r"\x1b")
-            self.assertEqual(run.stderr.decode(), f"nerix host log: NERIX_HOST_LOG is '{shown}', not file, syslog or stderr; using file\n")
-        self.assertEqual(len(self.scan_records()), 3 * 2, "each run's records, of the file and its directory")
+        for kind, shown in (("none", "none"), ("fiel", "fiel"), ("\x1b[31m", r"\x1b[31m")):
+            with self.subTest(kind=kind):
+                before = len(self.scan_records())
+                run = self.run_program("--path", self.work, env={**self.environment, "NERIX_HOST_LOG": kind})
+                self.assertEqual(run.stderr.decode(), f"nerix host log: NERIX_HOST_LOG is '{shown}', not file, syslog or "
+                                 "stderr; using file\n")
+                self.assertEqual(len(self.scan_records()) - before, 2, "records of the file and its directory")
 
-    def test_log_that_many_runs_write_keeps_its_limit(self):
+    def test_system_log_keeps_its_limit_while_many_runs_write(self):
         for number in range(2000):
             write(os.path.join(self.work, str(number)))
         self.value(self.work)
@@ -88,7 +123,7 @@ class Runs(SystemTest):
         for file in glob.glob(f"{self.home}/log/*"):
             self.assertLessEqual(os.path.getsize(file), 16 << 20, file)
 
-    def test_process_whose_name_has_a_line_feed_is_seen_alive(self):
+    def test_settings_list_sees_that_a_run_whose_name_has_a_line_feed_is_alive(self):
         program = os.path.join(self.work, "Nerix\nVerifier")
         os.symlink(PROGRAM, program)
         tree = os.path.join(self.work, "tree")
@@ -100,18 +135,24 @@ class Runs(SystemTest):
             self.assertEqual(self.run_host("settings", "list").stderr, b"")
             run.terminate()
 
-    def test_help(self):
-        shown = [self.run_program().stdout, *(self.run_host(*words, "--help").stdout
-                                              for words in ([], ["scan"], ["compare"], ["settings"]))]
+    def test_help_is_that_of_the_golden_file_and_starts_no_run(self):
+        shown = self.run_program().stdout + b"\n".join(
+            self.run_host(*words, "--help").stdout for words in ([], ["scan"], ["compare"], ["settings"]))
         with open(os.path.join(PROJECT, "Tests/System/help.txt"), "rb") as golden:
-            self.assertEqual(golden.read().replace(b"METHODS", " ".join(STEPS).encode()), shown[0] + b"\n".join(shown[1:]))
-        for arguments in (["-h"], ["--help", "--path", "/nowhere"], ["word"]):
-            run = self.run_program(*arguments)
-            self.assertEqual((run.returncode, run.stdout), (0, shown[0]))
-        self.assertEqual(self.run_host("--version").stdout, b"NerixHost 0.348.0\n")
+            self.assertEqual(shown.decode(), golden.read().decode().replace("METHODS", " ".join(STEPS)))
         self.assert_published("help starts no run", status=None, progress=None, result=None)
 
-    def test_worker_publishes_its_value_while_the_process_ends(self):
+    def test_run_prints_its_help_for_any_word_and_help_option(self):
+        for arguments in (["-h"], ["--help", "--path", "/nowhere"], ["word"]):
+            with self.subTest(arguments):
+                run = self.run_program(*arguments)
+                self.assertEqual((run.returncode, run.stdout), (0, self.run_program().stdout))
+        self.assert_published("help starts no run", status=None, progress=None, result=None)
+
+    def test_host_prints_its_version(self):
+        self.assertEqual(self.run_host("--version").stdout, b"NerixHost 0.348.0\n")
+
+    def test_worker_publishes_its_value_while_its_process_ends(self):
         for number in range(300):
             write(os.path.join(self.work, str(number)), b"x" * 5000)
         value = Model("md5").value(self.work)
@@ -121,7 +162,7 @@ class Runs(SystemTest):
             self.assertEqual((run.returncode, run.stderr), (0, b""), microseconds)
             self.assert_published(f"after {microseconds} us", status="inactive", progress="100.0", result=value[:8])
 
-    def test_two_runs_at_once(self):
+    def test_two_runs_at_once_print_the_value(self):
         expected = Model("sha1").value("/usr/share/doc")
         with concurrent.futures.ThreadPoolExecutor() as runs:
             values = list(runs.map(lambda _: self.value("/usr/share/doc", "sha1"), range(2)))
