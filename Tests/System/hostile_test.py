@@ -97,6 +97,7 @@ class Hostile(SystemTest):
         subprocess.run("mkdir -m 777 open; mkdir -m 775 group; mkdir open/inner theirs; ln -s /root link", shell=True,
                        check=True, cwd="/mnt")
         del self.environment["NERIX_PLATFORM_HOME"]
+        self.home = "/root/.local/state/nerix"  # the default
 
     def give_to_another_user(self, *paths):
         try:
@@ -105,21 +106,15 @@ class Hostile(SystemTest):
         except OSError as failure:
             self.skipTest(f"no other user in this user namespace: {failure}")
 
-    def root_log(self, buffer):
-        path = f"/root/.local/state/nerix/log/{buffer}.log"
-        if not os.path.exists(path):
-            return ""
-        with open(path, encoding="utf-8") as log:
-            return log.read()
-
     def assert_state_rejected(self, where, reason, variables):
         """Checks that a run fails with one report, and that its standard error or its system log has the reason."""
         with self.subTest(**variables):
-            before = len(self.root_log("system"))
+            before = len(self.log_lines("system"))
             run = self.run_program("--path", self.tree, env={**self.environment, **variables})
             self.assertEqual(run.returncode, 1)
             self.assertRegex(run.stdout, REPORT)
-            self.assertIn(reason, {"stderr": run.stderr.decode(), "log": self.root_log("system")[before:]}[where])
+            log = b"".join(self.log_lines("system")[before:])
+            self.assertIn(reason.encode(), {"stderr": run.stderr, "log": log}[where])
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_run_creates_missing_state_directories(self):
@@ -128,7 +123,7 @@ class Hostile(SystemTest):
                           {"NERIX_PLATFORM_HOME": "/mnt/missing/home"}):
             with self.subTest(**variables):
                 self.assert_prints_value(self.run_program("--path", self.tree, env={**self.environment, **variables}))
-        self.assertNotIn("volatile settings are kept in", self.root_log("main"))
+        self.assertNotIn(b"volatile settings are kept in", b"".join(self.log_lines("main")))
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_run_rejects_unsafe_and_read_only_state_directories(self):
@@ -162,7 +157,7 @@ class Hostile(SystemTest):
         os.mkdir(theirs)
         self.give_to_another_user(theirs)
         self.assert_prints_value()
-        self.assertIn("volatile settings are kept in /root/.local/state/nerix: ", self.root_log("main"))
+        self.assertIn(b"volatile settings are kept in /root/.local/state/nerix: ", b"".join(self.log_lines("main")))
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_run_on_a_full_disk_prints_the_value_or_one_failure(self):
