@@ -25,7 +25,7 @@ KINDS = {stat.S_IFREG: "file", stat.S_IFDIR: "directory", stat.S_IFLNK: "link"}
 
 
 def facts(path):
-    """What a record with details says of an entry, by name."""
+    """Returns the facts that a record with details has about an entry, by name."""
     status = os.lstat(path)
     return {"kind": KINDS[stat.S_IFMT(status.st_mode)], "owner": str(status.st_uid), "group": str(status.st_gid),
             "links": str(status.st_nlink), "mode": f"{status.st_mode & 0o7777:04o}", "size": str(status.st_size)}
@@ -35,33 +35,44 @@ def walk_order(path):
     return [(0, name) for name in path.split(b"/")] + [(1, b"")]
 
 
+NO_FACT = "content, attributes or target"  # what changed if no fact did
+
+
 def differences(before, after, has_details):
-    """What a comparison tells, in its order: change, path and facts. Entries are values and facts by path."""
-    told = []
+    """Returns the expected lines of a comparison as (change, path, facts). Entries are values and facts by path."""
+    lines = []
     for path in sorted(before.keys() | after.keys(), key=walk_order):
-        is_explained = any(other.startswith(path + b"/") for _, other, _ in told)
+        is_explained = any(other.startswith(path + b"/") for _, other, _ in lines)
         old, new = before.get(path), after.get(path)
         if old is None or new is None:
             if not is_explained:
-                told.append(("removed" if old else "added", path, ""))
+                lines.append(("removed" if old else "added", path, ""))
         elif old[0] != new[0]:
             changes = [f"{name} {old[1][name]} -> {new[1][name]}" for name in old[1] if old[1][name] != new[1][name]
                        and has_details and not (is_explained and name in ("links", "size"))]
             if changes or not is_explained:
-                nothing = "content, attributes or target" if has_details else ""
-                told.append(("changed", path, ", ".join(changes) or nothing))
-    return told
+                lines.append(("changed", path, ", ".join(changes) or (NO_FACT if has_details else "")))
+    return lines
 
 
 # Bytes that could control a terminal, and how they must be displayed.
 ODD = "\u00e4\u20ac\u00a0&\u2026\u2069\u202a".encode() + b'\x1b[31m"\\\n\r\t\x7f\xff\x80\x80\xc2\x9b\x9b\x80'
-SHOWN = "\u00e4\u20ac\u00a0&\u2026".encode() + rb'\xe2\x81\xa9\xe2\x80\xaa\x1b[31m\"\\\n\r\t\x7f' + b"\xff\x80\x80" + rb"\xc2\x9b\x9b\x80"
+SHOWN = "\u00e4\u20ac\u00a0&\u2026".encode() + \
+    rb'\xe2\x81\xa9\xe2\x80\xaa\x1b[31m\"\\\n\r\t\x7f' + b"\xff\x80\x80" + rb"\xc2\x9b\x9b\x80"
 
 
 def read_back(line):
-    """Change, path and the rest of one line of a comparison."""
+    """Returns change, path and facts of one line of a comparison."""
     change, quoted, rest = re.fullmatch(r'(\w+) ("(?:[^"\\]|\\.)*")(?:: )?(.*)', line.decode("latin-1"), re.DOTALL).groups()
     return change, ast.literal_eval(quoted).encode("latin-1"), rest
+
+
+def read_object(line):
+    """Returns change, path and facts of one line of a comparison with --json."""
+    told = json.loads(line)
+    path = told["path"].encode() if isinstance(told["path"], str) else bytes(told["path"])
+    facts_told = [f"{name} {fact['before']} -> {fact['after']}" for name, fact in told.get("facts", {}).items()]
+    return told["change"], path, ", ".join(facts_told) or (NO_FACT if "facts" in told else "")
 
 
 def rewrite(path):
@@ -87,7 +98,7 @@ def change(tree, chance):
             path = os.path.join(directory, name)
             actions = (relink,) if os.path.islink(path) else TO_DIRECTORIES if os.path.isdir(path) else TO_FILES
             if chance.random() < 0.3:
-                with contextlib.suppress(OSError):  # not allowed to this user, or on this kind of entry
+                with contextlib.suppress(OSError):  # this user, or this kind of entry, does not allow it
                     chance.choice(actions + TO_ANY)(path)
 
 
@@ -101,7 +112,7 @@ class Host(SystemTest):
         self.logs = [os.path.join(self.work, name) for name in ("before.log", "after.log")]
 
     def entries(self):
-        """The tree by the reference model: value and facts by path, in the order of the walk."""
+        """Returns the tree by the reference model: value and facts by path, in the order of the walk."""
         model = Model("md5")
         self.tree_value = model.value(self.tree)
         self.records = model.record_lines()
@@ -117,7 +128,7 @@ class Host(SystemTest):
         self.assertEqual((run.returncode, run.stderr), (status, b""))
         return run.stdout.splitlines()
 
-    def test_scan_gives_the_value_and_all_records_and_leaves_nothing(self):
+    def test_scan_prints_the_value_and_leaves_only_a_log_of_all_records(self):
         random_tree.make(self.tree, random.Random(15), entries=19)
         entries = self.entries()
         details = [b" " + " ".join(known.values()).encode() for _, known in entries.values()]
@@ -125,10 +136,14 @@ class Host(SystemTest):
             self.assertEqual(self.scan(self.logs[0], *options), self.tree_value)
             with open(self.logs[0], "rb") as log:
                 self.assertEqual(log.read(), b"".join(map(b"%b%b\n".__mod__, zip(self.records, behind))))
+            self.assertEqual(self.compare(self.logs[0], self.logs[0], status=0), [])
         self.assertEqual(os.listdir(self.home), [])
         self.assertEqual(sorted(os.listdir(self.work)), ["before.log", "tree"])
-        self.assertEqual(self.compare(self.logs[0], self.logs[0], status=0), [])
-        self.assertEqual(self.run_host("scan", self.tree, "--expect", self.tree_value).returncode, 0)
+
+    def test_scan_succeeds_with_the_expected_value(self):
+        self.entries()
+        for value in (self.tree_value, self.tree_value.upper()):
+            self.assertEqual(self.run_host("scan", self.tree, "--expect", value).returncode, 0, value)
 
     def test_scan_of_many_entries_prints_only_the_value(self):
         for number in range(2000):
@@ -136,40 +151,45 @@ class Host(SystemTest):
         self.entries()
         self.assertEqual(self.run_host("scan", self.tree).stdout.decode(), self.tree_value + "\n")
 
-    def test_log_on_standard_output_has_the_value_on_standard_error(self):
+    def test_scan_with_the_log_on_standard_output_prints_the_value_on_standard_error(self):
         self.entries()
         run = self.run_host("scan", self.tree, "--log", "-", "-q", "-q")
         self.assertEqual(run.stdout.splitlines(), self.records)
         self.assertEqual(run.stderr.decode(), self.tree_value + "\n")
-        self.assertEqual(self.run_host("scan", self.tree, "--expect", self.tree_value.upper()).returncode, 0)
 
-    def test_compare_tells_what_happened_to_a_tree(self):
+    def test_compare_lists_every_change_of_a_tree(self):
         seen = set()
         for seed in range(25):
-            shutil.rmtree(self.tree)
-            os.mkdir(self.tree)
-            random_tree.make(self.tree, random.Random(seed), entries=16)
-            states = []
-            for log in self.logs:
-                states.append(self.entries())
-                self.scan(log)
-                self.scan(log + ".details", "--details")
-                change(self.tree, random.Random(seed))
-            plain, detailed = (differences(*states, has_details) for has_details in (False, True))
-            lines = self.compare(*self.logs)
-            self.assertEqual([read_back(line) for line in lines], plain)
-            self.assertEqual([SHOWN in line for line in lines], [ODD in path for _, path, _ in plain])
-            details = [log + ".details" for log in self.logs]
-            self.assertEqual([read_back(line) for line in self.compare(*details)], detailed)
-            objects = [json.loads(line) for line in self.compare(*details, "--json")]
-            paths = [told["path"].encode() if isinstance(told["path"], str) else bytes(told["path"]) for told in objects]
-            change_texts = [", ".join(f"{name} {fact['before']} -> {fact['after']}" for name, fact in told.get("facts", {}).items())
-                      or "content, attributes or target" * ("facts" in told) for told in objects]
-            self.assertEqual(list(zip((told["change"] for told in objects), paths, change_texts)), detailed)
-            seen.update(re.sub(r"[\d.]+|: .*", "", words) for _, _, rest in detailed for words in rest.split(", "))
-        self.assertGreaterEqual(len(seen), 6, seen)
+            with self.subTest(seed=seed):
+                shutil.rmtree(self.tree)
+                os.mkdir(self.tree)
+                random_tree.make(self.tree, random.Random(seed), entries=16)
+                states = []
+                for log in self.logs:
+                    states.append(self.entries())
+                    self.scan(log)
+                    self.scan(log + ".details", "--details")
+                    change(self.tree, random.Random(seed))
+                plain, detailed = (differences(*states, has_details) for has_details in (False, True))
+                lines = self.compare(*self.logs)
+                self.assertEqual([read_back(line) for line in lines], plain)
+                escaped = [read_back(line)[1] for line in lines if SHOWN in line]
+                self.assertEqual(escaped, [path for _, path, _ in plain if ODD in path])
+                details = [log + ".details" for log in self.logs]
+                self.assertEqual([read_back(line) for line in self.compare(*details)], detailed)
+                self.assertEqual([read_object(line) for line in self.compare(*details, "--json")], detailed)
+                seen.update(re.sub(r"[\d.]+|: .*", "", words) for _, _, rest in detailed for words in rest.split(", "))
+        self.assertGreaterEqual(len(seen), 6, f"the trees have too few kinds of change: {seen}")
 
-    def test_scan_says_why_it_failed_and_leaves_no_log(self):
+    def assert_fails(self, status, cases):
+        """Compares exit status and first error line of NerixHost. A case has the arguments and the line."""
+        for arguments, reason in cases:
+            with self.subTest(arguments):
+                run = self.run_unprivileged(*arguments, program=HOST)
+                self.assertEqual((run.returncode, run.stderr.decode().split("\n")[0]), (status, "NerixHost: " + reason))
+        self.assertEqual(os.listdir(self.work), ["tree"], "a log was left")
+
+    def test_scan_reports_why_it_failed_and_leaves_no_log(self):
         os.mkdir(self.tree + b"/sub")
         with open(self.tree + b"/sub/\x1bsecret", "wb"):
             os.chmod(self.tree + b"/sub/\x1bsecret", 0)
@@ -177,93 +197,109 @@ class Host(SystemTest):
         os.chmod(self.tree + b"/z", 0o600)
         tree = self.tree.decode()
         inside = os.path.join(tree, "sub", "log")
-        cases = (
-            (["scan", tree, "--log", self.logs[0]], 1, f'cannot read "{tree}/sub/\\x1bsecret": Permission denied'),
-            (["scan", tree + "/z"], 1, f'cannot examine "{tree}/z/inner": Permission denied'),
-            (["scan", "/nowhere"], 1, 'cannot read "/nowhere": No such file or directory'),
-            (["scan", tree, "--log", inside], 1, f'the log "{inside}" is inside the tree to be scanned '
+        self.assert_fails(1, (
+            (["scan", tree, "--log", self.logs[0]], f'cannot read "{tree}/sub/\\x1bsecret": Permission denied'),
+            (["scan", tree + "/z"], f'cannot examine "{tree}/z/inner": Permission denied'),
+            (["scan", "/nowhere"], 'cannot read "/nowhere": No such file or directory'),
+            (["scan", tree, "--log", inside], f'the log "{inside}" is inside the tree to be scanned '
              f'and would change its value; put it outside "{tree}"'),
-            (["scan", tree, "--log", "/nowhere/log"], 1, 'cannot write "/nowhere/log": No such file or directory'),
-            (["scan", tree, "--log", "/dev/null"], 1, 'cannot write "/dev/null": not a regular file'),
-            (["scan", tree, "--log", "/dev/stdout"], 1,
+            (["scan", tree, "--log", "/nowhere/log"], 'cannot write "/nowhere/log": No such file or directory'),
+            (["scan", tree, "--log", "/dev/null"], 'cannot write "/dev/null": not a regular file'),
+            (["scan", tree, "--log", "/dev/stdout"],
              'cannot write "/dev/stdout": not a regular file; --log - writes to standard output'),
-            (["scan", "/dev/null", "--expect", "000000000000000A"], 1, "the value is 0000000000000000, not 000000000000000a"),
-            (["scan", "/dev/null", "--expect", "1"], 2, "'1' is not a value: expected 16 hexadecimal digits"),
-            (["scan", "/dev/null", "--expect", "000000000000000g"], 2,
+            (["scan", "/dev/null", "--expect", "000000000000000A"], "the value is 0000000000000000, not 000000000000000a"),
+        ))
+
+    def test_host_rejects_wrong_arguments(self):
+        tree = self.tree.decode()
+        self.assert_fails(2, (
+            (["scan", "/dev/null", "--expect", "1"], "'1' is not a value: expected 16 hexadecimal digits"),
+            (["scan", "/dev/null", "--expect", "000000000000000g"],
              "'000000000000000g' is not a value: expected 16 hexadecimal digits"),
-            (["scan", tree, "-H", "md6"], 2, "unknown hash method 'md6'; did you mean 'md5'?"),
-            (["scan", tree, "-H", "\x1b[31m"], 2, rf"unknown hash method '\x1b[31m'; known are: {' '.join(STEPS)}"),
-            (["scna"], 2, "unknown command 'scna'; did you mean 'scan'?"),
-            (["scan", tree, "--lgo", "x"], 2, "unknown option '--lgo'; did you mean '--log'?"),
-            (["settings", "wacth"], 2, "unknown action 'wacth'; did you mean 'watch'?"),
-            (["scan"], 2, "missing argument PATH"),
-            (["settings", "get"], 2, "missing argument KEY"),
-            (["scan", tree, "--details"], 2, "--details needs --log"),
-            (["scan", tree, "--log", ""], 2, "--log needs the name of a file"),
-            (["scan", ""], 2, "PATH is empty"),
-            (["compare", "a"], 2, "missing argument AFTER"),
-            (["compare", "/\x1bnowhere", "/nowhere"], 2, r"/\x1bnowhere: No such file or directory"),
-            (["settings", "get", f"memori{PREFIX}stats"], 1,
+            (["scan", tree, "-H", "md6"], "unknown hash method 'md6'; did you mean 'md5'?"),
+            (["scan", tree, "-H", "\x1b[31m"], rf"unknown hash method '\x1b[31m'; known are: {' '.join(STEPS)}"),
+            (["scna"], "unknown command 'scna'; did you mean 'scan'?"),
+            (["scan", tree, "--lgo", "x"], "unknown option '--lgo'; did you mean '--log'?"),
+            (["settings", "wacth"], "unknown action 'wacth'; did you mean 'watch'?"),
+            (["scan"], "missing argument PATH"),
+            (["settings", "get"], "missing argument KEY"),
+            (["scan", tree, "--details"], "--details needs --log"),
+            (["scan", tree, "--log", ""], "--log needs the name of a file"),
+            (["scan", ""], "PATH is empty"),
+            (["compare", "a"], "missing argument AFTER"),
+            (["compare", "/\x1bnowhere", "/nowhere"], r"/\x1bnowhere: No such file or directory"),
+        ))
+
+    def test_settings_get_reports_an_unknown_key(self):
+        self.assert_fails(1, (
+            (["settings", "get", f"memori{PREFIX}stats"],
              f"there is no setting 'memori{PREFIX}stats'; did you mean 'memory/{PREFIX}status'?"),
-            (["settings", "get", "nothing/alike"], 1, "there is no setting 'nothing/alike'"),
-            (["settings", "get", "progress"], 1, f"there is no setting 'progress'; did you mean 'memory/{PREFIX}progress'?"),
-        )
-        for arguments, status, sentence in cases:
-            with self.subTest(arguments):
-                run = self.run_unprivileged(*arguments, program=HOST)
-                self.assertEqual((run.returncode, run.stderr.decode().splitlines()[0]), (status, "NerixHost: " + sentence))
-        self.assertEqual(os.listdir(self.work), ["tree"])
+            (["settings", "get", "nothing/alike"], "there is no setting 'nothing/alike'"),
+            (["settings", "get", "progress"], f"there is no setting 'progress'; did you mean 'memory/{PREFIX}progress'?"),
+        ))
 
     @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_scan_gives_no_value_of_a_file_that_cannot_be_read_to_its_end(self):
         file = self.tree + b"/file"
         write(file, bytes(300_000))
-        run = subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", "-P", file, "-e", "inject=read:error=EIO:when=2", HOST,
-                              "scan", self.tree, "--log", self.logs[0]], check=False, env=self.environment, capture_output=True)
+        run = subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", "-P", file, "-e", "inject=read:error=EIO:when=2",
+                              HOST, "scan", self.tree, "--log", self.logs[0]], check=False, env=self.environment,
+                             capture_output=True)
         self.assertEqual(run.stderr, b'NerixHost: cannot read "%b": Input/output error\n' % file)
         self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertEqual(os.listdir(self.work), ["tree"])
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_log_in_the_tree_under_another_name_is_refused(self):
-        sub = self.tree.decode() + "/sub"
-        os.makedirs(sub + "/inner")
-        file = sub + "/file"
-        write(file)
+    def test_scan_rejects_a_log_in_the_tree_under_another_name(self):
+        os.makedirs(self.tree + b"/sub/inner")
         value = self.scan(self.logs[0])
-        for place, bound in (("/mnt/tree", self.tree), ("/mnt/sub dir", sub), ("/mnt/inner", sub + "/inner")):
-            self.mount(place, bound, kind="bind")
-            run = self.run_host("scan", self.tree, "--log", place + "/log")
-            self.assertEqual((run.returncode, run.stdout), (1, b""))
-            self.assertIn(b"is inside the tree to be scanned", run.stderr)
-        os.link(file, self.work + "/other name")
-        run = self.run_host("scan", self.tree, "--log", self.work + "/other name")
-        self.assertEqual(run.returncode, 1)
+        for place, bound in (("/mnt/tree", b""), ("/mnt/sub dir", b"/sub"), ("/mnt/inner", b"/sub/inner")):
+            with self.subTest(place):
+                self.mount(place, self.tree + bound, kind="bind")
+                run = self.run_host("scan", self.tree, "--log", place + "/log")
+                self.assertEqual((run.returncode, run.stdout), (1, b""))
+                self.assertIn(b"is inside the tree to be scanned", run.stderr)
+        self.assertEqual(self.scan(self.logs[0]), value, "a log was left in the tree")
+
+    def test_scan_rejects_a_log_that_has_other_hard_links(self):
+        log = self.work + "/other name"
+        write(self.tree + b"/file")
+        os.link(self.tree + b"/file", log)
+        run = self.run_host("scan", self.tree, "--log", log)
+        self.assertEqual((run.returncode, run.stdout), (1, b""))
         self.assertIn(b"has other hard links, which may be inside the tree", run.stderr)
-        os.unlink(self.work + "/other name")
-        self.mount(sub + "/inner", self.work, kind="bind")  # leads out of the tree
-        self.assertEqual(self.run_host("scan", self.tree, "--log", sub + "/inner/log").returncode, 0)
-        self.assertEqual(self.run_host("scan", sub + "/file", "--log", self.work + "/log").returncode, 0)
-        os.unlink(self.work + "/log")
-        subprocess.run(["umount", sub + "/inner"], check=True)
-        self.assertEqual(self.scan(self.logs[0]), value)
+        self.assertEqual(os.path.getsize(log), 0, "size of the log")
 
-    def test_log_keeps_owner_and_mode_and_takes_any_name(self):
-        log = os.path.join(self.work, "l" * 255)
-        write(log)
-        os.chmod(log, 0o640)
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
+    def test_scan_writes_a_log_whose_path_leads_out_of_the_tree(self):
+        inner = self.tree + b"/inner"
+        self.mount(inner, self.work, kind="bind")
+        self.scan(inner + b"/before.log")
+        self.scan(self.logs[1])
+        self.assertEqual(self.compare(*self.logs, status=0), [])
+
+    def test_scan_of_a_file_writes_a_log(self):
+        write(self.tree + b"/file")
+        self.assertEqual(self.run_host("scan", self.tree + b"/file", "--log", self.logs[0]).returncode, 0)
+
+    def test_scan_keeps_owner_and_mode_of_its_log(self):
+        write(self.logs[0])
+        os.chmod(self.logs[0], 0o640)
         if os.geteuid() == 0:
-            os.chown(log, 12, 34)
-        before = os.stat(log)
-        for number in range(70_000, 70_010):  # names that were guessed
-            os.makedirs(f"{self.logs[0]}.part-{number}")
-        self.scan(log)
-        after = os.stat(log)
-        self.assertEqual((after.st_mode, after.st_uid, after.st_gid), (before.st_mode, before.st_uid, before.st_gid))
+            os.chown(self.logs[0], 12, 34)
+        kept = lambda status: (status.st_mode, status.st_uid, status.st_gid)
+        before = kept(os.stat(self.logs[0]))
         self.scan(self.logs[0])
-        self.assertEqual(stat.S_IMODE(os.stat(self.logs[0]).st_mode), 0o644)
+        self.assertEqual(kept(os.stat(self.logs[0])), before)
 
-    def test_log_of_a_killed_scan_goes_with_the_next(self):
+    def test_scan_writes_a_log_of_any_name(self):
+        for number in range(70_000, 70_010):  # a name for the partial log that somebody guessed
+            os.makedirs(f"{self.logs[0]}.part-{number}")
+        for log in (self.logs[0], os.path.join(self.work, "l" * 255)):
+            self.scan(log)
+            self.assertEqual(stat.S_IMODE(os.stat(log).st_mode), 0o644)
+
+    def test_scan_removes_the_partial_log_of_a_killed_scan(self):
         make_hole(self.tree + b"/long", 1 << 40)
         with subprocess.Popen([HOST, "scan", self.tree, "--log", self.logs[0], "-q"], env=self.environment) as scan:
             while len(os.listdir(self.work)) == 1:
@@ -272,14 +308,14 @@ class Host(SystemTest):
             other = subprocess.run(["timeout", "0.5", HOST, "scan", self.tree, "--log", self.logs[0], "-q"], check=False,
                                    env=self.environment, stderr=subprocess.DEVNULL)
             self.assertEqual(other.returncode, 124)
-            self.assertEqual(len(os.listdir(self.work)), 2, "that of the running scan stays")
+            self.assertEqual(len(os.listdir(self.work)), 2, "the partial log of the running scan was removed")
             scan.kill()
         os.unlink(self.tree + b"/long")
         self.scan(self.logs[0])
         self.assertEqual(sorted(os.listdir(self.work)), ["before.log", "tree"])
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_log_that_does_not_fit_is_not_there(self):
+    def test_scan_leaves_no_log_that_does_not_fit(self):
         for number in range(100):
             os.mkdir(self.tree + b"/%d" % number)
         self.mount("/mnt/small", "-o", "size=4k")
@@ -288,7 +324,7 @@ class Host(SystemTest):
         self.assertEqual(run.stderr, b'NerixHost: cannot write "/mnt/small/log": No space left on device\n')
         self.assertEqual(os.listdir("/mnt/small"), [])
 
-    def test_logs_of_every_kind_compare(self):
+    def test_compare_reads_system_logs_and_pipes(self):
         long = self.tree + b"/" + b"/".join((b"\\\n\x1b" + b'"e&' * 60, *(b"\n" * 250 for _ in range(4))))
         os.makedirs(long)
         system = os.path.join(self.home, "log", "main.log")
@@ -302,24 +338,25 @@ class Host(SystemTest):
         self.assertEqual(self.compare(*self.logs, status=0), [])
         os.mkdir(long + b"/new")
         self.value(self.tree)
-        self.assertEqual([read_back(line)[:2] for line in self.compare(self.logs[1], system)], [("added", long + b"/new")])
+        lines = self.compare(self.logs[1], system)
+        self.assertEqual([read_back(line) for line in lines], [("added", long + b"/new", "")])
         through_pipe = subprocess.run(["bash", "-c", f"{HOST} compare <(cat {self.logs[1]}) <(cat {system})"],
                                       check=False, stdout=subprocess.PIPE, env=self.environment)
-        self.assertEqual(through_pipe.returncode, 1)
+        self.assertEqual((through_pipe.returncode, through_pipe.stdout.splitlines()), (1, lines))
         write(self.logs[0], text[:text.index(b"\n", text.index(b"HashWorker.cpp")) + 1])
-        self.assertIn(b"its last record is not terminated\n", self.run_host("compare", *self.logs).stderr)
+        self.assert_rejected(self.logs[1], self.logs[0], "its last record is not terminated\n")
 
-    def test_logs_of_a_whole_system_compare(self):
+    def test_compare_reads_logs_of_a_whole_system(self):
         for log, value in zip(self.logs, (1, 2)):
             write(log, b'%016x "/a/b"\n%016x "/a"\n%016x "/"\n' % (value, value, value))
         self.assertEqual(self.compare(*self.logs), [b'changed "/a/b"'])
 
-    def assert_refused(self, log, reason):
-        run = self.run_host("compare", self.logs[0], log)
-        self.assertIn(reason, run.stderr.decode())
+    def assert_rejected(self, before, after, reason):
+        run = self.run_host("compare", before, after)
+        self.assertRegex(run.stderr.decode(), reason)
         self.assertEqual((run.returncode, run.stdout), (2, b""))
 
-    def test_logs_that_cannot_be_compared(self):
+    def test_compare_rejects_damaged_and_incomplete_logs(self):
         os.makedirs(self.tree + b"/a/b")
         self.value(self.tree)
         system = "".join(line.decode() + "\n" for line in self.log_lines("main"))
@@ -334,7 +371,8 @@ class Host(SystemTest):
             "empty": ("", "is not a scan log"),
             "other text": ("nonsense\n", "is not a scan log"),
             "one record": (lines[0], "the logs are of different trees"),
-            "no root": ("".join(lines[:-2]) + lines[0].replace("/a/b", "/c"), "is incomplete: it does not end with the root of the tree"),
+            "no root": ("".join(lines[:-2]) + lines[0].replace("/a/b", "/c"),
+                        "is incomplete: it does not end with the root of the tree"),
             "cut in the last record": (text[:-2], "its last record is not terminated\n"),
             "no line feed at the end": (text[:-1], "its last record is not terminated\n"),
             "twice": (text + text, "line 4 is out of order"),
@@ -343,24 +381,29 @@ class Host(SystemTest):
             "text after a record": (text.replace('b"', 'b" x', 1), "line 1 is damaged"),
             "unknown pair": (text.replace("/a/b", "/a/&b"), "line 1 is damaged"),
             "long path": (text.replace("/a/b", "/a/" + "b" * 5000), "line 1 is damaged"),
-            "begin of a system log rotated away": (system[system.index("[INF] HashWorker"):].split("\n", 1)[1], "is incomplete: records"),
+            "begin of a system log rotated away": (system[system.index("[INF] HashWorker"):].split("\n", 1)[1],
+                                                   "is incomplete: records"),
             "record of a system log lost": (re.sub(r".*/a\"\n", "", system), "is incomplete: records"),
             "other tree": (text.replace("/tree", "/wood"), "the logs are of different trees"),
-            "some records without details": (details.split(" directory", 1)[0] + "\n" + details.split("\n", 1)[1], "line 2 has details"),
+            "some records without details": (details.split(" directory", 1)[0] + "\n" + details.split("\n", 1)[1],
+                                             "line 2 has details"),
             "some records with details": (lines[0] + details.split("\n", 1)[1], "line 2 has details"),
         }
-        for wrong in ("dir", "directory -1", "directory 01", "directory 0 4294967296", "directory 0 0 2 755", "directory 0 0 2 0789",
-                      "directory 0 0 2 0755 x", "directory 0 0 2 0755 1 1", "directory  0 0 2 0755 1", "directory\x1b[31m"):
+        for wrong in ("dir", "directory -1", "directory 01", "directory 0 4294967296", "directory 0 0 2 755",
+                      "directory 0 0 2 0789", "directory 0 0 2 0755 x", "directory 0 0 2 0755 1 1",
+                      "directory  0 0 2 0755 1", "directory\x1b[31m"):
             cases["details " + wrong] = (re.sub(" directory.*", " " + wrong, details, count=1), "line 1 is damaged")
         for name, (content, reason) in cases.items():
             with self.subTest(name):
                 write(self.logs[1], content.encode())
-                self.assert_refused(self.logs[1], reason)
-        for cut in range(details.rindex("\n", 0, -1) + 2, len(details)):
-            write(self.logs[1], details[:cut].encode())
-            self.assertEqual(self.run_host("compare", self.logs[1], self.logs[1]).returncode, 2, details[:cut])
+                self.assert_rejected(self.logs[0], self.logs[1], reason)
+        last_line = details.rindex("\n", 0, -1) + 1
+        for end in range(last_line + 1, len(details)):
+            with self.subTest("details cut", last_line=details[last_line:end]):
+                write(self.logs[1], details[:end].encode())
+                self.assert_rejected(self.logs[1], self.logs[1], "line 3 is (damaged|not a scan record)|is not terminated")
 
-    def test_log_without_lines_takes_no_memory(self):
+    def test_compare_of_logs_without_lines_takes_no_memory(self):
         make_hole(self.logs[0], 3 << 30)
         limit = "" if SANITIZED else "ulimit -v 200000;"
         run = subprocess.run(["bash", "-c", f"{limit} exec {HOST} compare {self.logs[0]} {self.logs[0]}"], check=False,
@@ -368,24 +411,25 @@ class Host(SystemTest):
         self.assertEqual(run.returncode, 2)
         self.assertIn(b"before.log: line 1 is longer than any scan record\n", run.stderr)
 
-    def test_log_from_a_pipe_that_cannot_be_copied_whole_is_refused(self):
+    def test_compare_rejects_a_log_from_a_pipe_that_cannot_be_copied(self):
         for number in range(200):
             os.mkdir(self.tree + b"/%d" % number)
         self.scan(self.logs[0])
-        run = subprocess.run(["bash", "-c", f"ulimit -f 4; exec {HOST} compare <(cat {self.logs[0]}) <(cat {self.logs[0]})"],
+        log = self.logs[0]
+        run = subprocess.run(["bash", "-c", f"ulimit -f 4; exec {HOST} compare <(cat {log}) <(cat {log})"],
                              check=False, env=self.environment, capture_output=True)
         self.assertEqual(run.returncode, 2)
         self.assertIn(b": cannot be copied: File too large\n", run.stderr)
 
     def on_terminal(self, columns, *arguments):
-        """What a program writes to a terminal of that width."""
+        """Returns what NerixHost writes to a terminal of that width."""
         terminal, side = pty.openpty()
         fcntl.ioctl(side, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
         with subprocess.Popen([HOST, *arguments], env={**self.environment, "TERM": "xterm"}, stderr=side,
                               stdout=subprocess.DEVNULL) as run:
             os.close(side)
             text = b""
-            with contextlib.suppress(OSError):  # the end of a terminal
+            with contextlib.suppress(OSError):  # read fails when no process has the terminal open
                 while piece := os.read(terminal, 65536):
                     text += piece
         os.close(terminal)
@@ -393,21 +437,23 @@ class Host(SystemTest):
         return text.decode()
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_bar_moves_and_fits_the_terminal(self):
+    def test_scan_shows_a_bar_that_moves_and_fits_the_terminal(self):
         write(self.tree + b"/a", bytes(20 << 20))
-        write(self.tree + b"/b", bytes(300 << 20))  # begun ahead, and soon in front
-        for columns in (12, 40, 80, 200):
-            frames = self.on_terminal(columns, "scan", self.tree).split("\r")[1:]
-            self.assertEqual(frames.pop(), "\x1b[K")
-            self.assertTrue(any(15 < float(frame.split("%")[0]) < 60 for frame in frames), frames)
-            for frame in frames:
-                self.assertRegex(frame, r"^ *\d+\.\d\d? %.*\x1b\[K$")
-                bar = re.search(r"\[#* *\]", frame[:-3])
-                self.assertEqual(bool(bar), columns >= 40)
-                if bar and len(bar.group()) < 40:
-                    self.assertEqual(len(frame) - 3, columns - 1, "the bar takes what is left")
-                self.assertTrue(len(frame) - 3 < columns and (not bar or 10 <= len(bar.group()) <= 40), frame)
-                self.assertEqual(bool(re.search(r"\d+ entries \d+:\d\d", frame)), columns >= 40)
+        write(self.tree + b"/b", bytes(300 << 20))  # helpers begin it early, so it soon determines the progress
+        end = "\x1b[K"
+        for columns, bar_widths in ((12, []), (40, [16]), (80, [40]), (200, [40])):
+            with self.subTest(columns=columns):
+                frames = self.on_terminal(columns, "scan", self.tree).split("\r")[1:]
+                self.assertEqual(frames.pop(), end, "the last frame")
+                percents = [float(frame.split("%")[0]) for frame in frames]
+                self.assertNotEqual([percent for percent in percents if 15 < percent < 60], [], f"none of {percents}")
+                for frame in frames:
+                    bar = r" \[#* *\] \d+ entries \d+:\d\d" if bar_widths else ""
+                    self.assertRegex(frame, rf"\A *\d+\.\d\d? %{bar}{re.escape(end)}\Z")
+                    self.assertEqual([len(bar) for bar in re.findall(r"\[#* *\]", frame)], bar_widths, frame)
+                    self.assertLess(len(frame) - len(end), columns, frame)
+
+    def test_quiet_scan_shows_no_bar(self):
         self.assertEqual(self.on_terminal(80, "scan", self.tree, "--quiet"), "")
 
 
