@@ -108,10 +108,14 @@ int openUnderLease(const boost::filesystem::path& path) {
 } // namespace
 
 int openContent(const boost::filesystem::path& path) {
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    const int descriptor = openContentWithoutWaiting(path);
     // Another process holds a write lease (file servers take them). No other cause makes a local open fail
     // with EWOULDBLOCK, and only for a regular file.
     return descriptor == -1 && errno == EWOULDBLOCK ? openUnderLease(path) : descriptor;
+}
+
+int openContentWithoutWaiting(const boost::filesystem::path& path) {
+    return ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
 }
 
 } // namespace Nerix::FileScanners

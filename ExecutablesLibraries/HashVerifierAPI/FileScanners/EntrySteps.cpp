@@ -69,7 +69,8 @@ NameList readNameList(const FileInput& entry) {
     return list;
 }
 
-/// Fills names with the names of the entry's attributes, sorted by their bytes.
+} // namespace
+
 void listxattr(const FileInput& entry, std::vector<std::string>& names) {
     NameList list = readNameList(entry);
     if (!list.isAsAnnounced()) {
@@ -108,8 +109,6 @@ std::vector<char> readxattr(const FileInput& entry, const std::string& name) {
     return value;
 }
 
-} // namespace
-
 std::string statusText(const FileInput& entry) {
     const struct stat& status = entry.status;
     std::string text;
@@ -141,7 +140,7 @@ hash_t hashxtattr(const FileInput& entry, hash_t value, const IHashFunction& fun
     for (const std::string& name : names) {
         const std::vector<char> content = readxattr(entry, name);
         value = function.apply(value, name);
-        value = function.apply(value, std::string("separator"));
+        value = function.apply(value, std::string(attributeSeparator));
         value = function.apply(value, static_cast<unsigned int>(content.size()), content.data());
     }
     return value;

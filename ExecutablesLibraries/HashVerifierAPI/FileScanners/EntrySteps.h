@@ -3,6 +3,8 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/IHashFunction.h"
 
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace Nerix {
 
@@ -31,6 +33,15 @@ IHashFunction::hash_t hashstat(const FileInput& entry, IHashFunction::hash_t val
 /// is accepted if a second read gives the same sizes (overlay file systems count names they hide).
 IHashFunction::hash_t hashxtattr(const FileInput& entry, IHashFunction::hash_t value,
                                  const IHashFunction& function);
+
+/// Adds the names of the entry's attributes to `names`, which must be empty, sorted by their bytes. Throws as
+/// hashxtattr does.
+void listxattr(const FileInput& entry, std::vector<std::string>& names);
+
+/// Returns the value of the attribute. Throws as hashxtattr does. data() is not null even if it is empty.
+std::vector<char> readxattr(const FileInput& entry, const std::string& name);
+
+constexpr std::string_view attributeSeparator = "separator";
 
 } // namespace FileScanners
 

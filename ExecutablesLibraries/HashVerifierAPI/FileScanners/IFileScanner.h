@@ -47,6 +47,10 @@ public:
                            const IHashFunction& /*function*/) const {
         return value;
     }
+
+    /// What an entry of this kind is hashed from besides its path, status and attributes.
+    enum class Remainder { none, content, target };
+    virtual Remainder remainder() const { return Remainder::none; }
 };
 
 } // namespace Nerix

@@ -11,11 +11,11 @@ using hash_t = IHashFunction::hash_t;
 
 hash_t Regular::examine(const FileInput& entry, hash_t value, const IHashFunction& function) const {
     value = hashMetadata(entry, value, function);
-    const ContentStream content(entry.path, static_cast<std::uint64_t>(entry.status.st_size));
-    value = function.apply(value, content.get());
-    content.throwIfReplaced();
-    if (content.readError() != 0) {
-        HashFunctions::StepObserver::reportReadError(content.readError());
+    const ContentStream stream(entry.path, static_cast<std::uint64_t>(entry.status.st_size));
+    value = function.apply(value, stream.get());
+    stream.content().throwIfReplaced();
+    if (stream.content().readError() != 0) {
+        HashFunctions::StepObserver::reportReadError(stream.content().readError());
     }
     return value;
 }

@@ -5,7 +5,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
 
 #include <cerrno>
-#include <vector>
 
 #include <unistd.h>
 
@@ -13,8 +12,7 @@ namespace Nerix::FileScanners {
 
 using hash_t = IHashFunction::hash_t;
 
-hash_t SymbolicLink::examine(const FileInput& entry, hash_t value, const IHashFunction& function) const {
-    value = hashMetadata(entry, value, function);
+std::vector<char> targetOf(const FileInput& entry) {
     // The length is lstat's, not readlink's. They differ in /proc, where lstat often says 0 or 64, and when
     // the link has been replaced; zeros fill what is missing.
     const auto length = static_cast<std::size_t>(entry.status.st_size);
@@ -23,7 +21,14 @@ hash_t SymbolicLink::examine(const FileInput& entry, hash_t value, const IHashFu
         BOOST_THROW_EXCEPTION(accessError("read", entry.path, errno) << Common::Utils::errinfo_stream(
                                   "access error: can't read symlink: ", entry.path));
     }
-    return function.apply(value, static_cast<unsigned int>(length), target.data());
+    target.pop_back();
+    return target;
+}
+
+hash_t SymbolicLink::examine(const FileInput& entry, hash_t value, const IHashFunction& function) const {
+    value = hashMetadata(entry, value, function);
+    const std::vector<char> target = targetOf(entry);
+    return function.apply(value, static_cast<unsigned int>(target.size()), target.data());
 }
 
 } // namespace Nerix::FileScanners

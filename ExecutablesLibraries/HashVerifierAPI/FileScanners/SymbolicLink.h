@@ -2,6 +2,8 @@
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/LeafScanner.h"
 
+#include <vector>
+
 namespace Nerix::FileScanners {
 
 /// Symbolic links: path, status text, extended attributes, target text. Never followed, so a dangling link is
@@ -9,6 +11,11 @@ namespace Nerix::FileScanners {
 class SymbolicLink final : public LeafScanner {
 public:
     hash_t examine(const FileInput& entry, hash_t value, const IHashFunction& function) const override;
+    Remainder remainder() const override { return Remainder::target; }
 };
+
+/// Returns the target of the link, with the length that its status gives. Throws GenericException "access error: can't
+/// read symlink: " + quoted path.
+std::vector<char> targetOf(const FileInput& entry);
 
 } // namespace Nerix::FileScanners

@@ -1,0 +1,123 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntryTexts.h"
+
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/ContentOpening.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/SymbolicLink.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace Nerix::FileScanners {
+
+namespace {
+
+constexpr std::size_t chunkSize = 4096;
+
+} // namespace
+
+EntryTexts::EntryTexts(const FileInput& entry, IFileScanner::Remainder remainder, Buffer& buffer)
+    : m_entry(entry), m_remainder(remainder), m_buffer(buffer) {}
+
+bool EntryTexts::next(std::string_view& text) {
+    switch (m_phase) {
+    case Phase::path:
+        text = m_entry.path.native();
+        m_phase = Phase::status;
+        return true;
+    case Phase::status:
+        m_status = statusText(m_entry);
+        text = m_status;
+        m_phase = Phase::attributes;
+        return true;
+    case Phase::attributes:
+        if (nextAttributeText(text)) {
+            return true;
+        }
+        m_phase = Phase::remainder;
+        break;
+    case Phase::remainder:
+        break;
+    }
+    return nextRemainder(text);
+}
+
+bool EntryTexts::nextAttributeText(std::string_view& text) {
+    if (m_nextPart == AttributePart::separator) {
+        text = attributeSeparator;
+        m_nextPart = AttributePart::value;
+        return true;
+    }
+    if (m_nextPart == AttributePart::value) {
+        text = {m_attributeValue.data(), m_attributeValue.size()};
+        m_nextPart = AttributePart::name;
+        ++m_attribute;
+        return true;
+    }
+    if (m_attribute == 0) {
+        listxattr(m_entry, m_attributes);
+    }
+    if (m_attribute == m_attributes.size()) {
+        return false;
+    }
+    m_attributeValue = readxattr(m_entry, m_attributes[m_attribute]); // before its name is hashed
+    text = m_attributes[m_attribute];
+    m_nextPart = AttributePart::separator;
+    return true;
+}
+
+bool EntryTexts::nextRemainder(std::string_view& text) {
+    switch (m_remainder) {
+    case IFileScanner::Remainder::none:
+        return false;
+    case IFileScanner::Remainder::target:
+        if (m_isTargetTaken) {
+            return false;
+        }
+        m_target = targetOf(m_entry);
+        text = {m_target.data(), m_target.size()};
+        m_isTargetTaken = true;
+        return true;
+    case IFileScanner::Remainder::content:
+        break;
+    }
+    return nextChunk(text);
+}
+
+bool EntryTexts::nextChunk(std::string_view& text) {
+    if (!m_content) {
+        openContent();
+    }
+    if (m_bufferEnd - m_chunkBegin < chunkSize && !m_isAtEnd) {
+        fillBuffer();
+    }
+    text = {m_buffer.data + m_chunkBegin, std::min(chunkSize, m_bufferEnd - m_chunkBegin)};
+    m_chunkBegin += text.size();
+    if (text.empty()) {
+        m_content->throwIfReplaced();
+    }
+    return !text.empty();
+}
+
+void EntryTexts::openContent() {
+    const int descriptor = openContentWithoutWaiting(m_entry.path);
+    if (descriptor == -1 && errno == EWOULDBLOCK) {
+        throw LeasedFile();
+    }
+    m_content.emplace(m_entry.path, static_cast<std::uint64_t>(m_entry.status.st_size), descriptor);
+}
+
+void EntryTexts::fillBuffer() {
+    m_bufferEnd -= m_chunkBegin;
+    std::memmove(m_buffer.data, m_buffer.data + m_chunkBegin, m_bufferEnd);
+    m_chunkBegin = 0;
+    while (m_bufferEnd < chunkSize && !m_isAtEnd) { // a read may give less than there is
+        const std::size_t count =
+            m_content->read(m_buffer.data + m_bufferEnd, Buffer::capacity - m_bufferEnd);
+        m_bufferEnd += count;
+        m_isAtEnd = count == 0;
+    }
+}
+
+} // namespace Nerix::FileScanners

@@ -1,0 +1,72 @@
+#pragma once
+
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Content.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
+
+#include <boost/core/noncopyable.hpp>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Nerix::FileScanners {
+
+/// The texts over which the steps of one entry are taken, in order: path, status, attributes, then the content of a
+/// file or the target of a link. They are those of IFileScanner::examine, one at a time, so that the steps of several
+/// entries can be taken in turns. Each is read when it is asked for.
+class EntryTexts : private boost::noncopyable {
+public:
+    /// Where content is read, in a file's case. The data begins eight bytes after an aligned address: with the value
+    /// in front of it, a step then takes aligned blocks.
+    struct Buffer {
+        static constexpr std::size_t capacity = 32768;
+        alignas(64) char unused[8];
+        char data[capacity];
+    };
+
+    /// entry and buffer must outlive the object.
+    EntryTexts(const FileInput& entry, IFileScanner::Remainder remainder, Buffer& buffer);
+
+    /// Replaces text by the next one, which stays valid until the next call. Returns false after the last. Throws what
+    /// IFileScanner::examine throws, and LeasedFile.
+    bool next(std::string_view& text);
+
+    /// Returns the errno of the read that ended the content early, or 0 if none did.
+    int readError() const { return m_content ? m_content->readError() : 0; }
+
+    /// Thrown if another process holds a lease on the file, for which examine would wait.
+    struct LeasedFile {};
+
+private:
+    enum class Phase { path, status, attributes, remainder };
+
+    bool nextAttributeText(std::string_view& text);
+    bool nextRemainder(std::string_view& text);
+    bool nextChunk(std::string_view& text);
+    void openContent();
+    void fillBuffer();
+
+    const FileInput& m_entry;
+    const IFileScanner::Remainder m_remainder;
+    Phase m_phase = Phase::path;
+    std::string m_status;
+
+    enum class AttributePart { name, separator, value };
+    AttributePart m_nextPart = AttributePart::name;
+    std::vector<std::string> m_attributes; ///< their names
+    std::size_t m_attribute = 0;           ///< the one whose texts are next
+    std::vector<char> m_attributeValue;
+
+    std::vector<char> m_target;
+    bool m_isTargetTaken = false;
+
+    Buffer& m_buffer;
+    std::optional<Content> m_content;
+    std::size_t m_chunkBegin = 0; ///< where the next chunk begins in the buffer
+    std::size_t m_bufferEnd = 0;  ///< where the data in the buffer ends
+    bool m_isAtEnd = false;       ///< of the content
+};
+
+} // namespace Nerix::FileScanners
