@@ -6,10 +6,11 @@
 //   Worker/HashWorker.cpp       publishes status, progress and result; runs the scan on a thread of its own
 //   ScanLog/ScanLogFile.cpp     opens the scan log on a USB drive
 //   FileScanners/FileScanners.cpp   selects the scanner of an entry by its kind
-//   FileScanners/Directory.cpp, Walk/Walk.cpp   list a directory and have its entries examined and reported
-//   FileScanners/Regular.cpp, SymbolicLink.cpp  hash path, status, attributes, and content or target
-//   HashFunctions/OpenSSLHash.cpp   one step: a digest of the old value and the new bytes
-//   Common/IO/HashSink.cpp      that digest, computed by OpenSSL
+//   FileScanners/Walk/Walk.cpp  lists directories, and has entries examined and reported
+//   Walk/Examiner.cpp, EntryTexts.cpp   reads path, status, attributes, and content or target of entries
+//   HashFunctions/Md5Hash.cpp   hashes these texts, several entries at a time
+//   Walk/Reporter.cpp           passes the entries to the worker, in order
+//   HashFunctions/OpenSSLHash.cpp, Common/IO/HashSink.cpp   a single step, computed by OpenSSL
 
 #include "Common/Logging/Log.h"
 #include "Common/Logging/PackageVersion.h"

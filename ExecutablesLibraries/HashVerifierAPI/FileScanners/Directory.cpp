@@ -36,7 +36,7 @@ hash_t Directory::examine(const FileInput& entry, hash_t value, const IHashFunct
 }
 
 hash_t Directory::process(const FileInput& entry, hash_t value, const IHashFunction& function) const {
-    return Walk(*this, function, {__PRETTY_FUNCTION__, __FILE__, __LINE__}).run(entry, value);
+    return Walk(*this, function, {__PRETTY_FUNCTION__, __FILE__, __LINE__}, entry, value).run();
 }
 
 } // namespace Nerix::FileScanners

@@ -1,401 +1,230 @@
+// The worker's thread takes one step after the other until the root has been reported. In each, it reports what is
+// finished at the front of the queue and then examines the front, if that was deferred, or what lies ahead. While it
+// examines entries ahead it goes on reporting, whenever it takes another entry or has hashed another mebibyte. The
+// helpers only examine entries ahead.
+
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Walk.h"
 
 #include "Common/IO/DigestSession.h"
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/RethrowExceptionStream.h"
 #include "Common/Utils/TerminationSignals.h"
-#include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
-#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
-#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/LackOfResources.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
-#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 #include <boost/exception/diagnostic_information.hpp>
-#include <boost/thread/thread.hpp>
 
-#include <algorithm>
-
-#include <csignal>
-#include <pthread.h>
-#include <sched.h>
-#include <sys/resource.h>
+#include <utility>
 
 namespace Nerix::FileScanners {
 
 using hash_t = IFileScanner::hash_t;
+using State = QueuedEntry::State;
 
-namespace {
-
-constexpr std::size_t maxHelpers = 7;
-
-/// How many helpers leave enough file descriptors for the settings store and the logs, which must not fail
-/// because of them. A helper has up to two open.
-std::size_t helpersForDescriptors() {
-    constexpr rlim_t reserved = 32;
-    rlimit limit{};
-    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0) {
-        return maxHelpers;
-    }
-    return static_cast<std::size_t>(limit.rlim_cur > reserved ? (limit.rlim_cur - reserved) / 2 : 0);
-}
-
-/// At least three helpers even on few cores, so that several requests can wait for a cold disk at once.
-std::size_t helperCount() {
-    cpu_set_t cores{};
-    const int count = ::sched_getaffinity(0, sizeof cores, &cores) == 0 ? CPU_COUNT(&cores) : 1;
-    int threads = count > 1 ? std::max(count, 4) : 1;
-    if (Common::DebugAndTestParameters::loaded()) {
-        threads = Common::getDebugAndTestParameters().getCustomIntParam("hashVerifierThreads", threads);
-    }
-    const std::size_t wanted = static_cast<std::size_t>(std::max(threads, 1)) - 1;
-    return std::min({wanted, maxHelpers, helpersForDescriptors()});
-}
-
-std::string pathInside(const std::string& directory, const char* name) {
-    std::string path;
-    path.reserve(directory.size() + 1 + std::char_traits<char>::length(name));
-    path.append(directory).append(directory.back() == '/' ? 0 : 1, '/').append(name);
-    return path;
-}
-
-/// Blocks all signals on this thread, so that threads started meanwhile inherit the mask and receive none.
-class SignalsBlocked {
-public:
-    SignalsBlocked() {
-        sigset_t all;
-        ::sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, &m_before);
-    }
-    ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &m_before, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t m_before{};
-};
-
-struct Stopped {};
-
-} // namespace
-
-/// Reports steps of the front entry as they are taken, skipping those already reported before a retry.
+/// Reports the steps of the front as they are taken, except those that were reported before.
 class Walk::FrontSteps final : public HashFunctions::StepObserver {
 public:
-    FrontSteps(Walk& walk, Cell& cell) : m_walk(walk), m_cell(cell) {}
+    FrontSteps(Reporter& reporter, QueuedEntry& front) : m_reporter(reporter), m_front(front) {}
 
     void onStep(unsigned long long bytes) override {
-        if (m_taken++ < m_cell.reportedSteps) {
+        if (m_taken++ < m_front.reportedSteps) {
             return;
         }
-        m_walk.m_isReporting = true;
-        m_walk.m_worker.log(bytes);
-        m_walk.m_isReporting = false;
-        ++m_cell.reportedSteps;
+        m_isReporting = true; // and stays so if that throws
+        m_reporter.reportStep(m_front, bytes);
+        m_isReporting = false;
     }
-    void onReadError(int error) noexcept override { m_cell.readError = error; }
+    void onReadError(int error) noexcept override { m_front.readError = error; }
+
+    bool hasReportFailed() const { return m_isReporting; }
 
 private:
-    Walk& m_walk;
-    Cell& m_cell;
+    Reporter& m_reporter;
+    QueuedEntry& m_front;
     std::uint64_t m_taken = 0;
+    bool m_isReporting = false;
 };
 
-/// Collects the steps of an entry examined ahead, and hands them to the tape once per mebibyte, in case the
-/// entry has reached the front. When the reporter itself works ahead, it continues reporting between two
-/// reads.
-class Walk::AheadSteps final : public HashFunctions::StepObserver {
+/// Reports while it supplies.
+class Walk::WorkerSupply final : public EntrySupply {
 public:
-    AheadSteps(Walk& walk, Cell& cell, bool isReporter)
-        : m_walk(walk), m_cell(cell), m_isReporter(isReporter) {}
+    explicit WorkerSupply(Walk& walk) : m_walk(walk) {}
 
-    void onStep(unsigned long long bytes) override {
-        if (isStopped()) {
-            throw Stopped();
+    QueuedEntry* take(std::size_t busy) noexcept override {
+        try {
+            m_walk.m_reporter.reportFinished();
+            m_unused.resize(1);
+        } catch (...) {
+            m_failure = std::current_exception();
+            return nullptr;
         }
-        steps.add({bytes, 1});
-        m_bytes += bytes;
-        if (m_bytes > oneMebibyte) {
-            m_bytes = 0;
-            m_walk.m_tape.addSteps(m_cell, steps);
+        return busy < m_walk.m_plan.entriesPerThread ? m_walk.m_queue.take(m_unused, busy) : nullptr;
+    }
+
+    void deliver(QueuedEntry& entry, StepSizes& steps) noexcept override {
+        m_walk.m_queue.deliver(entry, steps);
+        try {
+            m_walk.m_reporter.reportFinished();
+            m_walk.m_reporter.reportStepsOfFront();
+        } catch (...) {
+            m_failure = std::current_exception();
         }
     }
 
-    void onReadError(int error) noexcept override { m_cell.readError = error; }
+    void settle(QueuedEntry& entry, State state, StepSizes& steps) noexcept override {
+        m_walk.m_queue.settle(entry, state, steps);
+    }
 
-    bool shouldStop() noexcept override { return isStopped() || (m_isReporter && !m_walk.reportMeanwhile()); }
+    bool shouldStop() noexcept override { return m_failure || Common::Utils::terminationSignal() != 0; }
 
-    bool isStopped() const { return m_walk.m_isStopping || Common::Utils::terminationSignal() != 0; }
-
-    Steps steps; ///< not yet handed to the tape
+    void rethrowFailure() const {
+        if (m_failure) {
+            std::rethrow_exception(m_failure);
+        }
+    }
 
 private:
-    static constexpr unsigned long long oneMebibyte = 1U << 20U;
-
     Walk& m_walk;
-    Cell& m_cell;
-    const bool m_isReporter;
-    unsigned long long m_bytes = 0;
+    ReportQueue::Entries m_unused;
+    std::exception_ptr m_failure; ///< of a report
 };
 
-/// Collects the steps of a fold that may be retried; they are reported only after it succeeds.
-class Walk::FoldSteps final : public HashFunctions::StepObserver {
+class Walk::HelperSupply final : public EntrySupply {
 public:
-    void onStep(unsigned long long bytes) override { steps.add({bytes, 1}); }
-    void onReadError(int) noexcept override {} // a list of values is not read
+    explicit HelperSupply(Walk& walk) : m_walk(walk) {}
 
-    Steps steps;
+    QueuedEntry* take(std::size_t busy) noexcept override {
+        try {
+            m_unused.resize(1);
+        } catch (...) {
+            return nullptr; // no memory: this helper ends, the others go on
+        }
+        if (busy == 0) {
+            return m_walk.m_queue.takeOrWait(m_unused);
+        }
+        return busy < m_walk.m_plan.entriesPerThread ? m_walk.m_queue.take(m_unused, busy) : nullptr;
+    }
+
+    void deliver(QueuedEntry& entry, StepSizes& steps) noexcept override {
+        m_walk.m_queue.deliver(entry, steps);
+    }
+
+    void settle(QueuedEntry& entry, State state, StepSizes& steps) noexcept override {
+        m_walk.m_queue.settle(entry, state, steps);
+    }
+
+    bool shouldStop() noexcept override {
+        return m_walk.m_helpers.areStopping() || Common::Utils::terminationSignal() != 0;
+    }
+
+private:
+    Walk& m_walk;
+    ReportQueue::Entries m_unused;
 };
 
-Walk::Walk(const IFileScanner& directory, const IHashFunction& function, Place place)
+Walk::Walk(const IFileScanner& directory, const IHashFunction& function, Place place, const FileInput& root,
+           hash_t value)
     : m_directory(directory),
       m_function(function),
       m_place(place),
-      m_worker(HashWorker::getInstance()),
-      m_rootDevice(m_worker.getRoot().status.st_dev),
-      m_helperCount(helperCount()),
-      m_tape(std::min<std::size_t>(512 * m_helperCount, 2048)) {}
+      m_root(root),
+      m_rootValue(value),
+      m_plan(planThreads(function.lanes())),
+      m_queue(m_plan.threads),
+      m_helpers(m_queue),
+      m_reporter(m_queue, m_helpers, function) {}
 
-Walk::~Walk() {
-    stopHelpers();
-}
+Walk::~Walk() = default;
 
-hash_t Walk::run(const FileInput& root, hash_t value) {
-    m_root = &root;
-    m_rootValue = value;
-    Tape::Cells cells(1);
-    m_tape.begin(cells);
-    while (!m_result) {
-        try {
+hash_t Walk::run() {
+    try {
+        ReportQueue::Entries root(1);
+        m_queue.begin(root);
+        while (!m_reporter.result()) {
             step();
-        } catch (...) {
-            if (m_isReporting || m_helpers.empty() || !isLackOfResources()) {
-                passOn();
-            }
-            // The helpers may be holding the missing memory or descriptors: stop them and retry.
-            stopHelpers();
         }
+    } catch (...) {
+        passOn();
     }
-    return *m_result;
+    return *m_reporter.result();
 }
 
 void Walk::step() {
-    m_reported.clear();
-    m_blank.resize(1);
-    const Tape::Turn turn = m_tape.next(m_reported, m_blank);
-    m_isReporting = true;
-    for (Cell& cell : m_reported) {
-        report(cell);
-    }
-    if (turn.cell == nullptr && !m_result) {
-        reportProgress();
-    }
-    m_isReporting = false;
-    if (turn.cell != nullptr && turn.isAhead) {
-        examineAhead(*turn.cell, true);
-    } else if (turn.cell != nullptr) {
-        examineInFront(*turn.cell);
-    }
-    if (m_failure) {
-        std::rethrow_exception(m_failure);
+    ReportQueue::Entries finished;
+    const ReportQueue::Turn turn = m_queue.next(finished);
+    m_reporter.report(finished);
+    switch (turn) {
+    case ReportQueue::Turn::examineFront:
+        examineFront();
+        break;
+    case ReportQueue::Turn::takeEntries:
+        examineAhead();
+        break;
+    case ReportQueue::Turn::reportSteps:
+        m_reporter.reportStepsOfFront();
+        break;
     }
 }
 
-void Walk::report(Cell& cell) {
-    reportDirectories(cell.listing ? &cell : cell.parent);
-    m_depth = cell.depth;
-    if (cell.failure) {
-        reportSteps(cell, cell.steps);
-        std::rethrow_exception(cell.failure);
-    }
-    if (cell.parent != nullptr && !cell.scanner->accept(*cell.entry)) {
-        return; // reported by accept, if at all
-    }
-    if (cell.listing) {
-        foldEntries(cell);
-    } else {
-        reportSteps(cell, cell.steps);
-    }
-    if (cell.readError != 0) {
-        m_worker.logReadError(*cell.entry, cell.readError);
-    }
-    m_worker.log(*cell.entry, cell.value);
-    if (cell.parent == nullptr) {
-        m_result = cell.value;
-        return;
-    }
-    Listing& listing = *cell.parent->listing;
-    constexpr std::size_t longestLine = 21; // twenty digits and the line feed
-    retryAlone([&] { listing.values.reserve(listing.names.size() * longestLine); });
-    listing.values += std::to_string(cell.value);
-    listing.values += '\n';
+void Walk::examineAhead() {
+    m_helpers.retryWithout([&] {
+        if (!m_examiner) {
+            m_supply = std::make_unique<WorkerSupply>(*this);
+            m_examiner = std::make_unique<Examiner>(*m_supply, m_function, m_directory, m_root.status.st_dev);
+        }
+    });
+    m_examiner->run();
+    m_supply->rethrowFailure();
 }
 
-void Walk::foldEntries(Cell& directory) {
-    FoldSteps observer; // hides the AheadSteps observer if we are in the middle of an entry ahead
-    retryAlone([&] { directory.value = m_function.apply(directory.value, directory.listing->values); });
-    reportSteps(directory, observer.steps);
-}
-
-template <class Action>
-void Walk::retryAlone(Action action) {
+void Walk::examineFront() {
+    QueuedEntry& front = m_queue.front();
+    m_reporter.reportDirectoriesOf(front);
+    FrontSteps observer(m_reporter, front);
+    StepSizes none; // they are reported already
     try {
-        action();
+        examine(front);
     } catch (...) {
-        if (m_helpers.empty() || !isLackOfResources()) {
+        m_queue.settle(front, State::deferred, none);
+        if (observer.hasReportFailed() || !m_helpers.areRunning() || !isLackOfResources()) {
             throw;
         }
-        stopHelpers();
-        action();
+        m_helpers.stop(); // and try again
+        return;
     }
-}
-
-void Walk::reportDirectories(Cell* innermost) {
-    m_unreported.clear();
-    for (Cell* cell = innermost; cell != nullptr && !cell->listing->isReported; cell = cell->parent) {
-        m_unreported.push_back(cell);
-    }
-    for (; !m_unreported.empty(); m_unreported.pop_back()) {
-        Cell& directory = *m_unreported.back();
-        m_depth = directory.depth;
-        reportSteps(directory, directory.steps);
-        directory.listing->isReported = true;
-    }
-}
-
-void Walk::reportSteps(Cell& cell, const Steps& steps) {
-    for (const Steps::Run& run : steps.runs()) {
-        for (std::uint64_t step = 0; step != run.count; ++step) {
-            m_worker.log(run.bytes);
-            ++cell.reportedSteps;
-        }
-    }
-}
-
-void Walk::reportProgress() {
-    Steps steps;
-    if (Cell* const front = m_tape.awaited(steps)) {
-        reportDirectories(front->parent);
-        m_depth = front->depth;
-        reportSteps(*front, steps);
-    }
-}
-
-bool Walk::reportMeanwhile() noexcept {
-    m_isReporting = true;
-    try {
-        do {
-            m_reported.clear();
-            m_tape.takeFinished(m_reported);
-            for (Cell& cell : m_reported) {
-                report(cell);
-            }
-        } while (!m_reported.empty());
-        reportProgress();
-    } catch (...) {
-        m_failure = std::current_exception();
-        m_isStopping = true;
-        return false;
-    }
-    m_isReporting = false;
-    return true;
-}
-
-void Walk::examineInFront(Cell& cell) {
-    m_isReporting = true;
-    reportDirectories(cell.parent); // they may have been examined ahead and not reported yet
-    m_isReporting = false;
-    m_depth = cell.depth;
-    Steps none;
-    try {
-        const FrontSteps observer(*this, cell);
-        examine(cell);
-    } catch (...) {
-        m_tape.settle(cell, Cell::State::Left, none);
-        throw;
-    }
-    const bool isRoot = cell.parent == nullptr;
-    m_tape.settle(cell, Cell::State::Settled, none);
+    const bool isRoot = front.parent == nullptr;
+    m_queue.settle(front, State::examined, none);
     if (isRoot) {
-        startHelpers();
+        m_helpers.start(m_plan.threads - 1, [this] { help(); });
     }
 }
 
-void Walk::examineAhead(Cell& cell, bool isReporter) {
-    AheadSteps observer(*this, cell, isReporter);
-    Cell::State state = Cell::State::Left;
-    try {
-        examine(cell);
-        // If reading was cut short by a stop, the value is invalid.
-        state = observer.isStopped() ? Cell::State::Left : Cell::State::Settled;
-    } catch (const TooManyNames&) { // NOLINT(bugprone-empty-catch): the reporter lists the directory
-    } catch (...) {
-        if (!observer.isStopped() && !isLackOfResources()) {
-            cell.failure = std::current_exception();
-            state = Cell::State::Settled;
-        }
-    }
-    m_tape.settle(cell, state, observer.steps);
-}
-
-void Walk::examine(Cell& cell) {
-    constexpr std::size_t maxNamesAhead = 16384;
+void Walk::examine(QueuedEntry& entry) {
     Judgement judgement = Judgement::accepted;
-    if (cell.parent == nullptr) {
-        cell.entry = *m_root;
-        cell.scanner = &m_directory;
+    if (entry.parent == nullptr) {
+        entry.input = m_root;
+        entry.scanner = &m_directory;
     } else {
-        const Cell& parent = *cell.parent;
-        cell.entry.emplace(pathInside(parent.entry->path.native(), parent.listing->names[cell.name]));
-        cell.scanner = &getInstance(*cell.entry);
-        judgement = cell.scanner->judge(*cell.entry, m_rootDevice);
+        judgement = identify(entry, m_root.status.st_dev);
     }
     if (judgement == Judgement::accepted) {
-        cell.value = cell.scanner->examine(*cell.entry, cell.parent == nullptr ? m_rootValue : 0, m_function);
-        if (cell.scanner == &m_directory) {
-            cell.listing = std::make_unique<Listing>(
-                Names(cell.entry->path, cell.isAhead ? maxNamesAhead : Names::unlimited));
-        }
+        entry.value =
+            entry.scanner->examine(*entry.input, entry.parent == nullptr ? m_rootValue : 0, m_function);
+        list(entry, m_directory);
     }
-}
-
-void Walk::startHelpers() {
-    const SignalsBlocked blocked;
-    boost::thread::attributes attributes;
-    attributes.set_stack_size(std::size_t{1} << 20U); // of which the buffer of a content takes 128 KiB
-    try {
-        m_helpers.reserve(m_helperCount);
-        while (m_helpers.size() < m_helperCount) {
-            m_helpers.push_back(std::make_unique<boost::thread>(attributes, [this] { help(); }));
-        }
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): fewer helpers, or none, are enough
-    }
-}
-
-void Walk::stopHelpers() noexcept {
-    const boost::this_thread::disable_interruption noInterruption; // join would throw
-    m_isStopping = true;
-    m_tape.stop();
-    for (const auto& helper : m_helpers) {
-        helper->join();
-    }
-    m_helpers.clear();
 }
 
 void Walk::help() {
     try {
         const Common::IO::DigestSession session;
-        Tape::Cells blank(1);
-        while (Cell* const cell = m_tape.takeAhead(blank)) {
-            examineAhead(*cell, false);
-            blank.resize(1);
-        }
-    } catch (...) { // NOLINT(bugprone-empty-catch): no memory for a cell; the others go on
+        HelperSupply supply(*this);
+        Examiner(supply, m_function, m_directory, m_root.status.st_dev).run();
+    } catch (...) { // NOLINT(bugprone-empty-catch): no memory for this helper; the others go on
     }
 }
 
 void Walk::passOn() const {
     std::exception_ptr failure = std::current_exception();
-    for (std::size_t depth = m_depth; depth != 0; --depth) {
+    for (std::size_t depth = m_reporter.depth(); depth != 0; --depth) {
         try {
             try {
                 std::rethrow_exception(failure);

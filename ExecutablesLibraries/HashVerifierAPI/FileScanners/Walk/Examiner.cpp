@@ -1,0 +1,190 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Examiner.h"
+
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/LackOfResources.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
+
+#include <string_view>
+#include <utility>
+
+namespace Nerix::FileScanners {
+
+namespace {
+
+using State = QueuedEntry::State;
+
+std::string pathInside(const std::string& directory, const char* name) {
+    std::string path;
+    path.reserve(directory.size() + 1 + std::char_traits<char>::length(name));
+    path.append(directory).append(directory.back() == '/' ? 0 : 1, '/').append(name);
+    return path;
+}
+
+/// The examiner counts the steps itself. Content is read as long as the walk goes on.
+class Observer final : public HashFunctions::StepObserver {
+public:
+    explicit Observer(EntrySupply& supply) : m_supply(supply) {}
+    void onStep(unsigned long long) override {}
+    void onReadError(int) noexcept override {}
+    bool shouldStop() noexcept override { return m_supply.shouldStop(); }
+
+private:
+    EntrySupply& m_supply;
+};
+
+} // namespace
+
+struct Examiner::Lane {
+    Lane() {} // leaves the buffer as it is
+
+    QueuedEntry* entry = nullptr;       ///< null if the lane is idle
+    std::optional<EntryTexts> texts;    ///< of the entry
+    StepSizes steps;                    ///< not yet delivered
+    unsigned long long undelivered = 0; ///< bytes of these steps
+    unsigned int stepLength = 0;        ///< of the step in progress
+    EntryTexts::Buffer buffer;
+};
+
+Examiner::Examiner(EntrySupply& supply, const IHashFunction& function, const IFileScanner& directoryScanner,
+                   dev_t rootDevice)
+    : m_supply(supply),
+      m_function(function),
+      m_directoryScanner(directoryScanner),
+      m_rootDevice(rootDevice),
+      m_laneCount(function.lanes()),
+      m_lanes(std::make_unique<Lane[]>(m_laneCount)) {}
+
+Examiner::~Examiner() = default;
+
+void Examiner::run() noexcept {
+    const Observer observer(m_supply);
+    try {
+        m_function.applyChains(*this);
+    } catch (...) { // NOLINT(bugprone-empty-catch): a failure of the crypto library; the entries are deferred
+    }
+    for (std::size_t index = 0; index != m_laneCount; ++index) {
+        if (m_lanes[index].entry != nullptr) {
+            finish(m_lanes[index], State::deferred);
+        }
+    }
+}
+
+bool Examiner::next(std::size_t index, Step& step) {
+    Lane& lane = m_lanes[index];
+    if (lane.entry != nullptr && proceed(lane, step)) {
+        return true;
+    }
+    while (!m_supply.shouldStop()) {
+        lane.entry = m_supply.take(m_busy);
+        if (lane.entry == nullptr) {
+            return false;
+        }
+        ++m_busy;
+        if (begin(lane, step)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Ends a step of the lane's entry and begins the next one. Returns false after the last, when the entry is settled.
+bool Examiner::proceed(Lane& lane, Step& step) {
+    if (m_supply.shouldStop()) {
+        finish(lane, State::deferred);
+        return false;
+    }
+    try {
+        addStep(lane);
+        if (beginStep(lane, step)) {
+            return true;
+        }
+        lane.entry->value = step.value;
+        lane.entry->readError = lane.texts->readError();
+        list(*lane.entry, m_directoryScanner);
+        // If a stop has cut reading short, the value is invalid.
+        finish(lane, m_supply.shouldStop() ? State::deferred : State::examined);
+    } catch (...) {
+        fail(lane);
+    }
+    return false;
+}
+
+/// Returns false if the entry has no further text.
+bool Examiner::beginStep(Lane& lane, Step& step) {
+    std::string_view text;
+    if (!lane.texts->next(text)) {
+        return false;
+    }
+    step.data = text.data();
+    step.length = static_cast<unsigned int>(text.size());
+    lane.stepLength = step.length;
+    return true;
+}
+
+/// Begins with a new entry. Returns false if it is settled without a step.
+bool Examiner::begin(Lane& lane, Step& step) {
+    QueuedEntry& entry = *lane.entry;
+    try {
+        if (identify(entry, m_rootDevice) == Judgement::accepted) {
+            lane.texts.emplace(*entry.input, entry.scanner->remainder(), lane.buffer);
+            step.value = 0;
+            return beginStep(lane, step); // every entry has a path
+        }
+        finish(lane, State::examined);
+    } catch (...) {
+        fail(lane);
+    }
+    return false;
+}
+
+void Examiner::addStep(Lane& lane) {
+    constexpr unsigned long long oneMebibyte = 1U << 20U;
+    lane.steps.add(lane.stepLength);
+    lane.undelivered += lane.stepLength;
+    if (lane.undelivered > oneMebibyte) {
+        lane.undelivered = 0;
+        m_supply.deliver(*lane.entry, lane.steps);
+    }
+}
+
+void Examiner::finish(Lane& lane, State state) noexcept {
+    lane.texts.reset();
+    QueuedEntry& entry = *std::exchange(lane.entry, nullptr);
+    --m_busy;
+    m_supply.settle(entry, state, lane.steps);
+    lane.steps = StepSizes();
+    lane.undelivered = 0;
+}
+
+/// Settles an entry whose examination has thrown.
+void Examiner::fail(Lane& lane) noexcept {
+    State state = State::deferred;
+    try {
+        throw;
+    } catch (const EntryTexts::LeasedFile&) { // NOLINT(bugprone-empty-catch): the reporter waits for it
+    } catch (const TooManyNames&) { // NOLINT(bugprone-empty-catch): the reporter lists the directory
+    } catch (...) {
+        if (!m_supply.shouldStop() && !isLackOfResources()) {
+            lane.entry->failure = std::current_exception();
+            state = State::examined;
+        }
+    }
+    finish(lane, state);
+}
+
+Judgement identify(QueuedEntry& entry, dev_t rootDevice) {
+    const QueuedEntry& parent = *entry.parent;
+    entry.input.emplace(pathInside(parent.input->path.native(), parent.listing->names[entry.name]));
+    entry.scanner = &getInstance(*entry.input);
+    return entry.scanner->judge(*entry.input, rootDevice);
+}
+
+void list(QueuedEntry& entry, const IFileScanner& directoryScanner) {
+    constexpr std::size_t maxNamesAhead = 16384;
+    if (entry.scanner == &directoryScanner) {
+        entry.listing = std::make_unique<Listing>(
+            Names(entry.input->path, entry.isAhead ? maxNamesAhead : Names::unlimited));
+    }
+}
+
+} // namespace Nerix::FileScanners

@@ -1,0 +1,209 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/ReportQueue.h"
+
+#include <algorithm>
+#include <new>
+
+namespace Nerix::FileScanners {
+
+namespace {
+
+using Lock = std::unique_lock<std::mutex>;
+using State = QueuedEntry::State;
+
+bool isFinished(const QueuedEntry& entry) {
+    return entry.state == State::examined && !entry.hasNamesLeft();
+}
+
+bool offersNames(const QueuedEntry& entry) {
+    return entry.state == State::examined && entry.hasNamesLeft();
+}
+
+void dropWhatWasExamined(QueuedEntry& entry) {
+    entry.deliveredSteps = StepSizes();
+    entry.listing.reset();
+    entry.input.reset();
+    entry.readError = 0;
+    entry.failure = nullptr;
+}
+
+} // namespace
+
+void ReportQueue::begin(Entries& root) {
+    const Lock lock(m_mutex);
+    root.front().place = root.begin();
+    root.front().state = State::deferred;
+    m_entries.splice(m_entries.end(), root);
+}
+
+ReportQueue::Turn ReportQueue::next(Entries& finished) {
+    Lock lock(m_mutex);
+    for (;;) {
+        removeFinished(finished);
+        if (m_entries.empty()) {
+            return Turn::reportSteps;
+        }
+        wakeHelpers();
+        QueuedEntry& front = m_entries.front();
+        if (front.state == State::deferred) {
+            front.state = State::beingExamined;
+            front.isAhead = false;
+            ++m_beingExamined;
+            m_open.push_front(front);
+            return Turn::examineFront;
+        }
+        if (ahead() < m_maxAhead && m_offering != nullptr) {
+            return Turn::takeEntries;
+        }
+        if (!finished.empty() || !front.deliveredSteps.isEmpty()) {
+            return Turn::reportSteps;
+        }
+        m_reporterWakes.wait(lock);
+    }
+}
+
+void ReportQueue::takeFinished(Entries& finished) {
+    const Lock lock(m_mutex);
+    removeFinished(finished);
+    wakeHelpers();
+}
+
+QueuedEntry* ReportQueue::take(Entries& unused, std::size_t busy) {
+    const Lock lock(m_mutex);
+    return isFrontDeferred() ? nullptr : takeNow(unused, busy);
+}
+
+QueuedEntry* ReportQueue::takeOrWait(Entries& unused) {
+    Lock lock(m_mutex);
+    while (!m_isStopped) {
+        if (QueuedEntry* const entry = takeNow(unused, 0)) {
+            return entry;
+        }
+        ++m_waitingHelpers;
+        m_helpersWake.wait(lock);
+        --m_waitingHelpers;
+    }
+    return nullptr;
+}
+
+void ReportQueue::settle(QueuedEntry& entry, State state, StepSizes& steps) noexcept {
+    const Lock lock(m_mutex);
+    entry.state = state;
+    try {
+        entry.deliveredSteps.take(steps);
+    } catch (...) { // no memory for them
+        entry.state = State::deferred;
+    }
+    if (entry.state == State::examined && entry.isAhead && entry.listing) {
+        m_namesAhead += entry.listing->names.size();
+        if (m_namesAhead > maxNamesAhead) {
+            m_namesAhead -= entry.listing->names.size();
+            entry.state = State::deferred;
+        }
+    }
+    if (entry.state == State::deferred) {
+        dropWhatWasExamined(entry);
+    }
+    --m_beingExamined;
+    if (offersNames(entry)) {
+        offerNames(entry);
+    } else {
+        m_open.erase(m_open.iterator_to(entry));
+    }
+    if (offersNames(entry) || &entry == &m_entries.front()) {
+        m_reporterWakes.notify_one();
+    }
+}
+
+void ReportQueue::deliver(QueuedEntry& entry, StepSizes& steps) noexcept {
+    const Lock lock(m_mutex);
+    try {
+        entry.deliveredSteps.take(steps);
+    } catch (const std::bad_alloc&) {
+        return;
+    }
+    if (&entry == &m_entries.front()) {
+        m_reporterWakes.notify_one();
+    }
+}
+
+QueuedEntry* ReportQueue::takeStepsOfFront(StepSizes& steps) {
+    const Lock lock(m_mutex);
+    QueuedEntry& front = m_entries.front();
+    if (front.state != State::beingExamined) {
+        return nullptr;
+    }
+    steps.take(front.deliveredSteps);
+    return &front;
+}
+
+void ReportQueue::stop() {
+    const Lock lock(m_mutex);
+    m_isStopped = true;
+    m_helpersWake.notify_all();
+}
+
+void ReportQueue::removeFinished(Entries& finished) {
+    // In small batches: they count against the limit until the whole batch is reported.
+    constexpr std::size_t maxAtOnce = 64;
+    while (!m_entries.empty() && isFinished(m_entries.front()) && finished.size() < maxAtOnce) {
+        QueuedEntry& entry = m_entries.front();
+        if (entry.isAhead && entry.listing) {
+            m_namesAhead -= entry.listing->names.size();
+        }
+        finished.splice(finished.end(), m_entries, m_entries.begin());
+    }
+    m_unreported = finished.size();
+}
+
+void ReportQueue::wakeHelpers() {
+    // Not for every entry removed: waking a thread costs more than most entries.
+    if (m_waitingHelpers != 0 && ahead() <= m_maxAhead / 2 && m_offering != nullptr) {
+        m_helpersWake.notify_all();
+    }
+}
+
+QueuedEntry* ReportQueue::takeNow(Entries& unused, std::size_t busy) {
+    // What there is to do is spread over the threads: few large files must not all go to the first one.
+    const std::size_t share = (m_beingExamined + m_namesLeft + m_threads - 1) / m_threads;
+    if (ahead() >= m_maxAhead || busy >= std::max<std::size_t>(share, 1)) {
+        return nullptr;
+    }
+    return m_offering == nullptr ? nullptr : &takeName(*m_offering, unused);
+}
+
+QueuedEntry& ReportQueue::takeName(QueuedEntry& directory, Entries& unused) {
+    QueuedEntry& entry = unused.front();
+    entry.place = unused.begin();
+    entry.parent = &directory;
+    entry.depth = directory.depth + 1;
+    entry.name = directory.listing->next++;
+    entry.isAhead = true;
+    --m_namesLeft;
+    ++m_beingExamined;
+    m_entries.splice(directory.place, unused, unused.begin());
+    m_open.insert(m_open.iterator_to(directory), entry);
+    if (!directory.hasNamesLeft()) {
+        const auto next =
+            std::find_if(m_open.erase(m_open.iterator_to(directory)), m_open.end(), offersNames);
+        m_offering = next == m_open.end() ? nullptr : &*next;
+    }
+    return entry;
+}
+
+void ReportQueue::offerNames(QueuedEntry& directory) {
+    m_namesLeft += directory.listing->names.size();
+    m_offering = &*std::find_if(m_open.begin(), m_open.end(), offersNames);
+    if (m_waitingHelpers != 0) {
+        m_helpersWake.notify_all();
+    }
+}
+
+bool ReportQueue::isFrontDeferred() const {
+    return !m_entries.empty() && m_entries.front().state == State::deferred;
+}
+
+std::size_t ReportQueue::ahead() const {
+    return m_entries.empty() ? 0 : m_entries.size() + m_unreported - (m_entries.front().depth + 1);
+}
+
+} // namespace Nerix::FileScanners

@@ -1,0 +1,117 @@
+#pragma once
+
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/QueuedEntry.h"
+
+#include <boost/core/noncopyable.hpp>
+#include <boost/intrusive/list.hpp>
+
+#include <condition_variable>
+#include <cstddef>
+#include <list>
+#include <mutex>
+
+namespace Nerix::FileScanners {
+
+/// The entries of a walk that have been taken but not yet reported, in report order: a directory comes after its
+/// entries, so the root is last. An entry gets into the queue when a thread takes it; until then it is only a name in
+/// its directory's listing.
+///
+///     front
+///       a/b  examined, to be reported next
+///       a/c  being examined by some thread
+///       a    examined, names left: "d", "e"
+///       /    examined, names left: "f"
+///
+/// One thread, the reporter, removes examined entries from the front. It and any number of other threads take names and
+/// examine them. An entry outlives all entries before it, so parent pointers stay valid. One mutex guards the order and
+/// the states; no system call, hashing or logging happens while it is held.
+class ReportQueue : private boost::noncopyable {
+public:
+    using Entries = std::list<QueuedEntry>;
+
+    /// Besides the front and the directories that contain it. So many small files keep the lanes busy while a large one
+    /// is in front; they take up to 5 MiB.
+    static constexpr std::size_t maxEntriesAhead = 8192;
+
+    /// In the listings of directories that were examined ahead.
+    static constexpr std::size_t maxNamesAhead = 65536;
+
+    /// threads: how many take entries, the reporter included. maxAhead: how many entries may be in the queue besides the
+    /// front and the directories that contain it.
+    explicit ReportQueue(std::size_t threads, std::size_t maxAhead = maxEntriesAhead)
+        : m_threads(threads), m_maxAhead(maxAhead) {}
+
+    /// Puts the root into the empty queue, deferred. `root` holds that entry alone.
+    void begin(Entries& root);
+
+    /// What the reporter does next, after it has reported what `next` gave it.
+    enum class Turn {
+        examineFront, ///< the front is deferred; it now is being examined, by the reporter
+        takeEntries,  ///< there are names to take
+        reportSteps   ///< another thread has delivered steps of the front, or nothing is to be done
+    };
+
+    /// Reporter only. Moves entries that are finished from the front to `finished`, which must be empty, at most 64.
+    /// Blocks while there is nothing to do. The queue is empty after the root.
+    Turn next(Entries& finished);
+
+    /// Reporter only. Like next, but never blocks and only moves entries.
+    void takeFinished(Entries& finished);
+
+    /// Takes the first name that no thread has taken, for which it uses the entry in `unused`. Returns null if there is
+    /// none, if the queue is full, if the front is deferred, or if the caller, which examines `busy` entries already,
+    /// should leave the names that there are to other threads.
+    QueuedEntry* take(Entries& unused, std::size_t busy);
+
+    /// For a thread other than the reporter that examines nothing: like take, but blocks until there is an entry.
+    /// Returns null after stop.
+    QueuedEntry* takeOrWait(Entries& unused);
+
+    /// Ends the examination of an entry, with its remaining steps. If there is no memory for the steps, or too many
+    /// names are ahead, the entry becomes deferred.
+    void settle(QueuedEntry& entry, QueuedEntry::State state, StepSizes& steps) noexcept;
+
+    /// For the thread that examines the entry. Adds steps to be reported once the entry is in front, and leaves `steps`
+    /// empty; if there is no memory for them, changes nothing.
+    void deliver(QueuedEntry& entry, StepSizes& steps) noexcept;
+
+    /// Reporter only. If the front is being examined, returns it and moves its delivered steps to `steps`; otherwise
+    /// returns null.
+    QueuedEntry* takeStepsOfFront(StepSizes& steps);
+
+    /// Returns the front, which must exist. Reporter only.
+    QueuedEntry& front() { return m_entries.front(); }
+
+    /// Makes takeOrWait return null from now on.
+    void stop();
+
+private:
+    using Open = boost::intrusive::list<QueuedEntry, boost::intrusive::constant_time_size<false>>;
+
+    // All under the mutex.
+    std::size_t ahead() const;
+    void offerNames(QueuedEntry& directory);
+    QueuedEntry& takeName(QueuedEntry& directory, Entries& unused);
+    QueuedEntry* takeNow(Entries& unused, std::size_t busy);
+    bool isFrontDeferred() const;
+    void removeFinished(Entries& finished);
+    void wakeHelpers();
+
+    const std::size_t m_threads;
+    const std::size_t m_maxAhead;
+    std::mutex m_mutex;
+    std::condition_variable m_reporterWakes;
+    std::condition_variable m_helpersWake;
+    std::size_t m_waitingHelpers = 0;
+    bool m_isStopped = false;
+    Entries m_entries;
+    std::size_t m_unreported = 0;    ///< entries that the reporter removed and is reporting
+    std::size_t m_namesAhead = 0;    ///< names in listings read ahead
+    std::size_t m_namesLeft = 0;     ///< names that no thread has taken
+    std::size_t m_beingExamined = 0; ///< entries
+    Open m_open;                     ///< being examined, or with names left; in the order of the queue
+    QueuedEntry* m_offering =
+        nullptr; ///< the first directory in m_open that has names left; null if none has
+};
+
+} // namespace Nerix::FileScanners

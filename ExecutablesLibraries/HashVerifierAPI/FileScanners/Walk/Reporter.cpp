@@ -1,0 +1,123 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Reporter.h"
+
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
+
+#include <string>
+
+namespace Nerix::FileScanners {
+
+namespace {
+
+/// Collects the steps of a fold that may be run again; they are reported only after it has succeeded.
+class FoldSteps final : public HashFunctions::StepObserver {
+public:
+    void onStep(unsigned long long bytes) override { steps.add(static_cast<std::uint32_t>(bytes)); }
+    void onReadError(int) noexcept override {} // a list of values is not read
+
+    StepSizes steps;
+};
+
+} // namespace
+
+Reporter::Reporter(ReportQueue& queue, Helpers& helpers, const IHashFunction& function)
+    : m_queue(queue), m_helpers(helpers), m_function(function), m_worker(HashWorker::getInstance()) {}
+
+void Reporter::report(ReportQueue::Entries& entries) {
+    for (QueuedEntry& entry : entries) {
+        report(entry);
+    }
+    entries.clear();
+}
+
+void Reporter::reportFinished() {
+    m_queue.takeFinished(m_finished);
+    report(m_finished);
+}
+
+void Reporter::report(QueuedEntry& entry) {
+    reportDirectories(entry.listing ? &entry : entry.parent);
+    m_depth = entry.depth;
+    if (entry.failure) {
+        reportSteps(entry, entry.deliveredSteps);
+        std::rethrow_exception(entry.failure);
+    }
+    if (entry.parent != nullptr && !entry.scanner->accept(*entry.input)) {
+        return; // reported by accept, if at all
+    }
+    if (entry.listing) {
+        foldEntries(entry);
+    } else {
+        reportSteps(entry, entry.deliveredSteps);
+    }
+    if (entry.readError != 0) {
+        m_worker.logReadError(*entry.input, entry.readError);
+    }
+    m_worker.log(*entry.input, entry.value);
+    addValue(entry);
+}
+
+/// Adds the value to the list of the directory, or makes it the result.
+void Reporter::addValue(QueuedEntry& entry) {
+    constexpr std::size_t longestLine = 21; // twenty digits and the line feed
+    if (entry.parent == nullptr) {
+        m_result = entry.value;
+        return;
+    }
+    Listing& listing = *entry.parent->listing;
+    m_helpers.retryWithout([&] { listing.values.reserve(listing.names.size() * longestLine); });
+    listing.values += std::to_string(entry.value);
+    listing.values += '\n';
+}
+
+void Reporter::foldEntries(QueuedEntry& directory) {
+    FoldSteps observer;
+    m_helpers.retryWithout(
+        [&] { directory.value = m_function.apply(directory.value, directory.listing->values); });
+    reportSteps(directory, observer.steps);
+}
+
+void Reporter::reportDirectoriesOf(QueuedEntry& entry) {
+    reportDirectories(entry.parent);
+    m_depth = entry.depth;
+}
+
+void Reporter::reportDirectories(QueuedEntry* innermost) {
+    m_directories.clear();
+    for (QueuedEntry* entry = innermost; entry != nullptr && !entry->listing->isReported;
+         entry = entry->parent) {
+        m_directories.push_back(entry);
+    }
+    for (; !m_directories.empty(); m_directories.pop_back()) {
+        QueuedEntry& directory = *m_directories.back();
+        m_depth = directory.depth;
+        reportSteps(directory, directory.deliveredSteps);
+        directory.listing->isReported = true;
+    }
+}
+
+void Reporter::reportSteps(QueuedEntry& entry, const StepSizes& steps) {
+    for (const StepSizes::Run& run : steps.runs()) {
+        for (std::uint32_t step = 0; step != run.count; ++step) {
+            reportStep(entry, run.bytes);
+        }
+    }
+}
+
+void Reporter::reportStep(QueuedEntry& entry, unsigned long long bytes) {
+    m_worker.log(bytes);
+    ++entry.reportedSteps;
+}
+
+void Reporter::reportStepsOfFront() {
+    if (m_result) {
+        return;
+    }
+    StepSizes steps;
+    if (QueuedEntry* const front = m_queue.takeStepsOfFront(steps)) {
+        reportDirectoriesOf(*front);
+        reportSteps(*front, steps);
+    }
+}
+
+} // namespace Nerix::FileScanners

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Helpers.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/ReportQueue.h"
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+namespace Nerix {
+class HashWorker;
+}
+
+namespace Nerix::FileScanners {
+
+/// Reports entries to the HashWorker in the order of the queue: their steps, one by one, and their values. Used only on
+/// the worker's thread. What it throws ends the walk: the failure of an entry, VConfException when progress cannot be
+/// published, GenericException when a signal ends the process.
+class Reporter : private boost::noncopyable {
+public:
+    using hash_t = IFileScanner::hash_t;
+
+    /// All arguments must outlive the object.
+    Reporter(ReportQueue& queue, Helpers& helpers, const IHashFunction& function);
+
+    /// Reports the entries, which were taken from the front of the queue, and removes them.
+    void report(ReportQueue::Entries& entries);
+
+    /// Takes finished entries from the front of the queue and reports them.
+    void reportFinished();
+
+    /// Reports the steps of the front that have been delivered. No effect after the root.
+    void reportStepsOfFront();
+
+    /// Reports the steps of all directories that contain the entry, as far as they have not been reported.
+    void reportDirectoriesOf(QueuedEntry& entry);
+
+    /// Reports one step of the front.
+    void reportStep(QueuedEntry& entry, unsigned long long bytes);
+
+    /// Returns the value of the root once it was reported.
+    const std::optional<hash_t>& result() const { return m_result; }
+
+    /// Returns the depth, below the root, of the entry that was reported last, or that a failure is of.
+    std::size_t depth() const { return m_depth; }
+
+private:
+    void report(QueuedEntry& entry);
+    void reportSteps(QueuedEntry& entry, const StepSizes& steps);
+    void foldEntries(QueuedEntry& directory);
+    void addValue(QueuedEntry& entry);
+    void reportDirectories(QueuedEntry* innermost);
+
+    ReportQueue& m_queue;
+    Helpers& m_helpers;
+    const IHashFunction& m_function;
+    HashWorker& m_worker;
+    ReportQueue::Entries m_finished;
+    std::vector<QueuedEntry*> m_directories; ///< whose steps are to be reported, outermost last
+    std::size_t m_depth = 0;
+    std::optional<hash_t> m_result;
+};
+
+} // namespace Nerix::FileScanners

@@ -1,0 +1,180 @@
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/ReportQueue.h"
+
+#include "Tests/Fakes/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <future>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace Nerix::FileScanners {
+
+namespace {
+
+using State = QueuedEntry::State;
+using Turn = ReportQueue::Turn;
+
+/// A queue whose root is a directory with four names. The test decides when which entry has been examined.
+class ReportQueueTest : public testing::Test {
+protected:
+    ReportQueueTest() {
+        for (const char* const name : {"0", "1", "2", "3"}) { boost::filesystem::ofstream file(directory.path() / name); }
+        begin(queue);
+    }
+
+    /// Puts the root into the queue and examines it.
+    void begin(ReportQueue& theQueue) {
+        ReportQueue::Entries root(1);
+        theQueue.begin(root);
+        ReportQueue::Entries finished;
+        ASSERT_EQ(theQueue.next(finished), Turn::examineFront);
+        theQueue.front().listing = std::make_unique<Listing>(Names(directory.path()));
+        theQueue.settle(theQueue.front(), State::examined, none);
+    }
+
+    QueuedEntry* take(ReportQueue& theQueue, std::size_t busy = 0) {
+        ReportQueue::Entries unused(1);
+        return theQueue.take(unused, busy);
+    }
+
+    std::vector<QueuedEntry*> takeAll() { return {take(queue), take(queue), take(queue), take(queue)}; }
+
+    void settle(QueuedEntry* entry, State state = State::examined) { queue.settle(*entry, state, none); }
+
+    /// The names that the reporter gets now; "root" for the root.
+    std::string finishedNames() {
+        ReportQueue::Entries finished;
+        queue.takeFinished(finished);
+        std::string names;
+        for (const QueuedEntry& entry : finished) { names += entry.parent == nullptr ? "root" : std::to_string(entry.name); }
+        return names;
+    }
+
+    const Tests::TemporaryDirectory directory;
+    StepSizes none;
+    ReportQueue queue{1};
+};
+
+} // namespace
+
+TEST_F(ReportQueueTest, EntriesAreReportedInTheirOrderWhateverTheOrderOfExamination) {
+    std::vector<std::size_t> order{0, 1, 2, 3};
+    do {
+        ReportQueue theQueue(1);
+        begin(theQueue);
+        std::vector<QueuedEntry*> entries;
+        for (std::size_t index = 0; index != order.size(); ++index) { entries.push_back(take(theQueue)); }
+        std::vector<std::size_t> reported;
+        for (const std::size_t index : order) {
+            theQueue.settle(*entries[index], State::examined, none);
+            ReportQueue::Entries finished;
+            theQueue.takeFinished(finished);
+            for (const QueuedEntry& entry : finished) { reported.push_back(entry.parent == nullptr ? 4 : entry.name); }
+        }
+        EXPECT_EQ(reported, (std::vector<std::size_t>{0, 1, 2, 3, 4})) << "examined " << testing::PrintToString(order);
+    } while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST_F(ReportQueueTest, FailureIsKeptUntilTheEntriesBeforeItAreReported) {
+    const std::vector<QueuedEntry*> entries = takeAll();
+    entries[1]->failure = std::make_exception_ptr(std::runtime_error("unreadable"));
+    settle(entries[1]);
+    EXPECT_EQ(finishedNames(), "");
+    settle(entries[0]);
+    ReportQueue::Entries finished;
+    queue.takeFinished(finished);
+    ASSERT_EQ(finished.size(), 2U);
+    EXPECT_EQ(finished.front().failure, nullptr);
+    EXPECT_NE(finished.back().failure, nullptr);
+}
+
+TEST_F(ReportQueueTest, FullQueueGivesNoEntryUntilTheFrontIsReported) {
+    ReportQueue small(1, 1);
+    begin(small);
+    QueuedEntry* const front = take(small);
+    ASSERT_NE(take(small), nullptr) << "one beside the front";
+    EXPECT_EQ(take(small), nullptr);
+    small.settle(*front, State::examined, none);
+    ReportQueue::Entries finished;
+    small.takeFinished(finished);
+    EXPECT_EQ(take(small), nullptr) << "the front has left the queue, but is not reported";
+    finished.clear();
+    small.takeFinished(finished);
+    EXPECT_NE(take(small), nullptr);
+}
+
+TEST_F(ReportQueueTest, ThreadGetsNoMoreThanItsShareOfTheNames) {
+    ReportQueue shared(2);
+    begin(shared);
+    EXPECT_NE(take(shared, 0), nullptr);
+    EXPECT_NE(take(shared, 1), nullptr);
+    EXPECT_EQ(take(shared, 2), nullptr) << "two of four names for one of two threads";
+    EXPECT_NE(take(shared, 0), nullptr) << "the other thread";
+}
+
+TEST_F(ReportQueueTest, EntriesOfADirectoryComeBeforeIt) {
+    const std::vector<QueuedEntry*> entries = takeAll();
+    entries[1]->listing = std::make_unique<Listing>(Names(directory.path()));
+    for (QueuedEntry* const entry : entries) { settle(entry); }
+    EXPECT_EQ(finishedNames(), "0");
+    for (QueuedEntry* const entry : takeAll()) {
+        EXPECT_EQ(entry->parent, entries[1]);
+        settle(entry);
+    }
+    EXPECT_EQ(finishedNames(), "0123123root");
+}
+
+TEST_F(ReportQueueTest, DeferredEntryIsExaminedByTheReporterOnceItIsInFront) {
+    const std::vector<QueuedEntry*> entries = takeAll();
+    settle(entries[1], State::deferred);
+    ReportQueue::Entries finished;
+    settle(entries[0]);
+    EXPECT_EQ(queue.next(finished), Turn::examineFront);
+    EXPECT_EQ(finished.size(), 1U);
+    EXPECT_EQ(&queue.front(), entries[1]);
+    EXPECT_FALSE(entries[1]->isAhead);
+}
+
+TEST_F(ReportQueueTest, ReporterLeavesNamesAloneWhileTheFrontIsDeferred) {
+    settle(take(queue), State::deferred);
+    EXPECT_EQ(take(queue), nullptr);
+}
+
+TEST_F(ReportQueueTest, StepsOfTheFrontAreDeliveredOnce) {
+    QueuedEntry* const first = take(queue);
+    StepSizes steps;
+    steps.add(4096);
+    queue.deliver(*first, steps);
+    StepSizes delivered;
+    EXPECT_EQ(queue.takeStepsOfFront(delivered), first);
+    EXPECT_EQ(delivered.runs().size(), 1U);
+    StepSizes again;
+    queue.takeStepsOfFront(again);
+    EXPECT_TRUE(again.isEmpty());
+}
+
+TEST_F(ReportQueueTest, WaitingThreadGetsNothingAfterStop) {
+    takeAll();
+    auto waiting = std::async(std::launch::async, [this] {
+        ReportQueue::Entries unused(1);
+        return queue.takeOrWait(unused);
+    });
+    queue.stop();
+    EXPECT_EQ(waiting.get(), nullptr);
+}
+
+TEST_F(ReportQueueTest, WaitingThreadGetsTheNamesOfADirectoryThatWasExamined) {
+    const std::vector<QueuedEntry*> entries = takeAll();
+    auto waiting = std::async(std::launch::async, [this] {
+        ReportQueue::Entries unused(1);
+        return queue.takeOrWait(unused);
+    });
+    entries[2]->listing = std::make_unique<Listing>(Names(directory.path()));
+    settle(entries[2]);
+    EXPECT_EQ(waiting.get()->parent, entries[2]);
+}
+
+} // namespace Nerix::FileScanners
