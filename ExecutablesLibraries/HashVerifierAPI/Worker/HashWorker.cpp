@@ -45,13 +45,6 @@ namespace {
 /// depends on the process's limits and may be too small.
 constexpr std::size_t stackSize = std::size_t{1} << 20U;
 
-/// A termination signal makes the run fail at the next step or entry.
-void throwIfTerminating() {
-    if (const int signal = Common::Utils::terminationSignal()) {
-        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("ended by signal ", signal));
-    }
-}
-
 /// While it lives, the digest steps of the worker's thread are the run's progress.
 class RunSteps final : public HashFunctions::StepObserver {
 public:
@@ -181,6 +174,12 @@ std::string HashWorker::getResult() {
 
 std::string HashWorker::getProgress() const {
     return Progress::text(m_reportedBytes, m_totalBytes);
+}
+
+void HashWorker::throwIfTerminating() {
+    if (const int signal = Common::Utils::terminationSignal()) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("ended by signal ", signal));
+    }
 }
 
 void HashWorker::log(unsigned long long bytes) {

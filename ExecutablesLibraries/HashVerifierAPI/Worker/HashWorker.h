@@ -99,6 +99,9 @@ public:
     /// the entry's rounded size as work, replacing the bytes counted for its steps. Throws as above.
     void log(const FileInput& entry, unsigned long long value);
 
+    /// Throws GenericException if a signal ends the process; the run then fails.
+    static void throwIfTerminating();
+
     /// Scanners report an entry whose content could not be read to its end, before its value; error is the
     /// errno. Warns of it in the system log and keeps the first for getReadFailure.
     void logReadError(const FileInput& entry, int error) noexcept;

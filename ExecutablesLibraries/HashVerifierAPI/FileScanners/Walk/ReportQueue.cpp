@@ -35,15 +35,15 @@ void ReportQueue::begin(Entries& root) {
     m_entries.splice(m_entries.end(), root);
 }
 
-ReportQueue::Turn ReportQueue::next(Entries& finished) {
+ReportQueue::Turn ReportQueue::next() {
     Lock lock(m_mutex);
+    m_unreported = 0;
+    wakeHelpers();
     for (;;) {
-        removeFinished(finished);
-        if (m_entries.empty()) {
-            return Turn::reportSteps;
-        }
-        wakeHelpers();
         QueuedEntry& front = m_entries.front();
+        if (isFinished(front) || (front.state == State::beingExamined && !front.deliveredSteps.isEmpty())) {
+            return Turn::report;
+        }
         if (front.state == State::deferred) {
             front.state = State::beingExamined;
             front.isAhead = false;
@@ -54,17 +54,28 @@ ReportQueue::Turn ReportQueue::next(Entries& finished) {
         if (ahead() < m_maxAhead && m_offering != nullptr) {
             return Turn::takeEntries;
         }
-        if (!finished.empty() || !front.deliveredSteps.isEmpty()) {
-            return Turn::reportSteps;
-        }
         m_reporterWakes.wait(lock);
     }
 }
 
-void ReportQueue::takeFinished(Entries& finished) {
+QueuedEntry* ReportQueue::takeFinished(Entries& finished, StepSizes& steps) {
+    // In small batches: they count against the limit until the whole batch is reported.
+    constexpr std::size_t maxAtOnce = 64;
     const Lock lock(m_mutex);
-    removeFinished(finished);
+    while (!m_entries.empty() && isFinished(m_entries.front()) && finished.size() < maxAtOnce) {
+        QueuedEntry& entry = m_entries.front();
+        if (entry.isAhead && entry.listing) {
+            m_namesAhead -= entry.listing->names.size();
+        }
+        finished.splice(finished.end(), m_entries, m_entries.begin());
+    }
+    m_unreported = finished.size();
     wakeHelpers();
+    if (m_entries.empty() || m_entries.front().state != State::beingExamined) {
+        return nullptr;
+    }
+    steps.take(m_entries.front().deliveredSteps);
+    return &m_entries.front();
 }
 
 QueuedEntry* ReportQueue::take(Entries& unused, std::size_t busy) {
@@ -126,33 +137,10 @@ void ReportQueue::deliver(QueuedEntry& entry, StepSizes& steps) noexcept {
     }
 }
 
-QueuedEntry* ReportQueue::takeStepsOfFront(StepSizes& steps) {
-    const Lock lock(m_mutex);
-    QueuedEntry& front = m_entries.front();
-    if (front.state != State::beingExamined) {
-        return nullptr;
-    }
-    steps.take(front.deliveredSteps);
-    return &front;
-}
-
 void ReportQueue::stop() {
     const Lock lock(m_mutex);
     m_isStopped = true;
     m_helpersWake.notify_all();
-}
-
-void ReportQueue::removeFinished(Entries& finished) {
-    // In small batches: they count against the limit until the whole batch is reported.
-    constexpr std::size_t maxAtOnce = 64;
-    while (!m_entries.empty() && isFinished(m_entries.front()) && finished.size() < maxAtOnce) {
-        QueuedEntry& entry = m_entries.front();
-        if (entry.isAhead && entry.listing) {
-            m_namesAhead -= entry.listing->names.size();
-        }
-        finished.splice(finished.end(), m_entries, m_entries.begin());
-    }
-    m_unreported = finished.size();
 }
 
 void ReportQueue::wakeHelpers() {

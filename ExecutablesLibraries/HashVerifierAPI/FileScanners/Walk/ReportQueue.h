@@ -44,19 +44,20 @@ public:
     /// Puts the root into the empty queue, deferred. `root` holds that entry alone.
     void begin(Entries& root);
 
-    /// What the reporter does next, after it has reported what `next` gave it.
+    /// What the reporter does next.
     enum class Turn {
-        examineFront, ///< the front is deferred; it now is being examined, by the reporter
-        takeEntries,  ///< there are names to take
-        reportSteps   ///< another thread has delivered steps of the front, or nothing is to be done
+        report,       ///< something: takeFinished
+        examineFront, ///< it was deferred, and now is being examined by the reporter
+        takeEntries   ///< there are names to take
     };
 
-    /// Reporter only. Moves entries that are finished from the front to `finished`, which must be empty, at most 64.
-    /// Blocks while there is nothing to do. The queue is empty after the root.
-    Turn next(Entries& finished);
+    /// Reporter only, after it has reported what it took. Blocks while there is nothing to do.
+    Turn next();
 
-    /// Reporter only. Like next, but never blocks and only moves entries.
-    void takeFinished(Entries& finished);
+    /// Reporter only. Moves up to 64 finished entries from the front to `finished`, which must be empty. If the entry
+    /// that is then in front is being examined, returns it, and moves the steps that were delivered of it to `steps`;
+    /// otherwise returns null. The queue is empty after the root.
+    QueuedEntry* takeFinished(Entries& finished, StepSizes& steps);
 
     /// Takes the first name that no thread has taken, for which it uses the entry in `unused`. Returns null if there is
     /// none, if the queue is full, if the front is deferred, or if the caller, which examines `busy` entries already,
@@ -75,10 +76,6 @@ public:
     /// empty; if there is no memory for them, changes nothing.
     void deliver(QueuedEntry& entry, StepSizes& steps) noexcept;
 
-    /// Reporter only. If the front is being examined, returns it and moves its delivered steps to `steps`; otherwise
-    /// returns null.
-    QueuedEntry* takeStepsOfFront(StepSizes& steps);
-
     /// Returns the front, which must exist. Reporter only.
     QueuedEntry& front() { return m_entries.front(); }
 
@@ -94,7 +91,6 @@ private:
     QueuedEntry& takeName(QueuedEntry& directory, Entries& unused);
     QueuedEntry* takeNow(Entries& unused, std::size_t busy);
     bool isFrontDeferred() const;
-    void removeFinished(Entries& finished);
     void wakeHelpers();
 
     const std::size_t m_threads;

@@ -23,16 +23,18 @@ public:
 Reporter::Reporter(ReportQueue& queue, Helpers& helpers, const IHashFunction& function)
     : m_queue(queue), m_helpers(helpers), m_function(function), m_worker(HashWorker::getInstance()) {}
 
-void Reporter::report(ReportQueue::Entries& entries) {
-    for (QueuedEntry& entry : entries) {
+void Reporter::reportFinished() {
+    HashWorker::throwIfTerminating(); // also if there is nothing to report
+    StepSizes steps;
+    QueuedEntry* const front = m_queue.takeFinished(m_finished, steps);
+    for (QueuedEntry& entry : m_finished) {
         report(entry);
     }
-    entries.clear();
-}
-
-void Reporter::reportFinished() {
-    m_queue.takeFinished(m_finished);
-    report(m_finished);
+    m_finished.clear();
+    if (front != nullptr && !steps.isEmpty()) {
+        reportDirectoriesOf(*front);
+        reportSteps(*front, steps);
+    }
 }
 
 void Reporter::report(QueuedEntry& entry) {
@@ -107,17 +109,6 @@ void Reporter::reportSteps(QueuedEntry& entry, const StepSizes& steps) {
 void Reporter::reportStep(QueuedEntry& entry, unsigned long long bytes) {
     m_worker.log(bytes);
     ++entry.reportedSteps;
-}
-
-void Reporter::reportStepsOfFront() {
-    if (m_result) {
-        return;
-    }
-    StepSizes steps;
-    if (QueuedEntry* const front = m_queue.takeStepsOfFront(steps)) {
-        reportDirectoriesOf(*front);
-        reportSteps(*front, steps);
-    }
 }
 
 } // namespace Nerix::FileScanners

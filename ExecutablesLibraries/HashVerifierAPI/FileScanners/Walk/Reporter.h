@@ -23,14 +23,8 @@ public:
     /// All arguments must outlive the object.
     Reporter(ReportQueue& queue, Helpers& helpers, const IHashFunction& function);
 
-    /// Reports the entries, which were taken from the front of the queue, and removes them.
-    void report(ReportQueue::Entries& entries);
-
-    /// Takes finished entries from the front of the queue and reports them.
+    /// Reports finished entries from the front of the queue, and then the delivered steps of the entry in front.
     void reportFinished();
-
-    /// Reports the steps of the front that have been delivered. No effect after the root.
-    void reportStepsOfFront();
 
     /// Reports the steps of all directories that contain the entry, as far as they have not been reported.
     void reportDirectoriesOf(QueuedEntry& entry);

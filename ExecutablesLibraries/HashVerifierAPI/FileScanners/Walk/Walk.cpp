@@ -1,5 +1,5 @@
-// The worker's thread takes one step after the other until the root has been reported. In each, it reports what is
-// finished at the front of the queue and then examines the front, if that was deferred, or what lies ahead. While it
+// The worker's thread takes one step after the other until the root has been reported: it reports what is finished at the
+// front of the queue, or examines the front, if that was deferred, or examines entries that lie ahead. While it
 // examines entries ahead it goes on reporting, whenever it takes another entry or has hashed another mebibyte. The
 // helpers only examine entries ahead.
 
@@ -64,7 +64,6 @@ public:
         m_walk.m_queue.deliver(entry, steps);
         try {
             m_walk.m_reporter.reportFinished();
-            m_walk.m_reporter.reportStepsOfFront();
         } catch (...) {
             m_failure = std::current_exception();
         }
@@ -149,18 +148,15 @@ hash_t Walk::run() {
 }
 
 void Walk::step() {
-    ReportQueue::Entries finished;
-    const ReportQueue::Turn turn = m_queue.next(finished);
-    m_reporter.report(finished);
-    switch (turn) {
+    switch (m_queue.next()) {
+    case ReportQueue::Turn::report:
+        m_reporter.reportFinished();
+        break;
     case ReportQueue::Turn::examineFront:
         examineFront();
         break;
     case ReportQueue::Turn::takeEntries:
         examineAhead();
-        break;
-    case ReportQueue::Turn::reportSteps:
-        m_reporter.reportStepsOfFront();
         break;
     }
 }
@@ -174,6 +170,7 @@ void Walk::examineAhead() {
     });
     m_examiner->run();
     m_supply->rethrowFailure();
+    m_reporter.reportFinished();
 }
 
 void Walk::examineFront() {

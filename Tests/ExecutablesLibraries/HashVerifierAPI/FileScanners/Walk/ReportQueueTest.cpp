@@ -29,8 +29,7 @@ protected:
     void begin(ReportQueue& theQueue) {
         ReportQueue::Entries root(1);
         theQueue.begin(root);
-        ReportQueue::Entries finished;
-        ASSERT_EQ(theQueue.next(finished), Turn::examineFront);
+        ASSERT_EQ(theQueue.next(), Turn::examineFront);
         theQueue.front().listing = std::make_unique<Listing>(Names(directory.path()));
         theQueue.settle(theQueue.front(), State::examined, none);
     }
@@ -47,7 +46,7 @@ protected:
     /// The names that the reporter gets now; "root" for the root.
     std::string finishedNames() {
         ReportQueue::Entries finished;
-        queue.takeFinished(finished);
+        queue.takeFinished(finished, none);
         std::string names;
         for (const QueuedEntry& entry : finished) { names += entry.parent == nullptr ? "root" : std::to_string(entry.name); }
         return names;
@@ -71,7 +70,7 @@ TEST_F(ReportQueueTest, EntriesAreReportedInTheirOrderWhateverTheOrderOfExaminat
         for (const std::size_t index : order) {
             theQueue.settle(*entries[index], State::examined, none);
             ReportQueue::Entries finished;
-            theQueue.takeFinished(finished);
+            theQueue.takeFinished(finished, none);
             for (const QueuedEntry& entry : finished) { reported.push_back(entry.parent == nullptr ? 4 : entry.name); }
         }
         EXPECT_EQ(reported, (std::vector<std::size_t>{0, 1, 2, 3, 4})) << "examined " << testing::PrintToString(order);
@@ -85,7 +84,7 @@ TEST_F(ReportQueueTest, FailureIsKeptUntilTheEntriesBeforeItAreReported) {
     EXPECT_EQ(finishedNames(), "");
     settle(entries[0]);
     ReportQueue::Entries finished;
-    queue.takeFinished(finished);
+    queue.takeFinished(finished, none);
     ASSERT_EQ(finished.size(), 2U);
     EXPECT_EQ(finished.front().failure, nullptr);
     EXPECT_NE(finished.back().failure, nullptr);
@@ -99,10 +98,10 @@ TEST_F(ReportQueueTest, FullQueueGivesNoEntryUntilTheFrontIsReported) {
     EXPECT_EQ(take(small), nullptr);
     small.settle(*front, State::examined, none);
     ReportQueue::Entries finished;
-    small.takeFinished(finished);
+    small.takeFinished(finished, none);
     EXPECT_EQ(take(small), nullptr) << "the front has left the queue, but is not reported";
     finished.clear();
-    small.takeFinished(finished);
+    small.takeFinished(finished, none);
     EXPECT_NE(take(small), nullptr);
 }
 
@@ -130,10 +129,10 @@ TEST_F(ReportQueueTest, EntriesOfADirectoryComeBeforeIt) {
 TEST_F(ReportQueueTest, DeferredEntryIsExaminedByTheReporterOnceItIsInFront) {
     const std::vector<QueuedEntry*> entries = takeAll();
     settle(entries[1], State::deferred);
-    ReportQueue::Entries finished;
     settle(entries[0]);
-    EXPECT_EQ(queue.next(finished), Turn::examineFront);
-    EXPECT_EQ(finished.size(), 1U);
+    EXPECT_EQ(queue.next(), Turn::report);
+    EXPECT_EQ(finishedNames(), "0");
+    EXPECT_EQ(queue.next(), Turn::examineFront);
     EXPECT_EQ(&queue.front(), entries[1]);
     EXPECT_FALSE(entries[1]->isAhead);
 }
@@ -148,11 +147,13 @@ TEST_F(ReportQueueTest, StepsOfTheFrontAreDeliveredOnce) {
     StepSizes steps;
     steps.add(4096);
     queue.deliver(*first, steps);
+    EXPECT_EQ(queue.next(), Turn::report);
+    ReportQueue::Entries finished;
     StepSizes delivered;
-    EXPECT_EQ(queue.takeStepsOfFront(delivered), first);
+    EXPECT_EQ(queue.takeFinished(finished, delivered), first);
     EXPECT_EQ(delivered.runs().size(), 1U);
     StepSizes again;
-    queue.takeStepsOfFront(again);
+    queue.takeFinished(finished, again);
     EXPECT_TRUE(again.isEmpty());
 }
 
