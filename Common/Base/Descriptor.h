@@ -6,7 +6,7 @@
 
 namespace Nerix::Common {
 
-/// Owns an open file descriptor; -1 for none.
+/// Owns a file descriptor and closes it when destroyed. -1 means that it owns none.
 class Descriptor {
 public:
     explicit Descriptor(int number) : m_number(number) {}
@@ -21,7 +21,7 @@ public:
     bool isOpen() const { return m_number != -1; }
     int number() const { return m_number; }
 
-    /// Transfers ownership of the descriptor to the caller.
+    /// Returns the descriptor, which the caller then owns.
     int release() { return std::exchange(m_number, -1); }
 
 private:

@@ -18,7 +18,7 @@ bool isC1(unsigned char byte) {
     return byte >= 0x80 && byte < 0xA0;
 }
 
-/// Returns true if text begins with one of U+202A to U+202E, U+2066 to U+2069 in UTF-8.
+/// Returns true if text begins with the UTF-8 form of U+202A to U+202E or of U+2066 to U+2069.
 bool beginsWithDirection(std::string_view text) {
     const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
     return text.size() >= 3 && byte(0) == 0xE2 &&
@@ -59,8 +59,8 @@ std::string escapedBut(char kept, const std::string& text) {
     return result;
 }
 
-/// Decodes the escape sequence, or plain character, at the start of text; returns the character and the
-/// number of bytes consumed.
+/// Decodes the escape sequence or plain character at the start of text, which must not be empty. Returns the
+/// character and the number of bytes decoded.
 std::pair<char, std::size_t> decodeOne(std::string_view text) {
     constexpr std::string_view letters = "nrt\\";
     constexpr std::string_view named = "\n\r\t\\";

@@ -5,16 +5,19 @@
 
 namespace Nerix::Common {
 
-/// Escapes text so that it fits on one line and cannot control a terminal: line feed, carriage return, tab
-/// and backslash become \n, \r, \t and \\, each byte of another control character \xHH. Control characters
-/// are bytes below 0x20, 0x7f, C1 (0x80 to 0x9f) when it follows 0xc2 or an ASCII or escaped byte, and those
-/// that change the direction of text, U+202A to U+202E and U+2066 to U+2069.
+/// Escapes text so that it fits on one line and cannot control a terminal. Line feed, carriage return, tab
+/// and backslash become \n, \r, \t and \\. Each byte of any other control character becomes \xHH. Control
+/// characters are:
+///
+/// - bytes below 0x20, and 0x7f
+/// - C1 bytes (0x80 to 0x9f) at the beginning and after 0xc2, an ASCII byte or an escaped byte
+/// - the UTF-8 forms of U+202A to U+202E and U+2066 to U+2069, which change the direction of text
 std::string escaped(const std::string& text);
 
-/// Reverses escaped().
+/// Reverses escaped(). Keeps each backslash that does not begin an escape sequence.
 std::string unescaped(std::string_view text);
 
-/// Escapes like escaped(), but leaves backslashes unchanged, for a message that already contains escaped
+/// Escapes text as escaped() does, but keeps backslashes: use it for a message that already contains escaped
 /// text.
 std::string withoutControls(const std::string& text);
 

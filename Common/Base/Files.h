@@ -15,16 +15,15 @@ struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// Owns a C stream. The deleter ignores errors from fclose, so after writing, call fflush and check its
-/// result.
+/// Owns a C stream. The deleter ignores errors of fclose, so call fflush after writing and check its result.
 using File = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Returns the system's message for an errno.
+/// Returns the system's message for an errno value.
 inline std::string messageOf(int error) {
     return std::generic_category().message(error);
 }
 
-/// Writes all bytes, however many a call takes. Returns 0, or the errno of the call that failed.
+/// Writes all bytes, in as many system calls as necessary. Returns 0, or the errno of the call that failed.
 inline int writeAll(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());

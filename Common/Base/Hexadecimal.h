@@ -5,7 +5,7 @@
 
 namespace Nerix::Common {
 
-/// Returns the last digits of value in lower-case hexadecimal, with leading zeros. At most 16 digits.
+/// Returns the lowest `digits` digits of value in lower-case hexadecimal, with leading zeros.
 inline std::string hexadecimal(std::uint64_t value, unsigned int digits) {
     std::string text(digits, '0');
     for (auto digit = text.rbegin(); digit != text.rend(); ++digit) {

@@ -5,16 +5,16 @@
 
 namespace Nerix::Common {
 
-/// A static object that is never destroyed, for whatever a thread or another static object may still use
-/// while the process ends:
+/// Holds a static object that is never destroyed, because a thread or another static object may use it while
+/// the process ends:
 ///
-///     static NoDestructor<std::map<int, std::string>> answers;
+///     static NoDestructor<std::map<int, std::string>> names;
 ///
-/// The object lives in place, so what it owns stays reachable for a leak checker.
+/// The object is stored inside the NoDestructor, so a leak checker can reach what it owns.
 template <class T>
 class NoDestructor {
 public:
-    /// Constructs T from the arguments. Throws what its constructor throws.
+    /// Constructs the object from the arguments. Throws what its constructor throws.
     template <class... Arguments>
     explicit NoDestructor(Arguments&&... arguments) {
         ::new (m_storage) T(std::forward<Arguments>(arguments)...);

@@ -13,7 +13,7 @@ namespace Nerix::Common::Debug {
 
 namespace {
 
-/// Before the main thread was registered, no thread counts as it.
+/// Returns true if thread is the registered main thread. Returns false as long as none is registered.
 bool isMainThread(boost::thread::id thread, boost::thread::id mainThread) {
     return thread == mainThread && thread != boost::thread::id();
 }
@@ -57,7 +57,7 @@ void ThreadDebug::SetThreadName(boost::thread& thread, const char* name) {
         return;
     }
     const std::string sanitized = sanitizeThreadName(name);
-    const bool isThread = thread.get_id() != boost::thread::id(); // not one that was joined or detached
+    const bool isThread = thread.get_id() != boost::thread::id(); // false after join or detach
     if (!isThread || ::pthread_setname_np(thread.native_handle(), sanitized.c_str()) != 0) {
         NERIX_LOG(ERR, "pthread_setname_np Failed to give the name to thread: %s", sanitized.c_str());
         return;

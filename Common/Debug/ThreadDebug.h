@@ -6,23 +6,24 @@
 
 namespace Nerix::Common::Debug {
 
-/// The kernel's names of threads, as log records and system tools show them, and which thread is the main
-/// one. The main thread is never renamed here. Failures are logged and otherwise ignored.
+/// Reads and sets the kernel's names of threads, which log records and system tools show. Remembers which
+/// thread is the main one, and never renames it. Failures are logged and otherwise ignored.
 class ThreadDebug {
 public:
-    /// Remembers the main thread. Call it before other threads exist; may be called only once (asserted).
+    /// Stores the id of the main thread. Call it once (asserted), before other threads exist.
     static void registerMainThreadId(boost::thread::id id);
 
-    /// The calling thread's kernel name, at most 15 characters; empty if the kernel call fails.
+    /// Returns the kernel name of the calling thread, at most 15 characters, or an empty string if the system
+    /// call fails.
     static std::string GetThreadName();
 
-    /// name with '_' in place of each byte that is not a letter, a digit or '_'. Not shortened.
+    /// Returns name with each byte that is not a letter, a digit or '_' replaced by '_'. Does not shorten it.
     static std::string sanitizeThreadName(const char* name);
 
-    /// Names another thread with the sanitised name. The kernel refuses more than 15 characters.
+    /// Gives another thread the sanitized name. Fails if the name has more than 15 characters.
     static void SetThreadName(boost::thread& thread, const char* name);
 
-    /// Names the calling thread with the sanitised name, of which the kernel keeps 15 characters.
+    /// Gives the calling thread the sanitized name, which the kernel truncates to 15 characters.
     static void SetThreadName(const char* name);
 
 private:

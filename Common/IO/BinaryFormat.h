@@ -6,12 +6,12 @@
 
 #include <exception>
 
-/// Exceptions of the package's binary number format. Only other programs of the package throw them.
+/// Exceptions of the package's binary number format. They are thrown only by other programs of the package.
 namespace Nerix::Common::IO::binary_format {
 
 class serialization_exception : public virtual std::exception, public virtual boost::exception {};
 
-/// A value does not fit the bytes that it is to be stored in; carries their number.
+/// Reports that a value does not fit into the bytes reserved for it; carries their number.
 class lossy_conversion : public virtual serialization_exception {};
 
 namespace detail {

@@ -12,9 +12,9 @@
 
 namespace Nerix::Common::IO {
 
-/// Computes a checksum of the data pushed into it. Used by other programs of the package, and here by
-/// NerixCommonUtils. A transaction can store its state and restore it. CRC is an engine of Boost.CRC with
-/// reflected 32-bit remainders.
+/// Computes a checksum of the data written to it. A transaction can store and restore its state. CRC is a
+/// class of Boost.CRC with a reflected 32-bit remainder. Used by NerixCommonUtils and by other programs of
+/// the package.
 template <class CRC>
 class CRCSink : public ISink, public ITransactionalEntity, public Utils::IDebugName {
 public:
@@ -30,14 +30,14 @@ public:
 
     bool endOfDataMarked() override { return m_endOfData; }
 
-    /// The checksum of the data so far.
+    /// Returns the checksum of the data written so far.
     std::uint32_t checksum() const { return m_crc.checksum(); }
 
     void transactionSaved(ITransaction*) override {}
 
-    /// A record of 5 bytes: the end flag (0 or 1), then the interim remainder with its bits unreflected, in
-    /// the machine's byte order. Restoring takes any byte but 0 for a flag that is set, and changes
-    /// the sink only when both were read.
+    /// Stores or restores 5 bytes: the end flag (0 or 1), then the interim remainder, unreflected, in the
+    /// machine's byte order. When restoring, any nonzero byte sets the flag, and the sink changes only after
+    /// both parts have been read.
     void transactionSerialize(IStoreTransaction* transaction) override {
         ISerializer& serializer = transaction->serializer();
         std::uint8_t endOfData = m_endOfData ? 1 : 0;

@@ -36,7 +36,7 @@ void DigestSession::registerUser() {
 }
 
 const EVP_MD* DigestSession::digest(const std::string& name) {
-    if (!m_digest || m_digestName != name) { // a failed fetch may succeed later
+    if (!m_digest || m_digestName != name) { // retries after a failure
         m_digest.reset();
         m_digestName = name;
         m_digest = OpenSSLCompat::fetchDigest(name);

@@ -17,7 +17,8 @@ namespace {
 
 const std::string userName = "<unknown>";
 
-/// Registers a use of OpenSSLInit: through the thread's session if there is one, else for this sink alone.
+/// Registers a user of OpenSSLInit: the thread's session if there is one, otherwise the sink. Returns the
+/// sink's handle, which is empty if the session has one.
 Utils::SingletonPointer<OpenSSLInit> useOpenSSL() {
     if (DigestSession* const session = DigestSession::current()) {
         session->registerUser();

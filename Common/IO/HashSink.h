@@ -14,31 +14,30 @@
 
 namespace Nerix::Common::IO {
 
-/// Computes one message digest of the data pushed into it, with the crypto library. Needs the set-up of
-/// OpenSSLInit in the singletons register for its whole life, and asserts that it is there. Destroy it on the
-/// thread that made it.
+/// Computes a message digest of the data written to it, using the crypto library. The singletons register
+/// must contain an OpenSSLInit during the sink's whole life (asserted). Destroy the sink on the thread that
+/// created it.
 class HashSink final : public ISink, public boost::noncopyable, public Utils::IDebugName {
 public:
-    /// digestName: as the crypto library names it ("md5", "sha1", ...). Throws OpenSSLException when the
-    /// library does not know the name or refuses to start.
+    /// Starts the digest that the crypto library calls digestName ("md5", "sha1", ...). Throws
+    /// OpenSSLException if the library does not know the name or cannot start the digest.
     explicit HashSink(const std::string& digestName);
 
-    /// Leaves the context to the thread's DigestSession, if there is one.
+    /// Passes the context to the thread's DigestSession, if there is one.
     ~HashSink() override;
 
-    /// Throws OpenSSLException if the library fails, and EndOfDataMarkedException after the end.
+    /// Throws OpenSSLException if the library fails, and EndOfDataMarkedException if the end has been marked.
     void writeChunk(const std::uint8_t* data, std::size_t length) override;
 
-    /// Throws like writeChunk. The end counts as marked even if OpenSSLException is thrown.
+    /// Throws the exceptions of writeChunk. The end counts as marked even if OpenSSLException is thrown.
     void markEndOfData() override;
     bool endOfDataMarked() override { return m_endOfData; }
 
-    /// The digest, 16 bytes for md5, 20 for sha1, owned by the sink. Marks the end of the data first if
-    /// necessary, and then throws like markEndOfData. After such a failure the returned bytes are meaningless
-    /// zeros.
+    /// Returns the digest (16 bytes for md5, 20 for sha1), which the sink owns. Marks the end of the data
+    /// first if necessary; throws OpenSSLException if that fails. Later calls then return meaningless bytes.
     const std::vector<std::uint8_t>& getHash();
 
-    /// "HashSink(" + name + ")".
+    /// Returns "HashSink(NAME)" with the name of the digest.
     std::string debugName() const override;
 
 private:

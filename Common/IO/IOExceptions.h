@@ -6,10 +6,10 @@
 
 namespace Nerix::Common::IO::IOExceptions {
 
-/// Misuse of a data path.
+/// Reports that a data path was misused.
 class IOStreamsException : public virtual std::exception, public virtual boost::exception {};
 
-/// Data or a second end mark after the end of the data.
+/// Reports data or a second end mark after the end of the data.
 class EndOfDataMarkedException : public IOStreamsException {};
 
 } // namespace Nerix::Common::IO::IOExceptions

@@ -12,7 +12,7 @@ namespace {
 std::atomic<LockingCallback> installedLockingCallback{nullptr};
 std::atomic<ThreadIdCallback> installedThreadIdCallback{nullptr};
 
-// The library's own signatures, with the source position of the caller, which nobody needs.
+// The library also passes the file and line of the caller, which are not used here.
 void* allocate(std::size_t size, const char*, int) {
     return std::malloc(size);
 }
@@ -30,13 +30,13 @@ DigestContext makeDigestContext() {
 }
 
 Digest fetchDigest(const std::string& name) {
-    // EVP_get_digestbyname first: it accepts more spellings than EVP_MD_fetch, and does not accept "null".
+    // EVP_get_digestbyname accepts more spellings than EVP_MD_fetch, and rejects "null".
     const EVP_MD* const named = EVP_get_digestbyname(name.c_str());
     return Digest(named == nullptr ? nullptr : EVP_MD_fetch(nullptr, EVP_MD_get0_name(named), nullptr));
 }
 
 void initialize() {
-    useStandardAllocation(); // which the library takes only before its first allocation
+    useStandardAllocation(); // has no effect after the library's first allocation
     OPENSSL_init_crypto(OPENSSL_INIT_NO_ATEXIT | OPENSSL_INIT_NO_LOAD_CONFIG, nullptr);
 }
 

@@ -5,30 +5,30 @@
 #include <memory>
 #include <string>
 
-/// Replaces functions of OpenSSL 1.0 that the current library lacks. Since 1.1 the library locks by itself:
-/// the locking and thread-id callbacks are never called, and setting them is a no-op macro. They are kept
-/// here instead, so that the installed callbacks can still be queried. A build for 1.0 would forward to the
-/// library, and look digests up instead of fetching them.
+/// Provides functions of OpenSSL 1.0 that later versions lack. Since 1.1 the library does its own locking: it
+/// never calls the locking and thread-id callbacks, and setting them is a no-op macro. The callbacks are
+/// therefore stored here, so that they can be queried. A build for 1.0 would pass them to the library, and
+/// would look up digests instead of fetching them.
 namespace Nerix::Common::IO::OpenSSLCompat {
 
-/// Identity of a thread, as a thread-id callback reports it.
+/// The identity of a thread, as set by a thread-id callback.
 struct ThreadId {
     unsigned long value = 0;
 };
 
-/// mode has the bit lockBit to lock mutex number n, else to unlock it; file and line identify the caller.
+/// Locks mutex n if mode contains lockBit, otherwise unlocks it. file and line identify the caller.
 using LockingCallback = void (*)(int mode, int n, const char* file, int line);
 using ThreadIdCallback = void (*)(ThreadId* id);
 
 constexpr int lockBit = 1;
 
-/// Sets the library up before anything else uses it; later calls change nothing. It allocates with malloc. It
-/// registers no exit handler, because a worker may still hash when the process ends. It reads no
-/// configuration file, because values must not depend on one: a machine whose configuration allows only
-/// certain providers, such as FIPS, does not restrict the digests.
+/// Initializes the library. Call it before anything else uses the library; later calls have no effect. The
+/// library then allocates with malloc. It does not register an exit handler, because a worker may still be
+/// hashing when the process ends. It does not read a configuration file, because values must not depend on
+/// one: a configuration that allows only certain providers, such as FIPS, would restrict the digests.
 void initialize();
 
-/// Returns the number of locks that the library requires.
+/// Returns the number of locks that the library needs.
 int numLocks();
 
 void setLockingCallback(LockingCallback callback);
@@ -37,8 +37,7 @@ LockingCallback getLockingCallback();
 void setThreadIdCallback(ThreadIdCallback callback);
 ThreadIdCallback getThreadIdCallback();
 
-/// Asks the library to allocate with malloc, realloc and free. It agrees only before its first allocation;
-/// later calls change nothing.
+/// Makes the library allocate with malloc, realloc and free. Has no effect after its first allocation.
 void useStandardAllocation();
 
 struct DigestContextDeleter {
@@ -46,7 +45,7 @@ struct DigestContextDeleter {
 };
 using DigestContext = std::unique_ptr<EVP_MD_CTX, DigestContextDeleter>;
 
-/// Returns a context to start a digest with, or null if there is no memory.
+/// Returns a new context, or null if memory is exhausted.
 DigestContext makeDigestContext();
 
 struct DigestDeleter {
@@ -54,9 +53,9 @@ struct DigestDeleter {
 };
 using Digest = std::unique_ptr<EVP_MD, DigestDeleter>;
 
-/// Returns the library's implementation of a digest, "md5", "sha1" or any other that it knows, or null for an
-/// unknown name; passing that null to EVP_DigestInit_ex with a new or reset context adds the reason to the
-/// error queue.
+/// Returns the library's implementation of the digest called name ("md5", "sha1", ...), or null if the
+/// library does not know the name. EVP_DigestInit_ex then adds the reason to the error queue if that null is
+/// passed to it with a new or reset context.
 Digest fetchDigest(const std::string& name);
 
 } // namespace Nerix::Common::IO::OpenSSLCompat

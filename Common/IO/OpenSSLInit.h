@@ -10,19 +10,21 @@
 
 namespace Nerix::Common::IO {
 
-/// The crypto library's set-up for use from several threads: a mutex per lock number of the library and the
-/// two callbacks that lock them and tell threads apart. Kept in the singletons register under
-/// SINGLETON_OPENSSL_INITIALIZER; a guard in main spans the whole run.
+/// Sets up the crypto library for several threads: creates a mutex for each of its lock numbers, and installs
+/// the callbacks that lock them and identify threads. The singletons register contains it under
+/// SINGLETON_OPENSSL_INITIALIZER as long as there is a ProgramSession.
 class OpenSSLInit : public Utils::RegisterableSingleton {
 public:
-    /// Sets the library up (OpenSSLCompat::initialize), makes the locks, then installs the callbacks. Throws
-    /// boost::thread_resource_error when a mutex cannot be made; nothing is installed then.
+    /// Initializes the library (OpenSSLCompat::initialize), creates the mutexes, then installs the callbacks.
+    /// Throws boost::thread_resource_error if a mutex cannot be created; the callbacks are then not
+    /// installed.
     OpenSSLInit();
 
-    /// Removes the callbacks. Asserts that no lock is held: no thread may still be inside the library.
+    /// Removes the callbacks. Asserts that no mutex is locked, because no thread may be inside the library.
     ~OpenSSLInit() override;
 
-    /// n is below OpenSSLCompat::numLocks(). lock throws boost::lock_error when the system refuses.
+    /// Locks or unlocks mutex n, which must be below OpenSSLCompat::numLocks(). lock throws boost::lock_error
+    /// if the system call fails.
     void lock(int n);
     void unlock(int n);
 
@@ -30,8 +32,8 @@ private:
     std::vector<std::unique_ptr<boost::mutex>> m_locks;
 };
 
-/// The installed callbacks. lockingCallback finds the OpenSSLInit in the singletons register, which asserts
-/// that there is one.
+/// The callbacks that OpenSSLInit installs. lockingCallback uses the OpenSSLInit in the singletons register,
+/// and asserts that there is one.
 void lockingCallback(int mode, int n, const char* file, int line);
 void threadIdCallback(OpenSSLCompat::ThreadId* id);
 

@@ -2,21 +2,22 @@
 
 #include <cstdint>
 
-/// Storing and restoring state in a transaction. Only other programs of the package run transactions.
+/// Stores and restores state in transactions, which only other programs of the package run.
 namespace Nerix::Common::IO {
 
 class ITransaction;
 
-/// A byte stream with a 64-bit position, which a state is stored into or restored from.
+/// A byte stream with a 64-bit position, to which state is stored or from which it is restored.
 class ISerializer {
 public:
     virtual ~ISerializer() = default;
 
-    /// Returns true if data is written, false if it is read.
+    /// Returns true when storing, false when restoring.
     virtual bool isStoring() const = 0;
 
-    /// Transfers length bytes at the current position, from data when storing and into it when restoring, and
-    /// advances the position by length. Exceptions from transfer propagate; the position is then unchanged.
+    /// Transfers length bytes at the current position (from data when storing, into data when restoring),
+    /// then advances the position by length. Exceptions from transfer propagate and leave the position
+    /// unchanged.
     void serializeData(std::uint8_t* data, unsigned int length) {
         transfer(m_position, data, length);
         m_position += length;
@@ -28,21 +29,21 @@ private:
     std::uint64_t m_position = 0;
 };
 
-/// A storage transaction under way.
+/// A storage transaction in progress.
 class IStoreTransaction {
 public:
     virtual ~IStoreTransaction() = default;
 
-    /// Owned by the transaction.
+    /// Returns the serializer, which the transaction owns.
     virtual ISerializer& serializer() = 0;
 };
 
-/// An object whose state a storage transaction saves, so that interrupted work can resume.
+/// An object whose state storage transactions save, so that interrupted work can be resumed.
 class ITransactionalEntity {
 public:
     virtual ~ITransactionalEntity() = default;
 
-    /// Called after a transaction was saved.
+    /// Called after a transaction has been saved.
     virtual void transactionSaved(ITransaction* transaction) = 0;
 
     /// Stores or restores the state through the transaction's serializer.

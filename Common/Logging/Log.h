@@ -3,12 +3,12 @@
 #include "Common/Logging/LoggingClass.h"
 #include "Common/Logging/LoggingStream.h"
 
-/// How every module logs. Both forms put "file:line>" in front of the message.
+/// The macros with which every module logs. Both put "file:line>" in front of the message.
 ///
 ///     NERIX_LOG(WRN, "Can't write to USB drive '%s'... using DLOG.", usb.c_str());
 ///     NERIX_LOG_STREAM(INF) << "Rethrowing unknown exception: " << text;
 ///
-/// The printf form needs at least one argument and a literal format; for plain text use the stream form.
+/// The printf form takes a literal format and at least one argument; use the stream form for plain text.
 
 #define NERIX_LOG_TAG "org.corvan.tv.nerix.NERIX"
 

@@ -21,7 +21,7 @@ namespace {
 
 constexpr std::size_t threadFieldSize = 64;
 
-/// Returns true if the text is not empty and was not truncated.
+/// Formats a message into buffer. Returns true if the text is not empty and was not truncated.
 bool formatInto(char* buffer, std::size_t size, const char* format, std::va_list arguments)
     __attribute__((format(printf, 3, 0)));
 
@@ -140,7 +140,7 @@ void LoggingClass::smartPrintImpl(const char* tag, Level level, const char* text
 void LoggingClass::printImpl(const char* tag, const char* thread, std::uint32_t recordNumber, Level level,
                              const char* text) {
     const LevelLayout& layout = layoutOf(level);
-    // If the platform rejects the record it is lost; there is nowhere else to report it.
+    // The result is ignored, because there is nowhere else to report a failure.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral" // every format takes these four arguments
     __dlog_print(layout.buffer, layout.priority, tag, layout.format, processName().c_str(), thread,
@@ -149,7 +149,7 @@ void LoggingClass::printImpl(const char* tag, const char* thread, std::uint32_t 
 }
 
 void LoggingClass::getThreadId(char* buffer, std::size_t size) {
-    char name[16] = ""; // stays empty when the call fails
+    char name[16] = ""; // stays empty if the call fails
     ::prctl(PR_GET_NAME, name);
     std::snprintf(buffer, size, "%d %s", static_cast<int>(::syscall(SYS_gettid)), name);
 }
@@ -161,7 +161,7 @@ const char* LoggingClass::logLevelToString(Level level) {
 void LoggingClass::printDirect(const char* tag, Level level, char* text) {
     char thread[threadFieldSize];
     getThreadId(thread, sizeof thread);
-    // Not closed: it is stdout, which stays redirected to the console.
+    // Not closed, because it is stdout, which stays redirected to the console.
     std::FILE* const console = std::freopen("/dev/console", "w", stdout);
     if (console == nullptr) {
         std::fprintf(stderr, "Cannot open /dev/console\n%s: Direct [%s][%s] %s\n", tag,
@@ -169,7 +169,7 @@ void LoggingClass::printDirect(const char* tag, Level level, char* text) {
         return;
     }
     std::fprintf(console, "%s: Direct [%s][%s] %s\n", tag, logLevelToString(level), thread, text);
-    // The caller aborts next, which flushes nothing; the pause lets a serial console drain.
+    // The caller then aborts, which does not flush. The pause lets a serial console drain.
     std::fflush(console);
     const std::timespec pause{0, 100'000'000};
     ::nanosleep(&pause, nullptr);

@@ -10,7 +10,7 @@ LoggingStream::LoggingStream(const char* tag, LoggingClass::Level level, const c
       m_line(line),
       m_level(level),
       m_uncaughtAtStart(std::uncaught_exceptions()) {
-    m_stream.exceptions(std::ios_base::badbit); // or the message would be cut in silence
+    m_stream.exceptions(std::ios_base::badbit); // otherwise a message would be truncated silently
 }
 
 LoggingStream::~LoggingStream() noexcept(false) {
@@ -22,7 +22,7 @@ LoggingStream::~LoggingStream() noexcept(false) {
                             m_stream.str().c_str());
     } catch (...) {
         if (std::uncaught_exceptions() == m_uncaughtAtStart) {
-            throw; // a second exception would terminate the process
+            throw; // only then, because a second exception would terminate the process
         }
     }
 }

@@ -8,15 +8,15 @@
 
 namespace Nerix::Common::Logging {
 
-/// Collects one message with operator<< and logs it when destroyed, at the end of the statement that made it.
-/// '%' characters in the message are safe. At level NONE everything is discarded. When an operand throws,
-/// what was collected so far is logged. The tag and the file name must outlive the object.
+/// Collects one message with operator<< and logs it when destroyed, at the end of the statement that created
+/// it. The message may contain '%'. At level NONE everything is discarded. If an operand throws, the text
+/// collected so far is logged. tag and fileName must outlive the object.
 class LoggingStream {
 public:
-    /// Writing to the stream throws std::bad_alloc when there is no memory for the message.
+    /// Begins a message. Writing to the stream throws std::bad_alloc if memory is exhausted.
     LoggingStream(const char* tag, LoggingClass::Level level, const char* fileName, int line);
 
-    /// Throws std::bad_alloc, unless an exception is already propagating.
+    /// Logs the message. Throws std::bad_alloc unless an exception is already propagating.
     ~LoggingStream() noexcept(false);
 
     LoggingStream(const LoggingStream&) = delete;

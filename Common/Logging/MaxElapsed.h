@@ -5,8 +5,8 @@
 
 namespace Nerix::Common::Logging {
 
-/// Whether at least maxAllowedMs whole milliseconds have passed since start. The first call in the process
-/// fixes the limit; the argument of every later call is ignored.
+/// Returns true if at least maxAllowedMs milliseconds have passed since start. The first call sets the limit
+/// for the whole process; later calls ignore maxAllowedMs.
 bool maxElapsed(std::chrono::time_point<std::chrono::steady_clock, std::chrono::nanoseconds> start,
                 std::uint32_t maxAllowedMs);
 

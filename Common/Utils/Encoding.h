@@ -4,8 +4,8 @@
 
 namespace Nerix::Common::Utils::Encoding {
 
-/// Two lower-case hexadecimal digits per byte, in input order, without separators. Empty for length 0, when
-/// data may be null.
+/// Returns two lower-case hexadecimal digits per byte, in input order, without separators. data may be null
+/// if length is 0.
 std::string binToHex(const unsigned char* data, unsigned int length);
 
 } // namespace Nerix::Common::Utils::Encoding

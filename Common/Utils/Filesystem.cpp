@@ -16,7 +16,7 @@ namespace Nerix::Common::Utils::filesystem {
 
 namespace {
 
-/// The first element of path after the prefix, and whether the whole prefix matched.
+/// Returns the first element of path after the prefix, and true if the whole prefix matched.
 std::pair<boost::filesystem::path::const_iterator, bool> matchPrefix(const boost::filesystem::path& path,
                                                                      const boost::filesystem::path& prefix) {
     const boost::filesystem::path stripped = stripTrailingSlashes(prefix);
@@ -82,13 +82,13 @@ std::ofstream openRegularFileToWrite(const boost::filesystem::path& p) {
     switch (boost::filesystem::status(p, error).type()) {
     case boost::filesystem::regular_file:
     case boost::filesystem::file_not_found:
-    case boost::filesystem::status_error: // opening it gives the reason
+    case boost::filesystem::status_error: // opening the file then sets errno
         return std::ofstream(p.c_str());
     case boost::filesystem::directory_file:
         errno = EISDIR;
         return {};
     default:
-        errno = ENXIO; // what opening a FIFO without a reader gives
+        errno = ENXIO; // as for a FIFO without a reader
         return {};
     }
 }
@@ -130,7 +130,7 @@ boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
     }
     boost::filesystem::path result("/");
     for (auto element = rest; element != path.end(); ++element) {
-        if (*element != "/") { // after an empty prefix: the result has its root already
+        if (*element != "/") { // after an empty prefix; the result already has a root
             result /= *element;
         }
     }

@@ -13,13 +13,14 @@ namespace Nerix::Common::Utils {
 
 namespace {
 
-/// open returns the lowest free descriptor, so calling this for 0, 1, 2 in order fills each closed one.
+/// Opens /dev/null on the descriptor if it is closed. Returns false on failure. Call it for 0, 1 and 2 in
+/// this order, because open returns the lowest free descriptor.
 bool fillIfClosed(int descriptor, int flags) {
     const bool isClosed = ::fcntl(descriptor, F_GETFD) == -1 && errno == EBADF;
     return !isClosed || ::open("/dev/null", flags) == descriptor;
 }
 
-/// Returns 0, or the errno of the failed write.
+/// Writes and flushes text. Returns 0, or the errno of the failed write.
 int tryWrite(const std::string& text) {
     errno = 0;
     std::cout << text << std::flush;
@@ -55,7 +56,7 @@ void writeReport(const std::string& text) noexcept {
         if (tryWrite(text) != 0) {
             std::cerr << text << std::flush;
         }
-    } catch (...) { // NOLINT(bugprone-empty-catch): there is no place left to report to
+    } catch (...) { // NOLINT(bugprone-empty-catch): there is nowhere else to report it
     }
 }
 

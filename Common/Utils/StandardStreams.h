@@ -4,18 +4,20 @@
 
 namespace Nerix::Common::Utils {
 
-/// Call it before anything opens a file: if the parent process closed a standard stream, the first file
-/// opened would get its descriptor and our output would be written into that file. Opens /dev/null on closed
-/// descriptors (read-only for standard output, so that writing fails). Also ignores SIGPIPE and SIGXFSZ, so
-/// that a write fails instead of killing the process.
+/// Opens /dev/null in place of each standard stream that the parent process closed (read-only for standard
+/// output, so that writing fails). Otherwise the first file opened would get the free descriptor, and our
+/// output would be written into that file. Also ignores SIGPIPE and SIGXFSZ, so that a write fails instead of
+/// killing the process. Call it before anything opens a file.
 ///
-/// Returns false, after printing the reason to standard error, if that fails; the program must then exit.
+/// Returns false, after printing the reason to standard error, if /dev/null cannot be opened; the program
+/// must then exit.
 bool secureStandardStreams();
 
-/// Writes text to standard output and flushes it. Throws GenericException with the system's reason.
+/// Writes text to standard output and flushes it. Throws GenericException, with the system's reason, on
+/// failure.
 void writeToStandardOutput(const std::string& text);
 
-/// Writes text to standard output or, when that fails, the whole of it to standard error.
+/// Writes text to standard output. If that fails, writes all of it to standard error.
 void writeReport(const std::string& text) noexcept;
 
 } // namespace Nerix::Common::Utils

@@ -13,7 +13,7 @@ namespace {
 constexpr int caught[] = {SIGINT, SIGTERM, SIGHUP};
 
 std::atomic<int> remembered{0};
-std::atomic<unsigned int> firstTime{0}; ///< monotonic milliseconds, wrapping; 0 until the first signal
+std::atomic<unsigned int> firstTime{0}; ///< of the first signal, wrapping monotonic milliseconds; 0: none
 static_assert(ATOMIC_INT_LOCK_FREE != 0, "a signal handler writes them");
 
 unsigned int milliseconds() {
@@ -22,7 +22,7 @@ unsigned int milliseconds() {
     return static_cast<unsigned int>(now.tv_sec) * 1000U + static_cast<unsigned int>(now.tv_nsec / 1'000'000);
 }
 
-/// Async-signal-safe.
+/// Handles a signal. Async-signal-safe.
 void remember(int signal) {
     constexpr unsigned int sameSignal = 200;
     const unsigned int now = std::max(milliseconds(), 1U);

@@ -1,16 +1,16 @@
 #pragma once
 
-/// Assertions, active in every build. A failed one, ours or one in a header of Boost, is reported on the
-/// system console, or standard error when there is none, and in the system log, and aborts the process: the
-/// stack is not unwound, and the process aborts even if reporting fails. What the distribution's compiled
-/// libraries assert inside was decided when they were built.
+/// Assertions, active in every build. A failed assertion, ours or one in a Boost header, is reported in the
+/// system log and on the system console (on standard error if there is no console). It then aborts the
+/// process, without unwinding the stack, even if reporting fails. Assertions inside the distribution's
+/// compiled libraries are not affected.
 ///
 ///     NerixAssert(excPtr);
 ///     NerixAssertMsg(lock->try_lock(), "Destroying object when mutex is still locked!");
 
 namespace Nerix::Common::Utils {
 
-/// Report and abort; what the macros below call. Any thread may call.
+/// Reports the failed assertion and aborts. Use the macros below instead. Thread-safe.
 [[noreturn]] void NerixAssertionFailed(const char* expression, const char* function, const char* file,
                                        long line);
 [[noreturn]] void NerixAssertionFailedMsg(const char* expression, const char* message, const char* function,

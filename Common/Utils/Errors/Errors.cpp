@@ -7,8 +7,8 @@ namespace Nerix::Common::Utils {
 
 namespace {
 
-// strerror_r comes in two forms. GNU's returns the text, which need not be in the buffer; that of POSIX fills
-// the buffer and returns a code.
+// strerror_r exists in two forms. GNU's returns the text, which may be outside the buffer; the one of POSIX
+// fills the buffer and returns a code. The overload for the result of the call selects the text.
 [[maybe_unused]] const char* messageOf(const char* text, const char*) {
     return text;
 }
@@ -31,7 +31,7 @@ boost::error_info<tag_errinfo_stream, std::string> errinfo_errno(int errnum) {
 std::ostringstream classicStream() {
     std::ostringstream stream;
     stream.imbue(std::locale::classic());
-    stream.exceptions(std::ios_base::badbit); // or the text would be cut in silence
+    stream.exceptions(std::ios_base::badbit); // otherwise a text would be truncated silently
     return stream;
 }
 

@@ -14,9 +14,9 @@
 #include <type_traits>
 #include <typeinfo>
 
-/// The exceptions of the package carry everything in error-information entries, at most one per tag; a second
-/// entry of the same tag replaces the first. They are thrown with BOOST_THROW_EXCEPTION, which adds function,
-/// file and line:
+/// The exceptions of the package carry their information in error-information entries. There is at most one
+/// entry per tag; a second one replaces the first. Throw them with BOOST_THROW_EXCEPTION, which adds
+/// function, file and line:
 ///
 ///     BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("can't read file: ", path));
 
@@ -29,21 +29,21 @@ class GenericException : public virtual std::exception, public virtual boost::ex
 struct tag_errinfo_stream;
 /// A single text value.
 using errinfo_string = boost::error_info<struct tag_errinfo_string, std::string>;
-/// The path concerned.
+/// The path on which the operation failed.
 using errinfo_path = boost::error_info<struct tag_errinfo_path, boost::filesystem::path>;
 /// A description of the failed operation.
 using errinfo_description = boost::error_info<struct tag_errinfo_description, std::string>;
 /// The result code of a platform call.
 using errinfo_errorcode = boost::error_info<struct tag_errinfo_errorcode, int>;
-/// The identity of the object concerned; made by errinfo_subject.
+/// The identity of the object on which the operation failed; made by errinfo_subject.
 struct tag_errinfo_subject;
 /// Support codes joined by "-", outermost first; see SupportCode.h.
 using errinfo_supportcode = boost::error_info<struct tag_errinfo_supportcode, std::string>;
-/// Context lines gathered on the way up, outermost first; see RethrowExceptionStream.
+/// Context lines added while the exception propagates, outermost first; see RethrowExceptionStream.
 using errinfo_rethrows = boost::error_info<struct tag_errinfo_rethrows, std::string>;
 
-/// A stream in the classic locale, regardless of the global locale. Writing to it throws std::bad_alloc when
-/// there is no memory.
+/// Returns a stream in the classic locale, regardless of the global locale. Writing to it throws
+/// std::bad_alloc if memory is exhausted.
 std::ostringstream classicStream();
 
 /// Concatenates the arguments as written by operator<< in the classic locale. Paths are written in double
@@ -55,17 +55,17 @@ boost::error_info<tag_errinfo_stream, std::string> errinfo_stream(const Argument
     return {stream.str()};
 }
 
-/// " errno=" + the number + " (" + the system's message for it + ")".
+/// Returns " errno=NUMBER (MESSAGE)", with the system's message for the number.
 std::string get_string_from_errno(int errnum);
 
-/// get_string_from_errno as a stream entry, so it replaces an errinfo_stream attached before.
+/// Returns get_string_from_errno(errnum) as a stream entry, which replaces an earlier errinfo_stream.
 boost::error_info<tag_errinfo_stream, std::string> errinfo_errno(int errnum);
 
 namespace detail {
 std::string subjectName(const std::type_info& type, const void* address);
 }
 
-/// Names the object concerned: by its debugName() when it is an IDebugName, else by dynamic type and address.
+/// Identifies an object: by its debugName() if it is an IDebugName, otherwise by dynamic type and address.
 template <class Subject>
 boost::error_info<tag_errinfo_subject, std::string> errinfo_subject(const Subject& subject) {
     if constexpr (std::is_base_of_v<IDebugName, Subject>) {

@@ -49,7 +49,7 @@ void rethrowWithContext(const char* function, const char* file, int line, const 
         RethrowExceptionStream stream;
         stream.getStream() << " -> " << function << " (" << file << ":" << line << ") " << details;
     }
-    __builtin_unreachable(); // the stream leaves by throwing
+    __builtin_unreachable(); // the stream's destructor throws
 }
 
 } // namespace Nerix::Common::Utils

@@ -10,52 +10,52 @@
 
 namespace Nerix::Common::Utils {
 
-/// Rethrows an exception with a line of context added to it. Lives in a catch-all handler, on the thread that
-/// handles the exception, and leaves it by throwing:
+/// Adds a line of context to an exception and rethrows it in the destructor. Create it in a catch-all
+/// handler, on the thread that handles the exception. Usually the macro below does that:
 ///
 ///     } catch (...) {
 ///         NERIX_RETHROW_WITH_CONTEXT("Path: ", path);
 ///     }
 ///
-/// The line goes in front of the exception's errinfo_rethrows entry. A boost::thread_interrupted, which has
-/// no entries, is replaced by Utils::thread_interrupted; anything else without entries is rethrown as it is,
-/// and the line goes to the system log.
+/// The line is put in front of the exception's errinfo_rethrows entry. A boost::thread_interrupted, which
+/// cannot have entries, is replaced by Utils::thread_interrupted. Any other exception without entries is
+/// rethrown unchanged, and the line is written to the system log.
 class RethrowExceptionStream {
 public:
-    /// Rethrows the exception being handled; there must be one when the object is destroyed.
+    /// Makes the destructor rethrow the exception being handled then; there must be one.
     RethrowExceptionStream();
 
-    /// Rethrows what excPtr holds. Asserts that it is not empty.
+    /// Makes the destructor rethrow the exception in excPtr. Asserts that excPtr is not empty.
     explicit RethrowExceptionStream(const boost::exception_ptr& excPtr);
 
     RethrowExceptionStream(const RethrowExceptionStream&) = delete;
     RethrowExceptionStream& operator=(const RethrowExceptionStream&) = delete;
 
-    /// Rethrows with the context; does nothing if writing the context line threw, because that exception is
-    /// already propagating.
+    /// Rethrows the exception with the context line. Does nothing if writing that line threw, because that
+    /// exception is already propagating.
     ~RethrowExceptionStream() noexcept(false);
 
-    /// Where the context line is written.
+    /// Returns the stream to which the context line is written.
     std::ostream& getStream() { return m_stream; }
 
 private:
     void rethrow() const;
 
-    boost::exception_ptr m_exception; ///< empty: the exception being handled
+    boost::exception_ptr m_exception; ///< if empty, the exception being handled is rethrown
     std::ostringstream m_stream = classicStream();
-    int m_uncaughtAtStart; ///< tells whether writing the context line has thrown
+    int m_uncaughtAtStart; ///< a higher count later means that writing the context line threw
 };
 
 /// Rethrows the exception being handled with the context line " -> function (file:line) details". Use it
-/// directly only when the handler lives in a helper that must report another function's name and line;
-/// otherwise use the macro below.
+/// directly only in a helper that reports the name and line of another function; otherwise use the macro
+/// below.
 [[noreturn]] void rethrowWithContext(const char* function, const char* file, int line,
                                      const std::string& details);
 
 } // namespace Nerix::Common::Utils
 
-/// Ends a catch-all handler: rethrows with " -> function (file:line) " and the details, composed as
-/// by errinfo_stream.
+/// Rethrows the exception being handled with the context line " -> function (file:line) details", where
+/// details are the arguments, concatenated as by errinfo_stream. Put it at the end of a catch-all handler.
 #define NERIX_RETHROW_WITH_CONTEXT(...)                                                                      \
     ::Nerix::Common::Utils::rethrowWithContext(__PRETTY_FUNCTION__, __FILE__, __LINE__,                      \
                                                ::Nerix::Common::Utils::errinfo_stream(__VA_ARGS__).value())

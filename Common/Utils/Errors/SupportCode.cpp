@@ -15,7 +15,7 @@ std::string ownSupportCode(const boost::exception& exception) {
     return code == nullptr ? std::string() : *code;
 }
 
-/// "first-second", or the one that is not empty.
+/// Returns "FIRST-SECOND", or only one of them if the other is empty.
 std::string joined(const std::string& first, const std::string& second) {
     return first.empty() || second.empty() ? first + second : first + "-" + second;
 }

@@ -7,7 +7,7 @@
 
 namespace Nerix::Common::Utils {
 
-/// A thread interruption that carries entries. Handlers of boost::thread_interrupted catch it too.
+/// A thread interruption that carries entries. Handlers of boost::thread_interrupted also catch it.
 class thread_interrupted : public virtual std::exception,
                            public virtual boost::exception,
                            public virtual boost::thread_interrupted {};

@@ -17,8 +17,8 @@ SRegisterItem::SRegisterItem(boost::shared_ptr<RegisterableSingleton> registerab
 SRegisterItem::~SRegisterItem() {
     const boost::this_thread::disable_interruption noInterruption;
     assertUnused();
-    // Not left to the member's destructor: interruption is possible again by then. Not under the mutex
-    // either, because the service may use the register.
+    // Not left to the member's destructor, because interruption is enabled again by then. Not under the
+    // mutex, because the service may use the register.
     m_registerable.reset();
 }
 

@@ -14,41 +14,41 @@
 
 namespace Nerix::Common::Utils {
 
-/// The register's record of one service: it owns the service and counts who needs and who uses it. The counts
-/// may be changed from any thread; an instance is destroyed by the register alone.
+/// The register's entry for one service: owns the service, counts the declarations of need, and lists the
+/// users. The functions are thread-safe; only the register destroys an item.
 class SRegisterItem : private boost::noncopyable {
 public:
     SRegisterItem(boost::shared_ptr<RegisterableSingleton> registerable, SingletonsID id,
                   std::list<SingletonsID> requirements);
 
-    /// Destroys the service, with thread interruption disabled. Asserts that nobody needs it and nobody holds
-    /// a SingletonPointer to it.
+    /// Destroys the service, with thread interruption disabled. Asserts that no declaration of need and no
+    /// SingletonPointer to it is left.
     ~SRegisterItem();
 
-    /// The only owning pointer; it lives as long as the item.
+    /// Returns the service. A copy of the pointer must not outlive the item, which destroys the service.
     const boost::shared_ptr<RegisterableSingleton>& getRegisterable() const { return m_registerable; }
     const std::list<SingletonsID>& getRequirements() const { return m_requirements; }
 
     void incrementNeeded();
     void decrementNeeded();
 
-    /// Returns true if nobody needs the service any more.
+    /// Returns true if no declaration of need is left.
     bool isUseless() const;
 
-    /// Adds one entry for user; a name may be added several times.
+    /// Adds an entry for user; a name may have several entries.
     void incrementUsage(const std::string& user);
 
-    /// Removes one entry for user. Asserts that there is one.
+    /// Removes one of the entries for user. Asserts that there is one.
     void decrementUsage(const std::string& user);
 
 private:
     void assertUnused() const;
-    std::string idTwice() const;
+    std::string idTwice() const; ///< "ID=ID", as the messages of the assertions contain it
 
     boost::shared_ptr<RegisterableSingleton> m_registerable;
     const SingletonsID m_id;
     const std::list<SingletonsID> m_requirements;
-    mutable boost::mutex m_mutex; ///< guards what follows
+    mutable boost::mutex m_mutex; ///< guards m_needed and m_users
     std::int32_t m_needed = 0;
     std::vector<std::string> m_users;
 };

@@ -15,17 +15,17 @@ class SRegisterItem;
 
 namespace detail {
 
-/// The part of a SingletonPointer that does not depend on the service's type: one entry among an
-/// item's users.
+/// The part of a SingletonPointer that does not depend on the type of the service: one entry in the list of
+/// an item's users.
 class SingletonUsage : private boost::noncopyable {
 public:
-    /// Adds user to the item's users. With a null item nothing is registered, and registerable() asserts.
+    /// Adds user to the item's users. With a null item, does nothing, and registerable() fails an assertion.
     SingletonUsage(const std::string& user, const boost::shared_ptr<SRegisterItem>& item);
 
-    /// Removes user again, if the item still exists.
+    /// Removes user from the item's users if the item still exists.
     ~SingletonUsage();
 
-    /// The service, alive at this moment. Asserts that it still exists.
+    /// Returns the service. Asserts that it still exists.
     boost::shared_ptr<RegisterableSingleton> registerable() const;
 
 private:
@@ -35,18 +35,20 @@ private:
 
 } // namespace detail
 
-/// One user's handle to a registered service; obtained from SingletonsRegister::getService.
+/// A user's handle to a registered service, returned by SingletonsRegister::getService.
 ///
-/// It does not keep the service alive; a guard must. While it exists, its user name stands among the
-/// service's users, and destroying the service is a fatal assertion that names them.
+/// The handle does not keep the service alive; a SingletonServiceGuard must do that. While the handle exists,
+/// its user name is in the list of the service's users, and destroying the service is a fatal assertion whose
+/// message contains that list.
 template <class T>
 class SingletonPointer : private boost::noncopyable {
 public:
-    /// Called only by the register, with its lock held.
+    /// Adds user to the item's users. Called by the register, with its lock held. A null item makes an empty
+    /// handle, which must not be dereferenced.
     SingletonPointer(const std::string& user, const boost::shared_ptr<SRegisterItem>& item)
         : m_usage(user, item) {}
 
-    /// The service; the raw pointer is valid only while the service lives. Asserts that it does.
+    /// Returns the service. Asserts that it still exists. The pointer is valid only as long as it does.
     T* operator->() const {
         T* const service = dynamic_cast<T*>(m_usage.registerable().get());
         if (service == nullptr) {

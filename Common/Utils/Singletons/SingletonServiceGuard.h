@@ -7,8 +7,9 @@
 
 namespace Nerix::Common::Utils {
 
-/// Declares the service T needed for the lifetime of the guard. Create it on the stack of the scope that
-/// needs the service, before anything that uses it. Throws what creating the service throws.
+/// Declares a need for the service T during the lifetime of the guard. Create the guard in the scope that
+/// needs the service, before anything that uses it. Its constructor throws the exceptions of the service's
+/// constructor.
 template <class T>
 class SingletonServiceGuard : private boost::noncopyable {
 public:

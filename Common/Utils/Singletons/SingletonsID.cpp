@@ -6,7 +6,7 @@
 namespace Nerix::Common::Utils {
 
 std::string singletonsIdToString(SingletonsID id) {
-    // constexpr: the register still asks while global objects are destroyed.
+    // constexpr, because the register uses the names while global objects are destroyed.
     static constexpr struct {
         SingletonsID id;
         const char* text;

@@ -5,8 +5,8 @@
 
 namespace Nerix::Common::Utils {
 
-/// Identifies a process-wide service in the SingletonsRegister. Shared by all programs of the package. Values
-/// appear in messages only and are stored nowhere.
+/// Identifies a service in the SingletonsRegister. The identifiers are shared by all programs of the package.
+/// Their numbers appear only in messages and are never stored.
 enum SingletonsID : int {
     USER_DATA_REGISTER = 0,
     TVS_SIGNAL_DISTRIBUTOR = 1,
@@ -32,7 +32,7 @@ enum SingletonsID : int {
     DEPENDENT_DUMMY_SINGLETON = 21
 };
 
-/// The enumerator's name, or an error text for any other value.
+/// Returns the name of the enumerator, or an error text for any other value.
 std::string singletonsIdToString(SingletonsID id);
 
 std::ostream& operator<<(std::ostream& stream, SingletonsID id);

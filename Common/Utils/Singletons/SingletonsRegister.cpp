@@ -12,7 +12,7 @@ SingletonsRegister SingletonsRegister::instance;
 
 SingletonsRegister::SingletonsRegister() = default;
 SingletonsRegister::~SingletonsRegister() {
-    m_items.clear(); // while the mutexes are still there, which a service may use
+    m_items.clear(); // before the mutexes are destroyed, which a service may use
 }
 
 SingletonsRegister& SingletonsRegister::getSingletonsRegister() {
@@ -38,7 +38,7 @@ SingletonsRegister::Item SingletonsRegister::create(SingletonsID id,
                                                     const std::list<SingletonsID>& requirements,
                                                     const Factory& factory) {
     NERIX_LOG_STREAM(INF) << "Creating : singleton id: " << id;
-    // Outside the map mutex: a constructor may take long, and may itself use registered services.
+    // Without the map mutex, because a constructor may take long and may use registered services.
     auto item = boost::make_shared<SRegisterItem>(factory(), id, requirements);
     const Lock map(m_mapMutex);
     m_items[id] = item;
@@ -50,7 +50,7 @@ void SingletonsRegister::internalMarkNeeded(SingletonsID id) {
     {
         const Lock map(m_mapMutex);
         const Item item = find(id);
-        requirements = item->getRequirements(); // the pointer asserts that the id is registered
+        requirements = item->getRequirements(); // boost::shared_ptr asserts that the id is registered
         checkRequirements(id, requirements);
         item->incrementNeeded();
     }
@@ -98,7 +98,7 @@ void SingletonsRegister::internalUnmarkNeeded(SingletonsID id) {
         m_items.erase(id);
     }
     const std::list<SingletonsID> requirements = item->getRequirements();
-    // Destroys an erased service before anything that it requires.
+    // If the service was erased, this destroys it before the services that it requires.
     item.reset();
     for (const SingletonsID requirement : requirements) {
         internalUnmarkNeeded(requirement);

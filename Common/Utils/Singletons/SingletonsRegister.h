@@ -20,28 +20,29 @@ namespace Nerix::Common::Utils {
 
 class SRegisterItem;
 
-/// Makes a service the ordinary way, by its default constructor.
+/// Creates a service with its default constructor.
 template <class T>
 boost::shared_ptr<RegisterableSingleton> standardFactoryFunction() {
     return boost::make_shared<T>();
 }
 
-/// The process-wide services: each is created when a scope first declares that it needs it, lives while at
-/// least one such declaration is in force, and is destroyed before the services that it requires.
+/// Holds the services of the process. A service is created when the first scope declares a need for it. It
+/// lives as long as at least one declaration is in force, and is destroyed before the services that it
+/// requires.
 ///
-/// Scopes declare need with a SingletonServiceGuard; users reach a service with getService. Any thread may
-/// call. Misuse (except an empty factory) is a fatal assertion; only factories and std::bad_alloc throw.
+/// Scopes declare a need with a SingletonServiceGuard; users access a service with getService. Thread-safe.
+/// Misuse, except an empty factory, is a fatal assertion. Apart from std::bad_alloc, only factories throw.
 class SingletonsRegister : private boost::noncopyable {
 public:
     using Factory = std::function<boost::shared_ptr<RegisterableSingleton>()>;
 
-    /// The register of this process.
+    /// Returns the register of this process.
     static SingletonsRegister& getSingletonsRegister();
 
-    /// Declares the service T needed under id and creates it if it is not there yet. Asserts that what T
-    /// requires is registered. Exceptions from the factory propagate; the service is then not registered. A
-    /// factory must not be empty (std::bad_function_call) nor return null. Factories run one at a time and
-    /// may use the register.
+    /// Declares a need for the service T under id, and creates it if it does not exist. Asserts that the
+    /// services that T requires are registered. Exceptions from the factory propagate; the service is then
+    /// not registered. The factory must not be empty (std::bad_function_call) and must not return null.
+    /// Factories run one at a time and may use the register.
     template <class T>
     void markNeeded(SingletonsID id) {
         markNeeded<T>(id, standardFactoryFunction<T>);
@@ -51,17 +52,18 @@ public:
         markNeededImpl(id, T::requirements(), factory);
     }
 
-    /// Withdraws one declaration of need; the last one destroys the service before it returns. Asserts that
-    /// id is registered and, when the service goes, that nobody holds a SingletonPointer to it.
+    /// Withdraws one declaration of need. If it was the last one, destroys the service, and asserts that
+    /// nobody holds a SingletonPointer to it. Asserts that id is registered.
     void unmarkNeeded(SingletonsID id);
 
-    /// A handle for user to the service registered under id. Asserts that there is one and that it is a T.
+    /// Returns a handle for user to the service registered under id. Asserts that the service exists and is a
+    /// T.
     template <class T>
     SingletonPointer<T> getService(const std::string& user, SingletonsID id) {
         const boost::lock_guard<boost::recursive_mutex> map(m_mapMutex);
         return SingletonPointer<T>(user, require(id, [](const RegisterableSingleton& service) {
-                                       // Compare the exact type first: every hash step comes here, and
-                                       // dynamic_cast is slower.
+                                       // Compare the exact type first, because dynamic_cast is slower and
+                                       // hash steps without a DigestSession come here.
                                        return typeid(service) == typeid(T) ||
                                               dynamic_cast<const T*>(&service) != nullptr;
                                    }));
@@ -80,16 +82,17 @@ private:
     Item find(SingletonsID id) const;
     Item create(SingletonsID id, const std::list<SingletonsID>& requirements, const Factory& factory);
 
-    /// Call with the map mutex held; it also guards the returned reference.
+    /// Returns the item of id. Asserts that it exists and has the right type. Call it with the map mutex
+    /// held, which also guards the returned reference.
     const Item& require(SingletonsID id, bool (*isRightType)(const RegisterableSingleton&)) const;
 
     static SingletonsRegister instance;
 
     std::map<SingletonsID, Item> m_items;
 
-    // Always locked in this order, an item's own mutex last. Recursive, as marking walks through requirements
-    // and factories may use the register.
-    mutable boost::recursive_mutex m_operationsMutex; ///< creation and destruction, one at a time
+    // Locked in this order, and then the mutex of an item. Recursive, because markNeeded recurses into
+    // requirements and factories may use the register.
+    mutable boost::recursive_mutex m_operationsMutex; ///< serializes creation and destruction
     mutable boost::recursive_mutex m_mapMutex;        ///< guards m_items
 };
 
