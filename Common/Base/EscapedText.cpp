@@ -19,31 +19,33 @@ bool isC1(unsigned char byte) {
 }
 
 /// Returns true if text begins with the UTF-8 form of U+202A to U+202E or of U+2066 to U+2069.
-bool beginsWithDirection(std::string_view text) {
+bool beginsWithDirectionControl(std::string_view text) {
     const auto byte = [&](std::size_t index) { return static_cast<unsigned char>(text[index]); };
     return text.size() >= 3 && byte(0) == 0xE2 &&
            ((byte(1) == 0x80 && byte(2) >= 0xAA && byte(2) <= 0xAE) ||
             (byte(1) == 0x81 && byte(2) >= 0xA6 && byte(2) <= 0xA9));
 }
 
-std::string escapedBut(char kept, const std::string& text) {
+/// Escapes text as escaped() does, but keeps the character `kept`.
+std::string escapedExcept(char kept, const std::string& text) {
     constexpr std::string_view named = "\\\n\r\t";
     constexpr std::string_view letters = "\\nrt";
     std::string result;
     result.reserve(text.size());
-    unsigned char shown = 0; // the previous byte, or 0 if it was escaped
+    unsigned char lastPlain = 0; // the last byte, or 0 if it was escaped
     for (std::size_t index = 0; index != text.size(); ++index) {
         const char character = text[index];
         const auto byte = static_cast<unsigned char>(character);
-        const unsigned char before = std::exchange(shown, 0);
-        if (beginsWithDirection(std::string_view(text).substr(index))) {
+        const unsigned char before = lastPlain;
+        lastPlain = 0;
+        if (beginsWithDirectionControl(std::string_view(text).substr(index))) {
             for (const char part : text.substr(index, 3)) {
                 result += escapeOf(part);
             }
             index += 2;
         } else if (isC1(byte) && before == 0xC2) {
-            result.pop_back();
-            result += escapeOf(static_cast<char>(before));
+            result.pop_back(); // both bytes form one control character, so the first is escaped too
+            result += escapeOf('\xC2');
             result += escapeOf(character);
         } else if (const std::size_t place = named.find(character);
                    place != std::string_view::npos && character != kept) {
@@ -53,7 +55,7 @@ std::string escapedBut(char kept, const std::string& text) {
             result += escapeOf(character);
         } else {
             result += character;
-            shown = byte;
+            lastPlain = byte;
         }
     }
     return result;
@@ -80,7 +82,7 @@ std::pair<char, std::size_t> decodeOne(std::string_view text) {
 } // namespace
 
 std::string escaped(const std::string& text) {
-    return escapedBut('\0', text);
+    return escapedExcept('\0', text);
 }
 
 std::string unescaped(std::string_view text) {
@@ -94,7 +96,7 @@ std::string unescaped(std::string_view text) {
 }
 
 std::string withoutControls(const std::string& text) {
-    return escapedBut('\\', text);
+    return escapedExcept('\\', text);
 }
 
 } // namespace Nerix::Common
