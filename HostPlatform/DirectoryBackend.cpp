@@ -17,7 +17,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <charconv>
 #include <climits>
 #include <cstdint>
 #include <system_error>
@@ -78,15 +77,12 @@ std::string fileNameOf(std::string_view key) {
 std::optional<std::string> keyOf(const std::string& name) {
     std::string key;
     for (std::size_t index = 0; index != name.size(); ++index) {
-        unsigned char byte = 0;
         if (name[index] == '+') {
             key += '/';
         } else if (name[index] != '%') {
             key += name[index];
-        } else if (name.size() - index > 2 &&
-                   std::from_chars(&name[index + 1], &name[index + 1] + 2, byte, 16).ptr ==
-                       &name[index + 1] + 2) {
-            key += static_cast<char>(byte);
+        } else if (const auto byte = Common::byteFromHexadecimal(std::string_view(name).substr(index + 1))) {
+            key += *byte;
             index += 2;
         }
     }

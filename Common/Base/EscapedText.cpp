@@ -2,7 +2,6 @@
 
 #include "Common/Base/Hexadecimal.h"
 
-#include <charconv>
 #include <string_view>
 #include <utility>
 
@@ -66,14 +65,13 @@ std::string escapedExcept(char kept, const std::string& text) {
 std::pair<char, std::size_t> decodeOne(std::string_view text) {
     constexpr std::string_view letters = "nrt\\";
     constexpr std::string_view named = "\n\r\t\\";
-    unsigned char byte = 0;
     if (text[0] == '\\' && text.size() > 1) {
         if (const std::size_t place = letters.find(text[1]); place != std::string_view::npos) {
             return {named[place], 2};
         }
-        if (text[1] == 'x' && text.size() > 3 &&
-            std::from_chars(&text[2], &text[2] + 2, byte, 16).ptr == &text[2] + 2) {
-            return {static_cast<char>(byte), 4};
+        const auto byte = byteFromHexadecimal(text.substr(2));
+        if (text[1] == 'x' && byte) {
+            return {*byte, 4};
         }
     }
     return {text[0], 1};

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <charconv>
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace Nerix::Common {
 
@@ -13,6 +17,17 @@ inline std::string hexadecimal(std::uint64_t value, unsigned int digits) {
         value >>= 4U;
     }
     return text;
+}
+
+/// Returns the byte that the first two characters of text represent in hexadecimal, or nullopt if they do not
+/// represent one.
+inline std::optional<char> byteFromHexadecimal(std::string_view text) {
+    constexpr std::size_t digits = 2;
+    unsigned char byte = 0;
+    const std::string_view pair = text.substr(0, digits);
+    const char* const end = pair.data() + pair.size();
+    const bool isByte = pair.size() == digits && std::from_chars(pair.data(), end, byte, 16).ptr == end;
+    return isByte ? std::optional<char>(static_cast<char>(byte)) : std::nullopt;
 }
 
 } // namespace Nerix::Common
