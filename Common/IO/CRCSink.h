@@ -60,7 +60,7 @@ private:
     CRC m_crc;
 };
 
-/// The standard CRC-32: boost::crc_32_type.
-using CRC32Sink = CRCSink<boost::crc_optimal<32, 0x04C11DB7, 0xFFFFFFFF, 0xFFFFFFFF, true, true>>;
+/// Computes the standard CRC-32.
+using CRC32Sink = CRCSink<boost::crc_32_type>;
 
 } // namespace Nerix::Common::IO
