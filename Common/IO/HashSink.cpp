@@ -33,11 +33,16 @@ Utils::SingletonPointer<OpenSSLInit> useOpenSSL() {
 HashSink::HashSink(const std::string& digestName) : m_openSSL(useOpenSSL()), m_digestName(digestName) {
     OpenSSLCompat::useStandardAllocation();
     OpenSSL_add_all_digests();
-    DigestSession* const session = DigestSession::current();
-    // The context keeps a reference to the digest, so `own` may be freed.
-    const OpenSSLCompat::Digest own = session == nullptr ? OpenSSLCompat::fetchDigest(digestName) : nullptr;
-    const EVP_MD* const digest = session == nullptr ? own.get() : session->digest(digestName);
-    m_context = session == nullptr ? OpenSSLCompat::makeDigestContext() : session->takeContext();
+    OpenSSLCompat::Digest fetched; // freed at the end, because the context keeps a reference to the digest
+    const EVP_MD* digest = nullptr;
+    if (DigestSession* const session = DigestSession::current()) {
+        digest = session->digest(digestName);
+        m_context = session->takeContext();
+    } else {
+        fetched = OpenSSLCompat::fetchDigest(digestName);
+        digest = fetched.get();
+        m_context = OpenSSLCompat::makeDigestContext();
+    }
     if (digest == nullptr) {
         // Given a null digest, the library would restart the context's previous one.
         EVP_MD_CTX_reset(m_context.get());
