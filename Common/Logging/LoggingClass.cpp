@@ -62,8 +62,8 @@ const LevelLayout& layoutOf(LoggingClass::Level level) {
 } // namespace
 
 std::string& LoggingClass::processName() {
-    static NoDestructor<std::string> m_processName;
-    return *m_processName;
+    static NoDestructor<std::string> name;
+    return *name;
 }
 
 void LoggingClass::init(const char* programName) {
@@ -91,13 +91,11 @@ void LoggingClass::print(Sink sink, const char* tag, Level level, const char* fo
     }
 
     constexpr std::size_t longTextSize = 16384;
-    const std::unique_ptr<char[]> longText(new char[longTextSize]());
+    const auto longText = std::make_unique<char[]>(longTextSize);
     va_start(arguments, format);
-    const bool isWhole = formatInto(longText.get(), longTextSize, format, arguments);
+    formatInto(longText.get(), longTextSize, format, arguments);
     va_end(arguments);
-    if (!isWhole) {
-        longText[longTextSize - 1] = '\0';
-    }
+    longText[longTextSize - 1] = '\0'; // in case formatting failed before the text was terminated
     sink(tag, level, longText.get());
 }
 
@@ -121,17 +119,17 @@ void LoggingClass::printChunked(const char* tag, Level level, char* begin, char*
     do {
         char* const cut =
             end - begin > static_cast<std::ptrdiff_t>(maxMessageLength) ? begin + maxMessageLength : end;
-        const char cutOff = *cut;
+        const char overwritten = *cut;
         *cut = '\0';
         smartPrintImpl(tag, level, begin);
-        *cut = cutOff;
+        *cut = overwritten;
         begin = cut;
     } while (begin < end);
 }
 
 void LoggingClass::smartPrintImpl(const char* tag, Level level, const char* text) {
-    static std::uint32_t lineNo = 0;
-    const std::uint32_t recordNumber = PlatformDependent::atomic_add_fetch(&lineNo, 1);
+    static std::uint32_t lastRecordNumber = 0;
+    const std::uint32_t recordNumber = PlatformDependent::atomic_add_fetch(&lastRecordNumber, 1);
     char thread[threadFieldSize];
     getThreadId(thread, sizeof thread);
     printImpl(tag, thread, recordNumber, level, text);
