@@ -24,12 +24,12 @@ unsigned int milliseconds() {
 
 /// Handles a signal. Async-signal-safe.
 void remember(int signal) {
-    constexpr unsigned int sameSignal = 200;
+    constexpr unsigned int maxRepeatMilliseconds = 200;
     const unsigned int now = std::max(milliseconds(), 1U);
     unsigned int first = 0;
     if (firstTime.compare_exchange_strong(first, now)) {
         remembered = signal;
-    } else if (now - first > sameSignal) {
+    } else if (now - first > maxRepeatMilliseconds) {
         std::signal(signal, SIG_DFL);
         ::raise(signal); // delivered when the handler returns
     }
@@ -53,9 +53,9 @@ void catchTerminationSignals() {
         ::sigaddset(&action.sa_mask, signal);
     }
     for (const int signal : caught) {
-        struct sigaction before {};
-        ::sigaction(signal, nullptr, &before);
-        if (before.sa_handler != SIG_IGN) {
+        struct sigaction current {};
+        ::sigaction(signal, nullptr, &current);
+        if (current.sa_handler != SIG_IGN) {
             ::sigaction(signal, &action, nullptr);
         }
     }
