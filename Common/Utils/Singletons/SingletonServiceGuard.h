@@ -3,7 +3,6 @@
 #include "Common/Utils/Singletons/SingletonsRegister.h"
 
 #include <boost/core/noncopyable.hpp>
-#include <boost/optional/optional.hpp>
 
 namespace Nerix::Common::Utils {
 
@@ -17,14 +16,10 @@ public:
         SingletonsRegister::getSingletonsRegister().markNeeded<T>(id);
     }
 
-    ~SingletonServiceGuard() {
-        if (m_id) {
-            SingletonsRegister::getSingletonsRegister().unmarkNeeded(*m_id);
-        }
-    }
+    ~SingletonServiceGuard() { SingletonsRegister::getSingletonsRegister().unmarkNeeded(m_id); }
 
 private:
-    boost::optional<SingletonsID> m_id;
+    const SingletonsID m_id;
 };
 
 } // namespace Nerix::Common::Utils
