@@ -18,8 +18,8 @@ bool isMainThread(boost::thread::id thread, boost::thread::id mainThread) {
     return thread == mainThread && thread != boost::thread::id();
 }
 
-void logThatMainThreadKeepsItsName(const char* refusedName) {
-    NERIX_LOG(WRN, "Main thread name: %s.", refusedName);
+void logMainThreadNotRenamed(const char* newName) {
+    NERIX_LOG(WRN, "Main thread name: %s.", newName);
 }
 
 void logChange(boost::thread::id thread, const std::string& name) {
@@ -53,7 +53,7 @@ std::string ThreadDebug::sanitizeThreadName(const char* name) {
 
 void ThreadDebug::SetThreadName(boost::thread& thread, const char* name) {
     if (isMainThread(thread.get_id(), m_mainThreadId)) {
-        logThatMainThreadKeepsItsName(name);
+        logMainThreadNotRenamed(name);
         return;
     }
     const std::string sanitized = sanitizeThreadName(name);
@@ -68,7 +68,7 @@ void ThreadDebug::SetThreadName(boost::thread& thread, const char* name) {
 void ThreadDebug::SetThreadName(const char* name) {
     const boost::thread::id thread = boost::this_thread::get_id();
     if (isMainThread(thread, m_mainThreadId)) {
-        logThatMainThreadKeepsItsName(name);
+        logMainThreadNotRenamed(name);
         return;
     }
     const std::string sanitized = sanitizeThreadName(name);
