@@ -1,7 +1,7 @@
-// parseCommandLine selects the command by the first word. scanCommand, compareCommand and settingsCommand declare what
-// each command takes; makeRequest parses the remaining words against that declaration and passes the values to
-// scanRequest, compareRequest or settingsRequest, which check them and build the request. The help of a command is its
-// declaration, printed.
+// parseCommandLine selects the command by the first word. scanCommand, compareCommand and settingsCommand
+// declare the arguments and options of each command. makeRequest parses the remaining words against that
+// declaration and passes the values to scanRequest, compareRequest or settingsRequest, which check them and
+// build the request. The help of a command is generated from its declaration.
 
 #include "Executables/NerixHost/CommandLine.h"
 
@@ -43,21 +43,22 @@ constexpr const char* overview =
     "Run 'NerixHost COMMAND --help' for the options of a command,\n"
     "'NerixHost --version' for the version.\n";
 
-/// A switch may be given more than once, as with other tools.
+/// The values of an option without an argument. A list, so that the option may be repeated, as with other
+/// tools.
 using Switch = std::vector<std::string>;
 
 const options::value_semantic* switchValue() {
     return options::value<Switch>()->zero_tokens();
 }
 
-/// A positional argument, and its name in messages.
+/// A positional argument.
 struct Argument {
-    const char* name;
-    const char* shown;
+    const char* name;  ///< key among the parsed values
+    const char* shown; ///< name in help and messages
     bool isRequired;
 };
 
-/// What a command takes, and the text before and after its options in the help.
+/// The arguments and options of a command, and the help text before and after the options.
 struct Command {
     const char* beforeOptions;
     const char* afterOptions;
@@ -136,7 +137,7 @@ std::string helpOf(const Command& command) {
     return text.str();
 }
 
-/// The options and arguments of a command. Throws UsageError and options::error.
+/// Parses the options and arguments of a command. Throws UsageError and options::error.
 options::variables_map parse(const Command& command, const std::vector<std::string>& words) {
     options::options_description all;
     all.add(command.options).add_options()("help,h", switchValue(), "");
@@ -167,7 +168,7 @@ std::string textOf(const options::variables_map& values, const char* name) {
     return values.count(name) != 0 ? values[name].as<std::string>() : std::string();
 }
 
-/// Returns the value in lower case. Throws UsageError if text is not a value.
+/// Returns text in lower case. Throws UsageError if it is not a value.
 std::string valueIn(const std::string& text) {
     constexpr std::size_t digits = 16;
     std::string value;
@@ -233,7 +234,8 @@ CompareRequest compareRequest(const options::variables_map& values) {
     return {textOf(values, "before"), textOf(values, "after"), values.count("json") != 0};
 }
 
-/// Returns the help of the command if --help was given, otherwise the request that make builds.
+/// Returns the help of the command if words contain --help, otherwise the request that make builds from the
+/// parsed values.
 template <class Make>
 Request makeRequest(const Command& command, const std::vector<std::string>& words, Make make) {
     try {

@@ -7,24 +7,24 @@
 #include <variant>
 #include <vector>
 
-/// Parses the command line.
+/// The requests that a command line can contain, and their parser.
 namespace Nerix {
 
-/// The command line is invalid; what() gives the reason.
+/// Reports that the command line is invalid; what() gives the reason.
 class UsageError : public std::runtime_error {
 public:
     explicit UsageError(const std::string& reason,
                         std::string help = "Try 'NerixHost --help' for more information.\n")
         : std::runtime_error(reason), m_help(std::move(help)) {}
 
-    /// Whole lines to print after the reason: where to find help.
+    /// Returns the lines to print after the reason. They say where to find help.
     const std::string& help() const { return m_help; }
 
 private:
     std::string m_help;
 };
 
-/// Print this text: the help or the version.
+/// A request to print a text: the help or the version.
 struct TextRequest {
     std::string text;
 };
@@ -32,8 +32,8 @@ struct TextRequest {
 struct ScanRequest {
     std::string path;
     std::string hashMethod;
-    std::string logFile;                 ///< empty for none, "-" for standard output
-    std::optional<std::string> expected; ///< if set, any other value is a failure, in lower case
+    std::string logFile;                 ///< empty: no log; "-": standard output
+    std::optional<std::string> expected; ///< in lower case; if set, any other value is a failure
     bool isQuiet;
     bool hasDetails;
 };
@@ -47,13 +47,13 @@ struct CompareRequest {
 struct SettingsRequest {
     enum class Action { List, Get, Watch };
     Action action;
-    std::string key; ///< for Get
+    std::string key; ///< only for Get
     bool isJson;
 };
 
 using Request = std::variant<TextRequest, ScanRequest, CompareRequest, SettingsRequest>;
 
-/// words are those after the program's name. Throws UsageError.
+/// Parses the words after the program's name. Throws UsageError.
 Request parseCommandLine(const std::vector<std::string>& words);
 
 } // namespace Nerix

@@ -1,6 +1,7 @@
-// Both logs are in the order of the walk, so one pass merges them: a record in only one log is an entry that was added
-// or removed; two records of one path with different values are a change. A directory comes after everything below it,
-// and is printed only if nothing below it was.
+// Both logs are in the order of the walk, so one pass merges them. A record in only one log is an entry that
+// was added or removed; two records of the same path with different values are a change. A directory comes
+// after everything below it. It is printed only if nothing below it was printed, or if its own details
+// changed.
 
 #include "Executables/NerixHost/Compare.h"
 
@@ -16,7 +17,7 @@ namespace Nerix {
 
 namespace {
 
-/// One of the two logs, with the record at which it stands.
+/// One of the two logs, and its current record.
 struct Side {
     explicit Side(const std::string& file) : log(file) { advance(); }
     void advance() { hasRecord = log.next(record); }
@@ -48,7 +49,7 @@ public:
         }
     }
 
-    /// Both logs come in the order of the walk and are merged as they are read.
+    /// Prints the differences while reading the logs, and returns the exit status.
     int run() {
         while (m_before.hasRecord || m_after.hasRecord) {
             const int order = nextInOrder();
@@ -67,11 +68,12 @@ public:
     }
 
 private:
-    /// Whether a difference below path has been printed. Entries below a directory immediately precede it in
-    /// the log, so checking the last printed path is enough.
+    /// Returns true if a difference below path has been printed. Entries below a directory immediately
+    /// precede it in the log, so checking the last printed path is enough.
     bool isExplained(const std::string& path) const { return isBelow(m_lastPrintedPath, path); }
 
-    /// Below 0 if the next record is only in the log before, above 0 if only in the one after, 0 if in both.
+    /// Returns a negative number if the next record is only in the first log, a positive one if it is only in
+    /// the second, 0 if it is in both.
     int nextInOrder() const {
         if (!m_before.hasRecord) {
             return 1;

@@ -4,9 +4,10 @@
 
 namespace Nerix {
 
-/// Prints which entries differ between two scan logs, a line each. Returns the exit status: 0 for none, 1 for
-/// some. Throws ScanLogError for a log that cannot be used, also after some lines when it changes meanwhile,
-/// and std::ios_base::failure when standard output, whose exceptions are on, cannot be written.
+/// Prints a line for each entry that differs between two scan logs. Returns the exit status: 0 if there are
+/// none, otherwise 1. Throws ScanLogError if a log cannot be used; if a log changes during the comparison,
+/// this may happen after some lines. Throws std::ios_base::failure if standard output, whose exceptions are
+/// on, cannot be written.
 int compare(const CompareRequest& request);
 
 } // namespace Nerix

@@ -5,15 +5,15 @@
 
 namespace Nerix {
 
-/// The buffer of an output stream that writes to a descriptor, and that keeps the reason of a failure: the
-/// standard's file buffer leaves it in the errno of the thread that wrote. What is in the buffer when it is
-/// destroyed is lost: flush the stream before. One thread at a time may use it.
+/// A buffer for an output stream that writes to a descriptor. It stores the errno of a failed write, which
+/// the standard file buffer leaves only in the writing thread. The destructor does not write, so flush the
+/// stream first. Only one thread at a time may use it.
 class DescriptorBuffer final : public std::streambuf {
 public:
-    /// The caller keeps the descriptor open.
+    /// Writes to the descriptor, which the caller owns and must keep open.
     explicit DescriptorBuffer(int descriptor);
 
-    /// The errno of the last write; 0 if it succeeded.
+    /// Returns the errno of the last write, or 0 if it succeeded.
     int error() const { return m_error; }
 
 protected:
@@ -23,7 +23,7 @@ protected:
 private:
     const int m_descriptor;
     int m_error = 0;
-    std::vector<char> m_bytes; ///< not in the object, for stacks that are small
+    std::vector<char> m_bytes; ///< on the heap, because stacks may be small
 };
 
 } // namespace Nerix

@@ -5,8 +5,8 @@
 
 namespace Nerix {
 
-/// Ends the process by the signal, as if it had been neither caught nor ignored: whoever started it sees
-/// that, as with other tools. Standard streams are not flushed.
+/// Ends the process by the signal, as if it had been neither caught nor ignored, so that the parent process
+/// sees the signal. Does not flush standard streams.
 [[noreturn]] inline void endBySignal(int signal) {
     std::signal(signal, SIG_DFL);
     sigset_t only;

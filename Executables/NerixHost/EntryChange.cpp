@@ -7,7 +7,7 @@ namespace Nerix {
 
 namespace {
 
-/// The names of the facts in the order of a record.
+/// The names of the details, in the order of a record.
 constexpr const char* factNames[] = {"kind", "owner", "group", "links", "mode", "size"};
 constexpr std::size_t links = 3;
 constexpr std::size_t size = 5;

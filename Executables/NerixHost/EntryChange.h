@@ -7,7 +7,7 @@
 
 namespace Nerix {
 
-/// One attribute of an entry that differs between two logs with details.
+/// A detail of an entry that differs between two logs.
 struct FactChange {
     const char* name; ///< kind, owner, group, links, mode or size
     std::string before;
@@ -17,12 +17,13 @@ struct FactChange {
 struct EntryChange {
     const char* what; ///< changed, added or removed
     std::string path;
-    bool hasDetails;               ///< both logs contain details
+    bool hasDetails;               ///< both logs have details
     std::vector<FactChange> facts; ///< those that differ
 };
 
-/// What differs between two records of the same entry. hasReportedChangesBelow: a change below this directory
-/// has already been reported; then its size and link count, which follow from its entries, are ignored.
+/// Returns the difference between two records of the same entry. hasReportedChangesBelow: a change below this
+/// directory has already been reported. Its size and link count, which depend on its entries, are then
+/// ignored.
 EntryChange changeOf(const ScanLogRecord& before, const ScanLogRecord& after, bool hasReportedChangesBelow);
 
 } // namespace Nerix

@@ -4,8 +4,8 @@
 
 namespace Nerix {
 
-/// Prints "NerixHost: " and the message, a line, on standard error. Parts of the message may come from
-/// anywhere: whatever controls a terminal is written as in QuotedName.h.
+/// Prints "NerixHost: MESSAGE" and a line feed to standard error. Control characters in the message are
+/// escaped by withoutControls (EscapedText.h), because parts of it may come from untrusted names.
 void printError(const std::string& message);
 
 } // namespace Nerix

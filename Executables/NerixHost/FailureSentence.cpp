@@ -19,7 +19,7 @@ std::string sentence(const std::string& what, const std::string& path, const std
     return "cannot " + what + ' ' + quotedName(path) + ": " + reason;
 }
 
-/// From the entries that the thrower attached.
+/// Returns the sentence for an exception, from the entries that the thrower attached.
 std::string fromEntries(const boost::exception& failure) {
     const auto* const what = boost::get_error_info<errinfo_description>(failure);
     const auto* const path = boost::get_error_info<errinfo_path>(failure);

@@ -5,7 +5,7 @@
 
 namespace Nerix {
 
-/// A one-sentence description of why a scan failed, such as: cannot read "/x/y": Permission denied.
+/// Returns a sentence that explains why a scan failed, such as: cannot read "/x/y": Permission denied.
 std::string failureSentence(const std::exception_ptr& failure);
 
 } // namespace Nerix

@@ -15,7 +15,7 @@ using Json = nlohmann::ordered_json;
 Json textOrBytes(const std::string& text) {
     try {
         Json json = text;
-        json.dump(); // the library checks the text here
+        json.dump(); // throws if the text is not valid UTF-8
         return json;
     } catch (const Json::type_error&) {
         Json bytes = Json::array();
@@ -26,7 +26,7 @@ Json textOrBytes(const std::string& text) {
     }
 }
 
-/// In ASCII, so that nothing in it controls a terminal.
+/// Returns the object as one line in ASCII, so that it cannot control a terminal.
 std::string lineOf(const Json& json) {
     return json.dump(-1, ' ', true);
 }

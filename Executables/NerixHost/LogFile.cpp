@@ -1,6 +1,6 @@
-// The records go to an unfinished file beside the log, locked while the scan runs. commit gives it the log's name in one
-// step, so a scan that fails leaves an earlier log as it was. An unfinished file without a lock was left by a scan that
-// was killed, and the next scan removes it.
+// The records are written to an unfinished file in the directory of the log, locked during the scan. commit
+// renames it to the name of the log in one step, so a failed scan does not change an earlier log. An
+// unfinished file without a lock was left by a killed scan; the next scan with the same log removes it.
 
 #include "Executables/NerixHost/LogFile.h"
 
@@ -30,8 +30,8 @@ namespace fs = std::filesystem;
     throw std::runtime_error("cannot write " + quotedName(file) + ": " + reason);
 }
 
-/// What the names of a log's unfinished files begin with: the directory, and a checksum of the name, so that
-/// a log whose name is as long as names may be has room.
+/// Returns the prefix of the paths of a log's unfinished files. It contains a checksum instead of the log's
+/// name, which may already have the maximum length.
 std::string partialPrefix(const fs::path& file) {
     const std::string name = file.filename().string();
     boost::crc_32_type crc;
@@ -39,7 +39,7 @@ std::string partialPrefix(const fs::path& file) {
     return (file.parent_path() / (".nerix-" + std::to_string(crc.checksum()) + "-")).string();
 }
 
-/// Removes unfinished files that no process has locked: those of scans that were killed.
+/// Removes unfinished files that are not locked, which killed scans left behind.
 void removeAbandoned(const std::string& prefix) {
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(prefix).parent_path(), error)) {
@@ -49,19 +49,20 @@ void removeAbandoned(const std::string& prefix) {
         }
         const Common::Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
         if (file.isOpen() && ::flock(file.number(), LOCK_EX | LOCK_NB) == 0) {
-            ::unlink(path.c_str()); // one of somebody else may stay
+            ::unlink(path.c_str()); // failure is ignored: the file may belong to another user
         }
     }
 }
 
-/// Call it while the process has one thread: the mask can only be read by changing it.
+/// Returns the mode of a new file. Call it before other threads exist, because the mask can be read only by
+/// changing it.
 mode_t modeOfNewFile() {
     const mode_t mask = ::umask(0);
     ::umask(mask);
     return 0666 & ~mask;
 }
 
-/// Gives the file the owner and mode of the log that it will replace, or those of a new one.
+/// Gives the unfinished file the owner and mode of the log that it will replace, or the mode of a new file.
 void takeOwnerAndMode(int descriptor, const std::string& file) {
     struct stat status {};
     if (::lstat(file.c_str(), &status) != 0) {
@@ -83,7 +84,7 @@ void takeOwnerAndMode(int descriptor, const std::string& file) {
     }
 }
 
-/// Makes the unfinished file, locked, and puts its name into partial.
+/// Creates and locks the unfinished file, stores its path in partial, and returns its descriptor.
 int create(const std::string& file, std::string& partial) {
     struct stat status {};
     if (::lstat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
@@ -97,11 +98,11 @@ int create(const std::string& file, std::string& partial) {
         if (!created.isOpen()) {
             fail(file, Common::messageOf(errno));
         }
-        ::flock(created.number(), LOCK_EX | LOCK_NB); // a file system without locks keeps abandoned files
+        ::flock(created.number(), LOCK_EX | LOCK_NB); // if locks are not supported, abandoned files stay
         if (::fstat(created.number(), &status) == 0 && status.st_nlink != 0) {
             return created.release();
         }
-        // Another scan took it for an abandoned one before it was locked.
+        // Another scan removed the file as abandoned before it was locked.
     }
 }
 
@@ -131,7 +132,7 @@ void LogFile::commit() {
     if (!m_stream) {
         fail(m_file, Common::messageOf(m_buffer.error()));
     }
-    // A power failure must not leave an empty file under the name. EINVAL: this file system has no sync.
+    // Otherwise a power failure could leave an empty log. EINVAL: the file system does not support fsync.
     if (::fsync(m_descriptor.number()) != 0 && errno != EINVAL) {
         fail(m_file, Common::messageOf(errno));
     }

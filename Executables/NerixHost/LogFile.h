@@ -8,32 +8,32 @@
 
 namespace Nerix {
 
-/// A file that appears only when it is complete: it is written under a temporary name in the same directory,
-/// ".nerix-" and characters that nobody can guess, and renamed by commit(). It keeps the owner and mode of
-/// the file that it replaces. One thread at a time may use it.
+/// Writes a file under a temporary name in the same directory, ".nerix-CHECKSUM-RANDOM". commit() renames it,
+/// so the file is always complete, and an earlier one stays until then. Keeps the owner and mode of the file
+/// that it replaces. Only one thread at a time may use it.
 class LogFile {
 public:
-    /// Also removes what killed processes left of earlier files of this name. Throws std::runtime_error when
-    /// it cannot be written there, if the name exists and is not a regular file, or if its owner cannot be
-    /// kept.
+    /// Creates the temporary file, after removing those that killed processes left for the same name. Throws
+    /// std::runtime_error if the file cannot be created, if the name exists and is not a regular file, or if
+    /// its owner cannot be kept. Call it before other threads exist.
     explicit LogFile(const std::string& file);
 
-    /// Removes what was written unless it was committed.
+    /// Removes the temporary file unless it was committed.
     ~LogFile();
 
     LogFile(const LogFile&) = delete;
     LogFile& operator=(const LogFile&) = delete;
 
-    /// The stream's state becomes bad at the first failed write.
+    /// Returns the stream for the content. Its state becomes bad at the first failed write.
     std::ostream& stream() { return m_stream; }
 
-    /// Puts the file in place. Throws std::runtime_error if anything could not be written; the file is then
-    /// not created.
+    /// Gives the file its final name. Throws std::runtime_error if it could not be written completely; an
+    /// earlier file is then unchanged.
     void commit();
 
 private:
     const std::string m_file;
-    std::string m_partial; ///< the name until it is complete
+    std::string m_partial; ///< the temporary name
     Common::Descriptor m_descriptor;
     DescriptorBuffer m_buffer;
     std::ostream m_stream;

@@ -20,13 +20,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Where a file is on its file system, however that is mounted.
+/// The place of a file on its file system, independent of mount points.
 struct Place {
     std::string device;
     fs::path path; ///< from the root of the file system
 };
 
-/// "\040" for a blank, as the kernel writes it in its tables.
+/// Decodes the octal escapes in the kernel's tables, such as "\040" for a space.
 std::string unescaped(const std::string& text) {
     std::string plain;
     for (std::size_t index = 0; index != text.size(); ++index) {
@@ -50,7 +50,7 @@ std::string mountIdOf(int descriptor) {
     return "";
 }
 
-/// Nothing when /proc does not say.
+/// Returns the place of file, or nullopt if /proc does not show its mount.
 std::optional<Place> placeOf(const fs::path& file) {
     const Common::Descriptor descriptor(::open(file.c_str(), O_PATH | O_CLOEXEC));
     const std::string mountId = descriptor.isOpen() ? mountIdOf(descriptor.number()) : "";
@@ -75,8 +75,8 @@ std::optional<Place> placeOf(const fs::path& file) {
     return std::nullopt;
 }
 
-/// Returns true if the directory is the root or below it on their common file system. The directory may be
-/// mounted a second time, outside of the tree.
+/// Returns true if the directory is root or below it on their common file system, even if the path leads
+/// through another mount of that file system.
 bool isInTreeElsewhere(const fs::path& directory, const fs::path& root) {
     const std::optional<Place> inner = placeOf(directory);
     const std::optional<Place> outer = placeOf(root);
@@ -85,7 +85,7 @@ bool isInTreeElsewhere(const fs::path& directory, const fs::path& root) {
 }
 
 /// Returns true if a scan of root would include files in the directory. Compares device and inode numbers,
-/// because root may also be mounted elsewhere.
+/// because root may also be mounted under another path.
 bool isInTree(const fs::path& directory, const fs::path& root) {
     struct stat rootStatus {};
     ::lstat(root.c_str(), &rootStatus);
@@ -103,7 +103,8 @@ bool isInTree(const fs::path& directory, const fs::path& root) {
     }
 }
 
-/// Returns true if the file has other names on the file system of the tree.
+/// Returns true if the file has several hard links and is on the file system of the tree, which may contain
+/// one of them.
 bool hasNamesElsewhere(const fs::path& file, const fs::path& root) {
     struct stat status {};
     struct stat rootStatus {};

@@ -5,10 +5,10 @@
 
 namespace Nerix {
 
-/// Returns the whole path of the log, without links. Throws std::runtime_error where the log would change the
-/// value of the tree at root, which is a canonical path: in the tree, under whatever name its directory is
-/// mounted, or in place of a file that may be another name of one in the tree. Throws
-/// std::filesystem::filesystem_error when the path cannot be resolved.
+/// Returns the absolute path of the log, without links. root is a canonical path. Throws std::runtime_error
+/// if the log is not a regular file or could change the value of the tree at root: if it is in the tree, by
+/// whatever mount it is reached, or if it is a hard link of a file that may be in the tree. Throws
+/// std::filesystem::filesystem_error if the path cannot be resolved.
 std::filesystem::path logOutside(const std::filesystem::path& root, const std::string& logFile);
 
 } // namespace Nerix

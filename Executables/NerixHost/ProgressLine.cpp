@@ -71,7 +71,7 @@ void ProgressLine::showNow(const Content& content) {
     }
     m_shown = content;
     m_lastLine = std::chrono::steady_clock::now();
-    // Not the last column: some terminals go on to the next line there.
+    // Leaves the last column free, because some terminals wrap to the next line after it.
     write(m_isRedrawn ? '\r' + formatLine(content, columns() - 1) + "\x1b[K"
                       : formatLine(content, columns() - 1) + '\n');
 }

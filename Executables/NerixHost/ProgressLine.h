@@ -5,35 +5,35 @@
 
 namespace Nerix {
 
-/// A line of progress on a stream: redrawn in place on a capable terminal; elsewhere (a pipe, TERM=dumb) a
-/// new line is printed from time to time. The line is fitted to the terminal's current width. One thread at a
-/// time may use it.
+/// Shows progress on a stream. On a capable terminal, redraws one line; elsewhere (a pipe, TERM=dumb), prints
+/// a new line from time to time. Fits the line to the terminal's current width. Only one thread at a time may
+/// use it.
 class ProgressLine {
 public:
     using Duration = std::chrono::steady_clock::duration;
 
     struct Content {
         std::string before;  ///< in front of the percentage
-        std::string percent; ///< a number, else no bar is drawn
-        std::string after;   ///< behind the bar
+        std::string percent; ///< a number; if empty, there is no bar
+        std::string after;   ///< after the bar
 
         bool operator==(const Content& other) const {
             return before == other.before && percent == other.percent && after == other.after;
         }
     };
 
-    /// descriptor: the stream's. pause: where lines cannot be redrawn, the minimum time before the first line
-    /// and between lines.
+    /// Writes to the descriptor. If the line cannot be redrawn, pause is the minimum time before the first
+    /// line and between lines.
     ProgressLine(int descriptor, Duration pause);
 
-    /// Shows content, unless it is already shown or the pause has not elapsed. Throws std::system_error when
-    /// the stream cannot be written.
+    /// Shows content, unless it is already shown or, if the line cannot be redrawn, the pause has not
+    /// elapsed. Throws std::system_error if writing fails.
     void show(const Content& content);
 
-    /// Like show, but ignores the pause.
+    /// Shows content like show, but ignores the pause.
     void showNow(const Content& content);
 
-    /// Erases the line from the terminal; does nothing elsewhere.
+    /// Erases the line on a terminal; does nothing elsewhere.
     void clear();
 
     /// Ends the line, so that later output starts on a new one.
@@ -51,7 +51,7 @@ private:
 };
 
 /// Formats content in at most `columns` columns. The bar gets the remaining space, up to 40 columns. If space
-/// is short, the bar is dropped first, then `after`; what is left is truncated.
+/// is short, drops the bar first, then `after`; truncates the rest.
 std::string formatLine(const ProgressLine::Content& content, std::size_t columns);
 
 } // namespace Nerix

@@ -14,19 +14,19 @@ using Platform::Host::Setting;
 
 constexpr const char* killed = "killed";
 
-/// An empty setting if there is none.
+/// Returns the setting of the key, or an empty setting if there is none.
 Setting find(std::string_view key) {
     return Platform::Host::HostState::instance().settings().find(key).value_or(Setting{});
 }
 
-/// Whether the status or result is that of a run that has not ended: "active", or "00000111", which is
-/// published first.
+/// Returns true for a status or result from before the end of a run: "active" or "00000111". The run may be
+/// active or killed.
 bool isOfRun(const Setting& setting) {
     return setting.type == Platform::Host::SettingType::Text &&
            (setting.bytes == PublishedState::activeStatus || setting.bytes == PublishedState::runningResult);
 }
 
-/// Whether the setting is that of a run whose process is gone.
+/// Returns true if the setting was left behind by a run whose process is gone.
 bool isLeftBehind(const Setting& setting) {
     return isOfRun(setting) && Platform::Host::ProcessIdentity::isGone(setting.writer);
 }
@@ -50,13 +50,14 @@ RunState readOnce() {
 } // namespace
 
 bool isOfKilledRun(const Setting& setting) {
-    // The run may have published its end after the setting was read. What a process left that is gone stays.
+    // Reads the setting again, because the run may have published its end and exited after the setting was
+    // read.
     return isLeftBehind(setting) && isLeftBehind(find(setting.key));
 }
 
 RunState RunState::read() {
     const RunState state = readOnce();
-    // As in isOfKilledRun: the run may have published its end meanwhile.
+    // Reads again, because the run may have published its end and exited between the reads of readOnce.
     return state.status == killed ? readOnce() : state;
 }
 

@@ -6,12 +6,11 @@
 
 namespace Nerix {
 
-/// Whether the setting is the status or result of a run whose process is gone without having published its
-/// end. Reads the setting again. Throws std::runtime_error when the store cannot be read.
+/// Returns true if the setting is the status or result of a run whose process ended without publishing its
+/// end. Reads the setting again. Throws std::runtime_error if the store cannot be read.
 bool isOfKilledRun(const Platform::Host::Setting& setting);
 
-/// The state of the current or last verification, from the settings store. The strings are empty if there was
-/// none.
+/// The state of the current or last run, from the settings store. The strings are empty if there was none.
 struct RunState {
     std::string status; ///< as published, or "killed"
     std::string progress;
@@ -19,7 +18,7 @@ struct RunState {
     std::string writer; ///< the process that published the result
     bool isRunning;
 
-    /// Throws std::runtime_error when the store cannot be read.
+    /// Reads the state from the store. Throws std::runtime_error if that fails.
     static RunState read();
 };
 

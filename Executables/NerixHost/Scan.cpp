@@ -32,7 +32,7 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-/// The exit status of a scan that is not what it seems: a damaged disk gives a value, but a wrong one.
+/// The exit status if a file could not be read to its end. There is a value, but it is wrong.
 constexpr int trouble = 2;
 
 std::string duration(Clock::duration elapsed) {
@@ -41,8 +41,7 @@ std::string duration(Clock::duration elapsed) {
     return std::to_string(seconds / 60) + (rest.size() == 1 ? ":0" : ":") + rest;
 }
 
-/// Runs step unless drawing has failed before. The reader of a pipe may have gone away; the scan continues
-/// regardless.
+/// Draws unless drawing has failed before. The scan continues even if the reader of a pipe is gone.
 template <class Draw>
 void drawUnlessBroken(bool& isPossible, Draw step) {
     try {
@@ -54,7 +53,7 @@ void drawUnlessBroken(bool& isPossible, Draw step) {
     }
 }
 
-/// Runs the verification on a thread of its own, and shows its progress on this one.
+/// Runs the verification on another thread, shows its progress, and returns the value or "ERROR".
 std::string verify(const ScanRequest& request, const ScanLogStream& log) {
     ProgressLine line(STDERR_FILENO, std::chrono::seconds(5));
     const Clock::time_point begin = Clock::now();
@@ -93,7 +92,7 @@ int scan(const ScanRequest& request) {
             file.emplace(logOutside(fs::canonical(request.path), request.logFile).string());
         }
         DescriptorBuffer output(STDOUT_FILENO);
-        std::ostream shown(isLogShown ? &output : nullptr); // without a buffer it discards the records
+        std::ostream shown(isLogShown ? &output : nullptr); // without a buffer, discards the records
         value = verify(request, {file ? &file->stream() : &shown, request.hasDetails});
         if (isLogShown && !shown.flush()) {
             throw std::ios_base::failure("standard output",
@@ -110,7 +109,7 @@ int scan(const ScanRequest& request) {
             file->commit();
         }
     } catch (const std::ios_base::failure&) {
-        throw; // standard output
+        throw; // writing to standard output failed
     } catch (const fs::filesystem_error& failure) {
         return fail("cannot read " + quotedName(failure.path1().string()) + ": " + failure.code().message());
     } catch (...) {

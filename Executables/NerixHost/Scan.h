@@ -4,11 +4,16 @@
 
 namespace Nerix {
 
-/// Verifies the tree in this process and leaves no trace on the machine; see HostState.h. Prints its
-/// value, on standard error when standard output has the log, and returns the exit status: 0 for a value that
-/// is the expected one, 1 after one sentence on standard error, 2 after one on a file whose content could not
-/// be read to its end. Call it from main, once, before other threads exist. Throws std::ios_base::failure
-/// when standard output, whose exceptions are on, cannot be written.
+/// Scans the tree in this process, with its state in memory (see HostState.h), and prints the value of the
+/// tree: to standard output, or to standard error if the log goes to standard output. Returns the exit
+/// status:
+///
+/// - 0 if there is a value and it is the expected one
+/// - 1 if not, after printing the reason to standard error
+/// - 2 if a file could not be read to its end, after printing its name and the reason
+///
+/// Throws std::ios_base::failure if standard output, whose exceptions are on, cannot be written. Call it
+/// once, from main, before other threads exist.
 int scan(const ScanRequest& request);
 
 } // namespace Nerix

@@ -7,11 +7,11 @@
 
 namespace Nerix {
 
-/// The value of a setting, of the type with which it was stored.
+/// Returns the value of a setting in the type in which it was stored.
 std::variant<std::string, int, double, bool> valueOf(const Platform::Host::Setting& setting);
 
-/// Formats the value for display: control characters of a text as in the log (\n, \x1b), a number in the
-/// shortest form that reads back.
+/// Formats the value for display. Escapes control characters in text as the log does (\n, \x1b), and writes a
+/// number in the shortest form that gives the same number when parsed.
 std::string valueText(const Platform::Host::Setting& setting);
 
 } // namespace Nerix

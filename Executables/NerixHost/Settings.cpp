@@ -26,7 +26,7 @@ using Platform::Host::Setting;
 using Platform::Host::SettingsFailure;
 using Platform::Host::SettingsListing;
 
-/// A run that was killed leaves its status and result behind.
+/// Prints a warning if a killed run left the setting behind.
 void warnIfKilled(const Setting& setting) {
     if (isOfKilledRun(setting)) {
         printError("the run that set " + escaped(setting.key) + " was killed");
@@ -48,7 +48,7 @@ int list(bool isJson) {
     return EXIT_SUCCESS;
 }
 
-/// The keys of the store that can be read, and those that a run publishes.
+/// Returns the keys that a run publishes and those of all readable settings.
 std::vector<std::string> knownKeys() {
     std::vector<std::string> keys{PublishedState::statusKey, PublishedState::progressKey,
                                   PublishedState::resultKey};

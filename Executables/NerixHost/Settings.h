@@ -4,9 +4,9 @@
 
 namespace Nerix {
 
-/// Lists the settings store, gets one setting, or watches a run. Returns the exit status: 0, or 1 after a
-/// sentence on standard error when the setting is missing or the watched run gave no value. Throws
-/// std::runtime_error when the store cannot be read, std::ios_base::failure when standard output, whose
+/// Prints all settings or one setting, or watches a run. Returns the exit status: 0 on success, 1 if the
+/// setting does not exist (after printing that to standard error) or if the watched run failed. Throws
+/// std::runtime_error if the store cannot be read, and std::ios_base::failure if standard output, whose
 /// exceptions are on, cannot be written.
 int settings(const SettingsRequest& request);
 

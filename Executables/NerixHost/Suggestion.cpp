@@ -7,8 +7,8 @@ namespace Nerix {
 
 namespace {
 
-/// The number of characters to replace, insert or delete to turn one text into the other, where exchanging
-/// two neighbours counts as one change.
+/// Returns the number of changes that turn a into b. A change replaces, inserts or deletes a character, or
+/// swaps two adjacent ones.
 std::size_t editDistance(const std::string& a, const std::string& b) {
     std::vector<std::size_t> before(b.size() + 1);
     std::vector<std::size_t> row(b.size() + 1);

@@ -21,7 +21,7 @@ namespace {
 
 using Common::escaped;
 
-volatile std::sig_atomic_t interrupted = 0; ///< the signal; 0 for none
+volatile std::sig_atomic_t interrupted = 0; ///< the signal received, or 0
 
 void interrupt(int signal) {
     interrupted = signal;
@@ -29,7 +29,7 @@ void interrupt(int signal) {
 
 void stopOnSignals() {
     struct sigaction action {};
-    action.sa_handler = &interrupt; // without SA_RESTART: the pause ends at once
+    action.sa_handler = &interrupt; // without SA_RESTART, so that nanosleep returns at once
     ::sigaction(SIGINT, &action, nullptr);
     ::sigaction(SIGTERM, &action, nullptr);
 }
@@ -47,7 +47,7 @@ ProgressLine::Content contentOf(const RunState& state) {
     return {escaped(state.status), escaped(state.progress), escaped(state.result)};
 }
 
-/// The text shown while waiting for a run, with the outcome of the last one.
+/// Returns the text to show while waiting for a run, with the outcome of the last one.
 ProgressLine::Content waiting(const RunState& last) {
     std::string before;
     if (last.status == "killed") {
@@ -58,7 +58,7 @@ ProgressLine::Content waiting(const RunState& last) {
     return {"waiting for a run", "", before};
 }
 
-/// Shows the state, either as a progress line or as JSON objects.
+/// Shows the state as a progress line or as JSON objects.
 class Display {
 public:
     explicit Display(bool isJson) : m_isJson(isJson), m_line(STDOUT_FILENO, std::chrono::seconds(1)) {}
@@ -101,8 +101,8 @@ int watch(bool isJson) {
     if (!state.isRunning) {
         display.wait(state);
     }
-    // A short run may never be seen as active. A store without a result was deleted: the run is still to
-    // come.
+    // A short run may never be seen as active, so a changed state also ends the wait. If the result is
+    // missing, the store was deleted and the run is still to come.
     while (interrupted == 0 && !state.isRunning && (state == before || state.result.empty())) {
         pause();
         state = RunState::read();

@@ -2,11 +2,11 @@
 
 namespace Nerix {
 
-/// Shows status, progress and result of the verification as the settings store changes, until a run ends or
-/// is killed; waits for one when none is active. On a terminal one line is redrawn, elsewhere there is at
-/// most a line a second; isJson: as JSON objects. INT and TERM end it, and the process by that signal, once
-/// the terminal is in order. Returns the exit status: 0, or 1 when the run gave no value. Throws
-/// std::runtime_error when the store cannot be read or standard output cannot be written.
+/// Shows the status, progress and result of a run from the settings store until the run ends or is killed.
+/// Waits for a run if none is active. On a terminal, redraws one line; elsewhere, prints at most one line per
+/// second. Prints JSON objects if isJson. SIGINT and SIGTERM end the line and then the process, by that
+/// signal. Returns the exit status: 0, or 1 if the run failed. Throws std::runtime_error if the store cannot
+/// be read or standard output cannot be written.
 int watch(bool isJson);
 
 } // namespace Nerix

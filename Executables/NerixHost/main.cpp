@@ -21,7 +21,7 @@ namespace {
 
 constexpr int trouble = 2;
 
-/// Runs what was asked for, and gives the exit status.
+/// Performs the request and returns the exit status.
 struct Runner {
     int operator()(const Nerix::TextRequest& request) const {
         std::cout << request.text << std::flush;
@@ -39,16 +39,16 @@ int main(int argc, char* argv[]) {
         return trouble;
     }
     Nerix::Common::Utils::adaptToProcessLimits();
-    std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // lost output is a failure
+    std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // so that lost output is reported
     try {
         return std::visit(Runner(), Nerix::parseCommandLine({argv + 1, argv + argc}));
     } catch (const Nerix::UsageError& failure) {
         Nerix::printError(failure.what());
         std::cerr << failure.help();
     } catch (const std::ios_base::failure& failure) {
-        // The standard's own streams leave their reason in errno.
+        // The standard streams leave the reason in errno.
         const int error = failure.code() == std::io_errc::stream ? errno : failure.code().value();
-        // The flush at exit must not throw: nobody would catch it.
+        // The flush at exit must not throw, because nothing would catch the exception.
         std::cout.exceptions(std::ios_base::goodbit);
         if (error == EPIPE) {
             Nerix::endBySignal(SIGPIPE);

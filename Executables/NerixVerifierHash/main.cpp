@@ -1,9 +1,9 @@
-// The command line of NerixVerifierHash. A run comes through these files, in this order:
+// The command line of NerixVerifierHash. A run passes through these files, in this order:
 //
 //   main.cpp                    options, exit status
-//   ProgramSession.cpp          set-up of the package's framework
+//   ProgramSession.cpp          sets up the package's framework
 //   HashVerifierAPI.cpp         makes the path canonical and starts the worker
-//   Worker/HashWorker.cpp       publishes status, progress and result; runs the scan on a thread of its own
+//   Worker/HashWorker.cpp       publishes status, progress and result; scans on its own thread
 //   ScanLog/ScanLogFile.cpp     opens the scan log on a USB drive
 //   FileScanners/FileScanners.cpp   selects the scanner of an entry by its kind
 //   FileScanners/Walk/Walk.cpp  lists directories, and has entries examined and reported

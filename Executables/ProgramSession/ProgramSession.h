@@ -5,16 +5,18 @@
 
 namespace Nerix {
 
-/// Sets up the package's framework for a program that runs verifications. Create one on the main thread, before any
-/// verification, and keep it until the last one has ended; there may be one at a time.
+/// Sets up the package's framework for a program that runs verifications. Create it on the main thread,
+/// before the first verification, and keep it until the last one has ended. A process may create only one
+/// (asserted).
 class ProgramSession {
 public:
-    /// Names the process for the log, registers the calling thread as the main thread, and puts the crypto library
-    /// into the singletons register, where it stays until the session is destroyed. programName: a literal.
+    /// Sets the process name in the log, registers the calling thread as the main thread, and puts an
+    /// OpenSSLInit into the singletons register for the lifetime of the session. programName must outlive the
+    /// session.
     explicit ProgramSession(const char* programName);
 
-    /// Identifies the product and reads the testers' parameters. Call it once. Throws what
-    /// IProductInfo::initializeProduct and DebugAndTestParameters::loadDebugAndTestParameters throw.
+    /// Identifies the product and reads the testers' parameters. Call it once. Throws the exceptions of
+    /// IProductInfo::initializeProduct and DebugAndTestParameters::loadDebugAndTestParameters.
     void loadProductAndParameters() const;
 
 private:
