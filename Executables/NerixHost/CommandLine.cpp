@@ -28,15 +28,15 @@ namespace options = boost::program_options;
 constexpr const char* overview =
     "usage: NerixHost COMMAND [ARGUMENT...]\n"
     "\n"
-    "Scan a file tree, compare scans, and show the settings that a scan publishes.\n"
+    "Scan a file tree, compare scan logs, and show the settings of this user.\n"
     "\n"
     "Commands:\n"
-    "  scan PATH              print the value of a tree, and log its entries\n"
-    "  compare BEFORE AFTER   list the entries that differ between two scans\n"
-    "  settings ACTION        show settings, or watch a running NerixVerifierHash\n"
+    "  scan PATH              print the value of a tree; --log records its entries\n"
+    "  compare BEFORE AFTER   list the entries that differ between two scan logs\n"
+    "  settings ACTION        show settings, or watch a scan by NerixVerifierHash\n"
     "\n"
     "Examples:\n"
-    "  NerixHost scan /usr/share --log after.log\n"
+    "  NerixHost scan /usr/share --log before.log\n"
     "  NerixHost compare before.log after.log\n"
     "  NerixHost settings watch\n"
     "\n"
@@ -77,23 +77,26 @@ std::string methodsText() {
 Command scanCommand() {
     Command command{"usage: NerixHost scan PATH [OPTION...]\n"
                     "\n"
-                    "Print the value of the tree at PATH, the one that NerixVerifierHash prints.\n"
+                    "Print the value of the tree at PATH, as NerixVerifierHash does.\n"
                     "\n",
                     "\n"
                     "Example: NerixHost scan /usr/share --log share.log --details\n"
                     "\n"
-                    "Exit status: 0 if a value was computed, 1 if not or if it is not the expected\n"
-                    "one, 2 on error.\n",
+                    "Exit status: 0 if the scan succeeds and the value is the expected one, 1 if not;\n"
+                    "2 for a usage error, if a file cannot be read to its end, or if standard output\n"
+                    "cannot be written.\n",
                     options::options_description("Options"),
                     {{"path", "PATH", true}}};
-    const std::string methods = "Use this hash method, one of:" + methodsText();
+    const std::string methods = "Use hash method HASH, one of:" + methodsText();
     auto add = command.options.add_options();
     add("hash,H", options::value<std::string>()->value_name("HASH")->default_value("md5"), methods.c_str());
     add("log,l", options::value<std::string>()->value_name("FILE"),
-        "Write a record for each entry to FILE, which is created once complete; - is standard output");
-    add("details,d", switchValue(), "Also record kind, owner, group, links, mode and size");
-    add("expect,e", options::value<std::string>()->value_name("VALUE"), "Fail unless the value is VALUE");
-    add("quiet,q", switchValue(), "Show no progress");
+        "Write a record for each entry to FILE, outside the tree. FILE appears when it is complete. With -, "
+        "write the records to standard output and the value to standard error");
+    add("details,d", switchValue(), "With --log, also record kind, owner, group, links, mode and size");
+    add("expect,e", options::value<std::string>()->value_name("VALUE"),
+        "Exit with status 1 unless the value is VALUE");
+    add("quiet,q", switchValue(), "Do not show progress");
     return command;
 }
 
@@ -101,8 +104,8 @@ Command compareCommand() {
     Command command{"usage: NerixHost compare BEFORE AFTER [OPTION...]\n"
                     "\n"
                     "List the entries that differ between two scan logs. A log is a file written by\n"
-                    "scan --log or to a USB drive, or a host's main.log (its last run). A directory\n"
-                    "is listed only if nothing below it explains the difference.\n"
+                    "scan --log or to a USB drive, or a host's main.log (its last scan). A directory\n"
+                    "is listed only if nothing below it is listed, or if its own details changed.\n"
                     "\n",
                     "\n"
                     "Example: NerixHost compare before.log after.log\n"
@@ -117,17 +120,17 @@ Command compareCommand() {
 Command settingsCommand() {
     Command command{"usage: NerixHost settings list|watch|get KEY [OPTION...]\n"
                     "\n"
-                    "List the settings of this user, get one of them, or watch a verification until\n"
-                    "it ends.\n"
+                    "List the settings of this user, print one of them, or watch a scan by\n"
+                    "NerixVerifierHash until it ends.\n"
                     "\n",
                     "\n"
                     "Example: NerixHost settings watch\n"
                     "\n"
-                    "Exit status: 0; 1 if there is no such setting or the watched run failed; 2 on\n"
-                    "error.\n",
+                    "Exit status: 0 on success; 1 if there is no such setting or the watched scan\n"
+                    "failed; 2 on error.\n",
                     options::options_description("Options"),
                     {{"action", "ACTION", true}, {"key", "KEY", false}}};
-    command.options.add_options()("json", switchValue(), "Print a JSON object for each line");
+    command.options.add_options()("json", switchValue(), "Print one JSON object per line");
     return command;
 }
 
