@@ -198,7 +198,7 @@ ScanRequest scanRequest(const options::variables_map& values) {
         throw UsageError("PATH is empty");
     }
     if (values.count("log") != 0 && request.logFile.empty()) {
-        throw UsageError("--log needs the name of a file");
+        throw UsageError("--log needs a file name");
     }
     if (request.hasDetails && request.logFile.empty()) {
         throw UsageError("--details needs --log");
@@ -207,7 +207,7 @@ ScanRequest scanRequest(const options::variables_map& values) {
     if (std::find(methods.begin(), methods.end(), request.hashMethod) == methods.end()) {
         const std::string suggestion = didYouMean(request.hashMethod, methods);
         throw UsageError("unknown hash method '" + request.hashMethod + "'" +
-                         (suggestion.empty() ? "; known are:" + methodsText() : suggestion));
+                         (suggestion.empty() ? "; known methods:" + methodsText() : suggestion));
     }
     return request;
 }
@@ -228,7 +228,7 @@ SettingsRequest settingsRequest(const options::variables_map& values) {
         throw UsageError("unknown action '" + action + "'" + didYouMean(action, {"list", "get", "watch"}));
     }
     if (values.count("key") != 0) {
-        throw UsageError(action + " takes no key");
+        throw UsageError(action + " does not take a key");
     }
     return request;
 }

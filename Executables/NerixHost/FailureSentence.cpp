@@ -43,7 +43,7 @@ std::string failureSentence(const std::exception_ptr& failure) {
     } catch (const boost::exception& caught) {
         return fromEntries(caught);
     } catch (const std::bad_alloc&) {
-        return "there is not enough memory";
+        return "not enough memory";
     } catch (const std::exception& caught) {
         return caught.what();
     } catch (...) {

@@ -77,7 +77,7 @@ void takeOwnerAndMode(int descriptor, const std::string& file) {
     }
     const bool isSameOwner = own.st_uid == status.st_uid && own.st_gid == status.st_gid;
     if (!isSameOwner && ::fchown(descriptor, status.st_uid, status.st_gid) != 0) {
-        fail(file, "its owner cannot be kept: " + Common::messageOf(errno));
+        fail(file, "cannot keep its owner: " + Common::messageOf(errno));
     }
     if (::fchmod(descriptor, status.st_mode & 07777) != 0) {
         fail(file, Common::messageOf(errno));

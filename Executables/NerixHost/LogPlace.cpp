@@ -119,7 +119,7 @@ fs::path logOutside(const fs::path& root, const std::string& logFile) {
     const bool isStream = logFile.compare(0, 8, "/dev/std") == 0 || logFile.compare(0, 8, "/dev/fd/") == 0;
     if (isStream || (::stat(logFile.c_str(), &status) == 0 && !S_ISREG(status.st_mode))) {
         throw std::runtime_error("cannot write " + quotedName(logFile) + ": not a regular file" +
-                                 (isStream ? "; --log - writes to standard output" : ""));
+                                 (isStream ? "; use --log - for standard output" : ""));
     }
     fs::path file = fs::weakly_canonical(fs::absolute(logFile));
     const fs::path directory = file.parent_path();

@@ -29,7 +29,7 @@ using Platform::Host::SettingsListing;
 /// Prints a warning if a killed run left the setting behind.
 void warnIfKilled(const Setting& setting) {
     if (isOfKilledRun(setting)) {
-        printError("the run that set " + escaped(setting.key) + " was killed");
+        printError("the scan that set " + escaped(setting.key) + " was killed");
     }
 }
 

@@ -55,7 +55,7 @@ ProgressLine::Content waiting(const RunState& last) {
     } else if (!last.result.empty()) {
         before = "(the last one: " + escaped(last.result) + ")";
     }
-    return {"waiting for a run", "", before};
+    return {"waiting for a scan", "", before};
 }
 
 /// Shows the state as a progress line or as JSON objects.

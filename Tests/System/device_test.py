@@ -113,7 +113,7 @@ class Device(SystemTest):
         self.assertRegex(lines[-1], r"^inactive +100\.0 % \[#{38}\] " + value[:8] + "$")
         left = subprocess.run(["timeout", "--preserve-status", "-k5", "-sINT", "1", HOST, "settings", "watch"],
                               env=self.environment, check=False, stdout=subprocess.PIPE)
-        self.assertEqual((left.returncode, left.stdout.decode()), (128 + signal.SIGINT, f"waiting for a run (the last one: {value[:8]})\n"))
+        self.assertEqual((left.returncode, left.stdout.decode()), (128 + signal.SIGINT, f"waiting for a scan (the last one: {value[:8]})\n"))
 
 
 if __name__ == "__main__":
