@@ -151,8 +151,9 @@ options::variables_map parse(const Command& command, const std::vector<std::stri
     }
     options::variables_map values;
     options::store(options::command_line_parser(words).options(all).positional(places).run(), values);
+    const bool isHelpWanted = values.count("help") != 0;
     for (const Argument& argument : command.arguments) {
-        if (argument.isRequired && values.count("help") + values.count(argument.name) == 0) {
+        if (argument.isRequired && !isHelpWanted && values.count(argument.name) == 0) {
             throw UsageError(std::string("missing argument ") + argument.shown);
         }
     }
