@@ -28,10 +28,11 @@ struct Side {
 };
 
 std::string lineOf(const EntryChange& change) {
-    std::string line = change.what + (' ' + quotedName(change.path));
-    const char* separator = ": ";
+    std::string line = change.what;
+    line += ' ' + quotedName(change.path);
+    std::string separator = ": ";
     for (const FactChange& fact : change.facts) {
-        line += separator + (fact.name + (' ' + fact.before + " -> " + fact.after));
+        line += separator + fact.name + ' ' + fact.before + " -> " + fact.after;
         separator = ", ";
     }
     return change.hasDetails && change.facts.empty() ? line + ": content, attributes or target" : line;
@@ -64,7 +65,7 @@ public:
             }
         }
         std::cout << std::flush;
-        return m_lastPrintedPath.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
+        return m_hasDifferences ? EXIT_FAILURE : EXIT_SUCCESS;
     }
 
 private:
@@ -104,11 +105,13 @@ private:
     void print(const EntryChange& change) {
         std::cout << (m_isJson ? jsonOf(change) : lineOf(change)) << '\n';
         m_lastPrintedPath = change.path;
+        m_hasDifferences = true;
     }
 
     Side m_before;
     Side m_after;
     const bool m_isJson;
+    bool m_hasDifferences = false;
     std::string m_lastPrintedPath;
 };
 
