@@ -31,11 +31,11 @@ std::string lineOf(const EntryChange& change) {
     std::string line = change.what;
     line += ' ' + quotedName(change.path);
     std::string separator = ": ";
-    for (const FactChange& fact : change.facts) {
-        line += separator + fact.name + ' ' + fact.before + " -> " + fact.after;
+    for (const DetailChange& detail : change.details) {
+        line += separator + detail.name + ' ' + detail.before + " -> " + detail.after;
         separator = ", ";
     }
-    return change.hasDetails && change.facts.empty() ? line + ": content, attributes or target" : line;
+    return change.hasDetails && change.details.empty() ? line + ": content, attributes or target" : line;
 }
 
 class Comparison {
@@ -91,7 +91,7 @@ private:
         }
         const bool hasReportedChangesBelow = isExplained(m_after.record.path);
         const EntryChange change = changeOf(m_before.record, m_after.record, hasReportedChangesBelow);
-        if (!hasReportedChangesBelow || !change.facts.empty()) {
+        if (!hasReportedChangesBelow || !change.details.empty()) {
             print(change);
         }
     }

@@ -8,7 +8,7 @@
 namespace Nerix {
 
 /// A detail of an entry that differs between two logs.
-struct FactChange {
+struct DetailChange {
     const char* name; ///< kind, owner, group, links, mode or size
     std::string before;
     std::string after;
@@ -17,8 +17,8 @@ struct FactChange {
 struct EntryChange {
     const char* what; ///< changed, added or removed
     std::string path;
-    bool hasDetails;               ///< both logs have details
-    std::vector<FactChange> facts; ///< those that differ
+    bool hasDetails;                   ///< both logs have details
+    std::vector<DetailChange> details; ///< those that differ
 };
 
 /// Returns the difference between two records of the same entry. hasReportedChangesBelow: a change below this

@@ -37,9 +37,9 @@ std::string jsonOf(const EntryChange& change) {
     Json json = {{"change", change.what}, {"path", textOrBytes(change.path)}};
     if (change.hasDetails) {
         json["facts"] = Json::object();
-        for (const FactChange& fact : change.facts) {
-            json["facts"][fact.name] = {{"before", textOrBytes(fact.before)},
-                                        {"after", textOrBytes(fact.after)}};
+        for (const DetailChange& detail : change.details) {
+            json["facts"][detail.name] = {{"before", textOrBytes(detail.before)},
+                                          {"after", textOrBytes(detail.after)}};
         }
     }
     return lineOf(json);
