@@ -63,19 +63,22 @@ mode_t modeOfNewFile() {
 }
 
 /// Gives the unfinished file the owner and mode of the log that it will replace, or the mode of a new file.
-void takeOwnerAndMode(int descriptor, const std::string& file) {
+void setOwnerAndMode(int descriptor, const std::string& file) {
     struct stat status {};
     if (::lstat(file.c_str(), &status) != 0) {
-        if (errno != ENOENT || ::fchmod(descriptor, modeOfNewFile()) != 0) {
+        if (errno != ENOENT) {
+            fail(file, Common::messageOf(errno));
+        }
+        if (::fchmod(descriptor, modeOfNewFile()) != 0) {
             fail(file, Common::messageOf(errno));
         }
         return;
     }
-    struct stat own {};
-    if (::fstat(descriptor, &own) != 0) {
+    struct stat created {};
+    if (::fstat(descriptor, &created) != 0) {
         fail(file, Common::messageOf(errno));
     }
-    const bool isSameOwner = own.st_uid == status.st_uid && own.st_gid == status.st_gid;
+    const bool isSameOwner = created.st_uid == status.st_uid && created.st_gid == status.st_gid;
     if (!isSameOwner && ::fchown(descriptor, status.st_uid, status.st_gid) != 0) {
         fail(file, "cannot keep its owner: " + Common::messageOf(errno));
     }
@@ -114,7 +117,7 @@ LogFile::LogFile(const std::string& file)
       m_buffer(m_descriptor.number()),
       m_stream(&m_buffer) {
     try {
-        takeOwnerAndMode(m_descriptor.number(), m_file);
+        setOwnerAndMode(m_descriptor.number(), m_file);
     } catch (const std::runtime_error&) {
         ::unlink(m_partial.c_str());
         throw;
