@@ -21,25 +21,25 @@ namespace {
 
 using Common::escaped;
 
-volatile std::sig_atomic_t interrupted = 0; ///< the signal received, or 0
+volatile std::sig_atomic_t receivedSignal = 0; ///< 0 if there is none
 
-void interrupt(int signal) {
-    interrupted = signal;
+void storeSignal(int signal) {
+    receivedSignal = signal;
 }
 
-void stopOnSignals() {
+void catchSignals() {
     struct sigaction action {};
-    action.sa_handler = &interrupt; // without SA_RESTART, so that nanosleep returns at once
+    action.sa_handler = &storeSignal; // without SA_RESTART, so that nanosleep returns at once
     ::sigaction(SIGINT, &action, nullptr);
     ::sigaction(SIGTERM, &action, nullptr);
 }
 
-void pause() {
-    const std::timespec time{0, 50'000'000};
-    ::nanosleep(&time, nullptr);
+void sleepBriefly() {
+    const std::timespec duration{0, 50'000'000};
+    ::nanosleep(&duration, nullptr);
 }
 
-bool operator==(const RunState& a, const RunState& b) {
+bool isSameState(const RunState& a, const RunState& b) {
     return a.status == b.status && a.progress == b.progress && a.result == b.result && a.writer == b.writer;
 }
 
@@ -48,14 +48,14 @@ ProgressLine::Content contentOf(const RunState& state) {
 }
 
 /// Returns the text to show while waiting for a run, with the outcome of the last one.
-ProgressLine::Content waiting(const RunState& last) {
-    std::string before;
+ProgressLine::Content contentWhileWaiting(const RunState& last) {
+    std::string outcome;
     if (last.status == "killed") {
-        before = "(the last one was killed)";
+        outcome = "(the last one was killed)";
     } else if (!last.result.empty()) {
-        before = "(the last one: " + escaped(last.result) + ")";
+        outcome = "(the last one: " + escaped(last.result) + ")";
     }
-    return {"waiting for a scan", "", before};
+    return {"waiting for a scan", "", outcome};
 }
 
 /// Shows the state as a progress line or as JSON objects.
@@ -63,9 +63,9 @@ class Display {
 public:
     explicit Display(bool isJson) : m_isJson(isJson), m_line(STDOUT_FILENO, std::chrono::seconds(1)) {}
 
-    void wait(const RunState& last) {
+    void showWaiting(const RunState& last) {
         if (!m_isJson) {
-            m_line.showNow(waiting(last));
+            m_line.showNow(contentWhileWaiting(last));
         }
     }
     void show(const RunState& state) {
@@ -83,7 +83,7 @@ public:
         m_lastObject = std::time(nullptr);
         std::cout << jsonOf(state) << std::endl;
     }
-    void leave() { m_line.end(); }
+    void end() { m_line.end(); }
 
 private:
     const bool m_isJson;
@@ -94,36 +94,36 @@ private:
 } // namespace
 
 int watch(bool isJson) {
-    stopOnSignals();
+    catchSignals();
     Display display(isJson);
     const RunState before = RunState::read();
     RunState state = before;
     if (!state.isRunning) {
-        display.wait(state);
+        display.showWaiting(state);
     }
     // A short run may never be seen as active, so a changed state also ends the wait. If the result is
     // missing, the store was deleted and the run is still to come.
-    while (interrupted == 0 && !state.isRunning && (state == before || state.result.empty())) {
-        pause();
+    while (receivedSignal == 0 && !state.isRunning && (isSameState(state, before) || state.result.empty())) {
+        sleepBriefly();
         state = RunState::read();
     }
     if (state.isRunning) {
         display.showNow(state);
     }
-    while (interrupted == 0 && state.isRunning) {
+    while (receivedSignal == 0 && state.isRunning) {
         display.show(state);
-        pause();
+        sleepBriefly();
         state = RunState::read();
     }
-    if (interrupted == 0) {
+    if (receivedSignal == 0) {
         display.showNow(state);
     }
-    display.leave();
-    if (interrupted != 0) {
-        endBySignal(interrupted);
+    display.end();
+    if (receivedSignal != 0) {
+        endBySignal(receivedSignal);
     }
-    const bool hasNoValue = state.status == "killed" || state.result == PublishedState::errorResult;
-    return hasNoValue ? EXIT_FAILURE : EXIT_SUCCESS;
+    const bool hasFailed = state.status == "killed" || state.result == PublishedState::errorResult;
+    return hasFailed ? EXIT_FAILURE : EXIT_SUCCESS;
 }
 
 } // namespace Nerix
