@@ -33,7 +33,7 @@ namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 /// The exit status if a file could not be read to its end. There is a value, but it is wrong.
-constexpr int trouble = 2;
+constexpr int incompleteReadStatus = 2;
 
 std::string duration(Clock::duration elapsed) {
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
@@ -43,10 +43,10 @@ std::string duration(Clock::duration elapsed) {
 
 /// Draws unless drawing has failed before. The scan continues even if the reader of a pipe is gone.
 template <class Draw>
-void drawUnlessBroken(bool& isPossible, Draw step) {
+void drawIfPossible(bool& isPossible, Draw draw) {
     try {
         if (isPossible) {
-            step();
+            draw();
         }
     } catch (const std::runtime_error&) {
         isPossible = false;
@@ -54,25 +54,25 @@ void drawUnlessBroken(bool& isPossible, Draw step) {
 }
 
 /// Runs the verification on another thread, shows its progress, and returns the value or "ERROR".
-std::string verify(const ScanRequest& request, const ScanLogStream& log) {
+std::string verifyWithProgress(const ScanRequest& request, const ScanLogStream& log) {
     ProgressLine line(STDERR_FILENO, std::chrono::seconds(5));
     const Clock::time_point begin = Clock::now();
     std::future<std::string> result = std::async(std::launch::async, [&] {
         return HashVerifierAPI::nerixVerifyPath(request.path, request.hashMethod, log);
     });
-    bool isShown = !request.isQuiet;
+    bool canDraw = !request.isQuiet;
     while (result.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
-        drawUnlessBroken(isShown, [&] {
+        drawIfPossible(canDraw, [&] {
             line.show({"", HashVerifierAPI::getProgress(),
                        std::to_string(HashVerifierAPI::getEntries()) + " entries " +
                            duration(Clock::now() - begin)});
         });
     }
-    drawUnlessBroken(isShown, [&] { line.clear(); });
+    drawIfPossible(canDraw, [&] { line.clear(); });
     return result.get();
 }
 
-int fail(const std::string& reason) {
+int printFailure(const std::string& reason) {
     printError(reason);
     return EXIT_FAILURE;
 }
@@ -86,24 +86,25 @@ int scan(const ScanRequest& request) {
         Common::Utils::catchTerminationSignals();
         const ProgramSession session("NerixHost");
         session.loadProductAndParameters();
-        const bool isLogShown = request.logFile == "-";
+        const bool isLogOnStandardOutput = request.logFile == "-";
         std::optional<LogFile> file;
-        if (!request.logFile.empty() && !isLogShown) {
+        if (!request.logFile.empty() && !isLogOnStandardOutput) {
             file.emplace(logOutside(fs::canonical(request.path), request.logFile).string());
         }
         DescriptorBuffer output(STDOUT_FILENO);
-        std::ostream shown(isLogShown ? &output : nullptr); // without a buffer, discards the records
-        value = verify(request, {file ? &file->stream() : &shown, request.hasDetails});
-        if (isLogShown && !shown.flush()) {
+        std::ostream logOutput(isLogOnStandardOutput ? &output
+                                                     : nullptr); // without a buffer, discards the records
+        value = verifyWithProgress(request, {file ? &file->stream() : &logOutput, request.hasDetails});
+        if (isLogOnStandardOutput && !logOutput.flush()) {
             throw std::ios_base::failure("standard output",
                                          std::error_code(output.error(), std::generic_category()));
         }
         if (value == "ERROR") {
-            return fail(failureSentence(HashVerifierAPI::getFailure()));
+            return printFailure(failureSentence(HashVerifierAPI::getFailure()));
         }
         if (const std::exception_ptr failure = HashVerifierAPI::getReadFailure()) {
             printError(failureSentence(failure));
-            return trouble;
+            return incompleteReadStatus;
         }
         if (file) {
             file->commit();
@@ -111,13 +112,14 @@ int scan(const ScanRequest& request) {
     } catch (const std::ios_base::failure&) {
         throw; // writing to standard output failed
     } catch (const fs::filesystem_error& failure) {
-        return fail("cannot read " + quotedName(failure.path1().string()) + ": " + failure.code().message());
+        return printFailure("cannot read " + quotedName(failure.path1().string()) + ": " +
+                            failure.code().message());
     } catch (...) {
-        return fail(failureSentence(std::current_exception()));
+        return printFailure(failureSentence(std::current_exception()));
     }
     (request.logFile == "-" ? std::cerr : std::cout) << value << std::endl;
     if (request.expected && *request.expected != value) {
-        return fail("the value is " + value + ", not " + *request.expected);
+        return printFailure("the value is " + value + ", not " + *request.expected);
     }
     return EXIT_SUCCESS;
 }
