@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr int trouble = 2;
+constexpr int errorStatus = 2;
 
 /// Performs the request and returns the exit status.
 struct Runner {
@@ -36,7 +36,7 @@ struct Runner {
 
 int main(int argc, char* argv[]) {
     if (!Nerix::Common::Utils::secureStandardStreams()) {
-        return trouble;
+        return errorStatus;
     }
     Nerix::Common::Utils::adaptToProcessLimits();
     std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // so that lost output is reported
@@ -62,5 +62,5 @@ int main(int argc, char* argv[]) {
     } catch (const std::exception& failure) {
         Nerix::printError(failure.what());
     }
-    return trouble;
+    return errorStatus;
 }
