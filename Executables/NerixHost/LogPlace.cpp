@@ -27,7 +27,7 @@ struct Place {
 };
 
 /// Decodes the octal escapes in the kernel's tables, such as "\040" for a space.
-std::string unescaped(const std::string& text) {
+std::string decodedOctal(const std::string& text) {
     std::string plain;
     for (std::size_t index = 0; index != text.size(); ++index) {
         if (text[index] == '\\' && text.size() - index > 3) {
@@ -65,11 +65,11 @@ std::optional<Place> placeOf(const fs::path& file) {
         if (!(fields >> id >> parent >> device >> root >> directory) || id != mountId) {
             continue;
         }
-        directory = unescaped(directory);
+        directory = decodedOctal(directory);
         if (directory != file && !isBelow(file.native(), directory)) {
             return std::nullopt;
         }
-        const fs::path place = unescaped(root);
+        const fs::path place = decodedOctal(root);
         return Place{device, directory == file ? place : place / file.lexically_relative(directory)};
     }
     return std::nullopt;
@@ -77,7 +77,7 @@ std::optional<Place> placeOf(const fs::path& file) {
 
 /// Returns true if the directory is root or below it on their common file system, even if the path leads
 /// through another mount of that file system.
-bool isInTreeElsewhere(const fs::path& directory, const fs::path& root) {
+bool isInTreeOnFileSystem(const fs::path& directory, const fs::path& root) {
     const std::optional<Place> inner = placeOf(directory);
     const std::optional<Place> outer = placeOf(root);
     return inner && outer && inner->device == outer->device &&
@@ -89,15 +89,15 @@ bool isInTreeElsewhere(const fs::path& directory, const fs::path& root) {
 bool isInTree(const fs::path& directory, const fs::path& root) {
     struct stat rootStatus {};
     ::lstat(root.c_str(), &rootStatus);
-    for (fs::path at = directory;; at = at.parent_path()) {
+    for (fs::path ancestor = directory;; ancestor = ancestor.parent_path()) {
         struct stat status {};
-        if (::lstat(at.c_str(), &status) != 0 || status.st_dev != rootStatus.st_dev) {
+        if (::lstat(ancestor.c_str(), &status) != 0 || status.st_dev != rootStatus.st_dev) {
             return false;
         }
         if (status.st_ino == rootStatus.st_ino) {
             return true;
         }
-        if (at == at.root_path() || MountPoints::getInstance().isMountPoint(at.string())) {
+        if (ancestor == ancestor.root_path() || MountPoints::getInstance().isMountPoint(ancestor.string())) {
             return false;
         }
     }
@@ -105,7 +105,7 @@ bool isInTree(const fs::path& directory, const fs::path& root) {
 
 /// Returns true if the file has several hard links and is on the file system of the tree, which may contain
 /// one of them.
-bool hasNamesElsewhere(const fs::path& file, const fs::path& root) {
+bool mayBeLinkedInTree(const fs::path& file, const fs::path& root) {
     struct stat status {};
     struct stat rootStatus {};
     return ::lstat(file.c_str(), &status) == 0 && ::lstat(root.c_str(), &rootStatus) == 0 &&
@@ -123,13 +123,13 @@ fs::path logOutside(const fs::path& root, const std::string& logFile) {
     }
     fs::path file = fs::weakly_canonical(fs::absolute(logFile));
     const fs::path directory = file.parent_path();
-    if (file == root || isInTree(directory, root) || isInTreeElsewhere(directory, root)) {
+    if (file == root || isInTree(directory, root) || isInTreeOnFileSystem(directory, root)) {
         throw std::runtime_error(
             "the log " + quotedName(file.string()) +
             " is inside the tree to be scanned and would change its value; put it outside " +
             quotedName(root.string()));
     }
-    if (hasNamesElsewhere(file, root)) {
+    if (mayBeLinkedInTree(file, root)) {
         throw std::runtime_error(
             "the log " + quotedName(file.string()) +
             " has other hard links, which may be inside the tree to be scanned; choose another name");
