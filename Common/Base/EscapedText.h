@@ -17,8 +17,7 @@ std::string escaped(const std::string& text);
 /// Reverses escaped(). Keeps each backslash that does not begin an escape sequence.
 std::string unescaped(std::string_view text);
 
-/// Escapes text as escaped() does, but keeps backslashes: use it for a message that already contains escaped
-/// text.
+/// Escapes text as escaped() does, but keeps backslashes; for a message that contains escaped text.
 std::string withoutControls(const std::string& text);
 
 } // namespace Nerix::Common

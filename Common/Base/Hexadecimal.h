@@ -19,8 +19,7 @@ inline std::string hexadecimal(std::uint64_t value, unsigned int digits) {
     return text;
 }
 
-/// Returns the byte that the first two characters of text represent in hexadecimal, or nullopt if they do not
-/// represent one.
+/// Returns the byte that the first two characters of text represent in hexadecimal, or nullopt.
 inline std::optional<char> byteFromHexadecimal(std::string_view text) {
     constexpr std::size_t digits = 2;
     unsigned char byte = 0;

@@ -13,8 +13,7 @@ public:
     /// Stores the id of the main thread. Call it once (asserted), before other threads exist.
     static void registerMainThreadId(boost::thread::id id);
 
-    /// Returns the kernel name of the calling thread, at most 15 characters, or an empty string if the system
-    /// call fails.
+    /// Returns the calling thread's kernel name, at most 15 characters; empty if the system call fails.
     static std::string GetThreadName();
 
     /// Returns name with each byte that is not a letter, a digit or '_' replaced by '_'. Does not shorten it.

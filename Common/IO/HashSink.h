@@ -14,9 +14,8 @@
 
 namespace Nerix::Common::IO {
 
-/// Computes a message digest of the data written to it, using the crypto library. The singletons register
-/// must contain an OpenSSLInit during the sink's whole life (asserted). Destroy the sink on the thread that
-/// created it.
+/// Computes a message digest of the data written to it, using the crypto library. Asserts that the singletons
+/// register contains an OpenSSLInit, which must outlive the sink. Destroy the sink on the thread that created it.
 class HashSink final : public ISink, public boost::noncopyable, public Utils::IDebugName {
 public:
     /// Starts the digest that the crypto library calls digestName ("md5", "sha1", ...). Throws

@@ -14,9 +14,8 @@ class AESException : public virtual std::exception, public virtual boost::except
 /// operation (errinfo_description) and the object (errinfo_subject).
 class OpenSSLException : public AESException {
 public:
-    /// Moves the errors from the calling thread's error queue into the exception. Asserts that the singletons
-    /// register contains an OpenSSLInit. Throws std::runtime_error "Creating BIO failed." if memory is
-    /// exhausted.
+    /// Moves the errors from the calling thread's error queue into the exception. Asserts that there is an
+    /// OpenSSLInit. Throws std::runtime_error "Creating BIO failed." if memory is exhausted.
     OpenSSLException();
 
     /// Returns one line per error, in the library's format; empty if it reported none.

@@ -16,8 +16,7 @@ namespace Nerix::Common::IO {
 class OpenSSLInit : public Utils::RegisterableSingleton {
 public:
     /// Initializes the library (OpenSSLCompat::initialize), creates the mutexes, then installs the callbacks.
-    /// Throws boost::thread_resource_error if a mutex cannot be created; the callbacks are then not
-    /// installed.
+    /// Throws boost::thread_resource_error, before installing them, if a mutex cannot be created.
     OpenSSLInit();
 
     /// Removes the callbacks. Asserts that no mutex is locked, because no thread may be inside the library.

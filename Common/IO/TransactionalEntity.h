@@ -16,8 +16,7 @@ public:
     virtual bool isStoring() const = 0;
 
     /// Transfers length bytes at the current position (from data when storing, into data when restoring),
-    /// then advances the position by length. Exceptions from transfer propagate and leave the position
-    /// unchanged.
+    /// then advances the position by length. If transfer throws, the position is unchanged.
     void serializeData(std::uint8_t* data, unsigned int length) {
         transfer(m_position, data, length);
         m_position += length;

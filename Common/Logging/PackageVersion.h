@@ -2,8 +2,7 @@
 
 namespace Nerix::Common {
 
-/// The version of the update package, shown in every log record, in the help of NerixVerifierHash and by
-/// NerixHost --version.
+/// The version of the update package, shown in log records and by NerixVerifierHash and NerixHost.
 constexpr const char* packageVersion = "0.348.0";
 
 } // namespace Nerix::Common

@@ -45,8 +45,7 @@ bool remove(const boost::filesystem::path& p);
 /// Renames `from` to `to`, atomically replacing any file there. Both must be on the same file system.
 void rename(const boost::filesystem::path& from, const boost::filesystem::path& to);
 
-/// Returns the absolute path without links, "." and "..". A relative p is relative to base. The entry must
-/// exist.
+/// Returns the absolute path without links, "." and ".."; p may be relative to base. The entry must exist.
 boost::filesystem::path canonical(const boost::filesystem::path& p, const boost::filesystem::path& base);
 
 /// Returns true if the elements of prefix are the first elements of path. Ignores trailing separators of
@@ -54,8 +53,8 @@ boost::filesystem::path canonical(const boost::filesystem::path& p, const boost:
 bool pathStartsWith(const boost::filesystem::path& path, const boost::filesystem::path& prefix);
 
 /// Returns path without the elements of prefix, as an absolute path; "/" if nothing is left. With an empty
-/// prefix, returns an absolute path unchanged. Throws GenericException with a stream entry if path does not
-/// start with prefix.
+/// prefix, returns an absolute path unchanged. If path does not start with prefix, throws GenericException
+/// with a stream entry.
 boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
                                          const boost::filesystem::path& prefix);
 

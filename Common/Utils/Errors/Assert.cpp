@@ -11,8 +11,7 @@ using Nerix::Common::Logging::LoggingClass;
 
 namespace {
 
-/// Reports the failed assertion and aborts. noexcept, so that the process ends even if reporting fails.
-/// message may be null.
+/// Reports and aborts. noexcept, so that the process ends even if reporting fails. message may be null.
 [[noreturn]] void reportAndAbort(const char* expression, const char* message, const char* function,
                                  const char* file, long line) noexcept {
     // On the stack, because memory may be exhausted; sized for the longest log message.

@@ -46,9 +46,8 @@ private:
     int m_uncaughtAtStart; ///< a higher count later means that writing the context line threw
 };
 
-/// Rethrows the exception being handled with the context line " -> function (file:line) details". Use it
-/// directly only in a helper that reports the name and line of another function; otherwise use the macro
-/// below.
+/// Rethrows the exception being handled with the context line " -> function (file:line) details". Use the
+/// macro below instead, except in a helper that reports the name and line of another function.
 [[noreturn]] void rethrowWithContext(const char* function, const char* file, int line,
                                      const std::string& details);
 

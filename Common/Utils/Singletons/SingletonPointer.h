@@ -15,8 +15,7 @@ class SRegisterItem;
 
 namespace detail {
 
-/// The part of a SingletonPointer that does not depend on the type of the service: one entry in the list of
-/// an item's users.
+/// The part of a SingletonPointer that is the same for all types of services: an entry among an item's users.
 class SingletonUsage : private boost::noncopyable {
 public:
     /// Adds user to the item's users. With a null item, does nothing, and registerable() fails an assertion.

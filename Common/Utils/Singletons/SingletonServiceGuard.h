@@ -7,8 +7,7 @@
 namespace Nerix::Common::Utils {
 
 /// Declares a need for the service T during the lifetime of the guard. Create the guard in the scope that
-/// needs the service, before anything that uses it. Its constructor throws the exceptions of the service's
-/// constructor.
+/// needs the service, before anything that uses it. Throws the exceptions of the service's constructor.
 template <class T>
 class SingletonServiceGuard : private boost::noncopyable {
 public:

@@ -26,9 +26,8 @@ boost::shared_ptr<RegisterableSingleton> standardFactoryFunction() {
     return boost::make_shared<T>();
 }
 
-/// Holds the services of the process. A service is created when the first scope declares a need for it. It
-/// lives as long as at least one declaration is in force, and is destroyed before the services that it
-/// requires.
+/// Holds the services of the process. A service is created when the first scope declares a need for it, lives
+/// as long as any declaration is in force, and is destroyed before the services that it requires.
 ///
 /// Scopes declare a need with a SingletonServiceGuard; users access a service with getService. Thread-safe.
 /// Misuse, except an empty factory, is a fatal assertion. Apart from std::bad_alloc, only factories throw.
@@ -56,8 +55,7 @@ public:
     /// nobody holds a SingletonPointer to it. Asserts that id is registered.
     void unmarkNeeded(SingletonsID id);
 
-    /// Returns a handle for user to the service registered under id. Asserts that the service exists and is a
-    /// T.
+    /// Returns a handle for user to the service registered under id. Asserts that it exists and is a T.
     template <class T>
     SingletonPointer<T> getService(const std::string& user, SingletonsID id) {
         const boost::lock_guard<boost::recursive_mutex> map(m_mapMutex);
