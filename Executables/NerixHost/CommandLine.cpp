@@ -43,8 +43,7 @@ constexpr const char* overview =
     "Run 'NerixHost COMMAND --help' for the options of a command,\n"
     "'NerixHost --version' for the version.\n";
 
-/// The values of an option without an argument. A list, so that the option may be repeated, as with other
-/// tools.
+/// An option without an argument. A list of values, so that it may be repeated, as with other tools.
 using Switch = std::vector<std::string>;
 
 const options::value_semantic* switchValue() {
@@ -238,8 +237,7 @@ CompareRequest compareRequest(const options::variables_map& values) {
     return {textOf(values, "before"), textOf(values, "after"), values.count("json") != 0};
 }
 
-/// Returns the help of the command if words contain --help, otherwise the request that make builds from the
-/// parsed values.
+/// Returns the help of the command if words contain --help, otherwise the request that make builds.
 template <class Make>
 Request makeRequest(const Command& command, const std::vector<std::string>& words, Make make) {
     try {

@@ -1,7 +1,6 @@
 // Both logs are in the order of the walk, so one pass merges them. A record in only one log is an entry that
 // was added or removed; two records of the same path with different values are a change. A directory comes
-// after everything below it. It is printed only if nothing below it was printed, or if its own details
-// changed.
+// after everything below it. It is printed if nothing below it was, or if its own details changed.
 
 #include "Executables/NerixHost/Compare.h"
 

@@ -21,9 +21,8 @@ struct EntryChange {
     std::vector<DetailChange> details; ///< those that differ
 };
 
-/// Returns the difference between two records of the same entry. hasReportedChangesBelow: a change below this
-/// directory has already been reported. Its size and link count, which depend on its entries, are then
-/// ignored.
+/// Returns the difference between two records of an entry. hasReportedChangesBelow: a change below this
+/// directory has been reported; its size and link count, which depend on its entries, are then ignored.
 EntryChange changeOf(const ScanLogRecord& before, const ScanLogRecord& after, bool hasReportedChangesBelow);
 
 } // namespace Nerix

@@ -54,8 +54,7 @@ void removeAbandoned(const std::string& prefix) {
     }
 }
 
-/// Returns the mode of a new file. Call it before other threads exist, because the mask can be read only by
-/// changing it.
+/// Returns the mode of a new file. Call it before other threads exist, because it changes the mask briefly.
 mode_t modeOfNewFile() {
     const mode_t mask = ::umask(0);
     ::umask(mask);

@@ -103,8 +103,7 @@ bool isInTree(const fs::path& directory, const fs::path& root) {
     }
 }
 
-/// Returns true if the file has several hard links and is on the file system of the tree, which may contain
-/// one of them.
+/// Returns true if the file has other hard links, and the tree may contain one of them.
 bool mayBeLinkedInTree(const fs::path& file, const fs::path& root) {
     struct stat status {};
     struct stat rootStatus {};

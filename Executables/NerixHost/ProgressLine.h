@@ -5,9 +5,8 @@
 
 namespace Nerix {
 
-/// Shows progress on a stream. On a capable terminal, redraws one line; elsewhere (a pipe, TERM=dumb), prints
-/// a new line from time to time. Fits the line to the terminal's current width. Only one thread at a time may
-/// use it.
+/// Shows progress. On a capable terminal, redraws one line; elsewhere (a pipe, TERM=dumb), prints a new line
+/// from time to time. Fits the line to the terminal's current width. Only one thread at a time may use it.
 class ProgressLine {
 public:
     using Duration = std::chrono::steady_clock::duration;
@@ -22,8 +21,7 @@ public:
         }
     };
 
-    /// Writes to the descriptor. If the line cannot be redrawn, pause is the minimum time before the first
-    /// line and between lines.
+    /// Writes to the descriptor. Where lines cannot be redrawn, pause is the minimum time before each line.
     ProgressLine(int descriptor, Duration pause);
 
     /// Shows content, unless it is already shown or, if the line cannot be redrawn, the pause has not

@@ -19,8 +19,7 @@ Setting find(std::string_view key) {
     return Platform::Host::HostState::instance().settings().find(key).value_or(Setting{});
 }
 
-/// Returns true for a status or result from before the end of a run: "active" or "00000111". The run may be
-/// active or killed.
+/// Returns true for the status "active" or the result "00000111", of a run that is active or was killed.
 bool isOfRun(const Setting& setting) {
     return setting.type == Platform::Host::SettingType::Text &&
            (setting.bytes == PublishedState::activeStatus || setting.bytes == PublishedState::runningResult);
@@ -50,8 +49,7 @@ RunState readOnce() {
 } // namespace
 
 bool isOfKilledRun(const Setting& setting) {
-    // Reads the setting again, because the run may have published its end and exited after the setting was
-    // read.
+    // Reads the setting again, because the run may have published its end and exited in between.
     return isLeftBehind(setting) && isLeftBehind(find(setting.key));
 }
 

@@ -7,8 +7,7 @@ namespace Nerix {
 
 namespace {
 
-/// Returns the number of changes that turn a into b. A change replaces, inserts or deletes a character, or
-/// swaps two adjacent ones.
+/// Returns how many characters to replace, insert, delete or swap with the next one to turn a into b.
 std::size_t editDistance(const std::string& a, const std::string& b) {
     std::vector<std::size_t> before(b.size() + 1);
     std::vector<std::size_t> row(b.size() + 1);
