@@ -23,7 +23,7 @@ std::unique_ptr<spdlog::sinks::sink> openFile(const std::string& name) {
     constexpr std::size_t bytesPerFile = std::size_t{16} << 20U;
     constexpr std::size_t olderFiles = 4;
     spdlog::file_event_handlers handlers;
-    // Unbuffered: stdio's buffer could split a batch in the middle of a line.
+    // Unbuffered, because stdio's buffer could split a batch in the middle of a line.
     handlers.after_open = [](const spdlog::filename_t&, std::FILE* file) {
         std::setvbuf(file, nullptr, _IONBF, 0);
     };
@@ -34,7 +34,7 @@ std::unique_ptr<spdlog::sinks::sink> openFile(const std::string& name) {
     return file;
 }
 
-/// Held while it lives, unless another process keeps it too long.
+/// Locks the directory of a file. Gives up after about 0.1 s if another process holds the lock.
 class DirectoryLock {
 public:
     explicit DirectoryLock(const std::string& file)
@@ -51,7 +51,7 @@ private:
         return ::flock(m_directory.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     }
 
-    const Common::Descriptor m_directory; ///< closed, and so unlocked, at the end
+    const Common::Descriptor m_directory; ///< the destructor closes and so unlocks it
 };
 
 } // namespace
@@ -71,8 +71,7 @@ void BatchingSink::reopenIfOthersWrote() {
         status.st_size != m_status.st_size) {
         try {
             open();
-        } catch (
-            const spdlog::spdlog_ex&) { // NOLINT(bugprone-empty-catch): the file that is open takes the lines
+        } catch (const spdlog::spdlog_ex&) { // NOLINT(bugprone-empty-catch): the old file stays open
         }
     }
 }

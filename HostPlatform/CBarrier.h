@@ -4,8 +4,8 @@
 
 namespace Nerix::Platform::Host {
 
-/// Runs the body of a C function and returns its code. Exceptions must not reach C callers, so any exception,
-/// in practice only std::bad_alloc, becomes ENOMEM.
+/// Runs the body of a C function and returns its result code, or ENOMEM if it throws: exceptions must not
+/// reach C callers. In practice only std::bad_alloc is thrown.
 template <class Step>
 int withoutExceptions(Step step) noexcept {
     try {

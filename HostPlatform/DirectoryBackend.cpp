@@ -1,7 +1,8 @@
-// A setting is one file: its key is the file's name (fileNameOf, keyOf), its content a CRC-32 in hexadecimal followed
-// by the bytes that were put (checkedContentOf). put writes a new file under a temporary name and renames it over the
-// old one, so a reader sees either value whole, and no lock is needed. Every operation runs inside attempt, which turns
-// a failure into a SettingsFailure that names the file.
+// Each setting is a file. Its name encodes the key (fileNameOf, keyOf); its content is a CRC-32 in
+// hexadecimal, followed by the bytes of the setting (checkedContentOf). put writes a new file under a
+// temporary name and renames it over the old one, so a reader sees either the old or the new value, without a
+// lock. Every operation runs inside attempt, which converts a failure into a SettingsFailure that names the
+// file.
 
 #include "HostPlatform/DirectoryBackend.h"
 
@@ -39,12 +40,12 @@ constexpr std::size_t longestFile = std::size_t{1} << 20U;
     throw std::system_error(error, std::generic_category());
 }
 
-/// Throws the error for a file whose content is not what put wrote. No errno of a file system says so.
+/// Throws the error for a damaged file, an errno that file systems do not use.
 [[noreturn]] void failAsDamaged() {
     fail(EBADMSG);
 }
 
-/// "le64" for a little-endian machine of 64 bits.
+/// Returns byte order and word size, for example "le64".
 std::string layout() {
     const char* const order = __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__ ? "le" : "be";
     return order + std::to_string(sizeof(void*) * CHAR_BIT);
@@ -73,7 +74,7 @@ std::string fileNameOf(std::string_view key) {
     return name;
 }
 
-/// Nothing for a name that fileNameOf does not make.
+/// Returns the key of a file, or nullopt if fileNameOf does not return that name.
 std::optional<std::string> keyOf(const std::string& name) {
     std::string key;
     for (std::size_t index = 0; index != name.size(); ++index) {
@@ -95,7 +96,7 @@ std::string checksumOf(std::string_view bytes) {
     return Common::hexadecimal(crc.checksum(), checksumLength);
 }
 
-/// The whole file; nothing when there is none.
+/// Returns the whole file, or nullopt if it does not exist.
 std::optional<std::string> contentOf(const fs::path& path) {
     // Does not follow links, and does not block on a FIFO without a writer.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
@@ -115,8 +116,8 @@ std::optional<std::string> contentOf(const fs::path& path) {
     if (!S_ISREG(status.st_mode) || static_cast<std::uintmax_t>(status.st_size) > longestFile) {
         failAsDamaged();
     }
-    std::string content(static_cast<std::size_t>(status.st_size) + 1,
-                        '\0'); // one more: room to notice the end
+    // One byte more, so that the last read can return 0.
+    std::string content(static_cast<std::size_t>(status.st_size) + 1, '\0');
     std::size_t size = 0;
     while (size != content.size()) {
         const ssize_t count = ::read(file.number(), &content[size], content.size() - size);
@@ -132,7 +133,7 @@ std::optional<std::string> contentOf(const fs::path& path) {
     return content;
 }
 
-/// What was put into the file; nothing when there is none.
+/// Returns the bytes that were put into the file, or nullopt if it does not exist.
 std::optional<std::string> checkedContentOf(const fs::path& path) {
     std::optional<std::string> content = contentOf(path);
     if (!content) {
@@ -146,7 +147,7 @@ std::optional<std::string> checkedContentOf(const fs::path& path) {
     return content;
 }
 
-/// isSynced: the content has reached the disk when the function returns.
+/// Writes a file. If isSynced, returns only after the content has reached the disk.
 void writeFile(const fs::path& path, std::string_view content, bool isSynced) {
     Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0600));
     if (!file.isOpen()) {
@@ -167,8 +168,8 @@ void logError(const std::string& text) {
     __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
 }
 
-/// Returns a file name that no other process uses, on any machine, and that no key maps to. A process that is
-/// killed while it writes leaves one such file.
+/// Returns a file name that no process on any machine shares and no key has. A killed process may leave a
+/// file of that name.
 std::string temporaryName() {
     static Common::NoDestructor<const std::string> identity(ProcessIdentity::own());
     return ".new " + *identity + " " + std::to_string(::getpid());
@@ -237,7 +238,7 @@ void DirectoryBackend::put(std::string_view key, std::string_view bytes) {
             ::unlink(complete.c_str());
             throw;
         }
-        // Readers already see the new value, so the call does not fail.
+        // Does not fail, because readers already see the new value.
         if (m_isSynced && ::fsync(place.number()) != 0) {
             logError("settings store " + m_place +
                      ": may not survive a power failure: " + Common::messageOf(errno));

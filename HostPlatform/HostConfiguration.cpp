@@ -20,7 +20,7 @@ namespace {
 const struct {
     const char* section;
     int key;
-    const char* name; ///< what platform.ini and messages call it
+    const char* name; ///< in platform.ini and messages
     const char* text;
 } builtIn[] = {
     {"system_info", 8, "software_date", "2026-01-01"},
@@ -38,7 +38,7 @@ const struct {
     {"path", 43, "usb_drives", "/media"}, // where desktop systems mount drives
 };
 
-/// "[path] usb_drives (43)"; without a name, "[path] 43".
+/// Returns "[path] usb_drives (43)", or "[path] 43" if the key does not have a name.
 std::string shown(const std::string& section, int key) {
     for (const auto& answer : builtIn) {
         if (answer.section == section && answer.key == key) {
@@ -55,7 +55,7 @@ std::optional<int> numberIn(const std::string& text) {
                                                                     : std::nullopt;
 }
 
-/// The number of a key that is written as a number or by its name.
+/// Returns the number of a key that is given by number or by name.
 std::optional<int> numberOf(const std::string& section, const std::string& key) {
     for (const auto& answer : builtIn) {
         if (answer.section == section && answer.name == key) {
@@ -105,13 +105,13 @@ void HostConfiguration::read() {
         std::filesystem::symlink_status(m_file, error).type() == std::filesystem::file_type::not_found) {
         return;
     }
-    // Check before opening: a FIFO would block.
+    // Check before opening, because opening a FIFO would block.
     std::stringstream content;
     if (!std::filesystem::is_regular_file(m_file, error)) {
         m_fault = m_file.string() + ": " + (error ? error.message() : "is not a regular file");
         return;
     }
-    constexpr std::uintmax_t maxBytes = 1U << 20U; // the parser takes forty times the size of the file
+    constexpr std::uintmax_t maxBytes = 1U << 20U; // the parser needs forty times as much memory
     if (std::filesystem::file_size(m_file, error) > maxBytes) {
         m_fault = m_file.string() + ": " + (error ? error.message() : "is larger than 1 MiB");
         return;

@@ -7,7 +7,7 @@
 
 namespace Nerix::Platform::Host {
 
-/// Built-in platform information for an ordinary machine, and the file that overrides it:
+/// Provides built-in platform information for an ordinary machine, and reads the file that overrides it:
 ///
 ///     ; platform.ini in the durable directory
 ///     [system_info]
@@ -17,16 +17,16 @@ namespace Nerix::Platform::Host {
 ///     usb_drives = /run/media
 ///
 /// A key is a name listed in docs/host.md, or the number that the device uses for it. An unusable value is an
-/// error; there is no silent default. If the file cannot be read, is malformed, or is larger than 1 MiB,
-/// every lookup fails. Each failure is one line in the system log, naming file, section and key. Immutable;
-/// any thread may ask.
+/// error; it is never replaced by a default. If the file cannot be read, is malformed or is larger than 1
+/// MiB, every lookup fails. Each failure is logged with file, section and key. Immutable, therefore
+/// thread-safe.
 class HostConfiguration {
 public:
-    /// An empty path, or that of a file that does not exist, overrides nothing.
+    /// Reads the file. Uses only built-in values if the path is empty or the file does not exist.
     explicit HostConfiguration(std::filesystem::path file);
 
-    /// section is "system_info" or "path". Returns nullopt if the key is unknown, the value is empty or of
-    /// the wrong type, or the file is unusable.
+    /// Returns the value of a key in section "system_info" or "path". Returns nullopt if the key is unknown,
+    /// the value is empty or of the wrong type, or the file is unusable.
     std::optional<std::string> text(const std::string& section, int key) const;
     std::optional<int> integer(const std::string& section, int key) const;
     std::optional<bool> boolean(const std::string& section, int key) const;
@@ -44,7 +44,7 @@ private:
     void logBadValue(const std::string& section, int key, const Value& answer, const char* wanted) const;
 
     std::filesystem::path m_file;
-    std::string m_fault; ///< why the file cannot be used; empty when it can
+    std::string m_fault; ///< why the file is unusable; empty if it is usable
     std::map<Key, Value> m_answers;
 };
 

@@ -29,14 +29,14 @@ std::optional<fs::path> absoluteFromEnvironment(const char* name) {
     return path && path->is_absolute() ? path : std::nullopt;
 }
 
-/// what() without the system's message at its end.
+/// Returns what() without the system's message at its end.
 std::string reasonOf(const std::system_error& failure) {
     const std::string text = failure.what();
     const std::string message = ": " + failure.code().message();
     return text.substr(0, text.rfind(message));
 }
 
-/// What find returns. Its error says what the user can do.
+/// Returns the result of find. Adds to its error what the user can do.
 template <class Find>
 fs::path withRemedy(Find find) {
     try {
@@ -88,7 +88,7 @@ fs::path volatileDirectory() {
     try {
         return ownDirectory("/dev/shm/nerix-" + std::to_string(::geteuid()));
     } catch (const std::system_error& refusal) {
-        // Another user may have created it first; that must not stop this one.
+        // Another user may have created the directory first, which must not stop this user.
         fs::path durable = durableDirectory();
         __dlog_print(DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "nerix.host",
                      "volatile settings are kept in %s: %s", durable.c_str(), refusal.what());

@@ -27,7 +27,7 @@ std::unique_ptr<SettingsStore> makeSettings(bool isInMemory) {
         std::make_unique<DirectoryBackend>("settings-volatile", &volatileDirectory, false));
 }
 
-/// Empty if no file overrides the built-in answers.
+/// Returns the path of platform.ini, which need not exist, or an empty path if it must not be read.
 std::filesystem::path configurationFile(bool isInMemory) {
     try {
         return isInMemory ? std::filesystem::path() : durableDirectory() / "platform.ini";
@@ -45,7 +45,7 @@ HostState::HostState(bool isInMemory) : m_isInMemory(isInMemory) {}
 HostState::~HostState() = default;
 
 HostState& HostState::make(bool isInMemory) {
-    static Common::NoDestructor<HostState> state(isInMemory); // the first call decides
+    static Common::NoDestructor<HostState> state(isInMemory); // isInMemory counts only in the first call
     return *state;
 }
 

@@ -14,17 +14,17 @@ class HostConfiguration;
 class SettingsStore;
 class SystemLog;
 
-/// Everything that the host platform keeps for this process: settings, system log and configuration. Each
-/// part is made at its first use, and none is ever destroyed, because threads and static objects may use them
-/// while the process ends. Any thread may call.
+/// Holds the state of the host platform in this process: settings, system log and configuration. Each part is
+/// created on first use and never destroyed, because threads and static objects may use it while the process
+/// ends. Thread-safe.
 class HostState {
 public:
     /// Returns the state of the process, on disk unless keepInMemory() was called before.
     static HostState& instance();
 
-    /// Gives the process a state that leaves no trace on the machine: settings end with it, log records are
-    /// dropped, and no platform.ini is read. For a process that examines the tree in which the state is kept.
-    /// Has no effect once the state was used.
+    /// Makes the state leave no trace on the machine: keeps settings in memory, drops log records, and does
+    /// not read platform.ini. For a process that scans the tree that contains the state on disk. Has no
+    /// effect after the state has been used.
     static void keepInMemory();
 
     SettingsStore& settings();

@@ -6,7 +6,7 @@
 
 namespace Nerix::Platform::Host {
 
-/// Settings kept in memory for the life of the process; see HostState.h.
+/// Keeps settings in memory for the life of the process; see HostState.h.
 class MemoryBackend final : public SettingsBackend {
 public:
     std::optional<std::string> get(std::string_view key) override {

@@ -26,7 +26,7 @@ struct stat examined(const fs::path& path) {
     return status;
 }
 
-/// Returns the status of the path, after creating a directory there if nothing exists.
+/// Creates a directory at path if nothing is there, and returns the status of path.
 struct stat existingOrCreated(const fs::path& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) == 0) {
@@ -38,8 +38,8 @@ struct stat existingOrCreated(const fs::path& path) {
     return examined(path);
 }
 
-/// Trusts this user and root (who could do anything anyway). In a user namespace without a root mapping, the
-/// owner of /proc is treated as root.
+/// Returns true for this user and for root, who could do anything anyway. In a user namespace without a root
+/// mapping, the owner of /proc is treated as root.
 bool isTrusted(uid_t owner) {
     struct stat system {};
     return owner == ::geteuid() || owner == 0 || (::lstat("/proc", &system) == 0 && owner == system.st_uid);
@@ -61,7 +61,7 @@ void requireTrustedPathElement(const fs::path& path, const struct stat& status) 
 } // namespace
 
 fs::path ownDirectory(const fs::path& directory) {
-    constexpr int maxLinks = 40; // as many as the kernel follows
+    constexpr int maxLinks = 40; // the kernel's limit
     int links = 0;
     fs::path here = "/";
     const fs::path whole = fs::absolute(directory);

@@ -21,11 +21,11 @@ struct Identity {
     bool isKnown() const { return !boot.empty() && !nameSpace.empty() && !start.empty(); }
 };
 
-/// The time of start; empty if the process is gone or a zombie.
+/// Returns the start time of a process, or an empty string if the process is gone or a zombie.
 std::string startOf(const std::string& process) {
     std::ifstream file("/proc/" + process + "/stat");
     const std::string content(std::istreambuf_iterator<char>(file), {});
-    // The preceding process name may itself contain blanks, parentheses and line feeds.
+    // The process name before it may contain spaces, parentheses and line feeds.
     std::istringstream fields(content.substr(content.rfind(')') + 1));
     constexpr int startField = 20; // the state is the first after the name
     std::string field;

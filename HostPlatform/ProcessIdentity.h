@@ -2,15 +2,15 @@
 
 #include <string>
 
-/// Names the process that wrote something, so that a reader can tell whether it still runs.
+/// Identifies the process that wrote something, so that a reader can check whether it still runs.
 namespace Nerix::Platform::Host::ProcessIdentity {
 
-/// This process: the machine's boot, the process-id name space, the id and its start time, in one line; empty
-/// if /proc is not readable.
+/// Returns the identity of this process in one line: boot id, process-id namespace, process id and start
+/// time. Returns an empty string if /proc is not readable.
 std::string own();
 
-/// Returns true if that process has certainly ended. False also for one that cannot be seen from here, such
-/// as another container's.
+/// Returns true if the process has certainly ended. Returns false if this is unknown, for example if it is in
+/// another container.
 bool isGone(const std::string& identity);
 
 } // namespace Nerix::Platform::Host::ProcessIdentity

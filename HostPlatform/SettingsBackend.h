@@ -8,14 +8,13 @@
 
 namespace Nerix::Platform::Host {
 
-/// what() names the operation, the file and the reason.
+/// Reports that the store failed; what() names the operation, the file and the reason.
 class SettingsFailure : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Storage for settings: byte strings under keys. One thread at a time may use a backend. All functions throw
-/// SettingsFailure.
+/// Stores settings: byte strings under keys. Only one thread at a time may use it. Throws SettingsFailure.
 class SettingsBackend {
 public:
     using Visit = std::function<void(std::string_view key, std::string_view bytes)>;
@@ -30,8 +29,8 @@ public:
 
     virtual void put(std::string_view key, std::string_view bytes) = 0;
 
-    /// Visits everything in key order. The views are valid during the visit. One that cannot be read does not
-    /// keep the others from being visited; the first such failure is thrown at the end.
+    /// Calls visit for each setting, in key order, with views that are valid during the call. Skips settings
+    /// that cannot be read, and throws the first such failure at the end.
     virtual void each(const Visit& visit) = 0;
 };
 

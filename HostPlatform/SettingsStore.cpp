@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::string_view volatilePrefix = "memory/";
 
-/// What is stored: the type's letter, the writer's identity, a zero byte, the value's bytes.
+/// Returns the record to store: type letter, identity of the writer, zero byte, bytes of the value.
 std::string packed(SettingType type, std::string_view bytes) {
     static Common::NoDestructor<const std::string> writer(ProcessIdentity::own());
     std::string record;
@@ -23,7 +23,7 @@ std::string packed(SettingType type, std::string_view bytes) {
     return record;
 }
 
-/// Returns nothing for a record that packed did not make.
+/// Splits a record. Returns nullopt if it begins with a zero byte or contains none.
 std::optional<Setting> unpacked(std::string_view key, std::string_view stored) {
     const std::size_t end = stored.find('\0');
     if (end == std::string_view::npos || end == 0) {

@@ -11,49 +11,50 @@
 
 namespace Nerix::Platform::Host {
 
-/// The type of a setting's value; the letter stands at the beginning of what is stored.
+/// The type of a setting's value. A stored record begins with the letter.
 enum class SettingType : char { Integer = 'i', Double = 'd', Text = 's', Boolean = 'b' };
 
 struct Setting {
     std::string key;
     SettingType type;
     std::string bytes;  ///< the int or double as in memory, or the characters of the text
-    std::string writer; ///< the process that wrote it, see ProcessIdentity.h
+    std::string writer; ///< the process that wrote the setting; see ProcessIdentity.h
 };
 
 struct SettingsListing {
-    std::vector<Setting> settings;          ///< all that could be read, in the byte order of their keys
-    std::optional<SettingsFailure> failure; ///< the first one, if some could not
+    std::vector<Setting> settings;          ///< all readable ones, in byte order of their keys
+    std::optional<SettingsFailure> failure; ///< the first one, if any could not be read
 };
 
-/// The host's settings store: typed values under text keys, shared by all processes of the user.
+/// Stores the host's settings: typed values under text keys, shared by all processes of the user.
 ///
-/// Keys under "memory/" are kept in files that are never synced to disk, all others in durable ones, see
-/// DirectoryBackend.h. A process killed at any instant leaves all readable and writable, with either the old
-/// or the new value of the key that it was writing. Each value carries the identity of the process that wrote
-/// it. Processes with a different word size or byte order use separate files. No call waits for another
-/// process, except briefly for the lock on the log directory. A failed call changes nothing. A key that is
-/// empty, or too long for the name of a file, fails. A failure is thrown as SettingsFailure, and logged before. Any thread may call.
+/// Settings under "memory/" are in files that are never synced to disk, all others in durable files; see
+/// DirectoryBackend.h. If a process is killed, all settings stay readable and writable, and the one that it
+/// was writing has the old or the new value. Each value carries the identity of the process that wrote it.
+/// Processes with a different word size or byte order use separate files. Calls do not wait for other
+/// processes, except briefly for the lock on the log directory. A failed call changes nothing. A key must not
+/// be empty or too long for a file name. Failures are logged, then thrown as SettingsFailure. Thread-safe.
 class SettingsStore {
 public:
-    /// forMemoryKeys: for the settings whose keys begin with "memory/"; durable: for all others.
+    /// Uses forMemoryKeys for settings whose keys begin with "memory/", and durable for all others.
     SettingsStore(std::unique_ptr<SettingsBackend> durable, std::unique_ptr<SettingsBackend> forMemoryKeys);
     ~SettingsStore();
 
-    /// Returns the setting of this key, whatever its type, or nothing if there is none.
+    /// Returns the setting of the key, of any type, or nullopt if there is none.
     std::optional<Setting> find(std::string_view key);
 
-    /// Replaces the setting, of whatever type, after flushing the system log: whoever sees the setting also
-    /// finds the records that were logged before it.
+    /// Replaces the setting, of any type. Flushes the system log first, so that a reader of the setting also
+    /// finds the records logged before it.
     void write(std::string_view key, SettingType type, std::string_view bytes);
 
-    /// Returns all settings. Throws no SettingsFailure: one damaged setting must not hide the others.
+    /// Returns all settings. Does not throw SettingsFailure, because a damaged setting must not hide the
+    /// others.
     SettingsListing list();
 
 private:
     SettingsBackend& backendOf(std::string_view key);
 
-    std::mutex m_mutex; ///< guards the rest
+    std::mutex m_mutex; ///< guards the backends
     std::unique_ptr<SettingsBackend> m_durable;
     std::unique_ptr<SettingsBackend> m_volatile;
 };

@@ -1,6 +1,6 @@
-// Each buffer, main and system, has a logger of spdlog; NERIX_HOST_LOG selects the sink. A file is written in batches
-// (BatchingSink), so records wait in memory until a warning is logged, a second has passed (flushEachSecond), or the
-// process ends (end).
+// Each buffer, main and system, has a logger of spdlog; NERIX_HOST_LOG selects its sink. A file is written in
+// batches (BatchingSink): records stay in memory until the batch is full, a warning is logged, a second has
+// passed (flushEachSecond), or the process ends (end).
 
 #include "HostPlatform/SystemLog.h"
 
@@ -35,7 +35,7 @@ void tellOnce(const std::string& failure) {
     }
 }
 
-/// Set by the error handler, which spdlog calls on the thread that writes.
+/// The result of the last write. The error handler sets it, which spdlog calls on the writing thread.
 thread_local bool writingFailed = false;
 
 enum class Kind { file, syslog, standardError, nowhere };
@@ -87,7 +87,7 @@ std::shared_ptr<spdlog::logger> makeLogger(Kind kind, const std::string& bufferN
     }
 }
 
-/// For sinks that use levels; our own line format already contains the priority.
+/// Returns the level for sinks that use it; the lines themselves contain the priority.
 spdlog::level::level_enum levelOf(int priority) {
     switch (priority) {
     case DLOG_PRIORITY_VERBOSE:
@@ -119,7 +119,7 @@ SystemLog::SystemLog(bool isInMemory) {
     m_main = makeLogger(kind, "main");
     m_system = makeLogger(kind, "system");
     if (kind != Kind::file) {
-        return; // other sinks do not batch
+        return; // other sinks do not need flushing
     }
     try {
         m_flusher = std::thread([this] { flushEachSecond(); });
@@ -155,7 +155,7 @@ void SystemLog::end() {
     if (m_flusher.joinable()) {
         m_flusher.join();
     }
-    writeThrough(); // for records logged even later
+    writeThrough(); // for records logged after this
     flush();
 }
 

@@ -16,8 +16,7 @@ std::string formatted(const char* format, std::va_list arguments) {
     std::va_list again;
     va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, arguments);
-    std::string text =
-        format; // if formatting fails, log the format itself, so that the record can be identified
+    std::string text = format; // logged if formatting fails, to identify the record
     if (length >= 0) {
         text.resize(static_cast<std::size_t>(length));
         std::vsnprintf(text.data(), text.size() + 1, format, again);

@@ -14,7 +14,7 @@ using Nerix::Platform::Host::HostState;
 using Nerix::Platform::Host::withoutExceptions;
 
 const char* path_config_get(int variable) {
-    // Never destroyed, because callers keep the pointers.
+    // Never destroyed, because callers may keep the pointers.
     static NoDestructor<std::map<int, std::string>> answers;
     static std::mutex mutex;
     const char* directory = nullptr;

@@ -19,7 +19,7 @@ using Nerix::Platform::Host::withoutExceptions;
 
 namespace {
 
-/// Runs an operation on the store and returns its code, or EIO if the store failed, which it has logged.
+/// Runs an operation on the store. Returns its result code, or EIO if the store failed and logged that.
 template <class Operation>
 int onStore(Operation operation) {
     return withoutExceptions([&] {
@@ -31,7 +31,7 @@ int onStore(Operation operation) {
     });
 }
 
-/// Reads a setting of that type and passes its bytes to take.
+/// Reads a setting of the type and passes its bytes to take, which returns false if they are invalid.
 template <class Take>
 int read(const char* key, SettingType type, Take take) {
     return onStore([&](auto& store) {
