@@ -41,14 +41,15 @@ public:
         : m_directory(
               ::open(std::filesystem::path(file).parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
         const std::timespec pause{0, 1'000'000};
-        for (int attempts = 100; attempts != 0 && isHeldByOthers(); --attempts) {
+        for (int attempts = 100; attempts != 0 && !tryToLock(); --attempts) {
             ::nanosleep(&pause, nullptr);
         }
     }
 
 private:
-    bool isHeldByOthers() const {
-        return ::flock(m_directory.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    /// Returns false only if another process holds the lock; after any other failure, waiting is useless.
+    bool tryToLock() const {
+        return ::flock(m_directory.number(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
     }
 
     const Common::Descriptor m_directory; ///< the destructor closes and so unlocks it
