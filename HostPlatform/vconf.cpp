@@ -39,7 +39,10 @@ int read(const char* key, SettingType type, Take take) {
         if (!setting) {
             return ENOENT;
         }
-        return setting->type == type && take(setting->bytes) ? 0 : EINVAL;
+        if (setting->type != type) {
+            return EINVAL;
+        }
+        return take(setting->bytes) ? 0 : EINVAL;
     });
 }
 
