@@ -21,7 +21,7 @@ const struct {
     const char* section;
     int key;
     const char* name; ///< in platform.ini and messages
-    const char* text;
+    const char* value;
 } builtIn[] = {
     {"system_info", 8, "software_date", "2026-01-01"},
     {"system_info", 128, "tv_software", "T-HOSTH-1000.0"}, // model-major.minor
@@ -40,9 +40,9 @@ const struct {
 
 /// Returns "[path] usb_drives (43)", or "[path] 43" if the key does not have a name.
 std::string shown(const std::string& section, int key) {
-    for (const auto& answer : builtIn) {
-        if (answer.section == section && answer.key == key) {
-            return "[" + section + "] " + answer.name + " (" + std::to_string(key) + ")";
+    for (const auto& entry : builtIn) {
+        if (entry.section == section && entry.key == key) {
+            return "[" + section + "] " + entry.name + " (" + std::to_string(key) + ")";
         }
     }
     return "[" + section + "] " + std::to_string(key);
@@ -57,9 +57,9 @@ std::optional<int> numberIn(const std::string& text) {
 
 /// Returns the number of a key that is given by number or by name.
 std::optional<int> numberOf(const std::string& section, const std::string& key) {
-    for (const auto& answer : builtIn) {
-        if (answer.section == section && answer.name == key) {
-            return answer.key;
+    for (const auto& entry : builtIn) {
+        if (entry.section == section && entry.name == key) {
+            return entry.key;
         }
     }
     return numberIn(key);
@@ -67,9 +67,9 @@ std::optional<int> numberOf(const std::string& section, const std::string& key) 
 
 std::string namesIn(const std::string& section) {
     std::string names;
-    for (const auto& answer : builtIn) {
-        if (answer.section == section) {
-            names += std::string(" ") + answer.name;
+    for (const auto& entry : builtIn) {
+        if (entry.section == section) {
+            names += std::string(" ") + entry.name;
         }
     }
     return names;
@@ -90,8 +90,8 @@ bool readInto(std::stringstream& content, const std::filesystem::path& file) {
 } // namespace
 
 HostConfiguration::HostConfiguration(std::filesystem::path file) : m_file(std::move(file)) {
-    for (const auto& answer : builtIn) {
-        m_answers[{answer.section, answer.key}] = {answer.text, false};
+    for (const auto& entry : builtIn) {
+        m_values[{entry.section, entry.key}] = {entry.value, false};
     }
     read();
     if (!m_fault.empty()) {
@@ -145,16 +145,16 @@ void HostConfiguration::override(const std::string& section, const std::string& 
                   namesIn(section);
         return;
     }
-    Value& answer = m_answers[{section, *number}];
-    if (answer.isOverridden) {
+    Value& current = m_values[{section, *number}];
+    if (current.isOverridden) {
         m_fault = m_file.string() + ": " + shown(section, *number) + " appears twice";
     }
-    answer = {text, true};
+    current = {text, true};
 }
 
 std::optional<HostConfiguration::Value> HostConfiguration::find(const std::string& section, int key) const {
-    const auto known = m_answers.find({section, key});
-    if (m_fault.empty() && known != m_answers.end()) {
+    const auto known = m_values.find({section, key});
+    if (m_fault.empty() && known != m_values.end()) {
         return known->second;
     }
     logFailure("no value for " + shown(section, key) + ": " +
@@ -162,40 +162,40 @@ std::optional<HostConfiguration::Value> HostConfiguration::find(const std::strin
     return std::nullopt;
 }
 
-void HostConfiguration::logBadValue(const std::string& section, int key, const Value& answer,
+void HostConfiguration::logBadValue(const std::string& section, int key, const Value& value,
                                     const char* wanted) const {
-    logFailure((answer.isOverridden ? m_file.string() : "built-in answer") + ": " + shown(section, key) +
-               " is '" + answer.text + "', not " + wanted);
+    logFailure((value.isOverridden ? m_file.string() : "built-in value") + ": " + shown(section, key) +
+               " is '" + value.text + "', not " + wanted);
 }
 
 std::optional<std::string> HostConfiguration::text(const std::string& section, int key) const {
-    const std::optional<Value> answer = find(section, key);
-    if (answer && answer->text.empty()) {
-        logBadValue(section, key, *answer, "a text");
+    const std::optional<Value> value = find(section, key);
+    if (value && value->text.empty()) {
+        logBadValue(section, key, *value, "a text");
         return std::nullopt;
     }
-    return answer ? std::optional<std::string>(answer->text) : std::nullopt;
+    return value ? std::optional<std::string>(value->text) : std::nullopt;
 }
 
 std::optional<int> HostConfiguration::integer(const std::string& section, int key) const {
-    const std::optional<Value> answer = find(section, key);
-    if (!answer) {
+    const std::optional<Value> value = find(section, key);
+    if (!value) {
         return std::nullopt;
     }
-    const std::optional<int> number = numberIn(answer->text);
+    const std::optional<int> number = numberIn(value->text);
     if (!number) {
-        logBadValue(section, key, *answer, "an integer");
+        logBadValue(section, key, *value, "an integer");
     }
     return number;
 }
 
 std::optional<bool> HostConfiguration::boolean(const std::string& section, int key) const {
-    const std::optional<Value> answer = find(section, key);
-    if (answer && answer->text != "true" && answer->text != "false") {
-        logBadValue(section, key, *answer, "true or false");
+    const std::optional<Value> value = find(section, key);
+    if (value && value->text != "true" && value->text != "false") {
+        logBadValue(section, key, *value, "true or false");
         return std::nullopt;
     }
-    return answer ? std::optional<bool>(answer->text == "true") : std::nullopt;
+    return value ? std::optional<bool>(value->text == "true") : std::nullopt;
 }
 
 } // namespace Nerix::Platform::Host

@@ -41,11 +41,11 @@ private:
     void read();
     void override(const std::string& section, const std::string& key, const std::string& text);
     std::optional<Value> find(const std::string& section, int key) const;
-    void logBadValue(const std::string& section, int key, const Value& answer, const char* wanted) const;
+    void logBadValue(const std::string& section, int key, const Value& value, const char* wanted) const;
 
     std::filesystem::path m_file;
     std::string m_fault; ///< why the file is unusable; empty if it is usable
-    std::map<Key, Value> m_answers;
+    std::map<Key, Value> m_values;
 };
 
 } // namespace Nerix::Platform::Host

@@ -15,13 +15,13 @@ using Nerix::Platform::Host::withoutExceptions;
 
 const char* path_config_get(int variable) {
     // Never destroyed, because callers may keep the pointers.
-    static NoDestructor<std::map<int, std::string>> answers;
+    static NoDestructor<std::map<int, std::string>> directories;
     static std::mutex mutex;
     const char* directory = nullptr;
     withoutExceptions([&] {
         const std::lock_guard<std::mutex> lock(mutex);
         if (const auto text = HostState::instance().configuration().text("path", variable)) {
-            directory = answers->emplace(variable, *text).first->second.c_str();
+            directory = directories->emplace(variable, *text).first->second.c_str();
         }
         return 0;
     });

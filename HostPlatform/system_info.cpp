@@ -17,21 +17,22 @@ namespace {
 
 const std::string section = "system_info";
 
-template <class Question, class Value>
-int lookUp(Question question, Value* value) {
+/// Stores the value that find returns in *value; copies a string with malloc. Returns 0 or an errno value.
+template <class Find, class Value>
+int lookUp(Find find, Value* value) {
     return withoutExceptions([&] {
-        const auto answer = question(HostState::instance().configuration());
-        if (!answer) {
+        const auto found = find(HostState::instance().configuration());
+        if (!found) {
             return EINVAL;
         }
         if constexpr (std::is_same_v<Value, char*>) {
-            char* const copy = ::strdup(answer->c_str());
+            char* const copy = ::strdup(found->c_str());
             if (copy == nullptr) {
                 return ENOMEM;
             }
             *value = copy;
         } else {
-            *value = *answer;
+            *value = *found;
         }
         return 0;
     });
