@@ -34,7 +34,7 @@ namespace fs = std::filesystem;
 using Common::Descriptor;
 
 constexpr unsigned int checksumLength = 8;
-constexpr std::size_t longestFile = std::size_t{1} << 20U;
+constexpr std::size_t maxFileSize = std::size_t{1} << 20U;
 
 [[noreturn]] void fail(int error) {
     throw std::system_error(error, std::generic_category());
@@ -51,7 +51,7 @@ std::string layout() {
     return order + std::to_string(sizeof(void*) * CHAR_BIT);
 }
 
-bool standsForItself(char byte) {
+bool isUnescaped(char byte) {
     return (byte >= 'a' && byte <= 'z') || (byte >= 'A' && byte <= 'Z') || (byte >= '0' && byte <= '9') ||
            byte == '.' || byte == '_' || byte == '-';
 }
@@ -62,7 +62,7 @@ std::string fileNameOf(std::string_view key) {
         const bool isHidden = name.empty() && byte == '.';
         if (byte == '/') {
             name += '+';
-        } else if (standsForItself(byte) && !isHidden) {
+        } else if (isUnescaped(byte) && !isHidden) {
             name += byte;
         } else {
             name += '%' + Common::hexadecimal(static_cast<unsigned char>(byte), 2);
@@ -113,7 +113,7 @@ std::optional<std::string> contentOf(const fs::path& path) {
     if (::fstat(file.number(), &status) != 0) {
         fail(errno);
     }
-    if (!S_ISREG(status.st_mode) || static_cast<std::uintmax_t>(status.st_size) > longestFile) {
+    if (!S_ISREG(status.st_mode) || static_cast<std::uintmax_t>(status.st_size) > maxFileSize) {
         failAsDamaged();
     }
     // One byte more, so that the last read can return 0.
@@ -139,7 +139,7 @@ std::optional<std::string> checkedContentOf(const fs::path& path) {
     if (!content) {
         return std::nullopt;
     }
-    if (content->size() < checksumLength || content->size() > longestFile ||
+    if (content->size() < checksumLength || content->size() > maxFileSize ||
         content->substr(0, checksumLength) != checksumOf(std::string_view(*content).substr(checksumLength))) {
         failAsDamaged();
     }
@@ -178,30 +178,30 @@ std::string temporaryName() {
 } // namespace
 
 DirectoryBackend::DirectoryBackend(const std::string& name, fs::path (*parent)(), bool isSynced)
-    : m_name(name + "-" + layout()), m_parent(parent), m_isSynced(isSynced), m_place(m_name) {}
+    : m_name(name + "-" + layout()), m_parent(parent), m_isSynced(isSynced), m_location(m_name) {}
 
 fs::path DirectoryBackend::directory() {
     struct stat status {};
-    const bool isTheSame = !m_examined.empty() && ::lstat(m_examined.c_str(), &status) == 0 &&
-                           status.st_dev == m_device && status.st_ino == m_inode;
-    if (!isTheSame) {
-        m_examined = ownDirectory(m_parent() / m_name);
-        if (::lstat(m_examined.c_str(), &status) != 0) {
+    const bool isUnchanged = !m_directory.empty() && ::lstat(m_directory.c_str(), &status) == 0 &&
+                             status.st_dev == m_device && status.st_ino == m_inode;
+    if (!isUnchanged) {
+        m_directory = ownDirectory(m_parent() / m_name);
+        if (::lstat(m_directory.c_str(), &status) != 0) {
             fail(errno);
         }
         m_device = status.st_dev;
         m_inode = status.st_ino;
     }
-    return m_examined;
+    return m_directory;
 }
 
 template <class Step>
 auto DirectoryBackend::attempt(const std::string& what, Step step) {
-    m_place = m_name;
+    m_location = m_name;
     try {
         return step();
     } catch (const std::system_error& failure) {
-        std::string text = "settings store " + m_place + ": cannot " + what + ": ";
+        std::string text = "settings store " + m_location + ": cannot " + what + ": ";
         text += failure.code().value() == EBADMSG ? "it is damaged; delete this file" : failure.what();
         logError(text);
         throw SettingsFailure(text);
@@ -211,7 +211,7 @@ auto DirectoryBackend::attempt(const std::string& what, Step step) {
 std::optional<std::string> DirectoryBackend::get(std::string_view key) {
     return attempt("read '" + std::string(key) + "'", [&] {
         const fs::path file = directory() / fileNameOf(key);
-        m_place = file.string();
+        m_location = file.string();
         return checkedContentOf(file);
     });
 }
@@ -219,28 +219,28 @@ std::optional<std::string> DirectoryBackend::get(std::string_view key) {
 void DirectoryBackend::put(std::string_view key, std::string_view bytes) {
     attempt("write '" + std::string(key) + "'", [&] {
         const fs::path file = directory() / fileNameOf(key);
-        m_place = file.string();
-        if (checksumLength + bytes.size() > longestFile) {
+        m_location = file.string();
+        if (checksumLength + bytes.size() > maxFileSize) {
             fail(EFBIG);
         }
-        const Descriptor place(m_isSynced ? ::open(m_examined.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)
-                                          : -1);
-        if (m_isSynced && !place.isOpen()) {
+        const Descriptor directoryToSync(
+            m_isSynced ? ::open(m_directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1);
+        if (m_isSynced && !directoryToSync.isOpen()) {
             fail(errno);
         }
-        const fs::path complete = m_examined / temporaryName();
+        const fs::path temporary = m_directory / temporaryName();
         try {
-            writeFile(complete, checksumOf(bytes).append(bytes), m_isSynced);
-            if (::rename(complete.c_str(), file.c_str()) != 0) {
+            writeFile(temporary, checksumOf(bytes).append(bytes), m_isSynced);
+            if (::rename(temporary.c_str(), file.c_str()) != 0) {
                 fail(errno);
             }
         } catch (const std::system_error&) {
-            ::unlink(complete.c_str());
+            ::unlink(temporary.c_str());
             throw;
         }
         // Does not fail, because readers already see the new value.
-        if (m_isSynced && ::fsync(place.number()) != 0) {
-            logError("settings store " + m_place +
+        if (m_isSynced && ::fsync(directoryToSync.number()) != 0) {
+            logError("settings store " + m_location +
                      ": may not survive a power failure: " + Common::messageOf(errno));
         }
     });
@@ -251,15 +251,15 @@ void DirectoryBackend::each(const Visit& visit) {
     for (const std::string& key : keys()) {
         try {
             attempt("list its settings", [&] {
-                const fs::path file = m_examined / fileNameOf(key);
-                m_place = file.string();
+                const fs::path file = m_directory / fileNameOf(key);
+                m_location = file.string();
                 if (const std::optional<std::string> bytes = checkedContentOf(file)) {
                     visit(key, *bytes);
                 }
             });
-        } catch (const SettingsFailure& one) {
+        } catch (const SettingsFailure& caught) {
             if (!failure) {
-                failure = one;
+                failure = caught;
             }
         }
     }
@@ -270,10 +270,10 @@ void DirectoryBackend::each(const Visit& visit) {
 
 std::vector<std::string> DirectoryBackend::keys() {
     return attempt("list its settings", [&] {
-        const fs::path place = directory();
-        m_place = place.string();
+        const fs::path listed = directory();
+        m_location = listed.string();
         std::vector<std::string> keys;
-        for (const fs::directory_entry& entry : fs::directory_iterator(place)) {
+        for (const fs::directory_entry& entry : fs::directory_iterator(listed)) {
             if (std::optional<std::string> key = keyOf(entry.path().filename().string())) {
                 keys.push_back(std::move(*key));
             }

@@ -46,9 +46,9 @@ private:
     const std::string m_name;
     std::filesystem::path (*const m_parent)();
     const bool m_isSynced;
-    std::string m_place;              ///< name of the store in messages: the last path used
-    std::filesystem::path m_examined; ///< the directory last found safe; empty at first
-    dev_t m_device = 0;               ///< its device and inode
+    std::string m_location;            ///< name of the store in messages: the last path used
+    std::filesystem::path m_directory; ///< the directory last found safe; empty at first
+    dev_t m_device = 0;                ///< its device and inode
     ino_t m_inode = 0;
 };
 
