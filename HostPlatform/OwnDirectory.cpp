@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
     throw std::system_error(error, std::generic_category(), reason);
 }
 
-struct stat examined(const fs::path& path) {
+struct stat statusOf(const fs::path& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) != 0) {
         throwSystemError(errno, "cannot examine " + path.string());
@@ -27,7 +27,7 @@ struct stat examined(const fs::path& path) {
 }
 
 /// Creates a directory at path if nothing is there, and returns the status of path.
-struct stat existingOrCreated(const fs::path& path) {
+struct stat createIfMissing(const fs::path& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) == 0) {
         return status;
@@ -35,14 +35,14 @@ struct stat existingOrCreated(const fs::path& path) {
     if (errno == ENOENT && ::mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) {
         throwSystemError(errno, "cannot create directory " + path.string());
     }
-    return examined(path);
+    return statusOf(path);
 }
 
 /// Returns true for this user and for root, who could do anything anyway. In a user namespace without a root
 /// mapping, the owner of /proc is treated as root.
 bool isTrusted(uid_t owner) {
-    struct stat system {};
-    return owner == ::geteuid() || owner == 0 || (::lstat("/proc", &system) == 0 && owner == system.st_uid);
+    struct stat proc {};
+    return owner == ::geteuid() || owner == 0 || (::lstat("/proc", &proc) == 0 && owner == proc.st_uid);
 }
 
 void requireTrustedPathElement(const fs::path& path, const struct stat& status) {
@@ -63,32 +63,33 @@ void requireTrustedPathElement(const fs::path& path, const struct stat& status) 
 fs::path ownDirectory(const fs::path& directory) {
     constexpr int maxLinks = 40; // the kernel's limit
     int links = 0;
-    fs::path here = "/";
-    const fs::path whole = fs::absolute(directory);
-    std::list<fs::path> left(whole.begin(), whole.end());
-    while (!left.empty()) {
-        const fs::path element = left.front();
-        left.pop_front();
+    fs::path resolved = "/";
+    const fs::path absolute = fs::absolute(directory);
+    std::list<fs::path> remaining(absolute.begin(), absolute.end());
+    while (!remaining.empty()) {
+        const fs::path element = remaining.front();
+        remaining.pop_front();
         if (element.empty() || element == ".") {
             continue;
         }
-        const fs::path next = element == ".." ? here.parent_path() : here / element;
-        const struct stat status = existingOrCreated(next);
+        const fs::path next = element == ".." ? resolved.parent_path() : resolved / element;
+        const struct stat status = createIfMissing(next);
         requireTrustedPathElement(next, status);
         if (!S_ISLNK(status.st_mode)) {
-            here = next;
+            resolved = next;
         } else if (++links > maxLinks) {
-            throwSystemError(ELOOP, "cannot use directory " + whole.string());
+            throwSystemError(ELOOP, "cannot use directory " + absolute.string());
         } else {
             const fs::path target = fs::read_symlink(next);
-            left.insert(left.begin(), target.begin(), target.end());
+            remaining.insert(remaining.begin(), target.begin(), target.end());
         }
     }
-    const struct stat status = examined(here);
+    const struct stat status = statusOf(resolved);
     if (status.st_uid != ::geteuid() || (status.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
-        throwSystemError(EPERM, here.string() + " must belong to this user and be writable by nobody else");
+        throwSystemError(EPERM,
+                         resolved.string() + " must belong to this user and be writable by nobody else");
     }
-    return here;
+    return resolved;
 }
 
 } // namespace Nerix::Platform::Host
