@@ -28,15 +28,15 @@ namespace Nerix::Platform::Host {
 
 namespace {
 
-void tellOnce(const std::string& failure) {
-    static std::atomic<bool> told{false};
-    if (!told.exchange(true)) {
+void reportOnce(const std::string& failure) {
+    static std::atomic<bool> isReported{false};
+    if (!isReported.exchange(true)) {
         std::fprintf(stderr, "nerix host log: records are lost: %s\n", failure.c_str());
     }
 }
 
 /// The result of the last write. The error handler sets it, which spdlog calls on the writing thread.
-thread_local bool writingFailed = false;
+thread_local bool lastWriteFailed = false;
 
 enum class Kind { file, syslog, standardError, nowhere };
 
@@ -77,12 +77,12 @@ std::shared_ptr<spdlog::logger> makeLogger(Kind kind, const std::string& bufferN
         logger->set_pattern("%Y-%m-%dT%H:%M:%S.%e%z %v");
         logger->set_level(spdlog::level::trace);
         logger->set_error_handler([](const std::string& failure) {
-            writingFailed = true;
-            tellOnce(failure);
+            lastWriteFailed = true;
+            reportOnce(failure);
         });
         return logger;
     } catch (const std::exception& failure) {
-        tellOnce(failure.what());
+        reportOnce(failure.what());
         return nullptr;
     }
 }
@@ -141,7 +141,7 @@ void SystemLog::flushEachSecond() {
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, nullptr);
     std::unique_lock<std::mutex> lock(m_mutex);
-    while (!m_wakes.wait_for(lock, std::chrono::seconds(1), [this] { return m_isEnding; })) {
+    while (!m_wakeUp.wait_for(lock, std::chrono::seconds(1), [this] { return m_isEnding; })) {
         flush();
     }
 }
@@ -150,7 +150,7 @@ void SystemLog::end() {
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_isEnding = true;
-        m_wakes.notify_one();
+        m_wakeUp.notify_one();
     }
     if (m_flusher.joinable()) {
         m_flusher.join();
@@ -171,12 +171,12 @@ bool SystemLog::write(int buffer, int priority, const char* tag, const std::stri
     line += tag;
     line += ' ';
     line += Common::escaped(text);
-    writingFailed = false;
+    lastWriteFailed = false;
     logger->log(levelOf(priority), spdlog::string_view_t(line));
     if (priority >= DLOG_PRIORITY_WARNING) {
         flush();
     }
-    return !writingFailed;
+    return !lastWriteFailed;
 }
 
 void SystemLog::flush() {

@@ -50,7 +50,7 @@ private:
     std::thread m_flusher; ///< runs until end()
     std::mutex m_mutex;    ///< guards m_isEnding
     bool m_isEnding = false;
-    std::condition_variable m_wakes;
+    std::condition_variable m_wakeUp;
 };
 
 } // namespace Nerix::Platform::Host
