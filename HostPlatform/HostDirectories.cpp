@@ -87,11 +87,11 @@ fs::path volatileDirectory() {
     }
     try {
         return ownDirectory("/dev/shm/nerix-" + std::to_string(::geteuid()));
-    } catch (const std::system_error& refusal) {
+    } catch (const std::system_error& failure) {
         // Another user may have created the directory first, which must not stop this user.
         fs::path durable = durableDirectory();
         __dlog_print(DLOG_BUFFER_MAIN, DLOG_PRIORITY_WARNING, "nerix.host",
-                     "volatile settings are kept in %s: %s", durable.c_str(), refusal.what());
+                     "volatile settings are kept in %s: %s", durable.c_str(), failure.what());
         return durable;
     }
 }

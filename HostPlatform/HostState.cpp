@@ -31,9 +31,9 @@ std::unique_ptr<SettingsStore> makeSettings(bool isInMemory) {
 std::filesystem::path configurationFile(bool isInMemory) {
     try {
         return isInMemory ? std::filesystem::path() : durableDirectory() / "platform.ini";
-    } catch (const std::system_error& noHome) {
+    } catch (const std::system_error& failure) {
         __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "platform.ini is not read: %s",
-                     noHome.what());
+                     failure.what());
         return {};
     }
 }

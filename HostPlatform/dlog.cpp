@@ -13,15 +13,15 @@ namespace {
 std::string formatted(const char* format, std::va_list arguments) __attribute__((format(printf, 1, 0)));
 
 std::string formatted(const char* format, std::va_list arguments) {
-    std::va_list again;
-    va_copy(again, arguments);
+    std::va_list copy;
+    va_copy(copy, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, arguments);
     std::string text = format; // logged if formatting fails, to identify the record
     if (length >= 0) {
         text.resize(static_cast<std::size_t>(length));
-        std::vsnprintf(text.data(), text.size() + 1, format, again);
+        std::vsnprintf(text.data(), text.size() + 1, format, copy);
     }
-    va_end(again);
+    va_end(copy);
     return text;
 }
 
