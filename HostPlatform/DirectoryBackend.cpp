@@ -40,7 +40,7 @@ constexpr std::size_t maxFileSize = std::size_t{1} << 20U;
     throw std::system_error(error, std::generic_category());
 }
 
-/// Throws the error for a damaged file, an errno that file systems do not use.
+/// Throws EBADMSG, which attempt reports as a damaged file.
 [[noreturn]] void failAsDamaged() {
     fail(EBADMSG);
 }
