@@ -25,8 +25,8 @@ public:
     /// Adds the user entry on the first call. Asserts that the register contains an OpenSSLInit.
     void registerUser();
 
-    /// Returns the digest called name, or null if the library does not know it. Fetches it unless it is the
-    /// last one fetched. The pointer is valid until the next call with another name.
+    /// Returns the digest called name, or null if the library does not support it. Fetches it unless it is
+    /// the last one fetched. The pointer is valid until the next call with another name.
     const EVP_MD* digest(const std::string& name);
 
     /// Returns the spare context, or a new one if there is none, or null if memory is exhausted. Start a

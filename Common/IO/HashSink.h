@@ -19,7 +19,7 @@ namespace Nerix::Common::IO {
 class HashSink final : public ISink, public boost::noncopyable, public Utils::IDebugName {
 public:
     /// Starts the digest that the crypto library calls digestName ("md5", "sha1", ...). Throws
-    /// OpenSSLException if the library does not know the name or cannot start the digest.
+    /// OpenSSLException if the library does not support or cannot start the digest.
     explicit HashSink(const std::string& digestName);
 
     /// Passes the context to the thread's DigestSession, if there is one.

@@ -54,8 +54,8 @@ struct DigestDeleter {
 using Digest = std::unique_ptr<EVP_MD, DigestDeleter>;
 
 /// Returns the library's implementation of the digest called name ("md5", "sha1", ...), or null if the
-/// library does not know the name. EVP_DigestInit_ex then adds the reason to the error queue if that null is
-/// passed to it with a new or reset context.
+/// library does not support it. If that null is passed to EVP_DigestInit_ex with a new or reset context,
+/// EVP_DigestInit_ex adds the reason to the error queue.
 Digest fetchDigest(const std::string& name);
 
 } // namespace Nerix::Common::IO::OpenSSLCompat

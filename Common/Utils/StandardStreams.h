@@ -4,10 +4,10 @@
 
 namespace Nerix::Common::Utils {
 
-/// Opens /dev/null in place of each standard stream that the parent process closed (read-only for standard
-/// output, so that writing fails). Otherwise the first file opened would get the free descriptor, and our
-/// output would be written into that file. Also ignores SIGPIPE and SIGXFSZ, so that a write fails instead of
-/// killing the process. Call it before anything opens a file.
+/// Opens /dev/null for each standard stream that the parent process closed (read-only for standard output, so
+/// that writing fails). Otherwise the first file opened would get the free descriptor, and our output would
+/// be written into that file. Also ignores SIGPIPE and SIGXFSZ, so that a write fails instead of killing the
+/// process. Call it before anything opens a file.
 ///
 /// Returns false, after printing the reason to standard error, if that fails; the program must then exit.
 bool secureStandardStreams();
