@@ -28,7 +28,7 @@ std::string bar(const std::string& percent, std::size_t width) {
     const std::size_t room = width - 2;
     const auto filled =
         done > 0 ? static_cast<std::size_t>(std::min(done, 100.0) * static_cast<double>(room) / 100.0)
-                 : 0; // also "nan"
+                 : 0; // also for "nan"
     return "[" + std::string(filled, '#') + std::string(room - filled, ' ') + "]";
 }
 

@@ -92,8 +92,8 @@ int scan(const ScanRequest& request) {
             file.emplace(logOutside(fs::canonical(request.path), request.logFile).string());
         }
         DescriptorBuffer output(STDOUT_FILENO);
-        std::ostream logOutput(isLogOnStandardOutput ? &output
-                                                     : nullptr); // without a buffer, discards the records
+        // Without a buffer, the stream discards the records.
+        std::ostream logOutput(isLogOnStandardOutput ? &output : nullptr);
         value = verifyWithProgress(request, {file ? &file->stream() : &logOutput, request.hasDetails});
         if (isLogOnStandardOutput && !logOutput.flush()) {
             throw std::ios_base::failure("standard output",

@@ -11,7 +11,7 @@ namespace Nerix {
 std::variant<std::string, int, double, bool> valueOf(const Platform::Host::Setting& setting);
 
 /// Formats the value for display. Escapes control characters in text as the log does (\n, \x1b), and writes a
-/// number in the shortest form that gives the same number when parsed.
+/// number in the shortest form from which it can be parsed.
 std::string valueText(const Platform::Host::Setting& setting);
 
 } // namespace Nerix
