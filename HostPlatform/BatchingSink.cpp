@@ -52,7 +52,7 @@ private:
         return ::flock(m_directory.number(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
     }
 
-    const Common::Descriptor m_directory; ///< the destructor closes and so unlocks it
+    const Common::Descriptor m_directory; ///< closing it releases the lock
 };
 
 } // namespace

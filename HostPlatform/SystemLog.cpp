@@ -35,7 +35,7 @@ void reportOnce(const std::string& failure) {
     }
 }
 
-/// The result of the last write. The error handler sets it, which spdlog calls on the writing thread.
+/// True if this thread's last write failed. Set by the error handler, which spdlog calls on the same thread.
 thread_local bool lastWriteFailed = false;
 
 enum class Kind { file, syslog, standardError, nowhere };
