@@ -58,12 +58,12 @@ std::string helpText(const options::options_description& outer) {
     return text.str();
 }
 
-std::string valueOr(const options::variables_map& map, const char* name, const char* otherwise) {
-    return map.count(name) != 0 ? map[name].as<std::string>() : otherwise;
+std::string valueOr(const options::variables_map& map, const char* name, const char* defaultValue) {
+    return map.count(name) != 0 ? map[name].as<std::string>() : defaultValue;
 }
 
-void run(const Nerix::ProgramSession& session, int argc, char* argv[],
-         const options::options_description& outer) {
+void execute(const Nerix::ProgramSession& session, int argc, char* argv[],
+             const options::options_description& outer) {
     session.loadProductAndParameters();
     options::variables_map map;
     options::store(options::parse_command_line(argc, argv, outer), map);
@@ -90,7 +90,7 @@ int verify(int argc, char* argv[]) {
                                        minimumDescriptionLength);
     addMainOptions(outer);
     try {
-        run(session, argc, argv, outer);
+        execute(session, argc, argv, outer);
         return EXIT_SUCCESS;
     } catch (...) {
         reportCurrentException();
