@@ -143,13 +143,13 @@ std::string helpOf(const Command& command) {
 options::variables_map parse(const Command& command, const std::vector<std::string>& words) {
     options::options_description all;
     all.add(command.options).add_options()("help,h", switchValue(), "");
-    options::positional_options_description places;
+    options::positional_options_description positional;
     for (const Argument& argument : command.arguments) {
         all.add_options()(argument.name, options::value<std::string>());
-        places.add(argument.name, 1);
+        positional.add(argument.name, 1);
     }
     options::variables_map values;
-    options::store(options::command_line_parser(words).options(all).positional(places).run(), values);
+    options::store(options::command_line_parser(words).options(all).positional(positional).run(), values);
     const bool isHelpWanted = values.count("help") != 0;
     for (const Argument& argument : command.arguments) {
         if (argument.isRequired && !isHelpWanted && values.count(argument.name) == 0) {

@@ -50,7 +50,7 @@ public:
     }
 
     /// Prints the differences while reading the logs, and returns the exit status.
-    int run() {
+    int printDifferences() {
         while (m_before.hasRecord || m_after.hasRecord) {
             const int order = nextInOrder();
             if (order == 0) {
@@ -117,7 +117,7 @@ private:
 } // namespace
 
 int compare(const CompareRequest& request) {
-    return Comparison(request).run();
+    return Comparison(request).printDifferences();
 }
 
 } // namespace Nerix

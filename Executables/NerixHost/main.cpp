@@ -22,7 +22,7 @@ namespace {
 constexpr int errorStatus = 2;
 
 /// Performs the request and returns the exit status.
-struct Runner {
+struct RequestHandler {
     int operator()(const Nerix::TextRequest& request) const {
         std::cout << request.text << std::flush;
         return EXIT_SUCCESS;
@@ -41,7 +41,7 @@ int main(int argc, char* argv[]) {
     Nerix::Common::Utils::adaptToProcessLimits();
     std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // so that lost output is reported
     try {
-        return std::visit(Runner(), Nerix::parseCommandLine({argv + 1, argv + argc}));
+        return std::visit(RequestHandler(), Nerix::parseCommandLine({argv + 1, argv + argc}));
     } catch (const Nerix::UsageError& failure) {
         Nerix::printError(failure.what());
         std::cerr << failure.help();
