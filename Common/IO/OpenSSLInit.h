@@ -31,9 +31,10 @@ private:
     std::vector<std::unique_ptr<boost::mutex>> m_locks;
 };
 
-/// The callbacks that OpenSSLInit installs. lockingCallback uses the OpenSSLInit in the singletons register,
-/// and asserts that there is one.
+/// Locks or unlocks mutex n of the OpenSSLInit in the singletons register. Asserts that there is one.
 void lockingCallback(int mode, int n, const char* file, int line);
+
+/// Stores the id of the calling thread in *id.
 void threadIdCallback(OpenSSLCompat::ThreadId* id);
 
 } // namespace Nerix::Common::IO
