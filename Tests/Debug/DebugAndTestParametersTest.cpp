@@ -14,9 +14,11 @@
 
 #include <algorithm>
 #include <exception>
+#include <functional>
 #include <iomanip>
 #include <limits>
 #include <locale>
+#include <map>
 #include <regex>
 #include <sstream>
 #include <stdexcept>
@@ -29,10 +31,10 @@ namespace {
 using boost::algorithm::replace_all_copy;
 using Common::DebugAndTestParameters;
 
-/// As an older library wrote it; every field differs from its default.
+/// A file of an older library, with numbers and texts that differ from the defaults.
 const std::string golden = contentOf(NERIX_GOLDEN "/golden.xml");
 
-/// The parameters read so far, and whether reading succeeded.
+/// Returns the parameters that could be read, and true if the whole text could.
 std::pair<DebugAndTestParameters, bool> readFrom(const std::string& text) {
     DebugAndTestParameters parameters;
     std::istringstream stream(text);
@@ -48,21 +50,26 @@ std::string written(const DebugAndTestParameters& parameters) {
     return stream.str();
 }
 
-/// The text as today's library would write it, whose archives have a version of their own.
+/// Returns the text with the archive version of the library that is in use.
 std::string withTodaysVersion(const std::string& text) {
     const boost::archive::library_version_type library = boost::archive::BOOST_ARCHIVE_VERSION();
     const std::string version = std::to_string(static_cast<std::uint_least16_t>(library));
     return replace_all_copy(text, "archive\" version=\"11\"", "archive\" version=\"" + version + "\"");
 }
 
+const std::string withoutItemVersion = replace_all_copy(golden, "\t\t\t<item_version>0</item_version>\n", "");
+
+/// The layout written by current Boost versions: optional values have class version 1 and no item_version.
+const std::string todays = std::regex_replace(
+    withTodaysVersion(withoutItemVersion), std::regex("(class_id=\"[23]\" tracking_level=\"0\" version=)\"0\""), "$1\"1\"");
+
 TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
-    const std::string itemVersion = "\t\t\t<item_version>0</item_version>\n";
-    // Variants: blanks inside tags, and the layout written by current Boost versions (class version 1, no item_version).
-    const std::string blanks = replace_all_copy(replace_all_copy(golden, "<value>", "<value >"), "</count>", "</count\n>");
-    const std::string todays =
-        std::regex_replace(withTodaysVersion(replace_all_copy(golden, itemVersion, "")),
-                           std::regex("(class_id=\"[23]\" tracking_level=\"0\" version=)\"0\""), "$1\"1\"");
-    for (const std::string& text : {golden, blanks, todays}) {
+    const std::pair<const char*, std::string> layouts[] = {
+        {"older library", golden},
+        {"today's library", todays},
+        {"blanks in tags", replace_all_copy(replace_all_copy(golden, "<value>", "<value >"), "</count>", "</count\n>")}};
+    for (const auto& [layout, text] : layouts) {
+        SCOPED_TRACE(layout);
         const auto [parameters, isWhole] = readFrom(text);
         EXPECT_TRUE(isWhole);
         EXPECT_EQ(written(parameters), withTodaysVersion(golden));
@@ -77,27 +84,38 @@ TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
         EXPECT_EQ(parameters.getNumberOfFailures(), 4294967295U);
         EXPECT_EQ(parameters.getInstallationPerformanceParameters().getFlashStreamBufferSize().get(), 11U);
     }
+}
+
+TEST(ParametersArchive, FilesOfOtherLayoutsAreRejected) {
     const std::string optionalClass = "class_id=\"2\" tracking_level=\"0\" version=";
-    for (const std::string& mixed : {replace_all_copy(golden, itemVersion, ""),
-                                     replace_all_copy(golden, optionalClass + "\"0\"", optionalClass + "\"1\""),
-                                     replace_all_copy(todays, optionalClass + "\"1\"", optionalClass + "\"2\""),
-                                     replace_all_copy(golden, "noRebootFlag>", "noRebootFlags>")}) {
-        ASSERT_NE(mixed, golden);
-        EXPECT_FALSE(readFrom(mixed).second);
+    const std::string objectClass = "<DebugAndTestParameters class_id=\"0\" tracking_level=\"0\" version=";
+    const std::pair<const char*, std::string> layouts[] = {
+        {"optional values without item_version", withoutItemVersion},
+        {"optional values of version 1", replace_all_copy(golden, optionalClass + "\"0\"", optionalClass + "\"1\"")},
+        {"optional values of version 2", replace_all_copy(todays, optionalClass + "\"1\"", optionalClass + "\"2\"")},
+        {"object of version 1", replace_all_copy(golden, objectClass + "\"0\"", objectClass + "\"1\"")},
+        {"unknown field", replace_all_copy(golden, "noRebootFlag>", "noRebootFlags>")}};
+    for (const auto& [layout, text] : layouts) {
+        SCOPED_TRACE(layout);
+        ASSERT_NE(text, golden);
+        EXPECT_FALSE(readFrom(text).second);
     }
 }
 
-TEST(ParametersArchive, NumbersThatTheirFieldsCannotHoldAreRefused) {
+TEST(ParametersArchive, NumbersThatTheirFieldsCannotHoldAreRejected) {
     for (const std::string field : {"numberOfFailures", "networkStreamBufferSize"}) {
         for (const std::string number : {"-1", "4294967296"}) {
             std::string element = "<";
             element.append(field).append(1, '>');
             const std::string changed = std::regex_replace(golden, std::regex(element + "\\d+"), element + number);
-            EXPECT_FALSE(readFrom(changed).second) << field << number;
+            EXPECT_FALSE(readFrom(changed).second) << field << " = " << number;
         }
     }
     const std::regex optionalValue("<value>11<");
     EXPECT_FALSE(readFrom(std::regex_replace(golden, optionalValue, "<value>-1<")).second);
+}
+
+TEST(ParametersArchive, WritingANumberThatIsNotFiniteThrows) {
     DebugAndTestParameters parameters;
     for (const float number : {std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
         parameters.getInstallationPerformanceParameters().setVerificationScale(number);
@@ -118,12 +136,6 @@ TEST(ParametersArchive, NumbersAreTheSameInEveryLocale) {
     std::locale::global(before);
 }
 
-TEST(ParametersArchive, ObjectsOfOtherVersionsAreRefused) {
-    const std::string version0 = "<DebugAndTestParameters class_id=\"0\" tracking_level=\"0\" version=\"0\">";
-    EXPECT_FALSE(
-        readFrom(replace_all_copy(golden, version0, replace_all_copy(version0, "version=\"0\"", "version=\"1\""))).second);
-}
-
 TEST(ParametersArchive, DefaultsMatchGoldenFile) {
     EXPECT_EQ(written(DebugAndTestParameters()), withTodaysVersion(contentOf(NERIX_GOLDEN "/defaults.xml")));
     const InstallationPerformanceParameters& defaults = InstallationPerformanceParameters::getDefaultParameters();
@@ -131,7 +143,7 @@ TEST(ParametersArchive, DefaultsMatchGoldenFile) {
     EXPECT_EQ(defaults.getDecompressorOutputBufferSize(), 1048576U);
 }
 
-/// The line that holds the part.
+/// Returns the index of the first line that contains part.
 std::size_t lineOf(const std::vector<std::string>& lines, const std::string& part) {
     const auto found =
         std::find_if(lines.begin(), lines.end(), [&](const std::string& line) { return contains(line, part); });
@@ -145,14 +157,16 @@ TEST(ParametersArchive, DamagedLineFailsAndKeepsEarlierFields) {
     const std::size_t early = lineOf(lines, "<noRebootFlag>");
     const std::size_t late = lineOf(lines, "<panelServiceName>");
     for (std::size_t line = lineOf(lines, "<DebugAndTestParameters "); line + 1 < lines.size(); ++line) {
-        SCOPED_TRACE(lines[line]);
-        std::vector<std::string> removed = lines;
-        removed.erase(removed.begin() + static_cast<std::ptrdiff_t>(line));
-        std::vector<std::string> renamed = lines;
-        renamed[line].insert(renamed[line].find_first_of("> ", renamed[line].find('<')), "x");
-        std::vector<std::string> exchanged = lines;
+        std::map<std::string, std::vector<std::string>> texts = {
+            {"removed", lines}, {"renamed", lines}, {"exchanged with the next", lines}};
+        texts["removed"].erase(texts["removed"].begin() + static_cast<std::ptrdiff_t>(line));
+        std::string& tag = texts["renamed"][line];
+        tag.insert(tag.find_first_of("> ", tag.find('<')), "x");
+        std::vector<std::string>& exchanged = texts["exchanged with the next"];
         if (line + 2 < lines.size()) { std::swap(exchanged[line], exchanged[line + 1]); }
-        for (const auto& damaged : {removed, renamed, exchanged != lines ? exchanged : renamed}) {
+        for (const auto& [damage, damaged] : texts) {
+            if (damaged == lines) { continue; } // the line equals the next one
+            SCOPED_TRACE(damage + ": " + lines[line]);
             const auto [parameters, isWhole] = readFrom(boost::algorithm::join(damaged, ""));
             EXPECT_FALSE(isWhole);
             EXPECT_EQ(parameters.isNoRebootFlag(), line > early);
@@ -198,8 +212,8 @@ TEST(DebugAndTestParameters, CustomValuesAreSetAndRemoved) {
     EXPECT_FALSE(parameters.getCustomBoolParam("yes"));
 }
 
-TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
-    withOwnMnt([] {
+TEST(DebugAndTestParameters, UseBeforeLoadingThrows) {
+    inOwnProcess([] {
         Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
         const std::string unloaded = "] = DebugAndTestParameters were not loaded.\n";
         EXPECT_PRED2(contains, diagnosticsOf([] { Common::getDebugAndTestParameters(); }), unloaded);
@@ -207,17 +221,34 @@ TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
         EXPECT_PRED2(contains, diagnosticsOf([] { DebugAndTestParameters().reload(); }),
                      "] = load DebugAndTestParameters before reload\n");
         EXPECT_FALSE(DebugAndTestParameters::loaded());
+    });
+}
+
+/// Runs body in a process that has loaded the parameters. The directory of their file exists, but the file does not.
+void withLoadedParameters(const std::function<void(DebugAndTestParameters&, const boost::filesystem::path&)>& body) {
+    withOwnMnt([&] {
+        Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
         DebugAndTestParameters::loadDebugAndTestParameters("test");
+        const boost::filesystem::path path = DebugAndTestParameters::getConfigFilePath();
+        boost::filesystem::create_directories(path.parent_path());
+        body(Common::getDebugAndTestParameters(), path);
+    });
+}
+
+TEST(DebugAndTestParameters, AreLoadedOnce) {
+    withLoadedParameters([](DebugAndTestParameters& parameters, const boost::filesystem::path&) {
         Common::loadDebugAndTestParameters("again");
-        DebugAndTestParameters& parameters = Common::getDebugAndTestParameters();
-        EXPECT_FALSE(parameters.reload());
+        EXPECT_EQ(FakePlatform::instance().countLogged(">DebugAndTestParameters were already loaded."), 1U);
         EXPECT_EQ(&Nerix::getInstallationPerformanceParameters(), &parameters.getInstallationPerformanceParameters());
         EXPECT_TRUE(DebugAndTestParameters::loaded());
         EXPECT_TRUE(parameters.getCustomBoolParam("unset", true));
+        EXPECT_EQ(FakePlatform::instance().countLogged("parameter unset: parameter not set."), 1U);
+    });
+}
 
-        const boost::filesystem::path path = DebugAndTestParameters::getConfigFilePath();
+TEST(DebugAndTestParameters, AreSavedIntoTheirFile) {
+    withLoadedParameters([](DebugAndTestParameters& parameters, const boost::filesystem::path& path) {
         EXPECT_EQ(path, "/mnt/systemrw/org.corvan.tv.nerix/data/tv/DebugAndTestParameters.xml");
-        boost::filesystem::create_directories(path.parent_path());
         boost::filesystem::ofstream(path) << golden;
         EXPECT_TRUE(parameters.reload());
         parameters.setPanelServiceName("saved");
@@ -225,12 +256,18 @@ TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
         boost::filesystem::create_hard_link(path, path.parent_path() / "link");
         parameters.save();
         EXPECT_EQ(boost::filesystem::status(path).permissions(), 0600);
-        EXPECT_EQ(boost::filesystem::hard_link_count(path), 2U) << "written into, not replaced";
+        EXPECT_EQ(boost::filesystem::hard_link_count(path), 2U) << "the file was replaced";
         parameters.setPanelServiceName("forgotten");
         EXPECT_TRUE(parameters.reload());
         EXPECT_EQ(parameters.getPanelServiceName(), "saved");
+    });
+}
 
+TEST(DebugAndTestParameters, FaultsOfTheirFileAreLogged) {
+    withLoadedParameters([](DebugAndTestParameters& parameters, const boost::filesystem::path& path) {
+        EXPECT_FALSE(parameters.reload());
         EXPECT_EQ(FakePlatform::instance().countLogged(">Failed to open DebugAndTestParameters from /mnt/"), 2U);
+        parameters.setPanelServiceName("kept");
         boost::filesystem::ofstream(path) << std::setw(100'000'000) << 'x';
         EXPECT_FALSE(parameters.reload());
         boost::filesystem::remove(path);
@@ -239,10 +276,9 @@ TEST(DebugAndTestParameters, FileIsReadWrittenAndItsFaultsLogged) {
         boost::filesystem::remove(path);
         boost::filesystem::create_directory(path);
         parameters.save();
-        EXPECT_EQ(parameters.getPanelServiceName(), "saved");
+        EXPECT_EQ(parameters.getPanelServiceName(), "kept");
         for (const char* const record :
-             {">DebugAndTestParameters were already loaded.", "parameter unset: parameter not set.",
-              ">Failed to load DebugAndTestParameters from ", "DebugAndTestParameters.xml: cannot write: Is a directory",
+             {">Failed to load DebugAndTestParameters from ", "DebugAndTestParameters.xml: cannot write: Is a directory",
               "DebugAndTestParameters.xml: cannot write: No such device or address"}) {
             EXPECT_EQ(FakePlatform::instance().countLogged(record), 1U) << record;
         }
