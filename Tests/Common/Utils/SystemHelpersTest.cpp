@@ -2,7 +2,6 @@
 #include "Common/Utils/Filesystem.h"
 #include "Common/Utils/TerminationSignals.h"
 #include "Tests/Fakes/FakePlatform.h"
-#include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
 #include <boost/filesystem/exception.hpp>
@@ -11,6 +10,7 @@
 #include <chrono>
 #include <csignal>
 #include <functional>
+#include <set>
 #include <thread>
 #include <tuple>
 
@@ -29,26 +29,41 @@ TEST(Filesystem, QueriesDoNotFollowLinks) {
     boost::filesystem::create_symlink("file", at("file link"));
     boost::filesystem::create_symlink("nowhere", at("dangling"));
     ::mkfifo(at("fifo").c_str(), 0600);
-    for (const std::string known :
-         {"file: exists, file, opens", "directory: exists, directory", "link: exists, link",
-          "file link: exists, link, opens", "dangling: exists, link", "fifo: exists", "missing:"}) {
-        SCOPED_TRACE(known);
-        const boost::filesystem::path path = at(known.substr(0, known.find(':')).c_str());
-        const std::string is = known.substr(known.find(':'));
-        EXPECT_EQ(filesystem::exists_any(path), contains(is, "exists"));
-        EXPECT_EQ(filesystem::is_directory(path), contains(is, "directory"));
-        EXPECT_EQ(filesystem::is_regular_file(path), contains(is, "file"));
-        EXPECT_EQ(filesystem::is_symlink(path), contains(is, "link"));
-        EXPECT_EQ(filesystem::openRegularFile(path).is_open(), contains(is, "opens"));
-        EXPECT_EQ(filesystem::waitForFile(path, 0), contains(is, "exists"));
-    }
+    using Names = std::set<std::string>;
+    const Names existing = {"file", "directory", "link", "file link", "dangling", "fifo"};
+    const auto namesWhere = [&](const std::function<bool(const boost::filesystem::path&)>& holds) {
+        Names found;
+        for (const char* const name : {"file", "directory", "link", "file link", "dangling", "fifo", "missing"}) {
+            if (holds(at(name))) { found.insert(name); }
+        }
+        return found;
+    };
+    EXPECT_EQ(namesWhere(filesystem::exists_any), existing);
+    EXPECT_EQ(namesWhere(filesystem::is_directory), Names{"directory"});
+    EXPECT_EQ(namesWhere(filesystem::is_regular_file), Names{"file"});
+    EXPECT_EQ(namesWhere(filesystem::is_symlink), (Names{"link", "file link", "dangling"}));
+    EXPECT_EQ(namesWhere([](const auto& path) { return filesystem::waitForFile(path, 0); }), existing);
     EXPECT_TRUE(filesystem::waitForFile(at("dangling")));
-    EXPECT_EQ(filesystem::canonical("link/../file", directory.path()),
-              boost::filesystem::canonical(directory.path()) / "file");
-    filesystem::rename(at("file"), at("fifo"));
-    EXPECT_TRUE(filesystem::is_regular_file(at("fifo")));
-    EXPECT_TRUE(filesystem::remove(at("fifo")));
-    EXPECT_FALSE(filesystem::remove(at("fifo")));
+    EXPECT_EQ(namesWhere([](const auto& path) { return filesystem::openRegularFile(path).is_open(); }),
+              (Names{"file", "file link"}))
+        << "opening follows links";
+}
+
+TEST(Filesystem, CanonicalFollowsLinks) {
+    const TemporaryDirectory directory;
+    boost::filesystem::create_directories(directory.path() / "real/inner");
+    boost::filesystem::create_symlink("real/inner", directory.path() / "link");
+    EXPECT_EQ(filesystem::canonical("link/..", directory.path()), boost::filesystem::canonical(directory.path()) / "real");
+}
+
+TEST(Filesystem, RenameReplacesAndRemoveReportsWhatExisted) {
+    const TemporaryDirectory directory;
+    boost::filesystem::ofstream(directory.path() / "file") << "content";
+    ::mkfifo((directory.path() / "fifo").c_str(), 0600);
+    filesystem::rename(directory.path() / "file", directory.path() / "fifo");
+    EXPECT_EQ(contentOf(directory.path() / "fifo"), "content");
+    EXPECT_TRUE(filesystem::remove(directory.path() / "fifo"));
+    EXPECT_FALSE(filesystem::remove(directory.path() / "fifo"));
 }
 
 TEST(Filesystem, FailuresNameTheOperationAndThePath) {
@@ -71,50 +86,64 @@ TEST(Filesystem, FailuresNameTheOperationAndThePath) {
     }
 }
 
-TEST(TerminationSignalsDeathTest, FirstSignalIsRememberedSecondTerminates) {
-    using namespace Common::Utils;
-    const auto signalsAfter = [](int milliseconds, int number) {
-        for (const int each : {SIGINT, SIGHUP}) { std::signal(each, SIG_DFL); } // nohup has them ignored
-        catchTerminationSignals();
-        std::raise(SIGTERM);
-        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-        std::raise(number);
-        std::fprintf(stderr, "remembers %d", terminationSignal());
-        std::exit(0);
-    };
-    EXPECT_EXIT(signalsAfter(0, SIGHUP), testing::KilledBySignal(SIGTERM), "remembers 15");
-    EXPECT_EXIT(signalsAfter(20, SIGINT), testing::KilledBySignal(SIGTERM), "remembers 15");
-    EXPECT_EXIT(signalsAfter(250, SIGINT), testing::KilledBySignal(SIGINT), "^$");
-    EXPECT_EXIT(std::signal(SIGHUP, SIG_IGN); catchTerminationSignals(); std::raise(SIGHUP);
-                std::exit(terminationSignal()), testing::ExitedWithCode(0), "");
+/// Shows which signal is remembered, and exits.
+void exitAfterSignals() {
+    std::fprintf(stderr, "remembers %d", Common::Utils::terminationSignal());
+    std::exit(0);
 }
 
-TEST(Filesystem, PathsAreComparedByWholeElements) {
+/// Raises SIGTERM and, after a while, another signal. Exits if that does not end the process.
+void raiseSigtermAndLater(int milliseconds, int number) {
+    for (const int each : {SIGINT, SIGHUP}) { std::signal(each, SIG_DFL); } // nohup has them ignored
+    Common::Utils::catchTerminationSignals();
+    std::raise(SIGTERM);
+    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    std::raise(number);
+    exitAfterSignals();
+}
+
+TEST(TerminationSignalsDeathTest, SecondSignalTerminatesUnlessItComesAtOnce) {
+    EXPECT_EXIT(raiseSigtermAndLater(0, SIGHUP), testing::KilledBySignal(SIGTERM), "^remembers 15$");
+    EXPECT_EXIT(raiseSigtermAndLater(20, SIGINT), testing::KilledBySignal(SIGTERM), "^remembers 15$");
+    EXPECT_EXIT(raiseSigtermAndLater(250, SIGINT), testing::KilledBySignal(SIGINT), "^$");
+}
+
+TEST(TerminationSignalsDeathTest, IgnoredSignalStaysIgnored) {
+    EXPECT_EXIT(std::signal(SIGHUP, SIG_IGN); Common::Utils::catchTerminationSignals(); std::raise(SIGHUP);
+                exitAfterSignals(), testing::ExitedWithCode(0), "^remembers 0$");
+}
+
+TEST(Filesystem, TrailingSlashesAreStrippedButTheRoots) {
     const std::pair<const char*, const char*> stripped[] = {{"/a/b/", "/a/b"}, {"/a//", "/a"}, {"/", "/"}, {"a/", "a"}};
     for (const auto& [path, expected] : stripped) { EXPECT_EQ(filesystem::stripTrailingSlashes(path), expected) << path; }
+}
+
+TEST(Filesystem, UnixAbsoluteBeginsWithASlashOrBackslash) {
     EXPECT_TRUE(filesystem::is_unix_absolute("/a"));
     EXPECT_TRUE(filesystem::is_unix_absolute("\\a"));
     EXPECT_FALSE(filesystem::is_unix_absolute("a/"));
     EXPECT_FALSE(filesystem::is_unix_absolute(""));
-    const std::tuple<const char*, const char*, const char*> cases[] = {
-        // path, prefix, and what is left; null: no prefix
-        {"/mnt/usb2/x", "/mnt/usb", nullptr},
-        {"/mnt/usb", "/mnt/usb/", "/"},
-        {"/mnt/usb/a/b", "/mnt/usb/", "/a/b"},
-        {"/a", "/a/b", nullptr},
-        {"/a/b", "", "/a/b"},
-        {"a/b", "a", "/b"},
-        {"/a/b", "/", "/a/b"},
-        {"/a/b", "a", nullptr},
-    };
+}
+
+TEST(Filesystem, PrefixOfWholeElementsIsRemoved) {
+    const std::tuple<const char*, const char*, const char*> cases[] = {{"/mnt/usb", "/mnt/usb/", "/"},
+                                                                       {"/mnt/usb/a/b", "/mnt/usb/", "/a/b"},
+                                                                       {"/a/b", "", "/a/b"},
+                                                                       {"a/b", "a", "/b"},
+                                                                       {"/a/b", "/", "/a/b"}};
     for (const auto& [path, prefix, rest] : cases) {
         SCOPED_TRACE(std::string(path) + " and " + prefix);
-        EXPECT_EQ(filesystem::pathStartsWith(path, prefix), rest != nullptr);
-        if (rest == nullptr) {
-            EXPECT_THROW(filesystem::removePathPrefix(path, prefix), Common::Utils::GenericException);
-        } else {
-            EXPECT_EQ(filesystem::removePathPrefix(path, prefix), rest);
-        }
+        EXPECT_TRUE(filesystem::pathStartsWith(path, prefix));
+        EXPECT_EQ(filesystem::removePathPrefix(path, prefix), rest);
+    }
+}
+
+TEST(Filesystem, OtherPrefixIsRejected) {
+    const std::pair<const char*, const char*> cases[] = {{"/mnt/usb2/x", "/mnt/usb"}, {"/a", "/a/b"}, {"/a/b", "a"}};
+    for (const auto& [path, prefix] : cases) {
+        SCOPED_TRACE(std::string(path) + " and " + prefix);
+        EXPECT_FALSE(filesystem::pathStartsWith(path, prefix));
+        EXPECT_THROW(filesystem::removePathPrefix(path, prefix), Common::Utils::GenericException);
     }
 }
 
