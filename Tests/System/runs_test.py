@@ -1,7 +1,6 @@
 """Settings, exit status and reports at the start and end of a run."""
 
 import concurrent.futures
-import contextlib
 import glob
 import os
 import re
@@ -56,19 +55,15 @@ class Runs(SystemTest):
         self.assertIn("/proc/mounts", self.files_opened_with(self.work))
         self.assertNotIn("/proc/mounts", self.files_opened_with("/missing"))
 
-    def run_in_shell(self, command, redirections="", **options):
-        """Runs the shell's command with the redirections, and checks that it does not write to the store."""
-        run = subprocess.run(f"exec {command} {redirections}", shell=True, check=False, env=self.environment,
-                             stderr=subprocess.PIPE, **options)
-        self.assert_published("the output was written to the store", status="inactive", progress="100.0")
-        return run
-
-    @contextlib.contextmanager
-    def pipe_without_reader(self):
+    def run_in_shell(self, command, redirections=""):
+        """Runs the shell command, by default into a pipe without a reader. Checks that it does not write to the store."""
         reading_end, writing_end = os.pipe()
         os.close(reading_end)
         with os.fdopen(writing_end, "wb") as pipe:
-            yield pipe
+            run = subprocess.run(f"exec {command} {redirections}", shell=True, check=False, env=self.environment,
+                                 stdout=pipe, stderr=subprocess.PIPE)
+        self.assert_published("the output was written to the store", status="inactive", progress="100.0")
+        return run
 
     def make_long_output(self):
         """Fills the work directory and the store, and returns the commands of NerixHost that write much about them."""
@@ -79,8 +74,8 @@ class Runs(SystemTest):
 
     def test_host_ends_by_sigpipe_if_its_reader_is_gone(self):
         for command in self.make_long_output():
-            with self.subTest(command), self.pipe_without_reader() as pipe:
-                run = self.run_in_shell(command, stdout=pipe)
+            with self.subTest(command):
+                run = self.run_in_shell(command)
                 self.assertEqual((run.returncode, run.stderr), (-signal.SIGPIPE, b""))
 
     def test_host_reports_standard_output_that_cannot_be_written(self):
@@ -95,8 +90,8 @@ class Runs(SystemTest):
         command = f"'{PROGRAM}' --path '{self.work}'"
         message = b"can't write to standard output: errno="
         for redirections, shown in (("", message), (">/dev/full", message), (">&-", message), ("<&- >&- 2>&-", b"")):
-            with self.subTest(redirections=redirections), self.pipe_without_reader() as pipe:
-                run = self.run_in_shell(command, redirections, stdout=pipe)
+            with self.subTest(redirections=redirections):
+                run = self.run_in_shell(command, redirections)
                 self.assertEqual(run.returncode, 1)
                 self.assertIn(shown, run.stderr)
 
@@ -110,15 +105,16 @@ class Runs(SystemTest):
                                  "stderr; using file\n")
                 self.assertEqual(len(self.scan_records()) - before, 2, "records of the file and its directory")
 
-    def test_system_log_keeps_its_limit_while_many_runs_write(self):
+    def test_runs_at_once_print_the_value_and_keep_the_limit_of_the_log(self):
         for number in range(2000):
             write(os.path.join(self.work, str(number)))
-        self.value(self.work)
+        value = self.value(self.work)
         records = len(self.scan_records())
         log = os.path.join(self.home, "log", "main.log")
         write(log, b"x" * ((16 << 20) - 1000) + b"\n")
         with concurrent.futures.ThreadPoolExecutor() as runs:
-            list(runs.map(lambda _: self.value(self.work), range(4)))
+            self.assertEqual(list(runs.map(lambda _: self.value(self.work), range(4))), [value] * 4)
+        self.assert_published(status="inactive", result=value[:8])
         self.assertEqual(len(self.scan_records()), 4 * records)
         for file in glob.glob(f"{self.home}/log/*"):
             self.assertLessEqual(os.path.getsize(file), 16 << 20, file)
@@ -161,13 +157,6 @@ class Runs(SystemTest):
                                  capture_output=True)
             self.assertEqual((run.returncode, run.stderr), (0, b""), microseconds)
             self.assert_published(f"after {microseconds} us", status="inactive", progress="100.0", result=value[:8])
-
-    def test_two_runs_at_once_print_the_value(self):
-        expected = Model("sha1").value("/usr/share/doc")
-        with concurrent.futures.ThreadPoolExecutor() as runs:
-            values = list(runs.map(lambda _: self.value("/usr/share/doc", "sha1"), range(2)))
-        self.assertEqual(values, [expected, expected])
-        self.assert_published(status="inactive")
 
 
 if __name__ == "__main__":
