@@ -68,10 +68,11 @@ TEST(HostConfigurationDeathTest, FileOverridesTheBuiltInAnswers) {
 
 TEST(HostConfigurationDeathTest, FaultsAreLoggedAndFailTheLookup) {
     const Answers none;
+    const std::string facts = "[system_info]\n";
     const ConfigurationFile files[] = {
         {"unknown path", "[path]\nusb_drive = /u\n", none,
          "'usb_drive' is neither a number nor one of system_binaries readonly_apps shared_data apps usb_drives\n"},
-        {"unknown fact", "[system_info]\na = x\n", none,
+        {"unknown fact", facts + "a = x\n", none,
          "'a' is neither a number nor one of software_date tv_software submicom_version screen_lines partition_list is_tv "
          "is_zeb_box zeb_box_software\n"},
         {"key twice", "[path]\nusb_drives = /u\n43 = /u\n", none, "[path] usb_drives (43) appears twice"},
@@ -79,16 +80,12 @@ TEST(HostConfigurationDeathTest, FaultsAreLoggedAndFailTheLookup) {
         {"unknown section", "[systeminfo]\n203=1\n", none, "'systeminfo' is neither [system_info] nor [path]"},
         {"no section", "203=1\n", none, "'203' is neither"},
         {"too large", "[path]\n43=/x\n" + std::string(1U << 20U, ';'), none, "is larger than 1 MiB"},
-        {"no text", "[path]\n43=\n", {{}, 1080, true}, "[path] usb_drives (43) is '', not a text"},
-        {"no integer",
-         "[system_info]\n203=12x\n",
-         {"/media", {}, true},
-         "[system_info] screen_lines (203) is '12x', not an integer"},
-        {"no boolean",
-         "[system_info]\n358=yes\n",
+        {"empty text", "[path]\n43=\n", {{}, 1080, true}, "[path] usb_drives (43) is '', not a text"},
+        {"no int", facts + "203=12x\n", {"/media", {}, true}, "[system_info] screen_lines (203) is '12x', not an integer"},
+        {"no bool",
+         facts + "358=yes\n",
          {"/media", 1080, {}},
-         "platform.ini: [system_info] is_tv (358) is 'yes', not true or false"},
-    };
+         "platform.ini: [system_info] is_tv (358) is 'yes', not true or false"}};
     for (const ConfigurationFile& file : files) {
         SCOPED_TRACE(file.name);
         EXPECT_PRED2(contains, logWith(file), file.logged);

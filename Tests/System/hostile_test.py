@@ -293,13 +293,11 @@ class Hostile(SystemTest):
         os.close(ready)
 
     def test_run_waits_for_a_leased_file(self):
-        self.hold_lease(os.path.join(self.tree, "a"), give_lease_up)
-        self.assert_prints_value(self.run_program("--path", self.tree, timeout=30))
-
-    def test_run_without_timers_waits_for_a_leased_file(self):
-        self.hold_lease(os.path.join(self.tree, "a"), give_lease_up)
         no_timers = lambda: resource.setrlimit(resource.RLIMIT_SIGPENDING, (0, 0))
-        self.assert_prints_value(self.run_program("--path", self.tree, timeout=30, preexec_fn=no_timers))
+        for name, prepare in (("a", None), ("b", no_timers)):
+            with self.subTest(name, prepare=prepare):
+                self.hold_lease(os.path.join(self.tree, name), give_lease_up)
+                self.assert_prints_value(self.run_program("--path", self.tree, timeout=30, preexec_fn=prepare))
 
     def test_run_never_reads_what_replaced_a_leased_file(self):
         path = os.path.join(self.tree, "a")

@@ -22,6 +22,7 @@
 #include <limits>
 #include <set>
 #include <thread>
+#include <tuple>
 
 #include <fcntl.h>
 #include <sys/mount.h>
@@ -228,12 +229,9 @@ TEST_F(HashWorkerLargeTreeTest, ProgressReportThatFailsFailsTheRunWithAnyThreadC
 }
 
 TEST(Progress, WorkIsRoundedUpToBlocks) {
-    const struct {
-        std::uint64_t size;
-        std::uint32_t blockSize;
-        std::uint64_t work;
-    } cases[] = {{0, 4096, 0},       {1, 4096, 4096}, {4096, 4096, 4096},
-                 {4097, 4096, 8192}, {4097, 0, 4097}, {(8ULL << 30U) + 1, 4096, (8ULL << 30U) + 4096}};
+    const std::tuple<std::uint64_t, std::uint32_t, std::uint64_t> cases[] = {
+        {0, 4096, 0},       {1, 4096, 4096}, {4096, 4096, 4096},
+        {4097, 4096, 8192}, {4097, 0, 4097}, {(8ULL << 30U) + 1, 4096, (8ULL << 30U) + 4096}};
     for (const auto& [size, blockSize, work] : cases) {
         EXPECT_EQ(Progress::workOf(size, blockSize), work) << size << " bytes in blocks of " << blockSize;
     }
@@ -248,12 +246,9 @@ TEST(Progress, IsWorthReportingAfterAMebibyteOrAStepBack) {
 
 TEST(Progress, TextHasTwoDecimalsAndStaysBelowAHundred) {
     const std::uint64_t most = std::numeric_limits<std::uint64_t>::max();
-    const struct {
-        std::uint64_t reported;
-        std::uint64_t total;
-        const char* text;
-    } cases[] = {{0, 1000, "0.00"},    {0, 0, "0.00"},        {1, 0, "99.99"},       {1000, 1000, "71.43"},
-                 {590, 1000, "42.14"}, {1399, 1000, "99.93"}, {1400, 1000, "99.99"}, {most, 1, "99.99"}};
+    const std::tuple<std::uint64_t, std::uint64_t, const char*> cases[] = {
+        {0, 1000, "0.00"},    {0, 0, "0.00"},        {1, 0, "99.99"},       {1000, 1000, "71.43"},
+        {590, 1000, "42.14"}, {1399, 1000, "99.93"}, {1400, 1000, "99.99"}, {most, 1, "99.99"}};
     for (const auto& [reported, total, text] : cases) {
         EXPECT_EQ(Progress::text(reported, total), text) << reported << " of " << total;
     }
