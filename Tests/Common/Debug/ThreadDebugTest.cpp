@@ -1,57 +1,83 @@
 #include "Common/Debug/ThreadDebug.h"
 
 #include "Tests/Fakes/FakePlatform.h"
+#include "Tests/Fakes/OwnProcess.h"
 
 #include <boost/thread/thread.hpp>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <future>
 
 namespace Nerix::Tests {
 
 using Common::Debug::ThreadDebug;
 
-TEST(ThreadDebugDeathTest, AllThreadsExceptMainCanBeRenamed) {
-    FakePlatform& platform = FakePlatform::instance();
-    const std::string twenty = "abcdefghijklmnopqrst";
+std::size_t countLogged(const std::string& part) { return FakePlatform::instance().countLogged(part); }
+
+const std::string tooLong = "abcdefghijklmnopqrst";
+
+TEST(ThreadDebug, SanitizedNameKeepsLettersDigitsAndUnderscores) {
     EXPECT_EQ(ThreadDebug::sanitizeThreadName("hash worker-1_Z\xc3\xa4"), "hash_worker_1_Z__");
-    const std::string mainName = ThreadDebug::GetThreadName();
-    const auto nameAsMain = [&] {
+}
+
+TEST(ThreadDebugDeathTest, MainThreadIsRegisteredOnce) {
+    const auto registerThis = [] { ThreadDebug::registerMainThreadId(boost::this_thread::get_id()); };
+    EXPECT_DEATH(registerThis(); registerThis(), "ASSERTION FAILED: m_mainThreadId == boost::thread::id\\(\\), ");
+    inOwnProcess([&] {
+        registerThis();
+        EXPECT_EQ(countLogged(">Registering main thread id "), 1U);
+        EXPECT_EQ(countLogged(" named " + ThreadDebug::GetThreadName() + "."), 1U);
+    });
+}
+
+TEST(ThreadDebugDeathTest, MainThreadIsNotRenamed) {
+    inOwnProcess([] {
+        const std::string name = ThreadDebug::GetThreadName();
+        ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
+        ThreadDebug::SetThreadName("other");
+        EXPECT_EQ(ThreadDebug::GetThreadName(), name);
+        EXPECT_EQ(countLogged("[WRN] ThreadDebug.cpp:"), 1U);
+        EXPECT_EQ(countLogged(">Main thread name: other."), 1U);
+    });
+}
+
+TEST(ThreadDebugDeathTest, MainThreadIsNotRenamedByAnotherThread) {
+    inOwnProcess([] {
         boost::thread thread([] {});
         ThreadDebug::registerMainThreadId(thread.get_id());
         ThreadDebug::SetThreadName(thread, "main");
-        std::exit(static_cast<int>(platform.countLogged(">Main thread name: main.")));
-    };
-    EXPECT_EXIT(nameAsMain(), testing::ExitedWithCode(1), "");
-    const auto registerThis = [] { ThreadDebug::registerMainThreadId(boost::this_thread::get_id()); };
-    registerThis();
-    EXPECT_DEATH(registerThis(), "ASSERTION FAILED: m_mainThreadId == boost::thread::id\\(\\), ");
-    EXPECT_EQ(platform.countLogged(">Registering main thread id "), 1U);
-    EXPECT_EQ(platform.countLogged(" named " + mainName + "."), 1U);
-    ThreadDebug::SetThreadName("other");
-    EXPECT_EQ(ThreadDebug::GetThreadName(), mainName);
-    EXPECT_EQ(platform.countLogged("[WRN] ThreadDebug.cpp:"), 1U);
-    EXPECT_EQ(platform.countLogged(">Main thread name: other."), 1U);
+        EXPECT_EQ(countLogged(">Main thread name: main."), 1U);
+    });
+}
 
+TEST(ThreadDebug, OtherThreadsAreRenamed) {
+    FakePlatform::instance().reset();
     std::promise<void> named;
     boost::thread thread([&] {
         named.get_future().wait();
         EXPECT_EQ(ThreadDebug::GetThreadName(), "by_main");
-        ThreadDebug::SetThreadName(twenty.c_str());
-        EXPECT_EQ(ThreadDebug::GetThreadName(), twenty.substr(0, 15));
+        ThreadDebug::SetThreadName(tooLong.c_str());
+        EXPECT_EQ(ThreadDebug::GetThreadName(), tooLong.substr(0, 15)) << "a thread cuts its own name";
     });
     ThreadDebug::SetThreadName(thread, "by main");
-    ThreadDebug::SetThreadName(thread, twenty.c_str());
     named.set_value();
     thread.join();
+    EXPECT_EQ(countLogged(" to by_main."), 1U);
+    EXPECT_EQ(countLogged(" to " + tooLong + "."), 1U);
+}
+
+TEST(ThreadDebug, RenamingThatFailsIsLogged) {
+    FakePlatform::instance().reset();
+    std::promise<void> end;
+    boost::thread thread([&] { end.get_future().wait(); });
+    ThreadDebug::SetThreadName(thread, tooLong.c_str());
+    end.set_value();
+    thread.join();
     ThreadDebug::SetThreadName(thread, "gone");
-    EXPECT_EQ(platform.countLogged(" to by_main."), 1U);
-    EXPECT_EQ(platform.countLogged(" to " + twenty + "."), 1U);
-    for (const std::string& refused : {twenty, std::string("gone")}) {
-        EXPECT_EQ(platform.countLogged(">pthread_setname_np Failed to give the name to thread: " + refused), 1U);
+    for (const std::string& name : {tooLong, std::string("gone")}) {
+        EXPECT_EQ(countLogged(">pthread_setname_np Failed to give the name to thread: " + name), 1U);
     }
-    EXPECT_EQ(platform.countLogged("[ERR] ThreadDebug.cpp:"), 2U);
+    EXPECT_EQ(countLogged("[ERR] ThreadDebug.cpp:"), 2U);
 }
 
 } // namespace Nerix::Tests
