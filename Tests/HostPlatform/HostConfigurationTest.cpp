@@ -21,16 +21,6 @@ struct Answers {
     std::optional<bool> isTV;
 };
 
-Answers lookUp() {
-    Answers answers;
-    if (const char* const drives = path_config_get(PathVariable::usbDrives)) { answers.usbDrives = drives; }
-    int lines = 0;
-    if (system_info_get_value_int(SystemInfoKey::screenLines, &lines) == 0) { answers.screenLines = lines; }
-    bool isTV = false;
-    if (system_info_get_value_bool(SystemInfoKey::isTV, &isTV) == 0) { answers.isTV = isTV; }
-    return answers;
-}
-
 struct ConfigurationFile {
     const char* name;
     std::string content;
@@ -45,10 +35,14 @@ std::string logWith(const ConfigurationFile& file) {
     ::unsetenv("NERIX_HOST_LOG");
     boost::filesystem::ofstream(home.path() / "platform.ini") << file.content;
     inOwnProcess([&] {
-        const Answers answers = lookUp();
-        EXPECT_EQ(answers.usbDrives, file.answers.usbDrives);
-        EXPECT_EQ(answers.screenLines, file.answers.screenLines);
-        EXPECT_EQ(answers.isTV, file.answers.isTV);
+        const char* const drives = path_config_get(PathVariable::usbDrives);
+        EXPECT_EQ(drives == nullptr ? std::nullopt : std::optional<std::string>(drives), file.answers.usbDrives);
+        int lines = 0;
+        const int linesStatus = system_info_get_value_int(SystemInfoKey::screenLines, &lines);
+        EXPECT_EQ(linesStatus == 0 ? std::optional<int>(lines) : std::nullopt, file.answers.screenLines);
+        bool isTV = false;
+        const int isTVStatus = system_info_get_value_bool(SystemInfoKey::isTV, &isTV);
+        EXPECT_EQ(isTVStatus == 0 ? std::optional<bool>(isTV) : std::nullopt, file.answers.isTV);
     });
     return contentOf(home.path() / "log/system.log");
 }

@@ -86,20 +86,15 @@ TEST(Filesystem, FailuresNameTheOperationAndThePath) {
     }
 }
 
-/// Shows which signal is remembered, and exits.
-void exitAfterSignals() {
-    std::fprintf(stderr, "remembers %d", Common::Utils::terminationSignal());
-    std::exit(0);
-}
-
-/// Raises SIGTERM and, after a while, another signal. Exits if that does not end the process.
+/// Raises SIGTERM and, after a while, another signal. If the process goes on, prints the remembered signal and exits.
 void raiseSigtermAndLater(int milliseconds, int number) {
     for (const int each : {SIGINT, SIGHUP}) { std::signal(each, SIG_DFL); } // nohup has them ignored
     Common::Utils::catchTerminationSignals();
     std::raise(SIGTERM);
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
     std::raise(number);
-    exitAfterSignals();
+    std::fprintf(stderr, "remembers %d", Common::Utils::terminationSignal());
+    std::exit(0);
 }
 
 TEST(TerminationSignalsDeathTest, SecondSignalTerminatesUnlessItComesAtOnce) {
@@ -110,7 +105,7 @@ TEST(TerminationSignalsDeathTest, SecondSignalTerminatesUnlessItComesAtOnce) {
 
 TEST(TerminationSignalsDeathTest, IgnoredSignalStaysIgnored) {
     EXPECT_EXIT(std::signal(SIGHUP, SIG_IGN); Common::Utils::catchTerminationSignals(); std::raise(SIGHUP);
-                exitAfterSignals(), testing::ExitedWithCode(0), "^remembers 0$");
+                std::exit(Common::Utils::terminationSignal()), testing::ExitedWithCode(0), "");
 }
 
 TEST(Filesystem, TrailingSlashesAreStrippedButTheRoots) {
