@@ -19,6 +19,7 @@ SANITIZED = BUILD.endswith(("asan", "tsan"))
 PROGRAM = os.path.join(BUILD, "Executables/NerixVerifierHash/NerixVerifierHash")
 LEAVING = os.path.join(BUILD, "Tests/System/Tests_System_LeavingProgram")
 HOST = os.path.join(BUILD, "Executables/NerixHost/NerixHost")
+STRACE = ("strace", "-qq", "-f", "-o", "/dev/null")
 
 PREFIX = "menu/support/softwareupdate/hashverifier_"
 REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog for details\n", re.DOTALL)
@@ -98,8 +99,7 @@ class SystemTest(unittest.TestCase):
         place = "/mnt/systemrw/org.corvan.tv.nerix/data/tv"
         os.makedirs(place, exist_ok=True)
         self.addCleanup(shutil.rmtree, place, ignore_errors=True)
-        with open(os.path.join(PROJECT, "Tests/Debug/defaults.xml"), encoding="utf-8") as defaults:
-            text = defaults.read()
+        text = read(os.path.join(PROJECT, "Tests/Debug/defaults.xml")).decode()
         entry = "<first>testParam1</first>\n\t\t\t<second>1</second>"
         self.assertIn(entry, text)
         write(f"{place}/DebugAndTestParameters.xml",
@@ -115,17 +115,21 @@ class SystemTest(unittest.TestCase):
         if before == 0:
             shutil.rmtree(log)
 
+    def run_command(self, *words, **options):
+        """Runs a command in the environment of the test, and captures its output."""
+        options = {"env": self.environment, "timeout": 600, "capture_output": True, **options}
+        return subprocess.run(words, check=False, **options)
+
     def run_program(self, *arguments, **options):
-        options = {"env": self.environment, "timeout": 600, "stdout": subprocess.PIPE, **options}
-        return subprocess.run([PROGRAM, *arguments], stderr=subprocess.PIPE, check=False, **options)
+        return self.run_command(PROGRAM, *arguments, **options)
 
     def run_unprivileged(self, *arguments, program=PROGRAM):
         """Runs the program without root's capabilities, so that file permissions apply to it."""
         drop = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"] if os.geteuid() == 0 else []
-        return subprocess.run([*drop, program, *arguments], check=False, env=self.environment, capture_output=True)
+        return self.run_command(*drop, program, *arguments)
 
     def run_host(self, *arguments):
-        return subprocess.run([HOST, *arguments], check=False, env=self.environment, capture_output=True)
+        return self.run_command(HOST, *arguments)
 
     def value(self, path, method="md5", **options):
         run = self.run_program("--path", path, "--hash", method, **options)
@@ -144,15 +148,17 @@ class SystemTest(unittest.TestCase):
 
     def log_lines(self, buffer):
         path = os.path.join(self.home, "log", f"{buffer}.log")
-        if not os.path.exists(path):
-            return []
-        with open(path, "rb") as log:
-            return log.read().splitlines()
+        return read(path).splitlines() if os.path.exists(path) else []
 
     def scan_records(self):
         """Returns the scan records of the system log, without the escapes that the log adds."""
         found = (RECORD.search(line) for line in self.log_lines("main"))
         return [unescape(record.group(1)) for record in found if record]
+
+
+def read(path):
+    with open(path, "rb") as file:
+        return file.read()
 
 
 def write(path, content=b""):

@@ -17,7 +17,7 @@ import time
 import unittest
 
 import random_tree
-from harness import HOST, NO_MOUNTS, PREFIX, SANITIZED, SystemTest, main, make_hole, write
+from harness import HOST, NO_MOUNTS, PREFIX, SANITIZED, STRACE, SystemTest, main, make_hole, read, write
 from tree_value import STEPS, Model
 
 
@@ -134,8 +134,7 @@ class Host(SystemTest):
         details = [b" " + " ".join(known.values()).encode() for _, known in entries.values()]
         for options, behind in ((("--quiet",), [b""] * len(entries)), (("--details",), details)):
             self.assertEqual(self.scan(self.logs[0], *options), self.tree_value)
-            with open(self.logs[0], "rb") as log:
-                self.assertEqual(log.read(), b"".join(map(b"%b%b\n".__mod__, zip(self.records, behind))))
+            self.assertEqual(read(self.logs[0]), b"".join(map(b"%b%b\n".__mod__, zip(self.records, behind))))
             self.assertEqual(self.compare(self.logs[0], self.logs[0], status=0), [])
         self.assertEqual(os.listdir(self.home), [])
         self.assertEqual(sorted(os.listdir(self.work)), ["before.log", "tree"])
@@ -191,8 +190,7 @@ class Host(SystemTest):
 
     def test_scan_reports_why_it_failed_and_leaves_no_log(self):
         os.mkdir(self.tree + b"/sub")
-        with open(self.tree + b"/sub/\x1bsecret", "wb"):
-            os.chmod(self.tree + b"/sub/\x1bsecret", 0)
+        os.mknod(self.tree + b"/sub/\x1bsecret", 0)
         os.makedirs(self.tree + b"/z/inner")
         os.chmod(self.tree + b"/z", 0o600)
         tree = self.tree.decode()
@@ -242,9 +240,8 @@ class Host(SystemTest):
     def test_scan_gives_no_value_of_a_file_that_cannot_be_read_to_its_end(self):
         file = self.tree + b"/file"
         write(file, bytes(300_000))
-        run = subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", "-P", file, "-e", "inject=read:error=EIO:when=2",
-                              HOST, "scan", self.tree, "--log", self.logs[0]], check=False, env=self.environment,
-                             capture_output=True)
+        run = self.run_command(*STRACE, "-P", file, "-e", "inject=read:error=EIO:when=2", HOST, "scan", self.tree,
+                               "--log", self.logs[0])
         self.assertEqual(run.stderr, b'NerixHost: cannot read "%b": Input/output error\n' % file)
         self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertEqual(os.listdir(self.work), ["tree"])
@@ -305,8 +302,7 @@ class Host(SystemTest):
             while len(os.listdir(self.work)) == 1:
                 self.assertIsNone(scan.poll())
             time.sleep(0.1)
-            other = subprocess.run(["timeout", "0.5", HOST, "scan", self.tree, "--log", self.logs[0], "-q"], check=False,
-                                   env=self.environment, stderr=subprocess.DEVNULL)
+            other = self.run_command("timeout", "0.5", HOST, "scan", self.tree, "--log", self.logs[0], "-q")
             self.assertEqual(other.returncode, 124)
             self.assertEqual(len(os.listdir(self.work)), 2, "the partial log of the running scan was removed")
             scan.kill()
@@ -332,16 +328,14 @@ class Host(SystemTest):
         shutil.copy(system, self.logs[0])
         self.scan(self.logs[1])
         self.assertEqual(self.compare(*self.logs, status=0), [])
-        with open(self.logs[0], "ab") as log, open(system, "rb") as again:
-            text = again.read()
-            log.write(text)  # simulates logs of two containers whose thread ids coincide
+        text = read(system)
+        write(self.logs[0], text + text)  # simulates logs of two containers whose thread ids coincide
         self.assertEqual(self.compare(*self.logs, status=0), [])
         os.mkdir(long + b"/new")
         self.value(self.tree)
         lines = self.compare(self.logs[1], system)
         self.assertEqual([read_back(line) for line in lines], [("added", long + b"/new", "")])
-        through_pipe = subprocess.run(["bash", "-c", f"{HOST} compare <(cat {self.logs[1]}) <(cat {system})"],
-                                      check=False, stdout=subprocess.PIPE, env=self.environment)
+        through_pipe = self.run_command("bash", "-c", f"{HOST} compare <(cat {self.logs[1]}) <(cat {system})")
         self.assertEqual((through_pipe.returncode, through_pipe.stdout.splitlines()), (1, lines))
         write(self.logs[0], text[:text.index(b"\n", text.index(b"HashWorker.cpp")) + 1])
         self.assert_rejected(self.logs[1], self.logs[0], "its last record is not terminated\n")
@@ -361,11 +355,9 @@ class Host(SystemTest):
         self.value(self.tree)
         system = "".join(line.decode() + "\n" for line in self.log_lines("main"))
         self.scan(self.logs[1], "--details")
-        with open(self.logs[1], encoding="utf-8") as log:
-            details = log.read()
+        details = read(self.logs[1]).decode()
         self.scan(self.logs[0])
-        with open(self.logs[0], encoding="utf-8") as log:
-            text = log.read()
+        text = read(self.logs[0]).decode()
         lines = text.splitlines(keepends=True)
         cases = {
             "empty": ("", "is not a scan log"),
@@ -406,8 +398,7 @@ class Host(SystemTest):
     def test_compare_of_logs_without_lines_takes_no_memory(self):
         make_hole(self.logs[0], 3 << 30)
         limit = "" if SANITIZED else "ulimit -v 200000;"
-        run = subprocess.run(["bash", "-c", f"{limit} exec {HOST} compare {self.logs[0]} {self.logs[0]}"], check=False,
-                             env=self.environment, capture_output=True)
+        run = self.run_command("bash", "-c", f"{limit} exec {HOST} compare {self.logs[0]} {self.logs[0]}")
         self.assertEqual(run.returncode, 2)
         self.assertIn(b"before.log: line 1 is longer than any scan record\n", run.stderr)
 
@@ -416,8 +407,7 @@ class Host(SystemTest):
             os.mkdir(self.tree + b"/%d" % number)
         self.scan(self.logs[0])
         log = self.logs[0]
-        run = subprocess.run(["bash", "-c", f"ulimit -f 4; exec {HOST} compare <(cat {log}) <(cat {log})"],
-                             check=False, env=self.environment, capture_output=True)
+        run = self.run_command("bash", "-c", f"ulimit -f 4; exec {HOST} compare <(cat {log}) <(cat {log})")
         self.assertEqual(run.returncode, 2)
         self.assertIn(b": cannot be copied: File too large\n", run.stderr)
 

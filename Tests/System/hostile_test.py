@@ -13,7 +13,7 @@ import subprocess
 import time
 import unittest
 
-from harness import HOST, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SystemTest, main, make_hole, write
+from harness import HOST, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SystemTest, main, make_hole, read, write
 from tree_value import Model
 
 
@@ -86,8 +86,7 @@ class Hostile(SystemTest):
                 log = b"\n".join(self.log_lines("main")[lines:])
                 for warning in (b">Can't write to USB drive '/media/usb'... using DLOG.", reason):
                     self.assertEqual(log.count(warning), 1, f"times {warning} in {log}")
-        with open(precious, encoding="ascii") as file:
-            self.assertEqual(file.read(), "precious")
+        self.assertEqual(read(precious), b"precious")
         self.assertFalse(os.path.exists(dangling), "the run wrote through the dangling link")
 
     def make_state_directories(self):
@@ -350,8 +349,8 @@ class Hostile(SystemTest):
         for command in commands:
             for kind, which, kib in limits:
                 with self.subTest(command["words"][0], **{kind: f"{kib} KiB"}):
-                    run = subprocess.run(command["words"], check=False, env=self.environment, capture_output=True,
-                                         timeout=60, preexec_fn=lambda: resource.setrlimit(which, (kib << 10, kib << 10)))
+                    limit = lambda: resource.setrlimit(which, (kib << 10, kib << 10))
+                    run = self.run_command(*command["words"], timeout=60, preexec_fn=limit)
                     self.assertGreaterEqual(run.returncode, 0, run.stderr)
                     if run.returncode == 0:
                         self.assertIn(run.stdout.decode(), command["outputs"])

@@ -9,7 +9,7 @@ import signal
 import subprocess
 import unittest
 
-from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, make_hole, write
+from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, make_hole, read, write
 from tree_value import STEPS, Model
 
 
@@ -45,10 +45,8 @@ class Runs(SystemTest):
 
     def files_opened_with(self, path):
         trace = os.path.join(self.work, "trace")
-        subprocess.run(["strace", "-f", "-o", trace, "-e", "trace=openat", PROGRAM, "--path", path], check=False,
-                       env=self.environment, capture_output=True)
-        with open(trace, encoding="utf-8") as calls:
-            return set(re.findall(r'openat\(\w+, "(.*?)"', calls.read()))
+        self.run_command("strace", "-f", "-o", trace, "-e", "trace=openat", PROGRAM, "--path", path)
+        return set(re.findall(r'openat\(\w+, "(.*?)"', read(trace).decode()))
 
     @unittest.skipUnless(shutil.which("strace"), "no strace on this machine")
     def test_run_with_a_missing_path_fails_before_it_reads_the_mount_table(self):
@@ -60,8 +58,8 @@ class Runs(SystemTest):
         reading_end, writing_end = os.pipe()
         os.close(reading_end)
         with os.fdopen(writing_end, "wb") as pipe:
-            run = subprocess.run(f"exec {command} {redirections}", shell=True, check=False, env=self.environment,
-                                 stdout=pipe, stderr=subprocess.PIPE)
+            run = self.run_command("sh", "-c", f"exec {command} {redirections}", capture_output=False, stdout=pipe,
+                                   stderr=subprocess.PIPE)
         self.assert_published("the output was written to the store", status="inactive", progress="100.0")
         return run
 
@@ -134,8 +132,8 @@ class Runs(SystemTest):
     def test_help_is_that_of_the_golden_file_and_starts_no_run(self):
         shown = self.run_program().stdout + b"\n".join(
             self.run_host(*words, "--help").stdout for words in ([], ["scan"], ["compare"], ["settings"]))
-        with open(os.path.join(PROJECT, "Tests/System/help.txt"), "rb") as golden:
-            self.assertEqual(shown.decode(), golden.read().decode().replace("METHODS", " ".join(STEPS)))
+        golden = read(os.path.join(PROJECT, "Tests/System/help.txt")).decode()
+        self.assertEqual(shown.decode(), golden.replace("METHODS", " ".join(STEPS)))
         self.assert_published("help starts no run", status=None, progress=None, result=None)
 
     def test_run_prints_its_help_for_any_word_and_help_option(self):
@@ -153,8 +151,7 @@ class Runs(SystemTest):
             write(os.path.join(self.work, str(number)), b"x" * 5000)
         value = Model("md5").value(self.work)
         for microseconds in range(0, 1000, 20):
-            run = subprocess.run([LEAVING, self.work, str(microseconds)], check=False, env=self.environment, timeout=60,
-                                 capture_output=True)
+            run = self.run_command(LEAVING, self.work, str(microseconds), timeout=60)
             self.assertEqual((run.returncode, run.stderr), (0, b""), microseconds)
             self.assert_published(f"after {microseconds} us", status="inactive", progress="100.0", result=value[:8])
 

@@ -12,7 +12,7 @@ import subprocess
 import time
 import unittest
 
-from harness import BUILD, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SystemTest, main, make_hole, write
+from harness import BUILD, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, STRACE, SystemTest, main, make_hole, write
 from tree_value import Model
 import random_tree
 
@@ -141,9 +141,7 @@ class Threads(SystemTest):
     def run_with_failing_calls(self, fault, entries):
         """Returns the output of a run in which the fourth such call of each thread on one of the entries fails."""
         scope = [word for entry in entries for word in ("-P", entry)]
-        return subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", *scope, "-e", f"inject={fault}:when=4", PROGRAM,
-                               "--path", self.work], check=False, env=self.environment, timeout=60,
-                              capture_output=True).stdout
+        return self.run_command(*STRACE, *scope, "-e", f"inject={fault}:when=4", PROGRAM, "--path", self.work).stdout
 
     @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_call_that_fails_once_fails_the_run_with_any_number_of_threads(self):
@@ -176,9 +174,8 @@ class Threads(SystemTest):
             first = 2 if call == "mmap" else 1  # the first mmap belongs to the dynamic loader, which crashes if it fails
             for when in (range(first, 60) if ALL else (first, 2, 3, 7, 20, 40)):
                 # strace counts the calls of each thread separately.
-                run = subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", "-e", f"trace={call}", "-e",
-                                      f"inject={call}:error=ENOMEM:when={when}", PROGRAM, "--path", self.work],
-                                     check=False, env=self.environment, capture_output=True, timeout=60)
+                run = self.run_command(*STRACE, "-e", f"trace={call}", "-e", f"inject={call}:error=ENOMEM:when={when}",
+                                       PROGRAM, "--path", self.work, timeout=60)
                 with self.subTest(call=call, number=when):
                     if run.returncode == 127:  # from the dynamic loader, before the program's own calls
                         self.assertEqual(run.stdout, b"")

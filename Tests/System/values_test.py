@@ -9,7 +9,7 @@ import subprocess
 import sys
 import unittest
 
-from harness import PROGRAM, SANITIZED, SystemTest, main, write
+from harness import PROGRAM, SANITIZED, STRACE, SystemTest, main, write
 from tree_value import STEPS, Model
 import random_tree
 
@@ -54,8 +54,7 @@ class Values(SystemTest):
     def test_file_system_without_attributes(self):
         write(os.path.join(self.work, "file"))
         os.symlink("file", os.path.join(self.work, "link"))
-        run = subprocess.run(["strace", "-qq", "-f", "-o", "/dev/null", "-e", "inject=llistxattr:error=EOPNOTSUPP", PROGRAM, "--path",
-                              self.work], check=False, env=self.environment, stdout=subprocess.PIPE)
+        run = self.run_command(*STRACE, "-e", "inject=llistxattr:error=EOPNOTSUPP", PROGRAM, "--path", self.work)
         self.assertEqual(run.stdout.decode().strip(), Model("md5").value(self.work))
 
     def test_path_and_method_by_default(self):
