@@ -1,6 +1,6 @@
-"""Reference model of the tree value: what the program must print for a tree, and the scan records that it must leave.
+"""Reference model of the tree value: what the program must print for a tree, and the scan records that it must write.
 
-Shares nothing with the program but the definition: every entry is folded from 0 by its own chain of steps, a
+Shares only the definition with the program: the value of each entry begins at 0 and passes through its own steps; a
 directory adds one step over the decimal values of its entries. Paths are bytes.
 """
 
@@ -13,6 +13,7 @@ MASK = 2**64 - 1
 TOKENS = ("UR", "UW", "UX", "GR", "GW", "GX", "OR", "OW", "OX")
 SPECIAL = ("SU", "SG", "SB")
 CHUNK = 4096
+OTHER_DEVICE, MOUNT_POINT = 0x222, 0x444  # values of directories that are not read
 
 
 def _digest_step(name):
@@ -51,7 +52,7 @@ class Model:
         self.records = []  # (value, path) in the order of the scan log
 
     def value(self, root):
-        """The value of the tree at root, as text. The root is made canonical first."""
+        """Returns the value of the tree at root, as text. The root is made canonical first."""
         path = os.path.realpath(os.fsencode(root))
         self.device = os.lstat(path).st_dev
         return f"{self._entry(path):016x}"
@@ -89,9 +90,9 @@ class Model:
             status = os.lstat(child)
             kind = stat.S_IFMT(status.st_mode)
             if kind == stat.S_IFDIR and status.st_dev != self.device:
-                self.records.append((0x222, child))
+                self.records.append((OTHER_DEVICE, child))
             elif kind == stat.S_IFDIR and child in self.mounts:
-                self.records.append((0x444, child))
+                self.records.append((MOUNT_POINT, child))
             elif kind in (stat.S_IFDIR, stat.S_IFREG, stat.S_IFLNK):
                 listing += b"%d\n" % self._entry(child)
         return self.step(value, listing)
