@@ -3,21 +3,24 @@
 #include "Platform/Product/IProductInfo.h"
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"
+#include "Tests/Fakes/PlatformKeys.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <tuple>
 
 namespace Nerix::Tests {
 
 TEST(MountPointsDeathTest, FindUsbReturnsTheLastMatchingMount) {
     for (const bool hasVariable : {true, false}) {
         inOwnProcess([hasVariable] {
-            if (hasVariable) { FakePlatform::instance().pathVariables[43] = "/opt/usb"; }
+            if (hasVariable) { FakePlatform::instance().pathVariables[PathVariable::usbDrives] = "/opt/usb"; }
             Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
-            const std::tuple<std::string, const char*, const char*> cases[] = {
-                // table, its drive, and by /media alone
+            const struct {
+                std::string table;
+                std::string driveOfVariable; ///< with /opt/usb as the path variable of drives
+                std::string driveOfMedia;    ///< without that variable
+            } cases[] = {
                 {"", "", ""},
                 {"/dev/sda / ext4\nproc /proc proc\n", "", ""},
                 {"a /media/one\nb /media/two x\nc /mnt/three\n", "/media/two", "/media/two"},
@@ -28,10 +31,11 @@ TEST(MountPointsDeathTest, FindUsbReturnsTheLastMatchingMount) {
                 {"\t a \t /media/\r\v y z", "/media/\r\v", "/media/\r\v"},
                 {"a /media/with\\040blank\nword\n", "/media/with\\040blank", "/media/with\\040blank"},
             };
-            for (const auto& [table, byEither, byMedia] : cases) {
+            for (const auto& [table, driveOfVariable, driveOfMedia] : cases) {
+                SCOPED_TRACE(table);
                 const MountPoints mounts{std::istringstream(table)};
-                const std::string drive = hasVariable ? byEither : byMedia;
-                EXPECT_EQ(mounts.findUSB(), drive) << table;
+                const std::string drive = hasVariable ? driveOfVariable : driveOfMedia;
+                EXPECT_EQ(mounts.findUSB(), drive);
                 EXPECT_EQ(mounts.isMountPoint(drive), !drive.empty());
                 EXPECT_FALSE(mounts.isMountPoint("/"));
                 EXPECT_FALSE(mounts.isMountPoint("/media/none"));
