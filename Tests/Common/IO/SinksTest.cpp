@@ -80,11 +80,13 @@ TEST(OpenSSLInitDeathTest, CallbacksLockTheGivenMutexAndAreRemovedOnDestruction)
         const SingletonServiceGuard<OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
         const auto set =
             SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>("test", SINGLETON_OPENSSL_INITIALIZER);
-        Compat::getLockingCallback()(1, 0, "", 0); // CRYPTO_LOCK
+        constexpr int lockMode = 1;   // CRYPTO_LOCK of OpenSSL 1.0
+        constexpr int unlockMode = 2; // CRYPTO_UNLOCK
+        Compat::getLockingCallback()(lockMode, 0, "", 0);
         EXPECT_DEATH(OpenSSLInit().lock(0), "MESSAGE: Destroying object when mutex is still locked!");
         set->unlock(0);
         set->lock(0);
-        Compat::getLockingCallback()(2, 0, "", 0);
+        Compat::getLockingCallback()(unlockMode, 0, "", 0);
         EXPECT_THROW(set->lock(Compat::numLocks()), std::out_of_range);
         Compat::ThreadId id;
         Compat::getThreadIdCallback()(&id);
