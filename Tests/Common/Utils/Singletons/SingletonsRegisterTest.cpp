@@ -67,13 +67,17 @@ TEST(SingletonsRegister, GuardsShareOneInstance) {
     for (const char* const record : {">Needed: singleton id: DUMMY_SING", ">Unmarking needed: singleton id: DUMMY_SING"}) {
         EXPECT_EQ(FakePlatform::instance().countLogged(record), 2U) << record;
     }
+}
 
+TEST(SingletonsRegister, ServiceIsDestroyedInAnInterruptedThread) {
+    lifeEvents.clear();
     boost::thread interrupted([] {
         const ServiceGuard guard(DUMMY_SINGLETON);
         while (!boost::this_thread::interruption_requested()) {}
     });
     interrupted.interrupt();
     interrupted.join();
+    EXPECT_EQ(lifeEvents, (std::vector<std::string>{"service made", "service gone"}));
 }
 
 TEST(SingletonsRegister, RequiredServiceOutlivesItsDependent) {
