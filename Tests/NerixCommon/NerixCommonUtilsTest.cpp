@@ -23,12 +23,12 @@ TEST(NerixCommonUtils, VersionsSplitAtTheFirstDot) {
     for (const auto& [text, wholes, parts] : good) {
         Utils::parseVersion(text, major, minor);
         EXPECT_EQ(std::make_pair(major, minor), std::make_pair(wholes, parts)) << text;
-        EXPECT_EQ(Utils::versionStringForUI(text), std::to_string(wholes));
+        EXPECT_EQ(Utils::versionStringForUI(text), std::to_string(wholes)) << text;
     }
     for (const char* const bad : {"", ".", ".5", "1.", "1.2.3", "99999999999", " 1", "1 ", "0x1", "1e3", "1,5", "+"}) {
         FakePlatform::instance().reset();
         EXPECT_THROW(Utils::parseVersion(bad, major, minor), boost::bad_lexical_cast) << bad;
-        EXPECT_EQ(Utils::versionStringForUI(bad), bad);
+        EXPECT_EQ(Utils::versionStringForUI(bad), bad) << "a text that is no version is shown as it is";
         EXPECT_EQ(FakePlatform::instance().countLogged(
                       ">Exception caught in versionStringForUI. Ignoring: NerixCommon/NerixCommonUtils.cpp("),
                   1U);
@@ -47,7 +47,7 @@ TEST(NerixCommonUtils, VersionsAreReadAlikeInEveryLocale) {
     EXPECT_THROW(Utils::parseVersion("1,234", major, minor), boost::bad_lexical_cast);
     Utils::parseVersion("1234", major, minor);
     EXPECT_EQ(major, 1234);
-    EXPECT_EQ(Utils::versionStringForUI("1234.5"), "1,234") << "shown as people there write it";
+    EXPECT_EQ(Utils::versionStringForUI("1234.5"), "1,234") << "the locale's own grouping";
     std::locale::global(before);
 }
 
