@@ -30,22 +30,22 @@ class Documents(SystemTest):
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_examples_that_show_their_output(self):
-        for document, count in (("README.md", 3), ("docs/host.md", 1)):
+        for document, examples in (("README.md", 3), ("docs/host.md", 1)):
             blocks = re.findall(r"```sh\n(.*?)```\n(?:\n((?:    [^\n]*\n)+))?", read(document), re.DOTALL)
             example = [(commands, shown) for commands, shown in blocks if shown]
-            self.assertEqual(len(example), count)
+            self.assertEqual(len(example), examples, f"blocks of commands with output in {document}")
             script = "".join(commands for commands, _ in example).replace("sudo ", "")  # here it is root
             output = self.run_shell(script, stderr=subprocess.STDOUT)
-            self.assertEqual(shape(output), shape("".join(shown for _, shown in example).replace("    ", "")))
+            self.assertEqual(shape(output), shape("".join(shown for _, shown in example).replace("    ", "")), document)
 
-    @unittest.skipIf(not BUILD.endswith("release"), "they build the release, once is enough")
+    @unittest.skipIf(not BUILD.endswith("release"), "it builds the release, so it runs with that build only")
     def test_builds_of_the_readme(self):
-        # In a copy: they write beside the sources, and a build directory knows where it lies.
+        # Builds a copy, because the commands write beside the sources.
         self.root = os.path.join(self.work, "project")
         shutil.copytree(PROJECT, self.root, ignore=shutil.ignore_patterns("build", ".git"))
         text = read("README.md")
         first, *_, device = re.findall(r"```sh\n(.*?)```", text, re.DOTALL)
-        # scripts/test is what runs this.
+        # Leaves out scripts/test, which runs this test.
         self.assertRegex(self.run_shell(first.split("scripts/test")[0]), r"\A[0-9a-f]{16}\n\Z")
         install = re.search(r"`sudo (cmake --install .*?)`", text).group(1)
         self.run_shell(f"DESTDIR={self.work} {install}")
@@ -55,13 +55,13 @@ class Documents(SystemTest):
                      "bash-completion/completions/NerixHost", "doc/nerix-verifier-hash/README.md", "changelog.Debian.gz",
                      *re.findall(r"\]\((docs/[\w-]+\.md)\)", text)):
             self.assertIn(part, facts)
-        # The stand-in of the unit tests has every function of the platform.
+        # Links the unit tests' fake platform, which has every function of the platform.
         platform = f"{BUILD}/Tests/Fakes/CMakeFiles/Tests_Fakes.dir/FakePlatform.cpp.o"
         self.run_shell(device.replace("LIBRARY;LIBRARY", platform))
         fake = self.run_shell("build/device/Executables/NerixVerifierHash/NerixVerifierHash --path docs")
         self.assertEqual(fake.strip(), self.value(os.path.join(self.root, "docs")))
         self.assertEqual(sorted(os.listdir(self.root)), sorted({*os.listdir(PROJECT), "build"} - {".git"}),
-                         "nothing is left behind but in build")
+                         "files outside build")
 
     def test_every_hash_method_is_documented(self):
         for document in ("docs/NerixVerifierHash.1", "docs/NerixHost.1", "docs/hash-definition.md"):
@@ -70,13 +70,14 @@ class Documents(SystemTest):
 
     def test_worked_example_of_the_definition(self):
         text = read("docs/hash-definition.md")
-        step, value, values = STEPS["md5"], 0, []
+        step, value, values = STEPS["md5"], 0, []  # values: of each row of the table
         for over, shown in re.findall(r"^\| `(.*)` \| `([0-9a-f]{16})`", text, re.MULTILINE):
             value = step(0 if over.startswith("/example") else value, over.replace("⏎", "\n").encode())
             self.assertEqual(f"{value:016x}", shown, over)
             values.append(value)
-        self.assertEqual(len(values), 9)
-        self.assertIn(f"`{values[2]}⏎{values[5]}⏎`", text)
+        self.assertEqual(len(values), 9, "rows")
+        file, link = values[2], values[5]  # the last step of each entry gives its value
+        self.assertIn(f"`{file}⏎{link}⏎`", text)
         command = re.search(r"^    \$ (.*)\n    ([0-9a-f]{16})$", text, re.MULTILINE)
         self.assertEqual(self.run_shell(command.group(1)).strip(), command.group(2))
 
