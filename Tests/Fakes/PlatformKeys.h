@@ -1,16 +1,10 @@
 #pragma once
 
+/// The platform's numbers of facts and directories. The product has its own tables of them.
 namespace Nerix::Tests {
 
-/// The platform's numbers of facts. The product has its own table of them.
-struct SystemInfoKey {
-    enum { softwareDate = 8, tvSoftware = 128, submicomVersion = 133, screenLines = 203 };
-    enum { partitionList = 301, isTV = 358, isZebBox = 359, zebBoxSoftware = 378 };
-};
-
-/// The platform's numbers of directories. The product has its own table of them.
-struct PathVariable {
-    enum { systemBinaries = 6, readOnlyApps = 20, sharedData = 25, apps = 31, usbDrives = 43 };
-};
+enum SoftwareKey { SOFTWARE_DATE = 8, TV_SOFTWARE = 128, SUBMICOM_VERSION = 133, ZEB_BOX_SOFTWARE = 378 };
+enum DeviceKey { SCREEN_LINES = 203, PARTITION_LIST = 301, IS_TV = 358, IS_ZEB_BOX = 359 };
+enum PathVariable { SYSTEM_BINARIES = 6, READ_ONLY_APPS = 20, SHARED_DATA = 25, APPS = 31, USB_DRIVES = 43 };
 
 } // namespace Nerix::Tests

@@ -3,6 +3,7 @@
 
 #include "Tests/Fakes/FakePlatform.h"
 #include "Tests/Fakes/OwnProcess.h"
+#include "Tests/Fakes/PlatformKeys.h"
 #include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
@@ -23,7 +24,8 @@ using Info = Platform::IProductInfo;
 TEST(ProductInfo, TelevisionByDefault) {
     inOwnProcess([] {
         FakePlatform& platform = FakePlatform::instance();
-        platform.systemInfo = {{128, "T-ABHCHD-66770.5"}, {8, "2026-01-02"}, {133, "0.7"}, {301, "/p.txt"}, {203, 540}};
+        platform.systemInfo = {{TV_SOFTWARE, "T-ABHCHD-66770.5"}, {SOFTWARE_DATE, "2026-01-02"}, {SUBMICOM_VERSION, "0.7"}};
+        platform.systemInfo.insert({{PARTITION_LIST, "/p.txt"}, {SCREEN_LINES, 540}});
         Info::initializeProduct(static_cast<Platform::ProductType>(3)); // by number, as callers outside this package pass it
         EXPECT_EQ(Info::getDeviceType(), Platform::TV_PRODUCT);
         EXPECT_EQ(Info::getMasterDeviceType(), Platform::TV_PRODUCT);
@@ -49,7 +51,14 @@ TEST(ProductInfo, TelevisionByDefault) {
               ">MAJOR SW VERSION: 1234", ">MINOR SW VERSION: 5", ">Partition.txt file path is: /p.txt"}) {
             EXPECT_GE(platform.countLogged(record), 1U) << record;
         }
-        platform.systemInfo = {{128, "no.dash"}};
+    });
+}
+
+TEST(ProductInfo, FactsThatCannotBeReadThrowAndAreLogged) {
+    inOwnProcess([] {
+        FakePlatform& platform = FakePlatform::instance();
+        platform.systemInfo = {{TV_SOFTWARE, "no.dash"}};
+        Info::initializeProduct(Platform::TV_PRODUCT);
         const std::pair<std::function<void()>, std::string> failures[] = {
             {[] { Info::getModelString(); }, "getParsedModelAndVersion: Wrong string format - lack of dash"},
             {[] { Info::getVersionString(); }, "getVersionString: Wrong string format - lack of dash"},
@@ -60,6 +69,7 @@ TEST(ProductInfo, TelevisionByDefault) {
             {[] { Info::isGenuineZeb(); }, "Unable to get product type configuration - Zeb"},
         };
         for (const auto& [operation, failure] : failures) {
+            SCOPED_TRACE(failure);
             const std::string report = diagnosticsOf(operation);
             EXPECT_PRED2(contains, report, "] = " + failure + "\n");
             EXPECT_FALSE(contains(report, "Throw in function Answer ")) << report;
@@ -78,31 +88,29 @@ TEST(ProductInfo, PathsAreJoinedFromTheirParts) {
     for (const bool isTV : {true, false}) {
         inOwnProcess([isTV] {
             FakePlatform& platform = FakePlatform::instance();
-            platform.pathVariables = {{6, "/bin6"}, {20, "/apps20"}, {25, "/share25"}, {31, "/apps31"}, {43, "/usb43"}};
+            platform.pathVariables = {{SYSTEM_BINARIES, "/bin"}, {READ_ONLY_APPS, "/roapps"}, {SHARED_DATA, "/share"}};
+            platform.pathVariables.insert({{APPS, "/apps"}, {USB_DRIVES, "/usb"}});
             Info::initializeProduct(isTV ? Platform::TV_PRODUCT : Platform::ZEB_PRODUCT);
             const std::string data = std::string("/org.corvan.tv.nerix/data/") + (isTV ? "tv" : "zeb");
             const std::string partition = "/mnt/systemrw" + data;
-            const std::pair<std::string, std::string> paths[] = {
-                {Info::getFlashDeviceRootPath(), ""},
-                {Info::getNerixPartitionPath(), partition},
-                {Info::getNerixBigTempPath(), "/apps31" + data},
-                {Info::getFileSystemRootPath(), ""},
-                {Info::getMBUPartitionMountPath(), partition + "/mbu_mount_point"},
-                {Info::getUSBMountPath(), "/usb43"},
-                {Info::getLastSearchingDateFilePath(), partition + "/LastSearchingDate"},
-                {Info::getNerixFactoryResetFlagPath(), partition + "/NerixFactoryResetFlag"},
-                {Info::getNerixFinalizingUpgradeFlagPath(), partition + "/NerixFinalizingUpgradeFlag"},
-                {Info::getEmulatedInfoPath(), partition + "/EmulatedInfo.txt"},
-                {Info::getLastPluginFailureFlagFilePath(), partition + "/plugin_failure_flags"},
-                {Info::getKrafsScriptsDirectory(), "/apps20/org.corvan.tv.nerix"},
-                {Info::getLibraryKeyPath(), "/share25/org.corvan.tv.nerix/libnerixprodkeys.so"},
-                {Info::getUpdateInfoFilePath(), partition + "/UpdateInfo.xml"},
-                {Info::getKPIDescriptionFilePath(), "/mnt/systemrw/org.corvan.tv.nerix/datakpi"},
-                {Info::getSystemUsrAppsROPath().native(), "/apps20"},
-                {Info::getSystemUsrBinPath().native(), "/bin6"},
-                {Info::getBackupPath().native(), "/mnt/backup"},
-            };
-            for (const auto& [path, expected] : paths) { EXPECT_EQ(path, expected); }
+            EXPECT_EQ(Info::getFlashDeviceRootPath(), "");
+            EXPECT_EQ(Info::getNerixPartitionPath(), partition);
+            EXPECT_EQ(Info::getNerixBigTempPath(), "/apps" + data);
+            EXPECT_EQ(Info::getFileSystemRootPath(), "");
+            EXPECT_EQ(Info::getMBUPartitionMountPath(), partition + "/mbu_mount_point");
+            EXPECT_EQ(Info::getUSBMountPath(), "/usb");
+            EXPECT_EQ(Info::getLastSearchingDateFilePath(), partition + "/LastSearchingDate");
+            EXPECT_EQ(Info::getNerixFactoryResetFlagPath(), partition + "/NerixFactoryResetFlag");
+            EXPECT_EQ(Info::getNerixFinalizingUpgradeFlagPath(), partition + "/NerixFinalizingUpgradeFlag");
+            EXPECT_EQ(Info::getEmulatedInfoPath(), partition + "/EmulatedInfo.txt");
+            EXPECT_EQ(Info::getLastPluginFailureFlagFilePath(), partition + "/plugin_failure_flags");
+            EXPECT_EQ(Info::getKrafsScriptsDirectory(), "/roapps/org.corvan.tv.nerix");
+            EXPECT_EQ(Info::getLibraryKeyPath(), "/share/org.corvan.tv.nerix/libnerixprodkeys.so");
+            EXPECT_EQ(Info::getUpdateInfoFilePath(), partition + "/UpdateInfo.xml");
+            EXPECT_EQ(Info::getKPIDescriptionFilePath(), "/mnt/systemrw/org.corvan.tv.nerix/datakpi");
+            EXPECT_EQ(Info::getSystemUsrAppsROPath().native(), "/roapps");
+            EXPECT_EQ(Info::getSystemUsrBinPath().native(), "/bin");
+            EXPECT_EQ(Info::getBackupPath().native(), "/mnt/backup");
             EXPECT_EQ(Info::getNerixBigTempStorageMaxSize(), 943718400U);
             EXPECT_EQ(Info::getNerixSmallTempStorageMaxSize(), 10485760U);
             platform.reset();
@@ -115,7 +123,8 @@ TEST(ProductInfo, PathsAreJoinedFromTheirParts) {
 TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
     inOwnProcess([] {
         FakePlatform& platform = FakePlatform::instance();
-        platform.systemInfo = {{128, "T-TVH-1.2"}, {378, "Z-BOXH-3"}, {358, false}, {359, true}, {203, 1080}};
+        platform.systemInfo = {{TV_SOFTWARE, "T-TVH-1.2"}, {ZEB_BOX_SOFTWARE, "Z-BOXH-3"}, {SCREEN_LINES, 1080}};
+        platform.systemInfo.insert({{IS_TV, false}, {IS_ZEB_BOX, true}});
         Info::initializeProduct(Platform::ZEB_PRODUCT);
         EXPECT_EQ(platform.countLogged(">Product type set to ZEB_PRODUCT"), 1U);
         EXPECT_EQ(Info::getDeviceType(), Platform::ZEB_PRODUCT);
@@ -131,17 +140,23 @@ TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
     });
 }
 
-TEST(ProductInfoDeathTest, ThrowsBeforeInitialisationAndAbortsOnSecond) {
+TEST(ProductInfoDeathTest, LookupsBeforeInitialisationThrow) {
     EXPECT_THROW(Info::getModelString(), Platform::ProductUninitializedException);
     EXPECT_THROW(Info::getSystemUsrBinPath(), Platform::ProductUninitializedException);
-    EXPECT_EQ(FakePlatform::instance().countLogged("The platform has no directory"), 0U) << "it is not asked";
+    EXPECT_EQ(FakePlatform::instance().countLogged("The platform has no directory"), 0U);
     EXPECT_THROW(Info::getEmulatedOTNZone(), Platform::ProductUninitializedException);
+}
+
+TEST(ProductInfoDeathTest, BoardAndCoreNamesNeedNoInitialisation) {
     EXPECT_TRUE(Info::checkBoardType("emulator32"));
     EXPECT_FALSE(Info::checkBoardType("Emulator32"));
     EXPECT_FALSE(Info::isPreCorvanBoard());
     EXPECT_EQ(Info::getCoreName(Platform::TV_PRODUCT), "TV");
     EXPECT_EQ(Info::getCoreName(Platform::ZEB_PRODUCT), "Zeb");
     EXPECT_DEATH(Info::getCoreName(Platform::UNDEFINED_PRODUCT), "ASSERTION FAILED: type == TV_PRODUCT");
+}
+
+TEST(ProductInfoDeathTest, InitialisationWithoutAProductOrForTheSecondTimeAborts) {
     EXPECT_DEATH(Info::initializeProduct(Platform::UNDEFINED_PRODUCT), "ASSERTION FAILED: false, ");
     EXPECT_DEATH(Info::initializeProduct(Platform::TV_PRODUCT);
                  Info::initializeProduct(Platform::TV_PRODUCT), "ASSERTION FAILED: m_productType == UNDEFINED_PRODUCT, ");
@@ -157,7 +172,7 @@ void inDevice(const std::function<void(const boost::filesystem::path& file)>& bo
         Info::initializeProduct(Platform::TV_PRODUCT);
         const boost::filesystem::path file = Info::getEmulatedInfoPath();
         FakePlatform::instance().reset();
-        EXPECT_FALSE(Info::getEmulatedModelString()) << "no file";
+        EXPECT_FALSE(Info::getEmulatedModelString()) << "there is no file yet";
         EXPECT_EQ(FakePlatform::instance().countLogged(">emulated info file " + file.native() + " does not exist"), 1U);
         EXPECT_EQ(FakePlatform::instance().countLogged(" should be used only in Debug mode"), 1U);
         expectFailure("File doesn't exist.", [] { Info::setEmulatedModelString("m"); });
@@ -192,7 +207,7 @@ TEST(EmulatedInfo, EntriesComeBackAndMoveToTheEnd) {
         });
 }
 
-TEST(EmulatedInfo, TextsThatCouldNotBeReadBackAreRefusedBeforeTheFileIsMade) {
+TEST(EmulatedInfo, TextsThatCouldNotBeReadBackAreRejectedAndNoFileIsMade) {
     inDevice([](const boost::filesystem::path& file) {
         const std::string noEntry = "Can't store an empty text, or one with a line break, in EmulatedInfo.txt.";
         const std::string noKey = "Can't store a key with a colon in EmulatedInfo.txt.";
@@ -213,17 +228,28 @@ TEST(EmulatedInfo, MalformedFileIsRejectedAndLeftUnchanged) {
         const std::string noValue = "Failed getting emulatedInfoValue.";
         for (const auto& [bad, failure] : std::vector<std::pair<std::string, std::string>>{
                  {":value", noKey}, {"", noKey}, {"Key:", noValue}, {"Key", noValue}, {"Key::x", noValue}}) {
+            SCOPED_TRACE("line '" + bad + "'");
             const std::string content = "A:1\n" + bad + "\nModelString:m\n";
             boost::filesystem::ofstream(file) << content;
             expectFailure(failure, [] { Info::getEmulatedModelString(); });
             expectFailure(failure, [] { Info::setEmulatedModelString("n"); });
-            EXPECT_EQ(contentOf(file), content) << bad;
+            EXPECT_EQ(contentOf(file), content);
         }
+    });
+}
+
+TEST(EmulatedInfo, ValueEndsAtASecondColon) {
+    inDevice([](const boost::filesystem::path& file) {
         boost::filesystem::ofstream(file) << "A:1\n";
         Info::setEmulatedMainSoftwareVersionDate("2016-01-01:extra");
         EXPECT_EQ(Info::getEmulatedMainSoftwareVersionDate(), std::string("2016-01-01"));
         Info::setEmulatedOTNZone('E');
         EXPECT_EQ(contentOf(file), "A:1\nDate:2016-01-01\nOTNZone:E\n");
+    });
+}
+
+TEST(EmulatedInfo, FailuresOfTheFileNameTheOperation) {
+    inDevice([](const boost::filesystem::path& file) {
         boost::filesystem::ofstream(file) << "A:1\n";
         expectFailure("Requested key doesn't exist in EmulatedInfo.txt. Key: Submicom",
                       [] { Info::getEmulatedSubmicomVersion(); });

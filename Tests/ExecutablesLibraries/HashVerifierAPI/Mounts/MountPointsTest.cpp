@@ -14,7 +14,7 @@ namespace Nerix::Tests {
 TEST(MountPointsDeathTest, FindUsbReturnsTheLastMatchingMount) {
     for (const bool hasVariable : {true, false}) {
         inOwnProcess([hasVariable] {
-            if (hasVariable) { FakePlatform::instance().pathVariables[PathVariable::usbDrives] = "/opt/usb"; }
+            if (hasVariable) { FakePlatform::instance().pathVariables[USB_DRIVES] = "/opt/usb"; }
             Platform::IProductInfo::initializeProduct(Platform::TV_PRODUCT);
             const struct {
                 std::string table;
