@@ -20,8 +20,6 @@ inline std::string diagnosticsOf(const std::function<void()>& operation) {
 inline bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 /// Returns true if the whole text matches the regular expression.
-inline bool matches(const std::string& text, const std::string& pattern) {
-    return std::regex_match(text, std::regex(pattern));
-}
+inline bool matches(const std::string& text, const std::string& form) { return std::regex_match(text, std::regex(form)); }
 
 } // namespace Nerix::Tests

@@ -111,10 +111,9 @@ class Device(SystemTest):
 
     def test_settings_list_prints_json_objects(self):
         value = self.value(self.work)
-        objects = [json.loads(line) for line in self.run_host("settings", "list", "--json").stdout.splitlines()]
-        self.assertEqual([tuple(told.values()) for told in objects],
-                         [(f"db/{PREFIX}result", value[:8]), (f"memory/{PREFIX}progress", "100.0"),
-                          (f"memory/{PREFIX}status", "inactive")])
+        held = [tuple(json.loads(line).values()) for line in self.run_host("settings", "list", "--json").stdout.splitlines()]
+        self.assertEqual(held, [(f"db/{PREFIX}result", value[:8]), (f"memory/{PREFIX}progress", "100.0"),
+                                (f"memory/{PREFIX}status", "inactive")])
 
     def test_settings_watch_that_waits_shows_the_last_result(self):
         value = self.value(self.work)

@@ -13,6 +13,7 @@ import shutil
 import subprocess
 import threading
 import time
+import unittest
 
 from harness import NO_MOUNTS, PROGRAM, SANITIZED, SystemTest, main, use_one_core, write
 from tree_value import Model
@@ -54,10 +55,9 @@ class Faults(SystemTest):
         return value
 
     def run_traced(self, whose, *options):
-        """Runs the program under strace and returns the run and the lines of its trace.
+        """Returns a run under strace and its trace: the main thread's calls, or the worker's calls on the tree's entries.
 
-        whose: "main" traces the calls of the main thread, "worker" the calls on entries of the tree. Restores the store
-        first, because a used store leads to other calls.
+        Restores the store first, because a used store leads to other calls.
         """
         shutil.rmtree(self.home)
         shutil.copytree(self.first_home, self.home)
@@ -160,9 +160,8 @@ class Faults(SystemTest):
     def test_run_ends_well_whatever_system_call_fails(self):
         self.fail_every_call()
 
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_run_ends_well_whatever_system_call_on_a_drive_fails(self):
-        if NO_MOUNTS:
-            self.skipTest(NO_MOUNTS)
         self.mount("/media")
         self.mount("/media/usb")
         self.fail_every_call("/media/usb")

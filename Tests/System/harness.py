@@ -33,8 +33,7 @@ IN_OWN_ROOT = "NERIX_OWN_ROOT" in os.environ
 NO_MOUNTS = None if IN_OWN_ROOT else "no private mounts on this machine"
 
 # Arguments: the new root, the project, the place of the build in the new root, the build, and the command to run there.
-# The new root has the entries of the machine's root without its drives, the project at /nerix and the build at the given
-# place, where no test mounts anything.
+# The new root has the entries of the machine's root without its drives, and the project at /nerix.
 OWN_ROOT = """
 set -e
 mount -t tmpfs none "$1" && cd "$1" && mount --make-unbindable .
@@ -104,14 +103,12 @@ class SystemTest(unittest.TestCase):
         self.assertIn(entry, text)
         write(f"{place}/DebugAndTestParameters.xml",
               text.replace(entry, f"<first>hashVerifierThreads</first><second>{count}</second>").encode())
-        empty = os.path.join(self.work, ".empty")
-        os.makedirs(empty)
         log = os.path.join(self.home, "log")
         before = len(self.log_lines("main"))
-        self.value(empty)
+        with tempfile.TemporaryDirectory() as empty:
+            self.value(empty)
         self.assertIn(f">Getting custom debug parameter hashVerifierThreads: {count}.".encode(),
                       b"".join(self.log_lines("main")[before:]))
-        os.rmdir(empty)
         if before == 0:
             shutil.rmtree(log)
 

@@ -129,7 +129,8 @@ class Runs(SystemTest):
             self.assertEqual(self.run_host("settings", "list").stderr, b"")
             run.terminate()
 
-    def test_help_is_that_of_the_golden_file_and_starts_no_run(self):
+    def test_help_and_version_are_as_documented_and_start_no_run(self):
+        self.assertEqual(self.run_host("--version").stdout, b"NerixHost 0.348.0\n")
         shown = self.run_program().stdout + b"\n".join(
             self.run_host(*words, "--help").stdout for words in ([], ["scan"], ["compare"], ["settings"]))
         golden = read(os.path.join(PROJECT, "Tests/System/help.txt")).decode()
@@ -142,9 +143,6 @@ class Runs(SystemTest):
                 run = self.run_program(*arguments)
                 self.assertEqual((run.returncode, run.stdout), (0, self.run_program().stdout))
         self.assert_published("help starts no run", status=None, progress=None, result=None)
-
-    def test_host_prints_its_version(self):
-        self.assertEqual(self.run_host("--version").stdout, b"NerixHost 0.348.0\n")
 
     def test_worker_publishes_its_value_while_its_process_ends(self):
         for number in range(300):

@@ -39,10 +39,7 @@ TEST(ThreadDebugDeathTest, MainThreadIsNotRenamed) {
         EXPECT_EQ(countLogged("[WRN] ThreadDebug.cpp:"), 1U);
         EXPECT_EQ(countLogged(">Main thread name: other."), 1U);
     });
-}
-
-TEST(ThreadDebugDeathTest, MainThreadIsNotRenamedByAnotherThread) {
-    inOwnProcess([] {
+    inOwnProcess([] { // nor by another thread
         boost::thread thread([] {});
         ThreadDebug::registerMainThreadId(thread.get_id());
         ThreadDebug::SetThreadName(thread, "main");

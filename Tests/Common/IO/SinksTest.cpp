@@ -80,8 +80,7 @@ TEST(OpenSSLInitDeathTest, CallbacksLockTheGivenMutexAndAreRemovedOnDestruction)
         const SingletonServiceGuard<OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
         const auto set =
             SingletonsRegister::getSingletonsRegister().getService<OpenSSLInit>("test", SINGLETON_OPENSSL_INITIALIZER);
-        constexpr int lockMode = 1;   // CRYPTO_LOCK of OpenSSL 1.0
-        constexpr int unlockMode = 2; // CRYPTO_UNLOCK
+        enum { lockMode = 1, unlockMode = 2 }; // CRYPTO_LOCK and CRYPTO_UNLOCK of OpenSSL 1.0
         Compat::getLockingCallback()(lockMode, 0, "", 0);
         EXPECT_DEATH(OpenSSLInit().lock(0), "MESSAGE: Destroying object when mutex is still locked!");
         set->unlock(0);

@@ -44,9 +44,8 @@ TEST(Filesystem, QueriesDoNotFollowLinks) {
     EXPECT_EQ(namesWhere(filesystem::is_symlink), (Names{"link", "file link", "dangling"}));
     EXPECT_EQ(namesWhere([](const auto& path) { return filesystem::waitForFile(path, 0); }), existing);
     EXPECT_TRUE(filesystem::waitForFile(at("dangling")));
-    EXPECT_EQ(namesWhere([](const auto& path) { return filesystem::openRegularFile(path).is_open(); }),
-              (Names{"file", "file link"}))
-        << "opening follows links";
+    const auto opens = [](const auto& path) { return filesystem::openRegularFile(path).is_open(); };
+    EXPECT_EQ(namesWhere(opens), (Names{"file", "file link"})) << "opening follows links";
 }
 
 TEST(Filesystem, CanonicalFollowsLinks) {
@@ -58,12 +57,13 @@ TEST(Filesystem, CanonicalFollowsLinks) {
 
 TEST(Filesystem, RenameReplacesAndRemoveReportsWhatExisted) {
     const TemporaryDirectory directory;
+    const boost::filesystem::path fifo = directory.path() / "fifo";
     boost::filesystem::ofstream(directory.path() / "file") << "content";
-    ::mkfifo((directory.path() / "fifo").c_str(), 0600);
-    filesystem::rename(directory.path() / "file", directory.path() / "fifo");
-    EXPECT_EQ(contentOf(directory.path() / "fifo"), "content");
-    EXPECT_TRUE(filesystem::remove(directory.path() / "fifo"));
-    EXPECT_FALSE(filesystem::remove(directory.path() / "fifo"));
+    ::mkfifo(fifo.c_str(), 0600);
+    filesystem::rename(directory.path() / "file", fifo);
+    EXPECT_EQ(contentOf(fifo), "content");
+    EXPECT_TRUE(filesystem::remove(fifo));
+    EXPECT_FALSE(filesystem::remove(fifo));
 }
 
 TEST(Filesystem, FailuresNameTheOperationAndThePath) {

@@ -20,8 +20,7 @@ struct Service : RegisterableSingleton {
     Service() { lifeEvents.emplace_back("service made"); }
     ~Service() override {
         lifeEvents.emplace_back("service gone");
-        boost::this_thread::
-            interruption_point(); // must have no effect: an exception from a destructor would terminate the process
+        boost::this_thread::interruption_point(); // must not throw: an exception from a destructor ends the process
     }
     int answer() const { return 42; }
 };
