@@ -59,10 +59,10 @@ class Threads(SystemTest):
 
     def test_directory_with_more_names_than_are_read_ahead(self):
         make_hole(os.path.join(self.work, "a"), 64 << 20)  # keeps the worker busy
-        large = os.path.join(self.work, "b")
-        os.mkdir(large)
-        for number in range(16385):
-            write(os.path.join(large, str(number)))
+        for name, files in (("b", 16385), ("c", 9000)):  # the entries of c fill the queue before those of b are taken
+            os.mkdir(os.path.join(self.work, name))
+            for number in range(files):
+                write(os.path.join(self.work, name, str(number)))
         value = Model("md5").value(self.work)
         for threads in (1, 4):
             self.use_threads(threads)

@@ -23,10 +23,13 @@ struct Listing {
     explicit Listing(Names itsNames) : names(std::move(itsNames)) {}
 
     const Names names;
-    std::size_t next = 0; ///< the first name that no thread has taken; guarded by the queue
-    bool isReported =
-        false;          ///< whether the directory's own steps have been reported; used only by the reporter
-    std::string values; ///< of the entries reported so far, one per line; used only by the reporter
+    // Guarded by the queue.
+    std::size_t next = 0;    ///< the first name that no thread has taken
+    std::size_t inQueue = 0; ///< how many entries of the directory the queue holds
+
+    // Used only by the reporter.
+    bool isReported = false; ///< whether the directory's own steps have been reported
+    std::string values;      ///< of the entries reported so far, one per line
 };
 
 /// An entry that a thread has taken and the reporter has not reported yet. Members not marked otherwise belong to the

@@ -51,7 +51,7 @@ ReportQueue::Turn ReportQueue::next() {
             m_open.push_front(front);
             return Turn::examineFront;
         }
-        if (ahead() < m_maxAhead && m_offering != nullptr) {
+        if (hasRoom(1)) {
             return Turn::takeEntries;
         }
         m_reporterWakes.wait(lock);
@@ -66,6 +66,9 @@ QueuedEntry* ReportQueue::takeFinished(Entries& finished, StepSizes& steps) {
         QueuedEntry& entry = m_entries.front();
         if (entry.isAhead && entry.listing) {
             m_namesAhead -= entry.listing->names.size();
+        }
+        if (entry.parent != nullptr) {
+            --entry.parent->listing->inQueue;
         }
         finished.splice(finished.end(), m_entries, m_entries.begin());
     }
@@ -145,7 +148,7 @@ void ReportQueue::stop() {
 
 void ReportQueue::wakeHelpers() {
     // Not for every entry removed: waking a thread costs more than most entries.
-    if (m_waitingHelpers != 0 && ahead() <= m_maxAhead / 2 && m_offering != nullptr) {
+    if (m_waitingHelpers != 0 && hasRoom(2)) {
         m_helpersWake.notify_all();
     }
 }
@@ -153,10 +156,7 @@ void ReportQueue::wakeHelpers() {
 QueuedEntry* ReportQueue::takeNow(Entries& unused, std::size_t busy) {
     // What there is to do is spread over the threads: few large files must not all go to the first one.
     const std::size_t share = (m_beingExamined + m_namesLeft + m_threads - 1) / m_threads;
-    if (ahead() >= m_maxAhead || busy >= std::max<std::size_t>(share, 1)) {
-        return nullptr;
-    }
-    return m_offering == nullptr ? nullptr : &takeName(*m_offering, unused);
+    return busy < std::max<std::size_t>(share, 1) && hasRoom(1) ? &takeName(*m_offering, unused) : nullptr;
 }
 
 QueuedEntry& ReportQueue::takeName(QueuedEntry& directory, Entries& unused) {
@@ -166,6 +166,7 @@ QueuedEntry& ReportQueue::takeName(QueuedEntry& directory, Entries& unused) {
     entry.depth = directory.depth + 1;
     entry.name = directory.listing->next++;
     entry.isAhead = true;
+    ++directory.listing->inQueue;
     --m_namesLeft;
     ++m_beingExamined;
     m_entries.splice(directory.place, unused, unused.begin());
@@ -188,6 +189,24 @@ void ReportQueue::offerNames(QueuedEntry& directory) {
 
 bool ReportQueue::isFrontDeferred() const {
     return !m_entries.empty() && m_entries.front().state == State::deferred;
+}
+
+bool ReportQueue::containsFront(const QueuedEntry& directory) const {
+    const QueuedEntry* entry = &m_entries.front();
+    while (entry != nullptr && entry != &directory) {
+        entry = entry->parent;
+    }
+    return entry != nullptr;
+}
+
+/// Returns true if the first name that is left may be taken while at most one part in `divisor` of the room is used.
+bool ReportQueue::hasRoom(std::size_t divisor) const {
+    if (m_offering == nullptr) {
+        return false;
+    }
+    const std::size_t inQueue = m_offering->listing->inQueue;
+    return ahead() * divisor < m_maxAhead ||
+           ((inQueue == 0 || inQueue * divisor < m_maxAhead / 8) && containsFront(*m_offering));
 }
 
 std::size_t ReportQueue::ahead() const {

@@ -30,7 +30,8 @@ public:
     using Entries = std::list<QueuedEntry>;
 
     /// Besides the front and the directories that contain it. So many small files keep the lanes busy while a large one
-    /// is in front; they take up to 5 MiB.
+    /// is in front; they take up to 5 MiB. A directory that contains the front may always have an eighth of it in the
+    /// queue: what comes next must not wait for room that only reporting it can make.
     static constexpr std::size_t maxEntriesAhead = 8192;
 
     /// In the listings of directories that were examined ahead.
@@ -91,6 +92,8 @@ private:
     QueuedEntry& takeName(QueuedEntry& directory, Entries& unused);
     QueuedEntry* takeNow(Entries& unused, std::size_t busy);
     bool isFrontDeferred() const;
+    bool containsFront(const QueuedEntry& directory) const;
+    bool hasRoom(std::size_t divisor) const;
     void wakeHelpers();
 
     const std::size_t m_threads;

@@ -105,6 +105,17 @@ TEST_F(ReportQueueTest, FullQueueGivesNoEntryUntilTheFrontIsReported) {
     EXPECT_NE(take(small), nullptr);
 }
 
+TEST_F(ReportQueueTest, FullQueueGivesTheEntriesOfADirectoryInFront) {
+    ReportQueue small(1, 1);
+    begin(small);
+    QueuedEntry* const front = take(small);
+    ASSERT_NE(take(small), nullptr);
+    front->listing = std::make_unique<Listing>(Names(directory.path()));
+    small.settle(*front, State::examined, none);
+    EXPECT_EQ(small.next(), Turn::takeEntries);
+    EXPECT_NE(take(small), nullptr);
+}
+
 TEST_F(ReportQueueTest, ThreadGetsNoMoreThanItsShareOfTheNames) {
     ReportQueue shared(2);
     begin(shared);
