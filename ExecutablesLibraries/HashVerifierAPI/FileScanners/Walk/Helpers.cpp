@@ -18,14 +18,20 @@ namespace {
 
 constexpr std::size_t maxThreads = 8;
 
-std::size_t wantedThreads() {
+std::size_t availableCores() {
     cpu_set_t cores{};
-    const int count = ::sched_getaffinity(0, sizeof cores, &cores) == 0 ? CPU_COUNT(&cores) : 1;
-    int threads = count > 1 ? std::max(count, 4) : 1;
+    return ::sched_getaffinity(0, sizeof cores, &cores) == 0 ? static_cast<std::size_t>(CPU_COUNT(&cores))
+                                                             : 1;
+}
+
+std::size_t wantedThreads(std::size_t cores) {
+    std::size_t threads = cores > 1 ? std::max<std::size_t>(cores, 4) : 1;
     if (Common::DebugAndTestParameters::loaded()) {
-        threads = Common::getDebugAndTestParameters().getCustomIntParam("hashVerifierThreads", threads);
+        const int wanted = Common::getDebugAndTestParameters().getCustomIntParam("hashVerifierThreads",
+                                                                                 static_cast<int>(threads));
+        threads = static_cast<std::size_t>(std::max(wanted, 1));
     }
-    return std::clamp<std::size_t>(static_cast<std::size_t>(std::max(threads, 1)), 1, maxThreads);
+    return std::min(threads, maxThreads);
 }
 
 /// Returns how many files the threads may have open together.
@@ -59,8 +65,10 @@ private:
 ThreadPlan planThreads(std::size_t lanes) {
     constexpr std::size_t leastPerHelper = 2; // the content of one file, a directory that is listed
     const std::size_t available = availableDescriptors();
-    const std::size_t threads = std::min(wantedThreads(), 1 + available / leastPerHelper);
-    return {threads, std::clamp<std::size_t>(available / threads, leastPerHelper, lanes + 1) - 1};
+    const std::size_t cores = availableCores();
+    const std::size_t threads = std::min(wantedThreads(cores), 1 + available / leastPerHelper);
+    return {threads, std::min(threads, cores),
+            std::clamp<std::size_t>(available / threads, leastPerHelper, lanes + 1) - 1};
 }
 
 Helpers::Helpers(ReportQueue& queue) : m_queue(queue) {}

@@ -18,10 +18,10 @@ namespace Nerix::FileScanners {
 
 class ReportQueue;
 
-/// How many threads a walk has, the worker included, and how many entries each examines at a time.
 struct ThreadPlan {
-    std::size_t threads;
-    std::size_t entriesPerThread;
+    std::size_t threads;          ///< of the walk, the worker included
+    std::size_t cores;            ///< that these threads can use
+    std::size_t entriesPerThread; ///< that each of them examines at a time
 };
 
 /// Plans a walk for a hash function with that many lanes. One thread per core, but at least 4 on more than one core, so

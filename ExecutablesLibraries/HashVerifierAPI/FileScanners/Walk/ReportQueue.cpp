@@ -154,8 +154,8 @@ void ReportQueue::wakeHelpers() {
 }
 
 QueuedEntry* ReportQueue::takeNow(Entries& unused, std::size_t busy) {
-    // What there is to do is spread over the threads: few large files must not all go to the first one.
-    const std::size_t share = (m_beingExamined + m_namesLeft + m_threads - 1) / m_threads;
+    // What there is to do is spread over the cores: a few large files must not all go to the first thread.
+    const std::size_t share = (m_beingExamined + m_namesLeft + m_cores - 1) / m_cores;
     return busy < std::max<std::size_t>(share, 1) && hasRoom(1) ? &takeName(*m_offering, unused) : nullptr;
 }
 

@@ -37,10 +37,10 @@ public:
     /// In the listings of directories that were examined ahead.
     static constexpr std::size_t maxNamesAhead = 65536;
 
-    /// threads: how many take entries, the reporter included. maxAhead: how many entries may be in the queue besides the
-    /// front and the directories that contain it.
-    explicit ReportQueue(std::size_t threads, std::size_t maxAhead = maxEntriesAhead)
-        : m_threads(threads), m_maxAhead(maxAhead) {}
+    /// cores: among how many threads the names that are left are shared; further threads only help while those wait for
+    /// a disk. maxAhead: how many entries may be in the queue besides the front and the directories that contain it.
+    explicit ReportQueue(std::size_t cores, std::size_t maxAhead = maxEntriesAhead)
+        : m_cores(cores), m_maxAhead(maxAhead) {}
 
     /// Puts the root into the empty queue, deferred. `root` holds that entry alone.
     void begin(Entries& root);
@@ -96,7 +96,7 @@ private:
     bool hasRoom(std::size_t divisor) const;
     void wakeHelpers();
 
-    const std::size_t m_threads;
+    const std::size_t m_cores;
     const std::size_t m_maxAhead;
     std::mutex m_mutex;
     std::condition_variable m_reporterWakes;

@@ -128,7 +128,7 @@ Walk::Walk(const IFileScanner& directory, const IHashFunction& function, Place p
       m_root(root),
       m_rootValue(value),
       m_plan(planThreads(function.lanes())),
-      m_queue(m_plan.threads),
+      m_queue(m_plan.cores),
       m_helpers(m_queue),
       m_reporter(m_queue, m_helpers, function) {}
 
