@@ -1,6 +1,7 @@
-// The files are archives of Boost.Serialization, but Boost's own code covers only part of the format. XmlReader checks
-// element names strictly. StoredOptional is an optional value with its version numbers. Object is an element with
-// fields: ParametersArchive::visit names the fields in order, and FieldReader or FieldWriter handles each of them.
+// The files are archives of Boost.Serialization, but Boost's own code covers only part of the format.
+// XmlReader checks element names strictly. StoredOptional is an optional value with its version numbers.
+// Object is an element with fields: ParametersArchive::visit names the fields in order, and FieldReader or
+// FieldWriter handles each of them.
 
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
 

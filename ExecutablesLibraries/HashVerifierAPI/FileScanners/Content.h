@@ -10,16 +10,16 @@
 
 namespace Nerix::FileScanners {
 
-/// Reads the content of a regular file. The file may have been replaced since its status was read, so anything but a
-/// regular file is rejected.
+/// Reads the content of a regular file. The file may have been replaced since its status was read, so
+/// anything but a regular file is rejected.
 ///
-/// A read error ends the content, too: readError tells them apart. A termination signal makes reads return the end of
-/// the file.
+/// A read error ends the content, too: readError tells them apart. A termination signal makes reads return
+/// the end of the file.
 class Content : private boost::noncopyable {
 public:
-    /// path must outlive the object. size: the file's, in bytes, from its status. descriptor: as openContent returns it
-    /// (ContentOpening.h), with errno still set if it is -1. Throws GenericException "access error: can't read content
-    /// of file: " + quoted path if it is -1.
+    /// path must outlive the object. size: the file's, in bytes, from its status. descriptor: as openContent
+    /// returns it (ContentOpening.h), with errno still set if it is -1. Throws GenericException "access
+    /// error: can't read content of file: " + quoted path if it is -1.
     Content(const boost::filesystem::path& path, std::uint64_t size, int descriptor);
 
     /// Reads up to size bytes. Returns how many; 0 at the end of the content.

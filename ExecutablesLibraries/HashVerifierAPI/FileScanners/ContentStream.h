@@ -12,8 +12,8 @@
 
 namespace Nerix::FileScanners {
 
-/// The content of a regular file as a stream, see Content. Opening it waits for leases held by other processes, see
-/// ContentOpening.h.
+/// The content of a regular file as a stream, see Content. Opening it waits for leases held by other
+/// processes, see ContentOpening.h.
 class ContentStream : private boost::noncopyable {
 public:
     /// Opens the file. Throws what Content throws.

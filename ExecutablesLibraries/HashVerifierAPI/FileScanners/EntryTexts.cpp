@@ -92,7 +92,7 @@ bool EntryTexts::nextChunk(std::string_view& text) {
     if (m_bufferEnd - m_chunkBegin < chunkSize && !m_isAtEnd) {
         fillBuffer();
     }
-    text = {m_buffer.data + m_chunkBegin, std::min(chunkSize, m_bufferEnd - m_chunkBegin)};
+    text = {m_buffer.data() + m_chunkBegin, std::min(chunkSize, m_bufferEnd - m_chunkBegin)};
     m_chunkBegin += text.size();
     if (text.empty()) {
         m_content->throwIfReplaced();
@@ -110,11 +110,11 @@ void EntryTexts::openContent() {
 
 void EntryTexts::fillBuffer() {
     m_bufferEnd -= m_chunkBegin;
-    std::memmove(m_buffer.data, m_buffer.data + m_chunkBegin, m_bufferEnd);
+    std::memmove(m_buffer.data(), m_buffer.data() + m_chunkBegin, m_bufferEnd);
     m_chunkBegin = 0;
     while (m_bufferEnd < chunkSize && !m_isAtEnd) { // a read may give less than there is
         const std::size_t count =
-            m_content->read(m_buffer.data + m_bufferEnd, Buffer::capacity - m_bufferEnd);
+            m_content->read(m_buffer.data() + m_bufferEnd, m_buffer.capacity() - m_bufferEnd);
         m_bufferEnd += count;
         m_isAtEnd = count == 0;
     }

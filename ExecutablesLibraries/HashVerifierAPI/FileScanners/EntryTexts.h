@@ -6,6 +6,7 @@
 #include <boost/core/noncopyable.hpp>
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,24 +14,37 @@
 
 namespace Nerix::FileScanners {
 
-/// The texts over which the steps of one entry are taken, in order: path, status, attributes, then the content of a
-/// file or the target of a link. They are those of IFileScanner::examine, one at a time, so that the steps of several
-/// entries can be taken in turns. Each is read when it is asked for.
+/// The texts over which the steps of one entry are taken, in order: path, status, attributes, then the
+/// content of a file or the target of a link. They are those of IFileScanner::examine, one at a time, so that
+/// the steps of several entries can be taken in turns. Each is read when it is asked for.
 class EntryTexts : private boost::noncopyable {
 public:
-    /// Where content is read, in a file's case. The data begins eight bytes after an aligned address: with the value
-    /// in front of it, a step then takes aligned blocks.
-    struct Buffer {
-        static constexpr std::size_t capacity = 32768;
-        alignas(64) char unused[8];
-        char data[capacity];
+    /// Where the content of a file is read. The data begins eight bytes after an aligned address: with the value in
+    /// front of it, a step then takes aligned blocks.
+    class Buffer {
+    public:
+        /// capacity: in bytes, a multiple of 4096.
+        explicit Buffer(std::size_t capacity)
+            : m_blocks(std::make_unique<Block[]>(capacity / sizeof(Block) + 1)), m_capacity(capacity) {}
+
+        char* data() { return m_blocks[0].bytes + 8; }
+        std::size_t capacity() const { return m_capacity; }
+
+    private:
+        struct alignas(64) Block {
+            Block() {} // leaves the bytes as they are
+            char bytes[64];
+        };
+
+        std::unique_ptr<Block[]> m_blocks;
+        std::size_t m_capacity;
     };
 
     /// entry and buffer must outlive the object.
     EntryTexts(const FileInput& entry, IFileScanner::Remainder remainder, Buffer& buffer);
 
-    /// Replaces text by the next one, which stays valid until the next call. Returns false after the last. Throws what
-    /// IFileScanner::examine throws, and LeasedFile.
+    /// Replaces text by the next one, which stays valid until the next call. Returns false after the last.
+    /// Throws what IFileScanner::examine throws, and LeasedFile.
     bool next(std::string_view& text);
 
     /// Returns the errno of the read that ended the content early, or 0 if none did.

@@ -14,8 +14,8 @@ public:
     Remainder remainder() const override { return Remainder::target; }
 };
 
-/// Returns the target of the link, with the length that its status gives. Throws GenericException "access error: can't
-/// read symlink: " + quoted path.
+/// Returns the target of the link, with the length that its status gives. Throws GenericException "access
+/// error: can't read symlink: " + quoted path.
 std::vector<char> targetOf(const FileInput& entry);
 
 } // namespace Nerix::FileScanners

@@ -32,10 +32,11 @@ public:
     /// How many chains applyChains takes at a time, at least 1.
     virtual std::size_t lanes() const = 0;
 
-    /// Takes steps of several chains at a time, on lanes 0 to lanes() - 1, until the source has nothing for any of
-    /// them. The values are those that apply gives for each step; how many steps are computed together is the
-    /// function's business, so not each of them makes a fresh sink, and StepObserver is told of some of the steps
-    /// only: the source knows them all. Throws what apply and the source throw; chains in progress are lost then.
+    /// Takes steps of several chains at a time, on lanes 0 to lanes() - 1, until the source has nothing for
+    /// any of them. The values are those that apply gives for each step; how many steps are computed together
+    /// is the function's business, so not each of them makes a fresh sink, and StepObserver is told of some
+    /// of the steps only: the source knows them all. Throws what apply and the source throw; chains in
+    /// progress are lost then.
     virtual void applyChains(ChainSource& source) const = 0;
 };
 

@@ -1,9 +1,9 @@
-// applyChains gives each busy lane a run of blocks that lie one behind the other, and compresses as many blocks of all
-// lanes at once as the shortest run has. Lanes that have reached the end of their run then get the next run, and those
-// that have reached the end of their step get the next step from the source.
+// applyChains gives each busy lane a run of blocks that lie one behind the other, and compresses as many
+// blocks of all lanes at once as the shortest run has. Lanes that have reached the end of their run then get
+// the next run, and those that have reached the end of their step get the next step from the source.
 //
-// The message of a step is the old value (8 bytes) and the data, then the padding of RFC 1321. Only its first block and
-// its last one or two are copied; the blocks between are read where the data lies.
+// The message of a step is the old value (8 bytes) and the data, then the padding of RFC 1321. Only its first
+// block and its last one or two are copied; the blocks between are read where the data lies.
 
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/Md5Hash.h"
 
@@ -22,7 +22,8 @@ using Md5Lanes::blockSize;
 
 constexpr std::uint32_t initialState[4] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
 
-/// The message of one step, as runs of blocks. All numbers are little-endian, as on every machine that has lanes.
+/// The message of one step, as runs of blocks. All numbers are little-endian, as on every machine that has
+/// lanes.
 class Message {
 public:
     /// Starts with the first run. The data must stay valid until the last run has been compressed.

@@ -5,8 +5,8 @@
 
 namespace Nerix::HashFunctions {
 
-/// "md5": single steps are digests of the crypto library. Chains are computed in lanes, several at a time, by code of
-/// our own (Md5Lanes.h), with the same values.
+/// "md5": single steps are digests of the crypto library. Chains are computed in lanes, several at a time, by
+/// code of our own (Md5Lanes.h), with the same values.
 class Md5Hash final : public OpenSSLHash {
 public:
     /// lanes: what computes chains; implementation() for the best that the processor has.

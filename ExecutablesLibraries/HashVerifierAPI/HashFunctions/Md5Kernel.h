@@ -2,10 +2,10 @@
 
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/Md5Lanes.h"
 
-// The compression function of RFC 1321 over two vectors of lanes, side by side: while one waits for the result of an
-// operation, the processor works on the other. The file that includes this header defines the vectors, and may be
-// compiled for instructions that the rest of the program must not use. So everything here has internal linkage, and
-// nothing may be included that defines inline functions.
+// The compression function of RFC 1321 over two vectors of lanes, side by side: while one waits for the
+// result of an operation, the processor works on the other. The file that includes this header defines the
+// vectors, and may be compiled for instructions that the rest of the program must not use. So everything here
+// has internal linkage, and nothing may be included that defines inline functions.
 
 namespace Nerix::HashFunctions::Md5Lanes {
 

@@ -3,22 +3,23 @@
 #include <cstddef>
 #include <cstdint>
 
-/// MD5's compression function over several messages at once: each message has a lane of the processor's vectors.
-/// A digest of one message is a chain of dependent operations that leaves most of a core idle; independent messages
-/// fill it.
+/// MD5's compression function over several messages at once: each message has a lane of the processor's
+/// vectors. A digest of one message is a chain of dependent operations that leaves most of a core idle;
+/// independent messages fill it.
 namespace Nerix::HashFunctions::Md5Lanes {
 
 constexpr std::size_t blockSize = 64; ///< bytes that one application of the compression function takes
 constexpr std::size_t maxCount = 16;  ///< lanes of the widest implementation
 
-/// The four state words of every lane, word by word, so that a vector holds the same word of neighbouring lanes.
+/// The four state words of every lane, word by word, so that a vector holds the same word of neighbouring
+/// lanes.
 struct States {
     alignas(64) std::uint32_t words[4][maxCount];
 };
 
-/// Applies the compression function `blocks` times to each of the lanes 0 to Implementation::count - 1. begins[i] is
-/// where lane i's blocks begin, one behind the other; any alignment. All lanes are computed: give an idle lane the
-/// blocks of a busy one and ignore its state.
+/// Applies the compression function `blocks` times to each of the lanes 0 to Implementation::count - 1.
+/// begins[i] is where lane i's blocks begin, one behind the other; any alignment. All lanes are computed:
+/// give an idle lane the blocks of a busy one and ignore its state.
 using Compress = void (*)(States& states, const std::uint8_t* const* begins, std::size_t blocks);
 
 struct Implementation {
@@ -26,8 +27,8 @@ struct Implementation {
     Compress compress; ///< null if there is none
 };
 
-/// Returns the implementation for this processor: 16 lanes with AVX2, 8 with other vectors of 128 bits, none on
-/// machines without vectors or with big-endian numbers.
+/// Returns the implementation for this processor: 16 lanes with AVX2, 8 with other vectors of 128 bits, none
+/// on machines without vectors or with big-endian numbers.
 Implementation implementation();
 
 /// The implementations themselves; a processor without the vectors cannot run them.

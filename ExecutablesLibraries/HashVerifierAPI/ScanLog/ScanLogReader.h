@@ -18,8 +18,9 @@ class ScanLogReader {
 public:
     /// Validates the whole log, then rewinds to its beginning. Throws ScanLogError when the log cannot be
     /// read, has no record or is damaged, and when it is incomplete: its last record is not the root of the
-    /// others, its last line has no end, or records are missing in a system log that was rotated away. Records
-    /// that were taken out of a file, except its last, are not noticed: compare reports their entries.
+    /// others, its last line has no end, or records are missing in a system log that was rotated away.
+    /// Records that were taken out of a file, except its last, are not noticed: compare reports their
+    /// entries.
     explicit ScanLogReader(const std::string& file);
 
     /// The path of the last record, that of the whole tree.

@@ -1,7 +1,7 @@
-// A run in order: start calls begin, which publishes the first settings, opens the scan log and launches the thread.
-// The thread runs execute: scan has the root's scanner compute the value, and shutdown(hash) or fail publishes the
-// result; publishInactive comes last. Meanwhile the scanners call log for each digest step and each entry, which
-// writes the record and advances progress.
+// A run in order: start calls begin, which publishes the first settings, opens the scan log and launches the
+// thread. The thread runs execute: scan has the root's scanner compute the value, and shutdown(hash) or fail
+// publishes the result; publishInactive comes last. Meanwhile the scanners call log for each digest step and
+// each entry, which writes the record and advances progress.
 
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 

@@ -6,16 +6,19 @@
 
 #include <cstddef>
 #include <memory>
+#include <vector>
 
 namespace Nerix::FileScanners {
 
 /// Gives an examiner its entries and takes the results. Called on the examiner's thread.
 class EntrySupply {
 public:
-    /// Returns an entry for an examiner that examines `busy` others already, or null if it has none for it now.
+    /// Returns an entry for an examiner that examines `busy` others already, or null if it has none for it
+    /// now.
     virtual QueuedEntry* take(std::size_t busy) noexcept = 0;
 
-    /// Adds steps of an entry that is still being examined. Leaves `steps` empty, unless there is no memory for them.
+    /// Adds steps of an entry that is still being examined. Leaves `steps` empty, unless there is no memory
+    /// for them.
     virtual void deliver(QueuedEntry& entry, StepSizes& steps) noexcept = 0;
 
     /// Takes the entry back, with its remaining steps.
@@ -31,8 +34,9 @@ protected:
     EntrySupply& operator=(const EntrySupply&) = default;
 };
 
-/// Examines entries: reads what they are hashed from and lists directories. Takes as many at a time as the hash function
-/// has lanes. Reports nothing and knows nothing about the order of entries. Each thread has its own.
+/// Examines entries: reads what they are hashed from and lists directories. Takes as many at a time as the
+/// hash function has lanes. Reports nothing and knows nothing about the order of entries. Each thread has its
+/// own.
 class Examiner final : private ChainSource {
 public:
     /// rootDevice: st_dev of the walk's root. All arguments must outlive the object.
@@ -40,9 +44,9 @@ public:
              dev_t rootDevice);
     ~Examiner();
 
-    /// Examines entries until the supply has none or the walk ends. Settles each entry that it takes. A failure is
-    /// stored with the entry. An entry is deferred if memory or file descriptors are lacking, if it is a directory with
-    /// too many names, or if another process holds a lease on it.
+    /// Examines entries until the supply has none or the walk ends. Settles each entry that it takes. A
+    /// failure is stored with the entry. An entry is deferred if memory or file descriptors are lacking, if
+    /// it is a directory with too many names, or if another process holds a lease on it.
     void run() noexcept;
 
 private:
@@ -61,12 +65,12 @@ private:
     const IFileScanner& m_directoryScanner;
     const dev_t m_rootDevice;
     const std::size_t m_laneCount;
-    const std::unique_ptr<Lane[]> m_lanes;
+    std::vector<std::unique_ptr<Lane>> m_lanes;
     std::size_t m_busy = 0;
 };
 
-/// Makes the entry's input and selects its scanner. Returns what a walk does with the entry. Throws GenericException
-/// "access error: can't LSTAT file: " + quoted path.
+/// Makes the entry's input and selects its scanner. Returns what a walk does with the entry. Throws
+/// GenericException "access error: can't LSTAT file: " + quoted path.
 Judgement identify(QueuedEntry& entry, dev_t rootDevice);
 
 /// Lists the directory, if the entry is one. Throws what Names throws.

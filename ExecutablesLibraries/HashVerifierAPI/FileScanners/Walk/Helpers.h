@@ -24,21 +24,22 @@ struct ThreadPlan {
     std::size_t entriesPerThread; ///< that each of them examines at a time
 };
 
-/// Plans a walk for a hash function with that many lanes. One thread per core, but at least 4 on more than one core, so
-/// that several can wait for a cold disk at once, and at most 8; the custom parameter "hashVerifierThreads" sets another
-/// number, from 1 to 8. Leaves enough file descriptors for the settings store and the logs, which must not fail because
-/// of the walk.
+/// Plans a walk for a hash function with that many lanes. One thread per core, but at least 4 on more than
+/// one core, so that several can wait for a cold disk at once, and at most 8; the custom parameter
+/// "hashVerifierThreads" sets another number, from 1 to 8. Leaves enough file descriptors for the settings
+/// store and the logs, which must not fail because of the walk.
 ThreadPlan planThreads(std::size_t lanes);
 
-/// The threads that examine entries beside the worker. All functions but isStopping are for the worker's thread.
+/// The threads that examine entries beside the worker. All functions but isStopping are for the worker's
+/// thread.
 class Helpers : private boost::noncopyable {
 public:
     /// queue: the one from which the helpers take entries.
     explicit Helpers(ReportQueue& queue);
     ~Helpers();
 
-    /// Starts threads that call work, with all signals blocked and a stack of 1 MiB; fewer, or none, if the system
-    /// cannot start so many.
+    /// Starts threads that call work, with all signals blocked and a stack of 1 MiB; fewer, or none, if the
+    /// system cannot start so many.
     void start(std::size_t count, const std::function<void()>& work);
 
     /// Stops the queue and waits until the helpers have returned from work.
@@ -46,8 +47,8 @@ public:
 
     bool areRunning() const { return !m_threads.empty(); }
 
-    /// Runs the action. If it fails for lack of memory or file descriptors, which running helpers may hold, stops them
-    /// and runs it once more.
+    /// Runs the action. If it fails for lack of memory or file descriptors, which running helpers may hold,
+    /// stops them and runs it once more.
     template <class Action>
     void retryWithout(Action action) {
         try {

@@ -32,8 +32,8 @@ struct Listing {
     std::string values;      ///< of the entries reported so far, one per line
 };
 
-/// An entry that a thread has taken and the reporter has not reported yet. Members not marked otherwise belong to the
-/// thread that examines the entry, and to the reporter after that.
+/// An entry that a thread has taken and the reporter has not reported yet. Members not marked otherwise
+/// belong to the thread that examines the entry, and to the reporter after that.
 struct QueuedEntry : boost::intrusive::list_base_hook<> {
     enum class State {
         beingExamined,

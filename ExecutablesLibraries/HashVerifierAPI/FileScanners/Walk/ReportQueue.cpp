@@ -199,7 +199,8 @@ bool ReportQueue::containsFront(const QueuedEntry& directory) const {
     return entry != nullptr;
 }
 
-/// Returns true if the first name that is left may be taken while at most one part in `divisor` of the room is used.
+/// Returns true if the first name that is left may be taken while at most one part in `divisor` of the room
+/// is used.
 bool ReportQueue::hasRoom(std::size_t divisor) const {
     if (m_offering == nullptr) {
         return false;

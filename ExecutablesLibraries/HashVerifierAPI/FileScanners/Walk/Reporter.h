@@ -13,9 +13,9 @@ class HashWorker;
 
 namespace Nerix::FileScanners {
 
-/// Reports entries to the HashWorker in the order of the queue: their steps, one by one, and their values. Used only on
-/// the worker's thread. What it throws ends the walk: the failure of an entry, VConfException when progress cannot be
-/// published, GenericException when a signal ends the process.
+/// Reports entries to the HashWorker in the order of the queue: their steps, one by one, and their values.
+/// Used only on the worker's thread. What it throws ends the walk: the failure of an entry, VConfException
+/// when progress cannot be published, GenericException when a signal ends the process.
 class Reporter : private boost::noncopyable {
 public:
     using hash_t = IFileScanner::hash_t;
@@ -23,7 +23,8 @@ public:
     /// All arguments must outlive the object.
     Reporter(ReportQueue& queue, Helpers& helpers, const IHashFunction& function);
 
-    /// Reports finished entries from the front of the queue, and then the delivered steps of the entry in front.
+    /// Reports finished entries from the front of the queue, and then the delivered steps of the entry in
+    /// front.
     void reportFinished();
 
     /// Reports the steps of all directories that contain the entry, as far as they have not been reported.

@@ -1,7 +1,7 @@
-// The worker's thread takes one step after the other until the root has been reported: it reports what is finished at the
-// front of the queue, or examines the front, if that was deferred, or examines entries that lie ahead. While it
-// examines entries ahead it goes on reporting, whenever it takes another entry or has hashed another mebibyte. The
-// helpers only examine entries ahead.
+// The worker's thread takes one step after the other until the root has been reported: it reports what is
+// finished at the front of the queue, or examines the front, if that was deferred, or examines entries that
+// lie ahead. While it examines entries ahead it goes on reporting, whenever it takes another entry or has
+// hashed another mebibyte. The helpers only examine entries ahead.
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Walk.h"
 
