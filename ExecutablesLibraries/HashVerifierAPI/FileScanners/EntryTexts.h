@@ -32,7 +32,8 @@ public:
 
     private:
         struct alignas(64) Block {
-            Block() {} // leaves the bytes as they are
+            // Leaves the bytes as they are; "= default" would have make_unique fill them with zeros.
+            Block() {} // NOLINT(modernize-use-equals-default)
             char bytes[64];
         };
 

@@ -11,7 +11,7 @@ namespace Nerix::HashFunctions::Md5Lanes {
 
 namespace { // NOLINT(google-build-namespaces,cert-dcl59-cpp): see above
 
-constexpr std::uint32_t sines[64] = {
+inline constexpr std::uint32_t sines[64] = {
     0xd76aa478, 0xe8c7b756, 0x242070db, 0xc1bdceee, 0xf57c0faf, 0x4787c62a, 0xa8304613, 0xfd469501,
     0x698098d8, 0x8b44f7af, 0xffff5bb1, 0x895cd7be, 0x6b901122, 0xfd987193, 0xa679438e, 0x49b40821,
     0xf61e2562, 0xc040b340, 0x265e5a51, 0xe9b6c7aa, 0xd62f105d, 0x02441453, 0xd8a1e681, 0xe7d3fbc8,
@@ -20,9 +20,10 @@ constexpr std::uint32_t sines[64] = {
     0x289b7ec6, 0xeaa127fa, 0xd4ef3085, 0x04881d05, 0xd9d4d039, 0xe6db99e5, 0x1fa27cf8, 0xc4ac5665,
     0xf4292244, 0x432aff97, 0xab9423a7, 0xfc93a039, 0x655b59c3, 0x8f0ccc92, 0xffeff47d, 0x85845dd1,
     0x6fa87e4f, 0xfe2ce6e0, 0xa3014314, 0x4e0811a1, 0xf7537e82, 0xbd3af235, 0x2ad7d2bb, 0xeb86d391};
-constexpr unsigned int shifts[4][4] = {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
-constexpr std::size_t wordFactors[4] = {1, 5, 3, 7};
-constexpr std::size_t wordOffsets[4] = {0, 1, 5, 0};
+inline constexpr unsigned int shifts[4][4] = {
+    {7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}};
+inline constexpr std::size_t wordFactors[4] = {1, 5, 3, 7};
+inline constexpr std::size_t wordOffsets[4] = {0, 1, 5, 0};
 
 template <std::size_t round, class Vector>
 [[gnu::always_inline]] inline Vector mix(Vector b, Vector c, Vector d) {
