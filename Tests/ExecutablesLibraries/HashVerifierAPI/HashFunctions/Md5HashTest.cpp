@@ -94,7 +94,7 @@ protected:
         }
     }
 
-    std::mt19937_64 random{24};
+    std::mt19937_64 random{24}; // NOLINT(cert-msc32-c,cert-msc51-cpp): the same texts in each run
 
 private:
     const Common::Utils::SingletonServiceGuard<Common::IO::OpenSSLInit> m_openSSL{
