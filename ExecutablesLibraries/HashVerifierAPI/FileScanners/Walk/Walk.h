@@ -19,6 +19,9 @@ namespace Nerix::FileScanners {
 /// which the helpers may hold, is deferred: the worker examines it by itself when it is in front, and if it
 /// lacks something, too, once more without the helpers. So the outcome does not depend on the number of
 /// threads.
+///
+/// A deferred entry is examined anew, beginning with its status: if it was replaced meanwhile, for example
+/// while the walk waited for a lease, what replaced it counts.
 class Walk : private boost::noncopyable {
 public:
     /// The source position that a failure's context line gives for each directory level.
