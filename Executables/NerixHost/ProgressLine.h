@@ -13,7 +13,7 @@ public:
 
     struct Content {
         std::string before;  ///< in front of the percentage
-        std::string percent; ///< a number; if empty, there is no bar
+        std::string percent; ///< a number, or empty to draw no bar
         std::string after;   ///< after the bar
 
         bool operator==(const Content& other) const {

@@ -48,8 +48,9 @@ public:
         return value;
     }
 
-    /// What an entry of this kind is hashed from besides its path, status and attributes.
     enum class Remainder { none, content, target };
+
+    /// Returns which text of such an entry is hashed after its path, status and attributes.
     virtual Remainder remainder() const { return Remainder::none; }
 };
 
