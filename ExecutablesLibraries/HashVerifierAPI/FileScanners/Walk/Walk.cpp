@@ -13,8 +13,6 @@
 
 #include <boost/exception/diagnostic_information.hpp>
 
-#include <utility>
-
 namespace Nerix::FileScanners {
 
 using hash_t = IFileScanner::hash_t;
@@ -44,33 +42,52 @@ private:
     bool m_isReporting = false;
 };
 
-/// Reports while it supplies.
-class Walk::WorkerSupply final : public EntrySupply {
+/// Supplies the entries of the queue.
+class Walk::QueueSupply : public EntrySupply {
 public:
-    explicit WorkerSupply(Walk& walk) : m_walk(walk) {}
+    void deliver(QueuedEntry& entry, StepSizes& steps) noexcept override {
+        walk.m_queue.deliver(entry, steps);
+    }
+
+    void settle(QueuedEntry& entry, State state, StepSizes& steps) noexcept override {
+        walk.m_queue.settle(entry, state, steps);
+    }
+
+protected:
+    explicit QueueSupply(Walk& itsWalk) : walk(itsWalk) {}
+    ~QueueSupply() = default;
+
+    QueuedEntry* takeFromQueue(std::size_t busy) noexcept {
+        return busy < walk.m_plan.entriesPerThread ? walk.m_queue.take(unused, busy) : nullptr;
+    }
+
+    Walk& walk;
+    ReportQueue::Entries unused; ///< one entry for the next name
+};
+
+/// Reports while it supplies.
+class Walk::WorkerSupply final : public QueueSupply {
+public:
+    explicit WorkerSupply(Walk& itsWalk) : QueueSupply(itsWalk) {}
 
     QueuedEntry* take(std::size_t busy) noexcept override {
         try {
-            m_walk.m_reporter.reportFinished();
-            m_unused.resize(1);
+            walk.m_reporter.reportFinished();
+            unused.resize(1);
         } catch (...) {
             m_failure = std::current_exception();
             return nullptr;
         }
-        return busy < m_walk.m_plan.entriesPerThread ? m_walk.m_queue.take(m_unused, busy) : nullptr;
+        return takeFromQueue(busy);
     }
 
     void deliver(QueuedEntry& entry, StepSizes& steps) noexcept override {
-        m_walk.m_queue.deliver(entry, steps);
+        QueueSupply::deliver(entry, steps);
         try {
-            m_walk.m_reporter.reportFinished();
+            walk.m_reporter.reportFinished();
         } catch (...) {
             m_failure = std::current_exception();
         }
-    }
-
-    void settle(QueuedEntry& entry, State state, StepSizes& steps) noexcept override {
-        m_walk.m_queue.settle(entry, state, steps);
     }
 
     bool shouldStop() noexcept override { return m_failure || Common::Utils::terminationSignal() != 0; }
@@ -82,42 +99,25 @@ public:
     }
 
 private:
-    Walk& m_walk;
-    ReportQueue::Entries m_unused;
     std::exception_ptr m_failure; ///< of a report
 };
 
-class Walk::HelperSupply final : public EntrySupply {
+class Walk::HelperSupply final : public QueueSupply {
 public:
-    explicit HelperSupply(Walk& walk) : m_walk(walk) {}
+    explicit HelperSupply(Walk& itsWalk) : QueueSupply(itsWalk) {}
 
     QueuedEntry* take(std::size_t busy) noexcept override {
         try {
-            m_unused.resize(1);
+            unused.resize(1);
         } catch (...) {
             return nullptr; // no memory: this helper ends, the others go on
         }
-        if (busy == 0) {
-            return m_walk.m_queue.takeOrWait(m_unused);
-        }
-        return busy < m_walk.m_plan.entriesPerThread ? m_walk.m_queue.take(m_unused, busy) : nullptr;
-    }
-
-    void deliver(QueuedEntry& entry, StepSizes& steps) noexcept override {
-        m_walk.m_queue.deliver(entry, steps);
-    }
-
-    void settle(QueuedEntry& entry, State state, StepSizes& steps) noexcept override {
-        m_walk.m_queue.settle(entry, state, steps);
+        return busy == 0 ? walk.m_queue.takeOrWait(unused) : takeFromQueue(busy);
     }
 
     bool shouldStop() noexcept override {
-        return m_walk.m_helpers.areStopping() || Common::Utils::terminationSignal() != 0;
+        return walk.m_helpers.areStopping() || Common::Utils::terminationSignal() != 0;
     }
-
-private:
-    Walk& m_walk;
-    ReportQueue::Entries m_unused;
 };
 
 Walk::Walk(const IFileScanner& directory, const IHashFunction& function, Place place, const FileInput& root,

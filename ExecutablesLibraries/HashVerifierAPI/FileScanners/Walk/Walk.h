@@ -44,6 +44,7 @@ public:
 
 private:
     class FrontSteps;
+    class QueueSupply;
     class WorkerSupply;
     class HelperSupply;
 
