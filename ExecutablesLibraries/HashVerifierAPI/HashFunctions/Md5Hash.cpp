@@ -183,10 +183,12 @@ private:
 
     void compressShortestRun() {
         std::size_t blocks = SIZE_MAX;
+        std::size_t used = 0;
         const std::uint8_t* anyRun = nullptr;
         for (std::size_t index = 0; index != m_implementation.count; ++index) {
             if (m_lanes[index].state == State::busy) {
                 blocks = std::min(blocks, m_blocks[index]);
+                used = index + 1;
                 anyRun = m_begins[index];
             }
         }
@@ -195,7 +197,7 @@ private:
                 m_begins[index] = anyRun; // computed, too, and ignored
             }
         }
-        m_implementation.compress(m_states, m_begins, blocks);
+        m_implementation.compress(m_states, m_begins, blocks, used);
         for (std::size_t index = 0; index != m_implementation.count; ++index) {
             if (m_lanes[index].state == State::busy) {
                 advance(index, blocks);

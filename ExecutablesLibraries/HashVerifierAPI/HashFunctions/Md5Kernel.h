@@ -3,7 +3,8 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/Md5Lanes.h"
 
 // The compression function of RFC 1321 over two vectors of lanes, side by side: while one waits for the
-// result of an operation, the processor works on the other. The file that includes this header defines the
+// result of an operation, the processor works on the other. The time of a single vector is the sum of the
+// operations that wait for each other. The file that includes this header defines the
 // vectors, and may be compiled for instructions that the rest of the program must not use. So everything here
 // has internal linkage, and nothing may be included that defines inline functions.
 
@@ -25,35 +26,38 @@ inline constexpr unsigned int shifts[4][4] = {
 inline constexpr std::size_t wordFactors[4] = {1, 5, 3, 7};
 inline constexpr std::size_t wordOffsets[4] = {0, 1, 5, 0};
 
+/// Returns sum plus the function of round `round` of b, c and d. b is the result of the operation before, which
+/// everything else need not wait for, so it comes in as late as possible.
 template <std::size_t round, class Vector>
-[[gnu::always_inline]] inline Vector mix(Vector b, Vector c, Vector d) {
+[[gnu::always_inline]] inline Vector addMixed(Vector sum, Vector b, Vector c, Vector d) {
     if constexpr (round == 0) {
-        return d ^ (b & (c ^ d));
+        return sum + (d ^ (b & (c ^ d)));
     } else if constexpr (round == 1) {
-        return c ^ (d & (b ^ c));
+        return (sum + (c & ~d)) + (b & d); // + instead of |, because no bit is set in both
     } else if constexpr (round == 2) {
-        return b ^ c ^ d;
+        return sum + ((c ^ d) ^ b);
     } else {
-        return c ^ (b | ~d);
+        return sum + (c ^ (b | ~d));
     }
 }
 
-/// Applies operation `number` of the 64, and all after it, to both vectors in turns.
-template <std::size_t number, class Vector>
-[[gnu::always_inline]] inline void operate(Vector (&states)[2][4], const Vector (&words)[2][16]) {
+/// Applies operation `number` of the 64, and all after it, to the vectors of each side in turns.
+template <std::size_t number, std::size_t sides, class Vector>
+[[gnu::always_inline]] inline void operate(Vector (&states)[sides][4], const Vector (&words)[sides][16],
+                                           const std::uint32_t* constants) {
     if constexpr (number < 64) {
         constexpr std::size_t round = number / 16;
         constexpr std::size_t word = (wordFactors[round] * number + wordOffsets[round]) % 16;
         constexpr unsigned int shift = shifts[round][number % 4];
-        for (std::size_t side = 0; side != 2; ++side) {
+        for (std::size_t side = 0; side != sides; ++side) {
             Vector(&state)[4] = states[side];
             Vector& a = state[(64 - number) % 4];
             const Vector b = state[(65 - number) % 4];
-            const Vector sum = a + mix<round>(b, state[(66 - number) % 4], state[(67 - number) % 4]) +
-                               words[side][word] + sines[number];
+            const Vector sum = addMixed<round>(a + (words[side][word] + constants[number]), b,
+                                               state[(66 - number) % 4], state[(67 - number) % 4]);
             a = b + ((sum << shift) | (sum >> (32 - shift)));
         }
-        operate<number + 1>(states, words);
+        operate<number + 1>(states, words, constants);
     }
 }
 
@@ -79,35 +83,53 @@ template <class Vectors>
     }
 }
 
-/// Vectors: the type Vector, of 4 or 8 words, and the functions that readBlock calls.
-template <class Vectors>
-[[gnu::always_inline]] inline void compress(States& states, const std::uint8_t* const* begins,
-                                            std::size_t blocks) {
+/// Vectors: the type Vector, of 4 or 8 words, and the functions that readBlock calls. sides: how many vectors
+/// of lanes are computed.
+template <class Vectors, std::size_t sides>
+[[gnu::always_inline]] inline void compressSides(States& states, const std::uint8_t* const* begins,
+                                                 std::size_t blocks) {
     using Vector = typename Vectors::Vector;
     constexpr std::size_t lanes = sizeof(Vector) / sizeof(std::uint32_t);
-    Vector sums[2][4];
-    for (std::size_t word = 0; word != 4; ++word) {
-        __builtin_memcpy(&sums[0][word], &states.words[word][0], sizeof(Vector));
-        __builtin_memcpy(&sums[1][word], &states.words[word][lanes], sizeof(Vector));
+    // The compiler must not know the constants: it would move each through a general register instead of
+    // reading it from memory.
+    const std::uint32_t* constants = sines;
+    asm("" : "+r"(constants));
+    Vector sums[sides][4];
+    for (std::size_t side = 0; side != sides; ++side) {
+        for (std::size_t word = 0; word != 4; ++word) {
+            __builtin_memcpy(&sums[side][word], &states.words[word][side * lanes], sizeof(Vector));
+        }
     }
     for (std::size_t block = 0; block != blocks; ++block) {
-        Vector words[2][16];
-        readBlock<Vectors>(words[0], begins, block * blockSize);
-        readBlock<Vectors>(words[1], begins + lanes, block * blockSize);
-        Vector next[2][4];
-        for (std::size_t word = 0; word != 4; ++word) {
-            next[0][word] = sums[0][word];
-            next[1][word] = sums[1][word];
+        Vector words[sides][16];
+        Vector next[sides][4];
+        for (std::size_t side = 0; side != sides; ++side) {
+            readBlock<Vectors>(words[side], begins + side * lanes, block * blockSize);
+            for (std::size_t word = 0; word != 4; ++word) {
+                next[side][word] = sums[side][word];
+            }
         }
-        operate<0>(next, words);
-        for (std::size_t word = 0; word != 4; ++word) {
-            sums[0][word] += next[0][word];
-            sums[1][word] += next[1][word];
+        operate<0>(next, words, constants);
+        for (std::size_t side = 0; side != sides; ++side) {
+            for (std::size_t word = 0; word != 4; ++word) {
+                sums[side][word] += next[side][word];
+            }
         }
     }
-    for (std::size_t word = 0; word != 4; ++word) {
-        __builtin_memcpy(&states.words[word][0], &sums[0][word], sizeof(Vector));
-        __builtin_memcpy(&states.words[word][lanes], &sums[1][word], sizeof(Vector));
+    for (std::size_t side = 0; side != sides; ++side) {
+        for (std::size_t word = 0; word != 4; ++word) {
+            __builtin_memcpy(&states.words[word][side * lanes], &sums[side][word], sizeof(Vector));
+        }
+    }
+}
+
+template <class Vectors>
+[[gnu::always_inline]] inline void compress(States& states, const std::uint8_t* const* begins,
+                                            std::size_t blocks, std::size_t used) {
+    if (used * sizeof(std::uint32_t) <= sizeof(typename Vectors::Vector)) {
+        compressSides<Vectors, 1>(states, begins, blocks);
+    } else {
+        compressSides<Vectors, 2>(states, begins, blocks);
     }
 }
 

@@ -17,10 +17,11 @@ struct States {
     alignas(64) std::uint32_t words[4][maxCount];
 };
 
-/// Applies the compression function `blocks` times to each of the lanes 0 to Implementation::count - 1.
-/// begins[i] is where lane i's blocks begin, one behind the other; any alignment. All lanes are computed:
-/// give an idle lane the blocks of a busy one and ignore its state.
-using Compress = void (*)(States& states, const std::uint8_t* const* begins, std::size_t blocks);
+/// Applies the compression function `blocks` times to each of the lanes 0 to used - 1, and maybe to the lanes
+/// behind them. begins[i] is where lane i's blocks begin, one behind the other; any alignment. Each of the
+/// Implementation::count lanes needs blocks: give an idle lane those of a busy one and ignore its state.
+using Compress = void (*)(States& states, const std::uint8_t* const* begins, std::size_t blocks,
+                          std::size_t used);
 
 struct Implementation {
     std::size_t count; ///< number of lanes; 0 if there is no implementation
@@ -32,7 +33,7 @@ struct Implementation {
 Implementation implementation();
 
 /// The implementations themselves; a processor without the vectors cannot run them.
-void compress128(States& states, const std::uint8_t* const* begins, std::size_t blocks);
-void compress256(States& states, const std::uint8_t* const* begins, std::size_t blocks);
+void compress128(States& states, const std::uint8_t* const* begins, std::size_t blocks, std::size_t used);
+void compress256(States& states, const std::uint8_t* const* begins, std::size_t blocks, std::size_t used);
 
 } // namespace Nerix::HashFunctions::Md5Lanes

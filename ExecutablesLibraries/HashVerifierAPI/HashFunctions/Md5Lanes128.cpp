@@ -21,8 +21,8 @@ struct Vectors {
 
 } // namespace
 
-void compress128(States& states, const std::uint8_t* const* begins, std::size_t blocks) {
-    compress<Vectors>(states, begins, blocks);
+void compress128(States& states, const std::uint8_t* const* begins, std::size_t blocks, std::size_t used) {
+    compress<Vectors>(states, begins, blocks, used);
 }
 
 } // namespace Nerix::HashFunctions::Md5Lanes

@@ -34,8 +34,8 @@ struct Vectors {
 
 } // namespace
 
-void compress256(States& states, const std::uint8_t* const* begins, std::size_t blocks) {
-    compress<Vectors>(states, begins, blocks);
+void compress256(States& states, const std::uint8_t* const* begins, std::size_t blocks, std::size_t used) {
+    compress<Vectors>(states, begins, blocks, used);
 }
 
 } // namespace Nerix::HashFunctions::Md5Lanes

@@ -156,7 +156,7 @@ TEST(Md5Lanes, BlocksAtAnyAddressHaveThePublishedDigests) {
                     states.words[2][lane] = 0x98badcfe;
                     states.words[3][lane] = 0x10325476;
                 }
-                lanes.compress(states, begins.data(), blocks);
+                lanes.compress(states, begins.data(), blocks, lanes.count);
                 for (std::size_t lane = 0; lane != lanes.count; ++lane) {
                     for (std::size_t word = 0; word != 4; ++word) {
                         std::memcpy(digest + word * 4, &states.words[word][lane], 4);
