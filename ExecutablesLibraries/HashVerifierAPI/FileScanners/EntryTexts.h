@@ -19,25 +19,25 @@ namespace Nerix::FileScanners {
 /// the steps of several entries can be taken in turns. Each is read when it is asked for.
 class EntryTexts : private boost::noncopyable {
 public:
-    /// Where the content of a file is read. The data begins eight bytes after an aligned address: with the value in
-    /// front of it, a step then takes aligned blocks.
+    /// Where the content of a file is read. Aligned to a cache line, because copying to other addresses is
+    /// slower.
     class Buffer {
     public:
         /// capacity: in bytes, a multiple of 4096.
         explicit Buffer(std::size_t capacity)
-            : m_blocks(std::make_unique<Block[]>(capacity / sizeof(Block) + 1)), m_capacity(capacity) {}
+            : m_lines(std::make_unique<Line[]>(capacity / sizeof(Line))), m_capacity(capacity) {}
 
-        char* data() { return m_blocks[0].bytes + 8; }
+        char* data() { return m_lines[0].bytes; }
         std::size_t capacity() const { return m_capacity; }
 
     private:
-        struct alignas(64) Block {
+        struct alignas(64) Line {
             // Leaves the bytes as they are; "= default" would have make_unique fill them with zeros.
-            Block() {} // NOLINT(modernize-use-equals-default)
+            Line() {} // NOLINT(modernize-use-equals-default)
             char bytes[64];
         };
 
-        std::unique_ptr<Block[]> m_blocks;
+        std::unique_ptr<Line[]> m_lines;
         std::size_t m_capacity;
     };
 
