@@ -95,10 +95,6 @@ bool Examiner::next(std::size_t index, Step& step) {
 /// Ends a step of the lane's entry and begins the next one. Returns false after the last, when the entry is
 /// settled.
 bool Examiner::proceed(Lane& lane, Step& step) {
-    if (m_supply.shouldStop()) {
-        finish(lane, State::deferred);
-        return false;
-    }
     try {
         addStep(lane);
         if (beginStep(lane, step)) {
