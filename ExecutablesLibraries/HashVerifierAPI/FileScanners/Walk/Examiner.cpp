@@ -13,13 +13,6 @@ namespace {
 
 using State = QueuedEntry::State;
 
-std::string pathInside(const std::string& directory, const char* name) {
-    std::string path;
-    path.reserve(directory.size() + 1 + std::char_traits<char>::length(name));
-    path.append(directory).append(directory.back() == '/' ? 0 : 1, '/').append(name);
-    return path;
-}
-
 /// The examiner counts the steps itself. Content is read as long as the walk goes on.
 class Observer final : public HashFunctions::StepObserver {
 public:
@@ -152,6 +145,9 @@ void Examiner::addStep(Lane& lane) {
 void Examiner::finish(Lane& lane, State state) noexcept {
     lane.texts.reset();
     QueuedEntry& entry = *std::exchange(lane.entry, nullptr);
+    if (entry.input && !entry.listing) {
+        boost::filesystem::path().swap(entry.input->path); // the reporter makes it again, see pathOf
+    }
     --m_busy;
     m_supply.settle(entry, state, lane.steps);
     lane.steps = StepSizes();
@@ -174,9 +170,17 @@ void Examiner::fail(Lane& lane) noexcept {
     finish(lane, state);
 }
 
+std::string pathOf(const QueuedEntry& entry) {
+    const std::string& directory = entry.parent->input->path.native();
+    const char* const name = entry.parent->listing->names[entry.name];
+    std::string path;
+    path.reserve(directory.size() + 1 + std::char_traits<char>::length(name));
+    path.append(directory).append(directory.back() == '/' ? 0 : 1, '/').append(name);
+    return path;
+}
+
 Judgement identify(QueuedEntry& entry, dev_t rootDevice) {
-    const QueuedEntry& parent = *entry.parent;
-    entry.input.emplace(pathInside(parent.input->path.native(), parent.listing->names[entry.name]));
+    entry.input.emplace(pathOf(entry));
     entry.scanner = &getInstance(*entry.input);
     return entry.scanner->judge(*entry.input, rootDevice);
 }

@@ -30,9 +30,9 @@ public:
     using Entries = std::list<QueuedEntry>;
 
     /// Besides the front and the directories that contain it. So many small files keep the lanes busy while a
-    /// large one is in front; they take up to 5 MiB. A directory that contains the front may always have an
+    /// large one is in front; they take up to 7 MiB. A directory that contains the front may always have an
     /// eighth of it in the queue: what comes next must not wait for room that only reporting it can make.
-    static constexpr std::size_t maxEntriesAhead = 8192;
+    static constexpr std::size_t maxEntriesAhead = 16384;
 
     /// In the listings of directories that were examined ahead.
     static constexpr std::size_t maxNamesAhead = 65536;

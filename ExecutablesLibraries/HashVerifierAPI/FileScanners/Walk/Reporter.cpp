@@ -1,5 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Reporter.h"
 
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Examiner.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
@@ -40,6 +41,9 @@ void Reporter::reportFinished() {
 void Reporter::report(QueuedEntry& entry) {
     reportDirectories(entry.listing ? &entry : entry.parent);
     m_depth = entry.depth;
+    if (entry.input && entry.input->path.empty()) {
+        entry.input->path = pathOf(entry);
+    }
     if (entry.failure) {
         reportSteps(entry, entry.deliveredSteps);
         std::rethrow_exception(entry.failure);
