@@ -3,10 +3,13 @@
 #include "Debug/DebugAndTestParameters/DebugAndTestParameters.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/ReportQueue.h"
 
+#include <boost/optional.hpp>
 #include <boost/thread/thread.hpp>
 
 #include <algorithm>
 #include <csignal>
+#include <ctime>
+#include <utility>
 
 #include <pthread.h>
 #include <sched.h>
@@ -16,7 +19,7 @@ namespace Nerix::FileScanners {
 
 namespace {
 
-constexpr std::size_t maxThreads = 8;
+constexpr int maxThreads = 8;
 
 std::size_t availableCores() {
     cpu_set_t cores{};
@@ -24,14 +27,14 @@ std::size_t availableCores() {
                                                              : 1;
 }
 
-std::size_t wantedThreads(std::size_t cores) {
-    std::size_t threads = cores > 1 ? std::max<std::size_t>(cores, 4) : 1;
-    if (Common::DebugAndTestParameters::loaded()) {
-        const int wanted = Common::getDebugAndTestParameters().getCustomIntParam("hashVerifierThreads",
-                                                                                 static_cast<int>(threads));
-        threads = static_cast<std::size_t>(std::max(wanted, 1));
+/// Returns the number of threads that the testers' parameters set, if they set one.
+boost::optional<std::size_t> requestedThreads() {
+    if (!Common::DebugAndTestParameters::loaded()) {
+        return boost::none;
     }
-    return std::min(threads, maxThreads);
+    const boost::optional<int> requested =
+        Common::getDebugAndTestParameters().getCustomIntParam("hashVerifierThreads");
+    return requested ? boost::optional<std::size_t>(std::clamp(*requested, 1, maxThreads)) : boost::none;
 }
 
 /// Returns how many files the threads may have open together.
@@ -42,6 +45,12 @@ std::size_t availableDescriptors() {
         return 0;
     }
     return static_cast<std::size_t>(limit.rlim_cur > reserved ? limit.rlim_cur - reserved : 0);
+}
+
+std::chrono::nanoseconds now(clockid_t clock) {
+    timespec time{};
+    ::clock_gettime(clock, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 /// Blocks all signals on this thread, so that threads started meanwhile inherit the mask and receive none.
@@ -65,10 +74,23 @@ private:
 ThreadPlan planThreads(std::size_t lanes) {
     constexpr std::size_t leastPerHelper = 2; // the content of one file, a directory that is listed
     const std::size_t available = availableDescriptors();
-    const std::size_t cores = availableCores();
-    const std::size_t threads = std::min(wantedThreads(cores), 1 + available / leastPerHelper);
-    return {threads, std::min(threads, cores),
+    const std::size_t cores = std::min<std::size_t>(availableCores(), maxThreads);
+    const boost::optional<std::size_t> requested = requestedThreads();
+    const std::size_t wanted = requested.value_or(cores > 1 ? std::max<std::size_t>(cores, 4) : 1);
+    const std::size_t threads = std::min(wanted, 1 + available / leastPerHelper);
+    return {threads, std::min(threads, requested.value_or(cores)), std::min(threads, cores),
             std::clamp<std::size_t>(available / threads, leastPerHelper, lanes + 1) - 1};
+}
+
+bool RunningTime::wasMostlyWaiting() {
+    constexpr std::size_t callsPerMeasurement = 16; // the clocks cost more than many a call
+    if (++m_calls % callsPerMeasurement != 0) {
+        return false;
+    }
+    const std::chrono::nanoseconds runningBefore = std::exchange(m_running, now(CLOCK_THREAD_CPUTIME_ID));
+    const std::chrono::nanoseconds totalBefore = std::exchange(m_total, now(CLOCK_MONOTONIC));
+    const bool isFirst = totalBefore == std::chrono::nanoseconds(0);
+    return !isFirst && 2 * (m_running - runningBefore) < m_total - totalBefore;
 }
 
 Helpers::Helpers(ReportQueue& queue) : m_queue(queue) {}
@@ -77,22 +99,36 @@ Helpers::~Helpers() {
     stop();
 }
 
-void Helpers::start(std::size_t count, const std::function<void()>& work) {
+void Helpers::start(const ThreadPlan& plan, std::function<void()> work) {
+    m_work = std::move(work);
+    m_count = plan.threads - 1;
+    startUpTo(plan.threadsAtOnce - 1);
+}
+
+void Helpers::startFurtherIfWaiting() {
+    if (m_threads.size() < m_count && m_workersTime.wasMostlyWaiting()) {
+        startUpTo(m_count);
+    }
+}
+
+void Helpers::startUpTo(std::size_t count) {
     const SignalsBlocked blocked;
     boost::thread::attributes attributes;
     attributes.set_stack_size(std::size_t{1} << 20U);
     try {
         m_threads.reserve(count);
         while (m_threads.size() < count) {
-            m_threads.push_back(std::make_unique<boost::thread>(attributes, work));
+            m_threads.push_back(std::make_unique<boost::thread>(attributes, m_work));
         }
-    } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): fewer helpers, or none, are enough
+    } catch (const std::exception&) { // fewer helpers, or none, are enough
+        m_count = m_threads.size();
     }
 }
 
 void Helpers::stop() noexcept {
     const boost::this_thread::disable_interruption noInterruption; // join would throw
     m_areStopping = true;
+    m_count = 0;
     m_queue.stop();
     for (const auto& thread : m_threads) {
         thread->join();

@@ -71,23 +71,13 @@ public:
     explicit WorkerSupply(Walk& itsWalk) : QueueSupply(itsWalk) {}
 
     QueuedEntry* take(std::size_t busy) noexcept override {
-        try {
-            walk.m_reporter.reportFinished();
-            unused.resize(1);
-        } catch (...) {
-            m_failure = std::current_exception();
-            return nullptr;
-        }
-        return takeFromQueue(busy);
+        report();
+        return m_failure ? nullptr : takeFromQueue(busy);
     }
 
     void deliver(QueuedEntry& entry, StepSizes& steps) noexcept override {
         QueueSupply::deliver(entry, steps);
-        try {
-            walk.m_reporter.reportFinished();
-        } catch (...) {
-            m_failure = std::current_exception();
-        }
+        report();
     }
 
     bool shouldStop() noexcept override { return m_failure || Common::Utils::terminationSignal() != 0; }
@@ -99,6 +89,16 @@ public:
     }
 
 private:
+    void report() noexcept {
+        try {
+            walk.m_reporter.reportFinished();
+            walk.m_helpers.startFurtherIfWaiting();
+            unused.resize(1);
+        } catch (...) {
+            m_failure = std::current_exception();
+        }
+    }
+
     std::exception_ptr m_failure; ///< of a report
 };
 
@@ -191,7 +191,7 @@ void Walk::examineFront() {
     const bool isRoot = front.parent == nullptr;
     m_queue.settle(front, State::examined, none);
     if (isRoot) {
-        m_helpers.start(m_plan.threads - 1, [this] { help(); });
+        m_helpers.start(m_plan, [this] { help(); });
     }
 }
 
