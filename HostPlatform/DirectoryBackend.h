@@ -10,7 +10,7 @@ namespace Nerix::Platform::Host {
 
 /// Keeps settings in the files of a directory, one file per key.
 ///
-/// A file is replaced as a whole, by rename. Processes do not wait for each other, a killed process leaves
+/// A file is replaced as a whole by a new one. Processes do not wait for each other, a killed process leaves
 /// the old or the new value, and damage to one file does not affect the others. Files are not mapped into
 /// memory, so truncating a file during a read causes an error, not a signal. Each call finds the directory
 /// again, which may have been deleted and recreated since the last call.
