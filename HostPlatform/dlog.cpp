@@ -15,9 +15,12 @@ std::string formatted(const char* format, std::va_list arguments) __attribute__(
 std::string formatted(const char* format, std::va_list arguments) {
     std::va_list copy;
     va_copy(copy, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    char buffer[1024]; // enough for nearly every record
+    const int length = std::vsnprintf(buffer, sizeof buffer, format, arguments);
     std::string text = format; // logged if formatting fails, to identify the record
-    if (length >= 0) {
+    if (length >= 0 && static_cast<std::size_t>(length) < sizeof buffer) {
+        text.assign(buffer, static_cast<std::size_t>(length));
+    } else if (length >= 0) {
         text.resize(static_cast<std::size_t>(length));
         std::vsnprintf(text.data(), text.size() + 1, format, copy);
     }

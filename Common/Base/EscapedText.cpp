@@ -2,6 +2,7 @@
 
 #include "Common/Base/Hexadecimal.h"
 
+#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -11,6 +12,11 @@ namespace {
 
 std::string escapeOf(char byte) {
     return "\\x" + hexadecimal(static_cast<unsigned char>(byte), 2);
+}
+
+/// Returns true if the character needs no escape whatever comes before and after it.
+bool isAlwaysPlain(char character) {
+    return character >= ' ' && character <= '~' && character != '\\';
 }
 
 bool isC1(unsigned char byte) {
@@ -27,6 +33,9 @@ bool beginsWithDirectionControl(std::string_view text) {
 
 /// Escapes text as escaped() does, but keeps the character `kept`.
 std::string escapedExcept(char kept, const std::string& text) {
+    if (std::all_of(text.begin(), text.end(), isAlwaysPlain)) {
+        return text; // nearly every text
+    }
     constexpr std::string_view named = "\\\n\r\t";
     constexpr std::string_view letters = "\\nrt";
     std::string result;

@@ -213,7 +213,7 @@ void HashWorker::logReadError(const FileInput& entry, int error) noexcept {
 
 void HashWorker::record(const FileInput& entry, unsigned long long value) const {
     if (m_scanLog.stream == nullptr) {
-        NERIX_LOG_STREAM(INF) << loggedScanRecord(value, entry.path.native());
+        NERIX_LOG(INF, "%s", loggedScanRecord(value, entry.path.native()).c_str());
         return;
     }
     std::string record = scanRecord(value, entry.path.native());
