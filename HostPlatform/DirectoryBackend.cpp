@@ -10,7 +10,7 @@
 #include "Common/Base/Files.h"
 #include "Common/Base/Hexadecimal.h"
 #include "Common/Base/NoDestructor.h"
-#include "HostPlatform/OwnDirectory.h"
+#include "HostPlatform/PrivateDirectory.h"
 #include "HostPlatform/ProcessIdentity.h"
 #include "PlatformInterfaces/dlog.h"
 
@@ -74,7 +74,7 @@ std::string fileNameOf(std::string_view key) {
     return name;
 }
 
-/// Returns the key of a file, or nullopt if fileNameOf does not return that name.
+/// Returns the key for which fileNameOf returns this name, or nullopt if there is none.
 std::optional<std::string> keyOf(const std::string& name) {
     std::string key;
     for (std::size_t index = 0; index != name.size(); ++index) {
@@ -184,10 +184,10 @@ void logError(const std::string& text) {
     __dlog_print(DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_ERROR, "nerix.host", "%s", text.c_str());
 }
 
-/// Returns a file name that no process on any machine shares and no key has. A killed process may leave a
-/// file of that name.
+/// Returns a file name that no other process uses, on this or any other machine, and that fileNameOf returns
+/// for no key. A killed process may leave a file of that name.
 std::string temporaryName() {
-    static Common::NoDestructor<const std::string> identity(ProcessIdentity::own());
+    static Common::NoDestructor<const std::string> identity(ProcessIdentity::ofThisProcess());
     return ".new " + *identity + " " + std::to_string(::getpid());
 }
 
@@ -201,7 +201,7 @@ fs::path DirectoryBackend::directory() {
     const bool isUnchanged = !m_directory.empty() && ::lstat(m_directory.c_str(), &status) == 0 &&
                              status.st_dev == m_device && status.st_ino == m_inode;
     if (!isUnchanged) {
-        m_directory = ownDirectory(m_parent() / m_name);
+        m_directory = privateDirectory(m_parent() / m_name);
         if (::lstat(m_directory.c_str(), &status) != 0) {
             fail(errno);
         }
@@ -264,7 +264,7 @@ void DirectoryBackend::each(const Visit& visit) {
     std::optional<SettingsFailure> failure;
     for (const std::string& key : keys()) {
         try {
-            attempt("list its settings", [&] {
+            attempt("read '" + key + "'", [&] {
                 const fs::path file = m_directory / fileNameOf(key);
                 m_location = file.string();
                 if (const std::optional<std::string> bytes = checkedContentOf(file)) {

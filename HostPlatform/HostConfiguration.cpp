@@ -171,7 +171,7 @@ void HostConfiguration::logBadValue(const std::string& section, int key, const V
 std::optional<std::string> HostConfiguration::text(const std::string& section, int key) const {
     const std::optional<Value> value = find(section, key);
     if (value && value->text.empty()) {
-        logBadValue(section, key, *value, "a text");
+        logBadValue(section, key, *value, "a non-empty text");
         return std::nullopt;
     }
     return value ? std::optional<std::string>(value->text) : std::nullopt;

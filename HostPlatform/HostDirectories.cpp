@@ -1,6 +1,6 @@
 #include "HostPlatform/HostDirectories.h"
 
-#include "HostPlatform/OwnDirectory.h"
+#include "HostPlatform/PrivateDirectory.h"
 #include "PlatformInterfaces/dlog.h"
 
 #include <cerrno>
@@ -66,27 +66,27 @@ fs::path homeOfUser() {
 
 fs::path durableDirectory() {
     if (const auto home = fromEnvironment("NERIX_PLATFORM_HOME")) {
-        return ownDirectory(*home);
+        return privateDirectory(*home);
     }
     return withRemedy([] {
         const auto state = absoluteFromEnvironment("XDG_STATE_HOME");
-        return ownDirectory(state ? *state / "nerix" : homeOfUser() / ".local/state/nerix");
+        return privateDirectory(state ? *state / "nerix" : homeOfUser() / ".local/state/nerix");
     });
 }
 
 fs::path logDirectory() {
-    return ownDirectory(durableDirectory() / "log");
+    return privateDirectory(durableDirectory() / "log");
 }
 
 fs::path volatileDirectory() {
     if (const auto home = fromEnvironment("NERIX_PLATFORM_HOME")) {
-        return ownDirectory(*home);
+        return privateDirectory(*home);
     }
     if (const auto runtime = absoluteFromEnvironment("XDG_RUNTIME_DIR")) {
-        return withRemedy([&] { return ownDirectory(*runtime / "nerix"); });
+        return withRemedy([&] { return privateDirectory(*runtime / "nerix"); });
     }
     try {
-        return ownDirectory("/dev/shm/nerix-" + std::to_string(::geteuid()));
+        return privateDirectory("/dev/shm/nerix-" + std::to_string(::geteuid()));
     } catch (const std::system_error& failure) {
         // Another user may have created the directory first, which must not stop this user.
         fs::path durable = durableDirectory();

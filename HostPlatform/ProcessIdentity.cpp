@@ -25,7 +25,8 @@ struct Identity {
 std::string startOf(const std::string& process) {
     std::ifstream file("/proc/" + process + "/stat");
     const std::string content(std::istreambuf_iterator<char>(file), {});
-    // The process name before it may contain spaces, parentheses and line feeds.
+    // Skips the process name, which ends at the last parenthesis. It may contain spaces, parentheses and line
+    // feeds.
     std::istringstream fields(content.substr(content.rfind(')') + 1));
     constexpr int startField = 20; // the state is the first after the name
     std::string field;
@@ -49,7 +50,7 @@ Identity identityOfThisProcess() {
 
 } // namespace
 
-std::string own() {
+std::string ofThisProcess() {
     const Identity identity = identityOfThisProcess();
     return identity.isKnown()
                ? identity.boot + " " + identity.nameSpace + " " + identity.process + " " + identity.start

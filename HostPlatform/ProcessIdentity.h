@@ -7,7 +7,7 @@ namespace Nerix::Platform::Host::ProcessIdentity {
 
 /// Returns the identity of this process in one line: boot id, process-id namespace, process id and start
 /// time. Returns an empty string if /proc is not readable.
-std::string own();
+std::string ofThisProcess();
 
 /// Returns true if the process has certainly ended. Returns false if this is unknown, for example if it is in
 /// another container.

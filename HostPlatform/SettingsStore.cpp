@@ -16,7 +16,7 @@ constexpr std::string_view volatilePrefix = "memory/";
 
 /// Returns the record to store: type letter, identity of the writer, zero byte, bytes of the value.
 std::string packed(SettingType type, std::string_view bytes) {
-    static Common::NoDestructor<const std::string> writer(ProcessIdentity::own());
+    static Common::NoDestructor<const std::string> writer(ProcessIdentity::ofThisProcess());
     std::string record;
     record.reserve(1 + writer->size() + 1 + bytes.size());
     record.append(1, static_cast<char>(type)).append(*writer).append(1, '\0').append(bytes);

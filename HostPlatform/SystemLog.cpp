@@ -1,4 +1,4 @@
-// Each buffer, main and system, has a logger of spdlog; NERIX_HOST_LOG selects its sink. A file is written in
+// Each buffer, main and system, has an spdlog logger; NERIX_HOST_LOG selects its sink. A file is written in
 // batches (BatchingSink): records stay in memory until the batch is full, a warning is logged, a second has
 // passed (flushEachSecond), or the process ends (end).
 

@@ -1,8 +1,8 @@
 #include "PlatformInterfaces/dlog.h"
 
-#include "HostPlatform/CBarrier.h"
 #include "HostPlatform/HostState.h"
 #include "HostPlatform/SystemLog.h"
+#include "HostPlatform/WithoutExceptions.h"
 
 #include <cstdarg>
 #include <cstdio>

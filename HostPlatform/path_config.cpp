@@ -1,9 +1,9 @@
 #include "PlatformInterfaces/path_config.h"
 
 #include "Common/Base/NoDestructor.h"
-#include "HostPlatform/CBarrier.h"
 #include "HostPlatform/HostConfiguration.h"
 #include "HostPlatform/HostState.h"
+#include "HostPlatform/WithoutExceptions.h"
 
 #include <map>
 #include <mutex>

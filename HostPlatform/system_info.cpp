@@ -1,8 +1,8 @@
 #include "PlatformInterfaces/system_info.h"
 
-#include "HostPlatform/CBarrier.h"
 #include "HostPlatform/HostConfiguration.h"
 #include "HostPlatform/HostState.h"
+#include "HostPlatform/WithoutExceptions.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,9 +1,9 @@
 #include "PlatformInterfaces/vconf.h"
 
-#include "HostPlatform/CBarrier.h"
 #include "HostPlatform/HostState.h"
 #include "HostPlatform/SettingsBackend.h"
 #include "HostPlatform/SettingsStore.h"
+#include "HostPlatform/WithoutExceptions.h"
 
 #include <cerrno>
 #include <cstring>

@@ -33,7 +33,7 @@ constexpr const char* overview =
     "Commands:\n"
     "  scan PATH              print the value of a tree; --log records its entries\n"
     "  compare BEFORE AFTER   list the entries that differ between two scan logs\n"
-    "  settings ACTION        show settings, or watch a scan by NerixVerifierHash\n"
+    "  settings ACTION        show settings, or watch a running NerixVerifierHash\n"
     "\n"
     "Examples:\n"
     "  NerixHost scan /usr/share --log before.log\n"
@@ -119,7 +119,7 @@ Command compareCommand() {
 Command settingsCommand() {
     Command command{"usage: NerixHost settings list|watch|get KEY [OPTION...]\n"
                     "\n"
-                    "List the settings of this user, print one of them, or watch a scan by\n"
+                    "List the settings of this user, print one of them, or watch a running\n"
                     "NerixVerifierHash until it ends.\n"
                     "\n",
                     "\n"

@@ -74,7 +74,10 @@ TEST(HostConfigurationDeathTest, FaultsAreLoggedAndFailTheLookup) {
         {"unknown section", "[systeminfo]\n203=1\n", none, "'systeminfo' is neither [system_info] nor [path]"},
         {"no section", "203=1\n", none, "'203' is neither"},
         {"too large", "[path]\n43=/x\n" + std::string(1U << 20U, ';'), none, "is larger than 1 MiB"},
-        {"empty text", "[path]\n43=\n", {{}, 1080, true}, "platform.ini: [path] usb_drives (43) is '', not a text"},
+        {"empty text",
+         "[path]\n43=\n",
+         {{}, 1080, true},
+         "platform.ini: [path] usb_drives (43) is '', not a non-empty text"},
         {"no int", facts + "203=12x\n", {"/media", {}, true}, "[system_info] screen_lines (203) is '12x', not an integer"},
         {"no bool", facts + "358=yes\n", {"/media", 1080, {}}, "[system_info] is_tv (358) is 'yes', not true or false"}};
     for (const ConfigurationFile& file : files) {

@@ -187,7 +187,8 @@ class Hostile(SystemTest):
                 with self.subTest(name, file=file):
                     damage(file)
                     run = self.run_host("settings", "list")
-                    self.assertEqual(run.stderr.decode(), f"NerixHost: settings store {file}: cannot list its settings: "
+                    key = os.path.basename(file).replace("+", "/")
+                    self.assertEqual(run.stderr.decode(), f"NerixHost: settings store {file}: cannot read '{key}': "
                                      "it is damaged; delete this file\n")
                     self.assertEqual(run.stdout.count(b"\n"), 2, "lines of the other settings")
                     self.assertEqual(run.returncode, 2)

@@ -10,6 +10,6 @@ namespace Nerix::Platform::Host {
 /// group or others, or could be replaced by another user: every directory and link along the path must belong
 /// to this user or root, and world-writable ones must be sticky, like /tmp. In a user namespace without a
 /// root mapping, all unmapped owners count as root, because they look the same. Thread-safe.
-std::filesystem::path ownDirectory(const std::filesystem::path& directory);
+std::filesystem::path privateDirectory(const std::filesystem::path& directory);
 
 } // namespace Nerix::Platform::Host

@@ -1,4 +1,4 @@
-#include "HostPlatform/OwnDirectory.h"
+#include "HostPlatform/PrivateDirectory.h"
 
 #include <cerrno>
 #include <list>
@@ -60,7 +60,7 @@ void requireTrustedPathElement(const fs::path& path, const struct stat& status) 
 
 } // namespace
 
-fs::path ownDirectory(const fs::path& directory) {
+fs::path privateDirectory(const fs::path& directory) {
     constexpr int maxLinks = 40; // the kernel's limit
     int links = 0;
     fs::path resolved = "/";

@@ -6,10 +6,10 @@ namespace Nerix::Platform::Host {
 
 /// Runs the body of a C function and returns its result code, or ENOMEM if it throws: exceptions must not
 /// reach C callers. In practice only std::bad_alloc is thrown.
-template <class Step>
-int withoutExceptions(Step step) noexcept {
+template <class Body>
+int withoutExceptions(Body body) noexcept {
     try {
-        return step();
+        return body();
     } catch (...) {
         return ENOMEM;
     }
