@@ -75,7 +75,7 @@ std::optional<Place> placeOf(const fs::path& file) {
     return std::nullopt;
 }
 
-/// Returns true if the directory is root or below it on their common file system, even if the path leads
+/// Returns true if the directory is the tree's root or below it on the same file system, even if its path goes
 /// through another mount of that file system.
 bool isInTreeOnFileSystem(const fs::path& directory, const fs::path& root) {
     const std::optional<Place> inner = placeOf(directory);
@@ -113,7 +113,7 @@ bool mayBeLinkedInTree(const fs::path& file, const fs::path& root) {
 
 } // namespace
 
-fs::path logOutside(const fs::path& root, const std::string& logFile) {
+fs::path logPathOutside(const fs::path& root, const std::string& logFile) {
     struct stat status {};
     const bool isStream = logFile.compare(0, 8, "/dev/std") == 0 || logFile.compare(0, 8, "/dev/fd/") == 0;
     if (isStream || (::stat(logFile.c_str(), &status) == 0 && !S_ISREG(status.st_mode))) {

@@ -9,6 +9,6 @@ namespace Nerix {
 /// if the log is not a regular file or could change the value of the tree at root: if it is in the tree, even
 /// through another mount, or if it is a hard link of a file that may be in the tree. Throws
 /// std::filesystem::filesystem_error if the path cannot be resolved.
-std::filesystem::path logOutside(const std::filesystem::path& root, const std::string& logFile);
+std::filesystem::path logPathOutside(const std::filesystem::path& root, const std::string& logFile);
 
 } // namespace Nerix

@@ -19,19 +19,19 @@ Setting find(std::string_view key) {
     return Platform::Host::HostState::instance().settings().find(key).value_or(Setting{});
 }
 
-/// Returns true for the status "active" or the result "00000111", of a run that is active or was killed.
-bool isOfRun(const Setting& setting) {
+/// Returns true for the status "active" and the result "00000111": the run is active, or was killed.
+bool isOfUnfinishedRun(const Setting& setting) {
     return setting.type == Platform::Host::SettingType::Text &&
            (setting.bytes == PublishedState::activeStatus || setting.bytes == PublishedState::runningResult);
 }
 
 /// Returns true if the setting was left behind by a run whose process is gone.
 bool isLeftBehind(const Setting& setting) {
-    return isOfRun(setting) && Platform::Host::ProcessIdentity::isGone(setting.writer);
+    return isOfUnfinishedRun(setting) && Platform::Host::ProcessIdentity::isGone(setting.writer);
 }
 
 bool isOfLiveRun(const Setting& setting) {
-    return isOfRun(setting) && !isLeftBehind(setting);
+    return isOfUnfinishedRun(setting) && !isLeftBehind(setting);
 }
 
 RunState readOnce() {
@@ -40,7 +40,7 @@ RunState readOnce() {
     const Setting result = find(PublishedState::resultKey);
     RunState state{status.bytes, progress.bytes, result.bytes, result.writer,
                    isOfLiveRun(status) || isOfLiveRun(result)};
-    if (!state.isRunning && (isOfRun(status) || isOfRun(result))) {
+    if (!state.isRunning && (isOfUnfinishedRun(status) || isOfUnfinishedRun(result))) {
         state.status = killed;
     }
     return state;

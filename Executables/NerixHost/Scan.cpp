@@ -89,7 +89,7 @@ int scan(const ScanRequest& request) {
         const bool isLogOnStandardOutput = request.logFile == "-";
         std::optional<LogFile> file;
         if (!request.logFile.empty() && !isLogOnStandardOutput) {
-            file.emplace(logOutside(fs::canonical(request.path), request.logFile).string());
+            file.emplace(logPathOutside(fs::canonical(request.path), request.logFile).string());
         }
         DescriptorBuffer output(STDOUT_FILENO);
         // Without a buffer, the stream discards the records.

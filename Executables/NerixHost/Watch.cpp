@@ -101,8 +101,8 @@ int watch(bool isJson) {
     if (!state.isRunning) {
         display.showWaiting(state);
     }
-    // A short run may never be seen as active, so a changed state also ends the wait. If the result is
-    // missing, the store was deleted and the run is still to come.
+    // A short run may never be seen as active, so a changed state also ends the wait. A missing
+    // result does not: the store was deleted, or there has been no run yet.
     while (receivedSignal == 0 && !state.isRunning && (isSameState(state, before) || state.result.empty())) {
         sleepBriefly();
         state = RunState::read();

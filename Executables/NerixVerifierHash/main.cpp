@@ -1,12 +1,12 @@
 // The command line of NerixVerifierHash. A run passes through these files, in this order:
 //
 //   main.cpp                    options, exit status
-//   ProgramSession.cpp          sets up the package's framework
+//   ProgramSession.cpp          sets up the log, OpenSSL, the product and the test parameters
 //   HashVerifierAPI.cpp         makes the path canonical and starts the worker
 //   Worker/HashWorker.cpp       publishes status, progress and result; scans on its own thread
 //   ScanLog/ScanLogFile.cpp     opens the scan log on a USB drive
 //   FileScanners/FileScanners.cpp   selects the scanner of an entry by its kind
-//   FileScanners/Walk/Walk.cpp  lists directories, and has entries examined and reported
+//   FileScanners/Walk/Walk.cpp  connects examiners and reporter, on several threads
 //   Walk/Examiner.cpp, EntryTexts.cpp   reads path, status, attributes, and content or target of entries
 //   HashFunctions/Md5Hash.cpp   hashes these texts, several entries at a time
 //   Walk/Reporter.cpp           passes the entries to the worker, in order

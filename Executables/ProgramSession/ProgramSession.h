@@ -5,12 +5,12 @@
 
 namespace Nerix {
 
-/// Sets up the package's framework for a program that runs verifications. Create only one per process
+/// Sets up what every verification needs: the log, OpenSSL, the product and the test parameters. Create only one per process
 /// (asserted), on the main thread, before the first verification, and keep it until the last one has ended.
 class ProgramSession {
 public:
     /// Sets the process name in the log, registers the calling thread as the main thread, and keeps an
-    /// OpenSSLInit in the singletons register. programName must outlive the session.
+    /// OpenSSLInit in the singleton registry. programName must outlive the session.
     explicit ProgramSession(const char* programName);
 
     /// Identifies the product and reads the testers' parameters. Call it once. Throws the exceptions of
