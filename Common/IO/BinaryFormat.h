@@ -11,7 +11,7 @@ namespace Nerix::Common::IO::binary_format {
 
 class serialization_exception : public virtual std::exception, public virtual boost::exception {};
 
-/// Reports that a value does not fit into the bytes reserved for it; carries their number.
+/// Reports that a value does not fit into the bytes reserved for it; contains the number of these bytes.
 class lossy_conversion : public virtual serialization_exception {};
 
 namespace detail {

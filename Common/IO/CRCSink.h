@@ -13,7 +13,8 @@
 namespace Nerix::Common::IO {
 
 /// Computes a checksum of the data written to it. A transaction can store and restore its state. CRC is a
-/// class of Boost.CRC with a reflected 32-bit remainder. Used by NerixCommonUtils and other programs.
+/// class of Boost.CRC with a reflected 32-bit remainder. Used by NerixCommonUtils and by other
+/// programs of the package.
 template <class CRC>
 class CRCSink : public ISink, public ITransactionalEntity, public Utils::IDebugName {
 public:

@@ -9,7 +9,7 @@ namespace Nerix::Common::IO::IOExceptions {
 /// Reports that a data path was misused.
 class IOStreamsException : public virtual std::exception, public virtual boost::exception {};
 
-/// Reports data or a second end mark after the end of the data.
+/// Thrown when further data, or a second end mark, follows the end of the data.
 class EndOfDataMarkedException : public IOStreamsException {};
 
 } // namespace Nerix::Common::IO::IOExceptions

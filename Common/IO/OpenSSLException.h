@@ -7,7 +7,7 @@
 
 namespace Nerix::Common::Utils::Encoding {
 
-/// Base of the exceptions for failures of encoding and encryption.
+/// Base of the exceptions for failures of the crypto library. Only the name has to do with AES.
 class AESException : public virtual std::exception, public virtual boost::exception {};
 
 /// Reports that a call of the crypto library failed; contains the library's error text. The thrower adds the

@@ -16,7 +16,8 @@ public:
     /// Begins a message. Writing to the stream throws std::bad_alloc if memory is exhausted.
     LoggingStream(const char* tag, LoggingClass::Level level, const char* fileName, int line);
 
-    /// Logs the message. Throws std::bad_alloc unless an exception is already propagating.
+    /// Logs the message. Throws std::bad_alloc if memory is exhausted, unless another exception is already
+    /// propagating.
     ~LoggingStream() noexcept(false);
 
     LoggingStream(const LoggingStream&) = delete;

@@ -130,7 +130,7 @@ boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
     }
     boost::filesystem::path result("/");
     for (auto element = rest; element != path.end(); ++element) {
-        if (*element != "/") { // after an empty prefix; the result already has a root
+        if (*element != "/") { // the root is left only after an empty prefix; the result has one already
             result /= *element;
         }
     }

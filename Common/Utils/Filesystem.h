@@ -5,8 +5,8 @@
 #include <cstdint>
 #include <fstream>
 
-/// Wraps functions of Boost.Filesystem. Queries examine the entry itself and never follow a final link, so a
-/// dangling link exists. Prefixes match whole path elements.
+/// Wraps functions of Boost.Filesystem. Queries examine the entry itself and never follow a final link, so
+/// exists_any returns true for a dangling link. Prefixes match whole path elements.
 ///
 /// Unless stated otherwise, a function that fails throws boost::filesystem::filesystem_error and logs its own
 /// name and the path. For a query, a missing entry is not a failure, but an unsearchable directory is.

@@ -13,9 +13,10 @@ namespace {
 constexpr int caught[] = {SIGINT, SIGTERM, SIGHUP};
 
 std::atomic<int> remembered{0};
-std::atomic<unsigned int> firstTime{0}; ///< of the first signal, wrapping monotonic milliseconds; 0: none
+std::atomic<unsigned int> timeOfFirst{0}; ///< when the first signal arrived, in milliseconds(); 0 before that
 static_assert(ATOMIC_INT_LOCK_FREE == 2, "always lock-free, because a signal handler writes them");
 
+/// Returns the monotonic time, which wraps around.
 unsigned int milliseconds() {
     std::timespec now{};
     ::clock_gettime(CLOCK_MONOTONIC, &now);
@@ -27,7 +28,7 @@ void remember(int signal) {
     constexpr unsigned int maxRepeatMilliseconds = 200;
     const unsigned int now = std::max(milliseconds(), 1U);
     unsigned int first = 0;
-    if (firstTime.compare_exchange_strong(first, now)) {
+    if (timeOfFirst.compare_exchange_strong(first, now)) {
         remembered = signal;
     } else if (now - first > maxRepeatMilliseconds) {
         std::signal(signal, SIG_DFL);

@@ -42,8 +42,8 @@ private:
 template <class T>
 class SingletonPointer : private boost::noncopyable {
 public:
-    /// Adds user to the item's users. Called by the register, with its lock held. A null item makes an empty
-    /// handle, which must not be dereferenced.
+    /// Adds user to the item's users; the register calls this with its lock held. A null item makes an empty
+    /// handle, which must not be dereferenced and needs no lock.
     SingletonPointer(const std::string& user, const boost::shared_ptr<SRegisterItem>& item)
         : m_usage(user, item) {}
 

@@ -50,7 +50,7 @@ void SingletonsRegister::internalMarkNeeded(SingletonsID id) {
     {
         const Lock map(m_mapMutex);
         const Item item = find(id);
-        requirements = item->getRequirements(); // boost::shared_ptr asserts that the id is registered
+        requirements = item->getRequirements(); // asserts that item is not null
         checkRequirements(id, requirements);
         item->incrementNeeded();
     }

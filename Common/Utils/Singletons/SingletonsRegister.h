@@ -60,8 +60,8 @@ public:
     SingletonPointer<T> getService(const std::string& user, SingletonsID id) {
         const boost::lock_guard<boost::recursive_mutex> map(m_mapMutex);
         return SingletonPointer<T>(user, require(id, [](const RegisterableSingleton& service) {
-                                       // Compare the exact type first, because dynamic_cast is slower and
-                                       // hash steps without a DigestSession come here.
+                                       // Compare the exact type first. dynamic_cast is slower, and each
+                                       // hash step without a DigestSession calls getService.
                                        return typeid(service) == typeid(T) ||
                                               dynamic_cast<const T*>(&service) != nullptr;
                                    }));

@@ -15,7 +15,7 @@ public:
 
     using HashFunctionBase::apply;
 
-    /// Asserts that the crypto set-up is in the singletons register. Throws what HashSink and the
+    /// Asserts that an OpenSSLInit is in the singleton registry. Throws what HashSink and the
     /// observer throw.
     hash_t apply(hash_t value, unsigned int length, const char* data) const override;
 
