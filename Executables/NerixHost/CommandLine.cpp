@@ -16,6 +16,7 @@
 #include <boost/program_options/variables_map.hpp>
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <sstream>
 
@@ -28,16 +29,17 @@ namespace options = boost::program_options;
 constexpr const char* overview =
     "usage: NerixHost COMMAND [ARGUMENT...]\n"
     "\n"
-    "Scan a file tree, compare scan logs, and show the settings of this user.\n"
+    "Compare file trees, scan a tree, and show the settings of this user.\n"
     "\n"
     "Commands:\n"
+    "  compare BEFORE AFTER   list what differs between two trees or scan logs\n"
     "  scan PATH              print the value of a tree; --log records its entries\n"
-    "  compare BEFORE AFTER   list the entries that differ between two scan logs\n"
     "  settings ACTION        show settings, or watch a running NerixVerifierHash\n"
     "\n"
     "Examples:\n"
-    "  NerixHost scan /usr/share --log before.log\n"
-    "  NerixHost compare before.log after.log\n"
+    "  NerixHost compare /mnt/release /mnt/device\n"
+    "  NerixHost scan / --log /media/release.log --details\n"
+    "  NerixHost compare /media/release.log /\n"
     "  NerixHost settings watch\n"
     "\n"
     "Run 'NerixHost COMMAND --help' for the options of a command,\n"
@@ -55,6 +57,7 @@ struct Argument {
     const char* name;  ///< key among the parsed values
     const char* shown; ///< name in help and messages
     bool isRequired;
+    bool isRepeated = false; ///< any number of them; only the last argument
 };
 
 /// The arguments and options of a command, and the help text before and after the options.
@@ -74,25 +77,31 @@ std::string methodsText() {
 }
 
 Command scanCommand() {
-    Command command{"usage: NerixHost scan PATH [OPTION...]\n"
+    Command command{"usage: NerixHost scan PATH... [OPTION...]\n"
                     "\n"
-                    "Print the value of the tree at PATH, as NerixVerifierHash does.\n"
+                    "Print the value of the tree at each PATH, as NerixVerifierHash does.\n"
                     "\n",
                     "\n"
                     "Example: NerixHost scan /usr/share --log share.log --details\n"
                     "\n"
-                    "Exit status: 0 if the scan succeeds and the value is the expected one, 1 if not;\n"
-                    "2 for a usage error, if a file cannot be read to its end, or if standard output\n"
-                    "cannot be written.\n",
+                    "Exit status: 0 if the tree has a value, with --expect that one; 1 if it has\n"
+                    "another value; 2 for a usage error, if something cannot be read, or if the log\n"
+                    "or standard output cannot be written.\n",
                     options::options_description("Options"),
-                    {{"path", "PATH", true}}};
+                    {{"path", "PATH", true, true}}};
     const std::string methods = "Use hash method HASH, one of:" + methodsText();
     auto add = command.options.add_options();
     add("hash,H", options::value<std::string>()->value_name("HASH")->default_value("md5"), methods.c_str());
     add("log,l", options::value<std::string>()->value_name("FILE"),
         "Write a record for each entry to FILE, outside the tree. FILE appears when it is complete. With -, "
         "write the records to standard output and the value to standard error");
-    add("details,d", switchValue(), "With --log, also record kind, owner, group, links, mode and size");
+    add("details,d", switchValue(),
+        "With --log, also record what compare needs: kind, owner, group, links, mode, size, content, "
+        "attributes and target");
+    add("as", options::value<std::string>()->value_name("PATH"),
+        "Print the value that the tree has when it is at PATH: an image gives the value of its device");
+    add("keep-going,k", switchValue(), "After something that cannot be read, go on to find all of it");
+    add("json", switchValue(), "Print a JSON object for each PATH");
     add("expect,e", options::value<std::string>()->value_name("VALUE"),
         "Exit with status 1 unless the value is VALUE");
     add("quiet,q", switchValue(), "Do not show progress");
@@ -102,17 +111,36 @@ Command scanCommand() {
 Command compareCommand() {
     Command command{"usage: NerixHost compare BEFORE AFTER [OPTION...]\n"
                     "\n"
-                    "List the entries that differ between two scan logs. A log is a file written by\n"
-                    "scan --log or to a USB drive, or a host's main.log (its last scan). A directory\n"
-                    "is listed only if nothing below it is listed, or if its own details changed.\n"
+                    "List what differs between two trees. BEFORE and AFTER are each a directory,\n"
+                    "which is scanned, or a log written by scan --log FILE --details. Entries are\n"
+                    "matched by their paths below the two roots. Logs without details, such as those\n"
+                    "on a USB drive and a host's main.log, can be compared if their paths are equal.\n"
                     "\n",
                     "\n"
-                    "Example: NerixHost compare before.log after.log\n"
+                    "Example: NerixHost compare /mnt/release /mnt/device --exclude '*.log'\n"
                     "\n"
-                    "Exit status: 0 if nothing differs, 1 if something does, 2 on error.\n",
+                    "Exit status: 0 if nothing differs, 1 if something does; 2 for a usage error, if\n"
+                    "a tree or log cannot be read completely, or if logs cannot be compared.\n",
                     options::options_description("Options"),
                     {{"before", "BEFORE", true}, {"after", "AFTER", true}}};
-    command.options.add_options()("json", switchValue(), "Print a JSON object for each difference");
+    std::string facts;
+    for (const std::string& name : factNames()) {
+        facts += ' ' + name;
+    }
+    const std::string ignore = "Do not compare these facts, separated by commas:" + facts;
+    auto add = command.options.add_options();
+    add("ignore,i", options::value<std::vector<std::string>>()->value_name("FACT[,FACT]"), ignore.c_str());
+    add("exclude,x", options::value<std::vector<std::string>>()->value_name("PATTERN"),
+        "Do not compare entries that match PATTERN, or what is below them. Without a slash, PATTERN is for a "
+        "name, otherwise for a path below the root; *, ?, [] and ** are special");
+    add("all,a", switchValue(), "Also list the entries below directories that were added or removed");
+    add("summary,s", switchValue(), "Print only how many entries differ, by difference and directory");
+    add("json", switchValue(), "Print a JSON object for each difference, and one with the totals");
+    add("color", options::value<std::string>()->value_name("WHEN")->default_value("auto"),
+        "Colour the output: auto, always or never");
+    add("hash,H", options::value<std::string>()->value_name("HASH")->default_value("md5"),
+        "Scan with hash method HASH (see 'NerixHost scan --help'), or with that of a log");
+    add("quiet,q", switchValue(), "Do not show the progress of scans");
     return command;
 }
 
@@ -145,8 +173,12 @@ options::variables_map parse(const Command& command, const std::vector<std::stri
     all.add(command.options).add_options()("help,h", switchValue(), "");
     options::positional_options_description positional;
     for (const Argument& argument : command.arguments) {
-        all.add_options()(argument.name, options::value<std::string>());
-        positional.add(argument.name, 1);
+        if (argument.isRepeated) {
+            all.add_options()(argument.name, options::value<std::vector<std::string>>());
+        } else {
+            all.add_options()(argument.name, options::value<std::string>());
+        }
+        positional.add(argument.name, argument.isRepeated ? -1 : 1);
     }
     options::variables_map values;
     options::store(options::command_line_parser(words).options(all).positional(positional).run(), values);
@@ -171,6 +203,25 @@ std::string textOf(const options::variables_map& values, const char* name) {
     return values.count(name) != 0 ? values[name].as<std::string>() : std::string();
 }
 
+std::vector<std::string> textsOf(const options::variables_map& values, const char* name) {
+    return values.count(name) != 0 ? values[name].as<std::vector<std::string>>() : std::vector<std::string>();
+}
+
+/// Returns the path without a slash at its end. Throws UsageError if it is not absolute and normal.
+std::string hashedRootIn(const std::string& text) {
+    if (text.empty()) {
+        return text;
+    }
+    std::string path = std::filesystem::path(text).lexically_normal().string();
+    if (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    if (path.front() != '/') {
+        throw UsageError("--as needs an absolute path, not '" + text + "'");
+    }
+    return path;
+}
+
 /// Returns text in lower case. Throws UsageError if it is not a value.
 std::string valueIn(const std::string& text) {
     constexpr std::size_t digits = 16;
@@ -184,30 +235,43 @@ std::string valueIn(const std::string& text) {
     return value;
 }
 
+/// Returns the text. Throws UsageError if it is not a hash method.
+std::string methodIn(const std::string& text) {
+    const std::vector<std::string> methods = HashFunctions::methods();
+    if (std::find(methods.begin(), methods.end(), text) == methods.end()) {
+        const std::string suggestion = didYouMean(text, methods);
+        throw UsageError("unknown hash method '" + text + "'" +
+                         (suggestion.empty() ? "; known methods:" + methodsText() : suggestion));
+    }
+    return text;
+}
+
 ScanRequest scanRequest(const options::variables_map& values) {
     ScanRequest request{};
-    request.path = textOf(values, "path");
-    request.hashMethod = textOf(values, "hash");
+    request.paths = textsOf(values, "path");
+    request.hashMethod = methodIn(textOf(values, "hash"));
     request.logFile = textOf(values, "log");
+    request.hashedRoot = hashedRootIn(textOf(values, "as"));
+    request.keepsGoing = values.count("keep-going") != 0;
+    request.isJson = values.count("json") != 0;
     request.isQuiet = values.count("quiet") != 0;
     request.hasDetails = values.count("details") != 0;
     if (values.count("expect") != 0) {
         request.expected = valueIn(textOf(values, "expect"));
     }
-    if (request.path.empty()) {
+    if (std::find(request.paths.begin(), request.paths.end(), "") != request.paths.end()) {
         throw UsageError("PATH is empty");
+    }
+    for (const char* const option : {"as", "expect", "log"}) {
+        if (values.count(option) != 0 && request.paths.size() > 1) {
+            throw UsageError(std::string("--") + option + " needs a single PATH");
+        }
     }
     if (values.count("log") != 0 && request.logFile.empty()) {
         throw UsageError("--log needs a file name");
     }
     if (request.hasDetails && request.logFile.empty()) {
         throw UsageError("--details needs --log");
-    }
-    const std::vector<std::string> methods = HashFunctions::methods();
-    if (std::find(methods.begin(), methods.end(), request.hashMethod) == methods.end()) {
-        const std::string suggestion = didYouMean(request.hashMethod, methods);
-        throw UsageError("unknown hash method '" + request.hashMethod + "'" +
-                         (suggestion.empty() ? "; known methods:" + methodsText() : suggestion));
     }
     return request;
 }
@@ -233,8 +297,58 @@ SettingsRequest settingsRequest(const options::variables_map& values) {
     return request;
 }
 
+/// Parses the arguments of --ignore. Throws UsageError.
+FactSet factsIn(const std::vector<std::string>& lists) {
+    FactSet facts;
+    for (const std::string& list : lists) {
+        std::istringstream names(list);
+        for (std::string name; std::getline(names, name, ',');) {
+            const std::optional<Fact> fact = factNamed(name);
+            if (!fact) {
+                throw UsageError("unknown fact '" + name + "'" + didYouMean(name, factNames()));
+            }
+            facts.insert(*fact);
+        }
+    }
+    return facts;
+}
+
+std::vector<PathPattern> patternsIn(const std::vector<std::string>& texts) {
+    std::vector<PathPattern> patterns;
+    for (const std::string& text : texts) {
+        try {
+            patterns.emplace_back(text);
+        } catch (const std::runtime_error& failure) {
+            throw UsageError(failure.what());
+        }
+    }
+    return patterns;
+}
+
+CompareRequest::Color colorIn(const std::string& text) {
+    if (text == "auto") {
+        return CompareRequest::Color::automatic;
+    }
+    if (text != "always" && text != "never") {
+        throw UsageError("unknown argument of --color '" + text + "'" +
+                         didYouMean(text, {"auto", "always", "never"}));
+    }
+    return text == "always" ? CompareRequest::Color::always : CompareRequest::Color::never;
+}
+
 CompareRequest compareRequest(const options::variables_map& values) {
-    return {textOf(values, "before"), textOf(values, "after"), values.count("json") != 0};
+    CompareRequest request{};
+    request.before = textOf(values, "before");
+    request.after = textOf(values, "after");
+    request.hashMethod = methodIn(textOf(values, "hash"));
+    request.rules.ignored = factsIn(textsOf(values, "ignore"));
+    request.rules.excluded = patternsIn(textsOf(values, "exclude"));
+    request.rules.listsAll = values.count("all") != 0;
+    request.isJson = values.count("json") != 0;
+    request.isSummary = values.count("summary") != 0;
+    request.isQuiet = values.count("quiet") != 0;
+    request.color = colorIn(textOf(values, "color"));
+    return request;
 }
 
 /// Returns the help of the command if words contain --help, otherwise the request that make builds.
@@ -258,7 +372,7 @@ Request requestOf(const std::string& name, const std::vector<std::string>& words
     if (name == "settings") {
         return makeRequest(settingsCommand(), words, &settingsRequest);
     }
-    throw UsageError("unknown command '" + name + "'" + didYouMean(name, {"scan", "compare", "settings"}));
+    throw UsageError("unknown command '" + name + "'" + didYouMean(name, {"compare", "scan", "settings"}));
 }
 
 } // namespace

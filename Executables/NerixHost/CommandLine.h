@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Executables/NerixHost/TreeComparison.h"
+
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -30,18 +32,28 @@ struct TextRequest {
 };
 
 struct ScanRequest {
-    std::string path;
+    std::vector<std::string> paths; ///< only one with logFile, expected or hashedRoot
     std::string hashMethod;
+    std::string hashedRoot;              ///< empty for the path of the tree
     std::string logFile;                 ///< empty: no log; "-": standard output
     std::optional<std::string> expected; ///< in lower case; if set, any other value is a failure
+    bool keepsGoing;
+    bool isJson;
     bool isQuiet;
     bool hasDetails;
 };
 
 struct CompareRequest {
-    std::string before;
+    enum class Color { automatic, always, never };
+
+    std::string before; ///< a scan log or a directory
     std::string after;
+    std::string hashMethod; ///< for scanning two directories
+    ComparisonRules rules;
     bool isJson;
+    bool isSummary;
+    bool isQuiet;
+    Color color;
 };
 
 struct SettingsRequest {

@@ -1,123 +1,122 @@
-// Both logs are in the order of the walk, so one pass merges them. A record in only one log is an entry that
-// was added or removed; two records of the same path with different values are a change. A directory comes
-// after everything below it. It is printed if nothing below it was, or if its own details changed.
-
 #include "Executables/NerixHost/Compare.h"
 
-#include "Executables/NerixHost/EntryChange.h"
+#include "Executables/NerixHost/DifferenceText.h"
+#include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/Json.h"
-#include "Executables/NerixHost/QuotedName.h"
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/WalkOrder.h"
+#include "Executables/NerixHost/TreeScan.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
+#include <memory>
+#include <optional>
+
+#include <unistd.h>
 
 namespace Nerix {
 
 namespace {
 
-/// One of the two logs, and its current record.
-struct Side {
-    explicit Side(const std::string& file) : log(file) { advance(); }
-    void advance() { hasRecord = log.next(record); }
-
-    ScanLogReader log;
-    ScanLogRecord record;
-    bool hasRecord = false;
-};
-
-std::string lineOf(const EntryChange& change) {
-    std::string line = change.what;
-    line += ' ' + quotedName(change.path);
-    std::string separator = ": ";
-    for (const DetailChange& detail : change.details) {
-        line += separator + detail.name + ' ' + detail.before + " -> " + detail.after;
-        separator = ", ";
-    }
-    return change.hasDetails && change.details.empty() ? line + ": content, attributes or target" : line;
+bool isDirectory(const std::string& place) {
+    std::error_code error; // of what cannot be examined, opening it as a log gives the reason
+    return std::filesystem::is_directory(place, error);
 }
 
-class Comparison {
+/// The two logs. Those that are given are opened before a tree is scanned.
+class Sides {
 public:
-    explicit Comparison(const CompareRequest& request)
-        : m_before(request.before), m_after(request.after), m_isJson(request.isJson) {
-        if (m_before.log.root() != m_after.log.root()) {
-            throw ScanLogError("the logs are of different trees, " + quotedName(m_before.log.root()) +
-                               " and " + quotedName(m_after.log.root()) +
-                               "; values depend on paths, so scan both trees under the same path, for "
-                               "example by mounting each in turn on one directory (mount --bind)");
-        }
+    explicit Sides(const CompareRequest& request) {
+        open(request.before, m_before);
+        open(request.after, m_after);
+        const std::string method = methodFor(request);
+        scan(request.before, method, request.isQuiet, m_before);
+        scan(request.after, method, request.isQuiet, m_after);
     }
 
-    /// Prints the differences while reading the logs, and returns the exit status.
-    int printDifferences() {
-        while (m_before.hasRecord || m_after.hasRecord) {
-            const int order = nextInOrder();
-            if (order == 0) {
-                compareRecords();
-                m_before.advance();
-                m_after.advance();
-            } else {
-                Side& side = order < 0 ? m_before : m_after;
-                printOneSided(side.record, order < 0 ? "removed" : "added");
-                side.advance();
-            }
-        }
-        std::cout << std::flush;
-        return m_hasDifferences ? EXIT_FAILURE : EXIT_SUCCESS;
-    }
+    ScanLogReader& before() { return *m_before; }
+    ScanLogReader& after() { return *m_after; }
 
 private:
-    /// Returns true if a difference below path has been printed. Entries below a directory immediately
-    /// precede it in the log, so checking the last printed path is enough.
-    bool isExplained(const std::string& path) const { return isBelow(m_lastPrintedPath, path); }
-
-    /// Returns a negative number if the next record is only in the first log, a positive one if it is only in
-    /// the second, 0 if it is in both.
-    int nextInOrder() const {
-        if (!m_before.hasRecord) {
-            return 1;
-        }
-        if (!m_after.hasRecord) {
-            return -1;
-        }
-        return compareInWalkOrder(m_before.record.path, m_after.record.path);
-    }
-
-    void compareRecords() {
-        if (m_before.record.value == m_after.record.value) {
-            return;
-        }
-        const bool hasReportedChangesBelow = isExplained(m_after.record.path);
-        const EntryChange change = changeOf(m_before.record, m_after.record, hasReportedChangesBelow);
-        if (!hasReportedChangesBelow || !change.details.empty()) {
-            print(change);
+    static void open(const std::string& place, std::optional<ScanLogReader>& log) {
+        if (!isDirectory(place)) {
+            log.emplace(place);
         }
     }
 
-    void printOneSided(const ScanLogRecord& record, const char* what) {
-        if (!isExplained(record.path)) {
-            print({what, record.path, false, {}});
+    void scan(const std::string& place, const std::string& method, bool isQuiet,
+              std::optional<ScanLogReader>& log) {
+        if (!log) {
+            if (!m_session) {
+                m_session = std::make_unique<ScanSession>();
+            }
+            log.emplace(scannedLog({place, method, "", false, isQuiet}));
         }
     }
 
-    void print(const EntryChange& change) {
-        std::cout << (m_isJson ? jsonOf(change) : lineOf(change)) << '\n';
-        m_lastPrintedPath = change.path;
-        m_hasDifferences = true;
+    /// Returns the method with which a tree is scanned, so that it can be compared with a log.
+    std::string methodFor(const CompareRequest& request) const {
+        const std::optional<ScanLogReader>& log = m_before ? m_before : m_after;
+        if (!log || (m_before && m_after)) {
+            return request.hashMethod;
+        }
+        if (!log->header()) {
+            throw ScanLogError((m_before ? request.before : request.after) +
+                               ": has no details, so a tree cannot be compared with it; record it with "
+                               "'NerixHost scan --log FILE --details'");
+        }
+        return log->header()->method;
     }
 
-    Side m_before;
-    Side m_after;
-    const bool m_isJson;
-    bool m_hasDifferences = false;
-    std::string m_lastPrintedPath;
+    std::unique_ptr<ScanSession> m_session;
+    std::optional<ScanLogReader> m_before;
+    std::optional<ScanLogReader> m_after;
 };
+
+bool isColoured(CompareRequest::Color color) {
+    const char* const noColor = std::getenv("NO_COLOR");
+    const char* const terminal = std::getenv("TERM");
+    const bool isWanted = (noColor == nullptr || *noColor == '\0') && terminal != nullptr &&
+                          std::string(terminal) != "dumb" && ::isatty(STDOUT_FILENO) == 1;
+    return color == CompareRequest::Color::always || (color == CompareRequest::Color::automatic && isWanted);
+}
+
+void printResult(const ComparisonResult& result, const CompareRequest& request) {
+    if (request.isSummary && request.isJson) {
+        std::cout << jsonOf(result, request.rules) << '\n' << std::flush;
+        return;
+    }
+    if (request.isSummary) {
+        std::cout << summaryOf(result);
+    } else {
+        const bool hasColour = isColoured(request.color);
+        for (const Difference& difference : result.differences) {
+            std::cout << (request.isJson ? jsonOf(difference) : lineOf(difference, hasColour)) << '\n';
+        }
+    }
+    if (request.isJson) {
+        std::cout << jsonOf(result, request.rules) << '\n' << std::flush;
+    } else {
+        std::cout << std::flush;
+        std::cerr << totalsOf(result, request.rules) << std::endl;
+    }
+}
+
+void warnOfOtherUser(const ScanLogReader& before, const ScanLogReader& after) {
+    if (before.header() && after.header() && before.header()->user != after.header()->user) {
+        printError("the trees were scanned by different users, " + std::to_string(before.header()->user) +
+                   " and " + std::to_string(after.header()->user) +
+                   ": attributes that only root can see may differ");
+    }
+}
 
 } // namespace
 
 int compare(const CompareRequest& request) {
-    return Comparison(request).printDifferences();
+    Sides sides(request);
+    warnOfOtherUser(sides.before(), sides.after());
+    const ComparisonResult result = compareTrees(sides.before(), sides.after(), request.rules);
+    printResult(result, request);
+    return result.differences.empty() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
 } // namespace Nerix

@@ -1,8 +1,11 @@
 #include "Executables/NerixHost/Json.h"
 
-#include "Executables/NerixHost/EntryChange.h"
+#include "Common/Base/EscapedText.h"
+#include "Common/Logging/PackageVersion.h"
+#include "Executables/NerixHost/DifferenceText.h"
 #include "Executables/NerixHost/RunState.h"
 #include "Executables/NerixHost/SettingValue.h"
+#include "Executables/NerixHost/TreeScan.h"
 
 #include <nlohmann/json.hpp>
 
@@ -26,6 +29,15 @@ Json textOrBytes(const std::string& text) {
     }
 }
 
+Json textOrNull(const std::optional<std::string>& text) {
+    return text ? textOrBytes(*text) : Json(nullptr);
+}
+
+/// Returns a name that can be the key of an object: escaped if it is not valid UTF-8.
+std::string keyOf(const std::string& name) {
+    return textOrBytes(name).is_string() ? name : Common::escaped(name);
+}
+
 /// Returns the object as one line in ASCII, so that it cannot control a terminal.
 std::string lineOf(const Json& json) {
     return json.dump(-1, ' ', true);
@@ -33,15 +45,72 @@ std::string lineOf(const Json& json) {
 
 } // namespace
 
-std::string jsonOf(const EntryChange& change) {
-    Json json = {{"change", change.what}, {"path", textOrBytes(change.path)}};
-    if (change.hasDetails) {
-        json["facts"] = Json::object();
-        for (const DetailChange& detail : change.details) {
-            json["facts"][detail.name] = {{"before", textOrBytes(detail.before)},
-                                          {"after", textOrBytes(detail.after)}};
-        }
+std::string jsonOf(const Difference& difference) {
+    Json json = {{"change", wordOf(difference.kind)}, {"path", textOrBytes(plainPath(difference.path))}};
+    if (difference.kind == Difference::Kind::moved) {
+        json["newPath"] = textOrBytes(plainPath(difference.newPath));
     }
+    for (const FactChange& change : difference.facts) {
+        Json& fact = json["facts"][nameOf(change.fact)];
+        Json& place = change.fact == Fact::attributes ? fact[keyOf(change.attribute)] : fact;
+        place = {{"before", textOrNull(change.before)}, {"after", textOrNull(change.after)}};
+    }
+    if (difference.below != 0) {
+        json["entriesBelow"] = difference.below;
+    }
+    return lineOf(json);
+}
+
+std::string jsonOf(const ComparisonResult& result, const ComparisonRules& rules) {
+    Json kinds = {{"changed", 0}, {"moved", 0}, {"added", 0}, {"removed", 0}};
+    Json facts = Json::object();
+    std::uint64_t removedBytes = 0;
+    std::uint64_t addedBytes = 0;
+    for (const Difference& difference : result.differences) {
+        kinds[wordOf(difference.kind)] = kinds[wordOf(difference.kind)].get<std::uint64_t>() + 1;
+        std::set<Fact> changed;
+        for (const FactChange& change : difference.facts) {
+            changed.insert(change.fact);
+        }
+        for (const Fact fact : changed) {
+            facts[nameOf(fact)] = facts.value(nameOf(fact), std::uint64_t{0}) + 1;
+        }
+        removedBytes += difference.kind == Difference::Kind::removed ? difference.bytes : 0;
+        addedBytes += difference.kind == Difference::Kind::added ? difference.bytes : 0;
+    }
+    Json json = {{"entries", result.entries}, {"differences", result.differences.size()}};
+    json.update(kinds);
+    json["facts"] = facts;
+    json["bytesRemoved"] = removedBytes;
+    json["bytesAdded"] = addedBytes;
+    json["ignored"] = Json::array();
+    for (const Fact fact : rules.ignored) {
+        json["ignored"].push_back(nameOf(fact));
+    }
+    json["excluded"] = Json::array();
+    for (const PathPattern& pattern : rules.excluded) {
+        json["excluded"].push_back(textOrBytes(pattern.text()));
+    }
+    return lineOf(json);
+}
+
+std::string jsonOf(const TreeScan& scan, const ScannedTree& tree) {
+    Json json = {{"path", textOrBytes(scan.path)}, {"method", scan.hashMethod}, {"value", nullptr}};
+    if (!scan.hashedRoot.empty()) {
+        json["as"] = textOrBytes(scan.hashedRoot);
+    }
+    if (!tree.value.empty()) {
+        json["value"] = tree.value;
+    }
+    json["complete"] = !tree.value.empty();
+    json["unreadable"] = Json::array();
+    for (const std::string& sentence : tree.unreadables) {
+        json["unreadable"].push_back(textOrBytes(sentence));
+    }
+    json["entries"] = tree.entries;
+    json["bytes"] = tree.bytes;
+    json["seconds"] = tree.seconds;
+    json["version"] = Common::packageVersion;
     return lineOf(json);
 }
 

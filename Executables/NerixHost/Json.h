@@ -8,13 +8,27 @@
 /// of bytes, as in journalctl.
 namespace Nerix {
 
-struct EntryChange;
+struct ComparisonResult;
+struct ComparisonRules;
+struct Difference;
 struct RunState;
+struct ScannedTree;
+struct TreeScan;
 
 /// Returns an object such as
-/// {"change":"changed","path":"/x","facts":{"mode":{"before":"0644","after":"0600"}}}. "facts" contains the
-/// details that differ; only a change between two logs with details has it.
-std::string jsonOf(const EntryChange& change);
+/// {"change":"changed","path":"x","facts":{"mode":{"before":"0644","after":"0600"}}}. "facts" contains the facts
+/// that differ; "attributes" in it has an object for each attribute, with null where there is none. "newPath"
+/// is where a moved entry is now, "entriesBelow" how many entries below belong to the difference.
+std::string jsonOf(const Difference& difference);
+
+/// Returns an object with the number of entries compared, of the differences of each kind and of those of each
+/// fact, of the bytes removed and added, and with what was not compared.
+std::string jsonOf(const ComparisonResult& result, const ComparisonRules& rules);
+
+/// Returns an object with "path", "method", "value", "complete", "unreadable", "entries", "bytes", "seconds" and
+/// "version"; with another root, also "as". The value is null if something could not be read; "unreadable" is
+/// the list of sentences for that.
+std::string jsonOf(const TreeScan& scan, const ScannedTree& tree);
 
 /// Returns an object such as {"key":"db/x","value":1}. The value is a string, number or boolean, as stored.
 /// If a killed run left the setting behind, the object also contains "killed":true.

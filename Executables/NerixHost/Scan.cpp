@@ -1,26 +1,20 @@
 #include "Executables/NerixHost/Scan.h"
 
+#include "Common/Base/EscapedText.h"
 #include "Common/Utils/TerminationSignals.h"
 #include "Executables/NerixHost/DescriptorBuffer.h"
 #include "Executables/NerixHost/ErrorMessage.h"
-#include "Executables/NerixHost/FailureSentence.h"
+#include "Executables/NerixHost/Json.h"
 #include "Executables/NerixHost/LogFile.h"
 #include "Executables/NerixHost/LogPlace.h"
-#include "Executables/NerixHost/ProgressLine.h"
-#include "Executables/NerixHost/QuotedName.h"
-#include "Executables/ProgramSession/ProgramSession.h"
-#include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogStream.h"
-#include "HostPlatform/HostState.h"
+#include "Executables/NerixHost/TreeScan.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFrame.h"
 
-#include <chrono>
+#include <algorithm>
 #include <cstdlib>
-#include <filesystem>
-#include <future>
 #include <iostream>
-#include <optional>
+#include <memory>
 #include <ostream>
-#include <stdexcept>
 #include <system_error>
 
 #include <unistd.h>
@@ -29,99 +23,92 @@ namespace Nerix {
 
 namespace {
 
-namespace fs = std::filesystem;
-using Clock = std::chrono::steady_clock;
+/// The exit status if there is no value.
+constexpr int troubleStatus = 2;
 
-/// The exit status if a file could not be read to its end. There is a value, but it is wrong.
-constexpr int incompleteReadStatus = 2;
-
-std::string duration(Clock::duration elapsed) {
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(elapsed).count();
-    const std::string rest = std::to_string(seconds % 60);
-    return std::to_string(seconds / 60) + (rest.size() == 1 ? ":0" : ":") + rest;
-}
-
-/// Draws unless drawing has failed before. The scan continues even if the reader of a pipe is gone.
-template <class Draw>
-void drawIfPossible(bool& isPossible, Draw draw) {
-    try {
-        if (isPossible) {
-            draw();
+/// Where the records of a scan go: to a file, to standard output, or nowhere.
+class LogOutput {
+public:
+    LogOutput(const ScanRequest& request, const TreeScan& scan)
+        : m_hasFacts(request.hasDetails), m_output(STDOUT_FILENO), m_stream(nullptr) {
+        if (request.logFile == "-") {
+            m_stream.rdbuf(&m_output);
+        } else if (!request.logFile.empty()) {
+            m_file =
+                std::make_unique<LogFile>(logPathOutside(canonicalPath(scan.path), request.logFile).string());
         }
-    } catch (const std::runtime_error&) {
-        isPossible = false;
+        if (m_hasFacts) {
+            stream() << ScanLogHeader{request.hashMethod, ::geteuid(), hashedRootOf(scan)}.text() << '\n';
+        }
     }
+
+    /// Returns the stream, which discards the records if they go nowhere.
+    std::ostream& stream() { return m_file ? m_file->stream() : m_stream; }
+
+    /// Call it after a successful scan. Throws if records were lost.
+    void end(std::uint64_t entries) {
+        if (m_hasFacts) {
+            stream() << scanLogEnd(entries) << '\n';
+        }
+        if (m_file) {
+            m_file->commit();
+        } else if (m_stream.rdbuf() != nullptr && !m_stream.flush()) {
+            throw std::ios_base::failure("standard output",
+                                         std::error_code(m_output.error(), std::generic_category()));
+        }
+    }
+
+private:
+    const bool m_hasFacts;
+    std::unique_ptr<LogFile> m_file;
+    DescriptorBuffer m_output;
+    std::ostream m_stream;
+};
+
+/// Prints what could not be read, or the value, and returns the exit status.
+int printResult(const ScanRequest& request, const TreeScan& scan, const ScannedTree& tree) {
+    std::ostream& output = request.logFile == "-" ? std::cerr : std::cout;
+    if (request.isJson) {
+        output << jsonOf(scan, tree) << std::endl;
+    } else if (!tree.value.empty()) {
+        output << tree.value << (request.paths.size() > 1 ? "  " + Common::escaped(scan.path) : "")
+               << std::endl;
+    }
+    for (const std::string& sentence : tree.unreadables) {
+        printError(sentence);
+    }
+    if (tree.value.empty()) {
+        return troubleStatus;
+    }
+    if (request.expected && *request.expected != tree.value) {
+        printError("the value is " + tree.value + ", not " + *request.expected);
+        return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
 }
 
-/// Runs the verification on another thread, shows its progress, and returns the value or "ERROR".
-std::string verifyWithProgress(const ScanRequest& request, const ScanLogStream& log) {
-    ProgressLine line(STDERR_FILENO, std::chrono::seconds(5));
-    const Clock::time_point begin = Clock::now();
-    std::future<std::string> result = std::async(std::launch::async, [&] {
-        return HashVerifierAPI::nerixVerifyPath(request.path, request.hashMethod, log);
-    });
-    bool canDraw = !request.isQuiet;
-    while (result.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
-        drawIfPossible(canDraw, [&] {
-            line.show({"", HashVerifierAPI::getProgress(),
-                       std::to_string(HashVerifierAPI::getEntries()) + " entries " +
-                           duration(Clock::now() - begin)});
-        });
+int scanOne(const ScanRequest& request, const std::string& path) {
+    const TreeScan scan{path, request.hashMethod, request.hashedRoot, request.keepsGoing, request.isQuiet};
+    LogOutput log(request, scan);
+    const ScannedTree tree = scanTree(scan, {&log.stream(), request.hasDetails});
+    if (!tree.value.empty()) {
+        log.end(tree.entries);
     }
-    drawIfPossible(canDraw, [&] { line.clear(); });
-    return result.get();
-}
-
-int printFailure(const std::string& reason) {
-    printError(reason);
-    return EXIT_FAILURE;
+    return printResult(request, scan, tree);
 }
 
 } // namespace
 
 int scan(const ScanRequest& request) {
-    std::string value;
-    try {
-        Platform::Host::HostState::keepInMemory();
-        Common::Utils::catchTerminationSignals();
-        const ProgramSession session("NerixHost");
-        session.loadProductAndParameters();
-        const bool isLogOnStandardOutput = request.logFile == "-";
-        std::optional<LogFile> file;
-        if (!request.logFile.empty() && !isLogOnStandardOutput) {
-            file.emplace(logPathOutside(fs::canonical(request.path), request.logFile).string());
+    const ScanSession session;
+    int status = EXIT_SUCCESS;
+    for (const std::string& path : request.paths) {
+        status = std::max(status, scanOne(request, path));
+        if (Common::Utils::terminationSignal() != 0) {
+            break;
         }
-        DescriptorBuffer output(STDOUT_FILENO);
-        // Without a buffer, the stream discards the records.
-        std::ostream logOutput(isLogOnStandardOutput ? &output : nullptr);
-        value = verifyWithProgress(request, {file ? &file->stream() : &logOutput, request.hasDetails});
-        if (isLogOnStandardOutput && !logOutput.flush()) {
-            throw std::ios_base::failure("standard output",
-                                         std::error_code(output.error(), std::generic_category()));
-        }
-        if (value == "ERROR") {
-            return printFailure(failureSentence(HashVerifierAPI::getFailure()));
-        }
-        if (const std::exception_ptr failure = HashVerifierAPI::getReadFailure()) {
-            printError(failureSentence(failure));
-            return incompleteReadStatus;
-        }
-        if (file) {
-            file->commit();
-        }
-    } catch (const std::ios_base::failure&) {
-        throw; // writing to standard output failed
-    } catch (const fs::filesystem_error& failure) {
-        return printFailure("cannot read " + quotedName(failure.path1().string()) + ": " +
-                            failure.code().message());
-    } catch (...) {
-        return printFailure(failureSentence(std::current_exception()));
     }
-    (request.logFile == "-" ? std::cerr : std::cout) << value << std::endl;
-    if (request.expected && *request.expected != value) {
-        return printFailure("the value is " + value + ", not " + *request.expected);
-    }
-    return EXIT_SUCCESS;
+    return status;
 }
 
 } // namespace Nerix

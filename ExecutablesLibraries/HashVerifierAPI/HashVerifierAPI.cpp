@@ -1,7 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogStream.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 #include <boost/filesystem/operations.hpp>
@@ -32,9 +31,9 @@ std::string nerixVerifyPath(const std::string& path, const std::string& hashMeth
 }
 
 std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod,
-                            const ScanLogStream& scanLog) {
+                            const RunOptions& options) {
     const FileInput root = rootAt(path);
-    return HashWorker::getInstance().start(root, hashMethod, scanLog).wait().getResult();
+    return HashWorker::getInstance().start(root, hashMethod, options).wait().getResult();
 }
 
 std::string nerixVerifyFileSystem() {
@@ -47,6 +46,10 @@ std::string getProgress() {
 
 std::uint64_t getEntries() {
     return HashWorker::getInstance().getEntries();
+}
+
+std::uint64_t getFileBytes() {
+    return HashWorker::getInstance().getFileBytes();
 }
 
 std::exception_ptr getFailure() {

@@ -5,11 +5,11 @@
 #include <string>
 
 namespace Nerix {
-struct ScanLogStream;
+struct RunOptions;
 }
 
 /// How a program asks for a verification. All functions use the process's single HashWorker. Call them from
-/// one thread, except getProgress and getEntries, which are thread-safe.
+/// one thread, except getProgress, getEntries and getFileBytes, which are thread-safe.
 ///
 /// hashMethod is one of HashFunctions::methods(). The crypto set-up (SINGLETON_OPENSSL_INITIALIZER) must be
 /// registered for as long as a verification runs, and the product must be initialised; otherwise starting
@@ -30,9 +30,9 @@ void startVerifyFileSystem();
 /// (TerminationSignals.h). Throws what startVerifyPath throws.
 std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod);
 
-/// Writes the scan log to the caller's stream instead of the drive or the system log.
+/// Does the same with options; see RunOptions.h.
 std::string nerixVerifyPath(const std::string& path, const std::string& hashMethod,
-                            const ScanLogStream& scanLog);
+                            const RunOptions& options);
 
 /// nerixVerifyPath("/", "md5").
 std::string nerixVerifyFileSystem();
@@ -42,6 +42,9 @@ std::string getProgress();
 
 /// How many entries the running or last verification has reported.
 std::uint64_t getEntries();
+
+/// How many bytes the regular files among these have, and about how many were hashed of the entry in progress.
+std::uint64_t getFileBytes();
 
 /// The value of the last verification, or "ERROR". Call only after HashWorker::wait; during a run this is a
 /// data race. Asserts that some run has finished.

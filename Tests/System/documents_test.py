@@ -30,7 +30,7 @@ class Documents(SystemTest):
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_examples_that_show_their_output(self):
-        for document, examples in (("README.md", 3), ("docs/host.md", 1)):
+        for document, examples in (("README.md", 3), ("docs/fleet.md", 2), ("docs/host.md", 1)):
             blocks = re.findall(r"```sh\n(.*?)```\n(?:\n((?:    [^\n]*\n)+))?", read(document), re.DOTALL)
             example = [(commands, shown) for commands, shown in blocks if shown]
             self.assertEqual(len(example), examples, f"blocks of commands with output in {document}")
@@ -52,7 +52,7 @@ class Documents(SystemTest):
         self.run_shell(re.search(r"`(scripts/packages package\s+&& cpack .*?)`", text).group(1))
         facts = self.run_shell("dpkg-deb --field build/package/*.deb && dpkg-deb --contents build/package/*.deb")
         for part in ("libboost-filesystem", "libssl", "bin/NerixVerifierHash", "bin/NerixHost", "man1/NerixHost.1.gz",
-                     "bash-completion/completions/NerixHost", "doc/nerix-verifier-hash/README.md", "changelog.Debian.gz",
+                     "bash-completion/completions/NerixHost", "zsh/vendor-completions/_NerixHost", "fish/vendor_completions.d/NerixHost.fish", "doc/nerix-verifier-hash/README.md", "changelog.Debian.gz",
                      *re.findall(r"\]\((docs/[\w-]+\.md)\)", text)):
             self.assertIn(part, facts)
         # Links the unit tests' fake platform, which has every function of the platform.

@@ -1,6 +1,5 @@
-"""NerixHost: scan, compare, error messages, progress bar."""
+"""NerixHost: scan, error messages, progress."""
 
-import ast
 import contextlib
 import fcntl
 import json
@@ -21,85 +20,30 @@ from harness import HOST, NO_MOUNTS, PREFIX, SANITIZED, STRACE, SystemTest, main
 from tree_value import STEPS, Model
 
 
+STEP = STEPS["md5"]
 KINDS = {stat.S_IFREG: "file", stat.S_IFDIR: "directory", stat.S_IFLNK: "link"}
 
 
-def facts(path):
-    """Returns the facts that a record with details has about an entry, by name."""
+def quoted(text):
+    return b'"' + re.sub(b'(["&])', rb"&\1", text).replace(b"\n", b"&n") + b'"'
+
+
+def details(path):
+    """Returns what a record with details has after the path."""
     status = os.lstat(path)
-    return {"kind": KINDS[stat.S_IFMT(status.st_mode)], "owner": str(status.st_uid), "group": str(status.st_gid),
-            "links": str(status.st_nlink), "mode": f"{status.st_mode & 0o7777:04o}", "size": str(status.st_size)}
-
-
-def walk_order(path):
-    return [(0, name) for name in path.split(b"/")] + [(1, b"")]
-
-
-NO_FACT = "content, attributes or target"  # what changed if no fact did
-
-
-def differences(before, after, has_details):
-    """Returns the expected lines of a comparison as (change, path, facts). Entries are values and facts by path."""
-    lines = []
-    for path in sorted(before.keys() | after.keys(), key=walk_order):
-        is_explained = any(other.startswith(path + b"/") for _, other, _ in lines)
-        old, new = before.get(path), after.get(path)
-        if old is None or new is None:
-            if not is_explained:
-                lines.append(("removed" if old else "added", path, ""))
-        elif old[0] != new[0]:
-            changes = [f"{name} {old[1][name]} -> {new[1][name]}" for name in old[1] if old[1][name] != new[1][name]
-                       and has_details and not (is_explained and name in ("links", "size"))]
-            if changes or not is_explained:
-                lines.append(("changed", path, ", ".join(changes) or (NO_FACT if has_details else "")))
-    return lines
-
-
-# Bytes that could control a terminal, and how they must be displayed.
-ODD = "\u00e4\u20ac\u00a0&\u2026\u2069\u202a".encode() + b'\x1b[31m"\\\n\r\t\x7f\xff\x80\x80\xc2\x9b\x9b\x80'
-SHOWN = "\u00e4\u20ac\u00a0&\u2026".encode() + \
-    rb'\xe2\x81\xa9\xe2\x80\xaa\x1b[31m\"\\\n\r\t\x7f' + b"\xff\x80\x80" + rb"\xc2\x9b\x9b\x80"
-
-
-def read_back(line):
-    """Returns change, path and facts of one line of a comparison."""
-    change, quoted, rest = re.fullmatch(r'(\w+) ("(?:[^"\\]|\\.)*")(?:: )?(.*)', line.decode("latin-1"), re.DOTALL).groups()
-    return change, ast.literal_eval(quoted).encode("latin-1"), rest
-
-
-def read_object(line):
-    """Returns change, path and facts of one line of a comparison with --json."""
-    told = json.loads(line)
-    path = told["path"].encode() if isinstance(told["path"], str) else bytes(told["path"])
-    facts_told = [f"{name} {fact['before']} -> {fact['after']}" for name, fact in told.get("facts", {}).items()]
-    return told["change"], path, ", ".join(facts_told) or (NO_FACT if "facts" in told else "")
-
-
-def rewrite(path):
-    with open(path, "r+b") as file:
-        file.write(b"!")
-
-
-def relink(path):
-    os.unlink(path)
-    os.symlink("elsewhere", path)
-
-
-# Possible changes to an entry. For links, only those that do not affect the target.
-TO_FILES = (rewrite, lambda path: os.truncate(path, 13), lambda path: os.chmod(path, 0o4711), os.unlink,
-            lambda path: os.setxattr(path, b"user.new", b"x"), lambda path: os.link(path, path[:99] + b"+"))
-TO_ANY = (lambda path: os.rename(path, path[:99] + ODD), lambda path: os.lchown(path, 1234, -1))
-TO_DIRECTORIES = (lambda path: os.mkdir(path + b"/added"), lambda path: os.chmod(path, 0o700), shutil.rmtree)
-
-
-def change(tree, chance):
-    for directory, directories, files in os.walk(tree, topdown=False):
-        for name in directories + files:
-            path = os.path.join(directory, name)
-            actions = (relink,) if os.path.islink(path) else TO_DIRECTORIES if os.path.isdir(path) else TO_FILES
-            if chance.random() < 0.3:
-                with contextlib.suppress(OSError):  # this user, or this kind of entry, does not allow it
-                    chance.choice(actions + TO_ANY)(path)
+    kind = KINDS[stat.S_IFMT(status.st_mode)]
+    words = [kind.encode(), *(b"%d" % number for number in (status.st_uid, status.st_gid, status.st_nlink)),
+             b"%04o" % (status.st_mode & 0o7777), b"%d" % status.st_size]
+    if kind == "file":
+        content, value = read(path), 0
+        for begin in range(0, len(content), 4096):
+            value = STEP(value, content[begin:begin + 4096])
+        words.append(b"%016x" % value)
+    if kind == "link":
+        words.append(quoted(os.readlink(path)))
+    for name in sorted(os.fsencode(name) for name in os.listxattr(path, follow_symlinks=False)):
+        words += [quoted(name), b"%016x" % STEP(0, os.getxattr(path, name, follow_symlinks=False))]
+    return b" ".join(words)
 
 
 class Host(SystemTest):
@@ -112,32 +56,69 @@ class Host(SystemTest):
         self.logs = [os.path.join(self.work, name) for name in ("before.log", "after.log")]
 
     def entries(self):
-        """Returns the tree by the reference model: value and facts by path, in the order of the walk."""
+        """Returns the paths of the tree in the order of the walk, and sets value and records by the reference model."""
         model = Model("md5")
         self.tree_value = model.value(self.tree)
         self.records = model.record_lines()
-        return {path: (value, facts(path)) for value, path in model.records}
+        return [path for _, path in model.records]
 
     def scan(self, log, *options):
         run = self.run_host("scan", self.tree, "--log", log, *options)
         self.assertEqual((run.returncode, run.stderr), (0, b""))
         return run.stdout.decode().strip()
 
-    def compare(self, before, after, *options, status=1):
-        run = self.run_host("compare", before, after, *options)
-        self.assertEqual((run.returncode, run.stderr), (status, b""))
-        return run.stdout.splitlines()
-
     def test_scan_prints_the_value_and_leaves_only_a_log_of_all_records(self):
         random_tree.make(self.tree, random.Random(15), entries=19)
-        entries = self.entries()
-        details = [b" " + " ".join(known.values()).encode() for _, known in entries.values()]
-        for options, behind in ((("--quiet",), [b""] * len(entries)), (("--details",), details)):
-            self.assertEqual(self.scan(self.logs[0], *options), self.tree_value)
-            self.assertEqual(read(self.logs[0]), b"".join(map(b"%b%b\n".__mod__, zip(self.records, behind))))
-            self.assertEqual(self.compare(self.logs[0], self.logs[0], status=0), [])
+        paths = self.entries()
+        lines = [b"%b %b" % pair for pair in zip(self.records, map(details, paths))]
+        header = b"NerixScanLog 2 md5 %d %b" % (os.geteuid(), quoted(self.tree))
+        for option, log in (("--quiet", self.records), ("--details", [header, *lines, b"complete %d" % len(lines)])):
+            self.assertEqual(self.scan(self.logs[0], option), self.tree_value)
+            self.assertEqual(read(self.logs[0]), b"".join(line + b"\n" for line in log))
         self.assertEqual(os.listdir(self.home), [])
         self.assertEqual(sorted(os.listdir(self.work)), ["before.log", "tree"])
+
+    def test_scan_hashes_a_tree_under_another_path(self):
+        random_tree.make(self.tree, random.Random(16), entries=19)
+        value, image = self.scan(self.logs[0]), os.path.join(self.work, "image")
+        records = read(self.logs[0])
+        os.rename(self.tree, image)
+        run = self.run_host("scan", image, "--as", self.tree + b"/", "--log", "-")
+        self.assertEqual((run.stdout, run.stderr.decode()), (records, value + "\n"))
+        run = self.run_host("scan", image, "--as", "/", "--log", "-")
+        self.assertEqual([line[17:] for line in run.stdout.splitlines()],
+                         [line[17:] for line in records.replace(self.tree + b'"', b'/"').replace(self.tree, b"").splitlines()])
+
+    def test_scan_prints_a_value_for_each_path(self):
+        write(self.tree + b"/a")
+        paths = [os.path.realpath(self.tree), self.tree + b"/a", b"/nowhere"]
+        values = [Model("md5").value(path) for path in paths[:2]]
+        run = self.run_host("scan", *paths)
+        self.assertEqual((run.returncode, run.stderr), (2, b'NerixHost: cannot read "/nowhere": No such file or directory\n'))
+        self.assertEqual(run.stdout, b"".join(b"%b  %b\n" % (value.encode(), path) for value, path in zip(values, paths)))
+
+    def test_scan_with_json_prints_an_object(self):
+        write(self.tree + b"/a", b"12345")
+        value = Model("md5").value(self.tree)
+        told = json.loads(self.run_host("scan", self.tree, "--json").stdout)
+        self.assertGreater(told.pop("seconds"), 0)
+        self.assertRegex(told.pop("version"), r"\A\d+\.\d+\.\d+\Z")
+        self.assertEqual(told, {"path": self.tree.decode(), "method": "md5", "value": value, "complete": True,
+                                "unreadable": [], "entries": 2, "bytes": 5})
+
+    def test_scan_goes_on_after_unreadable_entries_on_request(self):
+        for name in (b"a", b"b", b"c/d", b"c/e", b"z"):
+            os.makedirs(os.path.dirname(self.tree + b"/" + name), exist_ok=True)
+            write(self.tree + b"/" + name)
+        for name in (b"a", b"c/d", b"z"):
+            os.chmod(self.tree + b"/" + name, 0)
+        sentences = [f'cannot read "{self.tree.decode()}/{name}": Permission denied' for name in ("a", "c/d", "z")]
+        for options in ([], ["--json"]):
+            run = self.run_unprivileged("scan", self.tree, "--keep-going", *options, program=HOST)
+            self.assertEqual(run.stderr.decode(), "".join(f"NerixHost: {sentence}\n" for sentence in sentences))
+            self.assertEqual(run.returncode, 2)
+        told = json.loads(run.stdout)
+        self.assertEqual((told["value"], told["complete"], told["unreadable"]), (None, False, sentences))
 
     def test_scan_of_many_entries_prints_only_the_value(self):
         for number in range(2000):
@@ -151,30 +132,6 @@ class Host(SystemTest):
         self.entries()
         run = self.run_host("scan", self.tree, "--log", "-", "-q", "-q")
         self.assertEqual((run.stdout.splitlines(), run.stderr.decode()), (self.records, self.tree_value + "\n"))
-
-    def test_compare_lists_every_change_of_a_tree(self):
-        seen = set()
-        for seed in range(25):
-            with self.subTest(seed=seed):
-                shutil.rmtree(self.tree)
-                os.mkdir(self.tree)
-                random_tree.make(self.tree, random.Random(seed), entries=16)
-                states = []
-                for log in self.logs:
-                    states.append(self.entries())
-                    self.scan(log)
-                    self.scan(log + ".details", "--details")
-                    change(self.tree, random.Random(seed))
-                plain, detailed = (differences(*states, has_details) for has_details in (False, True))
-                lines = self.compare(*self.logs)
-                self.assertEqual([read_back(line) for line in lines], plain)
-                escaped = [read_back(line)[1] for line in lines if SHOWN in line]
-                self.assertEqual(escaped, [path for _, path, _ in plain if ODD in path])
-                details = [log + ".details" for log in self.logs]
-                self.assertEqual([read_back(line) for line in self.compare(*details)], detailed)
-                self.assertEqual([read_object(line) for line in self.compare(*details, "--json")], detailed)
-                seen.update(re.sub(r"[\d.]+|: .*", "", words) for _, _, rest in detailed for words in rest.split(", "))
-        self.assertGreaterEqual(len(seen), 6, f"the trees have too few kinds of change: {seen}")
 
     def assert_fails(self, status, cases):
         """Compares exit status and first error line of NerixHost. A case has the arguments and the line."""
@@ -191,7 +148,7 @@ class Host(SystemTest):
         os.chmod(self.tree + b"/z", 0o600)
         tree = self.tree.decode()
         inside = os.path.join(tree, "sub", "log")
-        self.assert_fails(1, (
+        self.assert_fails(2, (
             (["scan", tree, "--log", self.logs[0]], f'cannot read "{tree}/sub/\\x1bsecret": Permission denied'),
             (["scan", tree + "/z"], f'cannot examine "{tree}/z/inner": Permission denied'),
             (["scan", "/nowhere"], 'cannot read "/nowhere": No such file or directory'),
@@ -201,6 +158,8 @@ class Host(SystemTest):
             (["scan", tree, "--log", "/dev/null"], 'cannot write "/dev/null": not a regular file'),
             (["scan", tree, "--log", "/dev/stdout"],
              'cannot write "/dev/stdout": not a regular file; use --log - for standard output'),
+        ))
+        self.assert_fails(1, (
             (["scan", "/dev/null", "--expect", "000000000000000A"], "the value is 0000000000000000, not 000000000000000a"),
         ))
 
@@ -220,6 +179,11 @@ class Host(SystemTest):
             (["scan", tree, "--details"], "--details needs --log"),
             (["scan", tree, "--log", ""], "--log needs a file name"),
             (["scan", ""], "PATH is empty"),
+            (["scan", tree, "--as", "x"], "--as needs an absolute path, not 'x'"),
+            (["scan", tree, tree, "--log", "x"], "--log needs a single PATH"),
+            (["compare", tree, tree, "--ignore", "mode,ower"], "unknown fact 'ower'; did you mean 'owner'?"),
+            (["compare", tree, tree, "--exclude", "/"], "the pattern '/' contains no name"),
+            (["compare", tree, tree, "--color", "nevr"], "unknown argument of --color 'nevr'; did you mean 'never'?"),
             (["compare", "a"], "missing argument AFTER"),
             (["compare", "/\x1bnowhere", "/nowhere"], r"/\x1bnowhere: No such file or directory"),
         ))
@@ -250,7 +214,7 @@ class Host(SystemTest):
             with self.subTest(place):
                 self.mount(place, self.tree + bound, kind="bind")
                 run = self.run_host("scan", self.tree, "--log", place + "/log")
-                self.assertEqual((run.returncode, run.stdout), (1, b""))
+                self.assertEqual((run.returncode, run.stdout), (2, b""))
                 self.assertIn(b"is inside the tree to be scanned", run.stderr)
         self.assertEqual(self.scan(self.logs[0]), value, "a log was left in the tree")
 
@@ -259,7 +223,7 @@ class Host(SystemTest):
         write(self.tree + b"/file")
         os.link(self.tree + b"/file", log)
         run = self.run_host("scan", self.tree, "--log", log)
-        self.assertEqual((run.returncode, run.stdout), (1, b""))
+        self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertIn(b"has other hard links, which may be inside the tree", run.stderr)
         self.assertEqual(os.path.getsize(log), 0, "size of the log")
 
@@ -269,7 +233,7 @@ class Host(SystemTest):
         self.mount(inner, self.work, kind="bind")
         self.scan(inner + b"/before.log")
         self.scan(self.logs[1])
-        self.assertEqual(self.compare(*self.logs, status=0), [])
+        self.assertEqual(read(self.logs[0]), read(self.logs[1]))
 
     def test_scan_keeps_owner_and_mode_of_its_log(self):
         write(self.logs[0])
@@ -310,100 +274,9 @@ class Host(SystemTest):
             os.mkdir(self.tree + b"/%d" % number)
         self.mount("/mnt/small", "-o", "size=4k")
         run = self.run_host("scan", self.tree, "--log", "/mnt/small/log")
-        self.assertEqual((run.returncode, run.stdout), (1, b""))
+        self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertEqual(run.stderr, b'NerixHost: cannot write "/mnt/small/log": No space left on device\n')
         self.assertEqual(os.listdir("/mnt/small"), [])
-
-    def test_compare_reads_system_logs_and_pipes(self):
-        long = self.tree + b"/" + b"/".join((b"\\\n\x1b" + b'"e&' * 60, *(b"\n" * 250 for _ in range(4))))
-        os.makedirs(long)
-        system = os.path.join(self.home, "log", "main.log")
-        self.value(self.tree)
-        shutil.copy(system, self.logs[0])
-        self.scan(self.logs[1])
-        self.assertEqual(self.compare(*self.logs, status=0), [])
-        text = read(system)
-        write(self.logs[0], text + text)  # simulates logs of two containers whose thread ids coincide
-        self.assertEqual(self.compare(*self.logs, status=0), [])
-        os.mkdir(long + b"/new")
-        self.value(self.tree)
-        lines = self.compare(self.logs[1], system)
-        self.assertEqual([read_back(line) for line in lines], [("added", long + b"/new", "")])
-        through_pipe = self.run_command("bash", "-c", f"{HOST} compare <(cat {self.logs[1]}) <(cat {system})")
-        self.assertEqual((through_pipe.returncode, through_pipe.stdout.splitlines()), (1, lines))
-        write(self.logs[0], text[:text.index(b"\n", text.index(b"HashWorker.cpp")) + 1])
-        self.assert_rejected(self.logs[1], self.logs[0], "its last record is not terminated\n")
-
-    def test_compare_reads_logs_of_a_whole_system(self):
-        for log, value in zip(self.logs, (1, 2)):
-            write(log, b'%016x "/a/b"\n%016x "/a"\n%016x "/"\n' % (value, value, value))
-        self.assertEqual(self.compare(*self.logs), [b'changed "/a/b"'])
-
-    def assert_rejected(self, before, after, reason):
-        run = self.run_host("compare", before, after)
-        self.assertRegex(run.stderr.decode(), reason)
-        self.assertEqual((run.returncode, run.stdout), (2, b""))
-
-    def test_compare_rejects_damaged_and_incomplete_logs(self):
-        os.makedirs(self.tree + b"/a/b")
-        self.value(self.tree)
-        system = "".join(line.decode() + "\n" for line in self.log_lines("main"))
-        self.scan(self.logs[1], "--details")
-        details = read(self.logs[1]).decode()
-        self.scan(self.logs[0])
-        text = read(self.logs[0]).decode()
-        lines = text.splitlines(keepends=True)
-        cases = {
-            "empty": ("", "is not a scan log"),
-            "other text": ("nonsense\n", "is not a scan log"),
-            "one record": (lines[0], "the logs are of different trees"),
-            "no root": ("".join(lines[:-2]) + lines[0].replace("/a/b", "/c"),
-                        "is incomplete: it does not end with the root of the tree"),
-            "cut in the last record": (text[:-2], "its last record is not terminated\n"),
-            "no line feed at the end": (text[:-1], "its last record is not terminated\n"),
-            "twice": (text + text, "line 4 is out of order"),
-            "text after the end": (text + "junk\n", "line 4 is not a scan record"),
-            "lines end as on other systems": (text.replace("\n", "\r\n"), "line 1 is damaged"),
-            "text after a record": (text.replace('b"', 'b" x', 1), "line 1 is damaged"),
-            "unknown pair": (text.replace("/a/b", "/a/&b"), "line 1 is damaged"),
-            "long path": (text.replace("/a/b", "/a/" + "b" * 5000), "line 1 is damaged"),
-            "begin of a system log rotated away": (system[system.index("[INF] HashWorker"):].split("\n", 1)[1],
-                                                   "is incomplete: records"),
-            "record of a system log lost": (re.sub(r".*/a\"\n", "", system), "is incomplete: records"),
-            "other tree": (text.replace("/tree", "/wood"), "the logs are of different trees"),
-            "some records without details": (details.split(" directory", 1)[0] + "\n" + details.split("\n", 1)[1],
-                                             "line 2 has details"),
-            "some records with details": (lines[0] + details.split("\n", 1)[1], "line 2 has details"),
-        }
-        for wrong in ("dir", "directory -1", "directory 01", "directory 0 4294967296", "directory 0 0 2 755",
-                      "directory 0 0 2 0789", "directory 0 0 2 0755 x", "directory 0 0 2 0755 1 1",
-                      "directory  0 0 2 0755 1", "directory\x1b[31m"):
-            cases["details " + wrong] = (re.sub(" directory.*", " " + wrong, details, count=1), "line 1 is damaged")
-        for name, (content, reason) in cases.items():
-            with self.subTest(name):
-                write(self.logs[1], content.encode())
-                self.assert_rejected(self.logs[0], self.logs[1], reason)
-        last_line = details.rindex("\n", 0, -1) + 1
-        for end in range(last_line + 1, len(details)):
-            with self.subTest("details cut", last_line=details[last_line:end]):
-                write(self.logs[1], details[:end].encode())
-                self.assert_rejected(self.logs[1], self.logs[1], "line 3 is (damaged|not a scan record)|is not terminated")
-
-    def test_compare_of_logs_without_lines_takes_no_memory(self):
-        make_hole(self.logs[0], 3 << 30)
-        limit = "" if SANITIZED else "ulimit -v 200000;"
-        run = self.run_command("bash", "-c", f"{limit} exec {HOST} compare {self.logs[0]} {self.logs[0]}")
-        self.assertEqual(run.returncode, 2)
-        self.assertIn(b"before.log: line 1 is longer than any scan record\n", run.stderr)
-
-    def test_compare_rejects_a_log_from_a_pipe_that_cannot_be_copied(self):
-        for number in range(200):
-            os.mkdir(self.tree + b"/%d" % number)
-        self.scan(self.logs[0])
-        log = f"<(cat {self.logs[0]})"
-        run = self.run_command("bash", "-c", f"ulimit -f 4; exec {HOST} compare {log} {log}")
-        self.assertEqual(run.returncode, 2)
-        self.assertIn(b": cannot be copied: File too large\n", run.stderr)
 
     def on_terminal(self, columns, *arguments):
         """Returns what NerixHost writes to a terminal of that width."""
@@ -421,22 +294,26 @@ class Host(SystemTest):
         return text.decode()
 
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
-    def test_scan_shows_a_bar_that_moves_and_fits_the_terminal(self):
-        write(self.tree + b"/a", bytes(20 << 20))
-        write(self.tree + b"/b", bytes(300 << 20))  # helpers begin it early, so it soon determines the progress
+    def test_scan_of_a_file_system_shows_a_bar_that_moves_and_fits_the_terminal(self):
+        self.mount(self.tree)
+        os.mkdir(self.tree + b"/sub")
+        write(self.tree + b"/sub/a", bytes(20 << 20))
+        write(self.tree + b"/sub/b", bytes(300 << 20))  # helpers begin it early, so it soon determines the progress
         end = "\x1b[K"
-        for columns, bar_widths in ((12, []), (40, [16]), (80, [40]), (200, [40])):
+        for columns, bar_widths in ((12, []), (100, [40]), (200, [40])):
             with self.subTest(columns=columns):
                 frames = self.on_terminal(columns, "scan", self.tree).split("\r")[1:]
                 self.assertEqual(frames.pop(), end, "the last frame")
                 percents = [float(frame.split("%")[0]) for frame in frames]
                 self.assertNotEqual([percent for percent in percents if 15 < percent < 60], [], f"none of {percents}")
                 for frame in frames:
-                    bar = r" \[#* *\] \d+ entries \d+:\d\d" if bar_widths else ""
+                    bar = r" \[#* *\] \d+ entries, [\d.]+ \w+, [\d.]+ \w+/s, \d+:\d\d" if bar_widths else ""
                     self.assertRegex(frame, rf"\A *\d+\.\d\d? %{bar}{re.escape(end)}\Z")
                     self.assertEqual([len(bar) for bar in re.findall(r"\[#* *\]", frame)], bar_widths, frame)
                     self.assertLess(len(frame) - len(end), columns, frame)
         self.assertEqual(self.on_terminal(80, "scan", self.tree, "--quiet"), "", "with --quiet")
+        self.assertRegex(self.on_terminal(80, "scan", self.tree + b"/sub"), r"\r1 entries, [12]\d\d\.\d MB, [\d.]+ \wB/s, 0:\d\d",
+                         "of part of a file system")
 
 
 if __name__ == "__main__":

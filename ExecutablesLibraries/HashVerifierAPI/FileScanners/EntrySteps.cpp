@@ -2,6 +2,7 @@
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/AccessError.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -125,7 +126,7 @@ std::string statusText(const FileInput& entry) {
 }
 
 hash_t hashMetadata(const FileInput& entry, hash_t value, const IHashFunction& function) {
-    value = function.apply(value, entry.path.native());
+    value = function.apply(value, HashWorker::getInstance().hashedPath(entry));
     value = hashstat(entry, value, function);
     return hashxtattr(entry, value, function);
 }

@@ -4,6 +4,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/EntrySteps.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/SymbolicLink.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -17,18 +18,22 @@ constexpr std::size_t chunkSize = 4096;
 
 } // namespace
 
-EntryTexts::EntryTexts(const FileInput& entry, IFileScanner::Remainder remainder, Buffer& buffer)
-    : m_entry(entry), m_remainder(remainder), m_buffer(buffer) {}
+EntryTexts::EntryTexts(const FileInput& entry, IFileScanner::Remainder remainder, Buffer& buffer, Lease lease)
+    : m_entry(entry), m_remainder(remainder), m_lease(lease), m_buffer(buffer) {}
 
 bool EntryTexts::next(std::string_view& text) {
     switch (m_phase) {
     case Phase::path:
         text = m_entry.path.native();
+        if (HashWorker::getInstance().hasOtherRoot()) {
+            text = m_hashedPath = HashWorker::getInstance().hashedPath(m_entry);
+        }
         m_phase = Phase::status;
         return true;
     case Phase::status:
         m_status = statusText(m_entry);
         text = m_status;
+        m_kind = Kind::status;
         m_phase = Phase::attributes;
         return true;
     case Phase::attributes:
@@ -46,11 +51,13 @@ bool EntryTexts::next(std::string_view& text) {
 bool EntryTexts::nextAttributeText(std::string_view& text) {
     if (m_nextPart == AttributePart::separator) {
         text = attributeSeparator;
+        m_kind = Kind::separator;
         m_nextPart = AttributePart::value;
         return true;
     }
     if (m_nextPart == AttributePart::value) {
         text = {m_attributeValue.data(), m_attributeValue.size()};
+        m_kind = Kind::attributeValue;
         m_nextPart = AttributePart::name;
         ++m_attribute;
         return true;
@@ -63,6 +70,7 @@ bool EntryTexts::nextAttributeText(std::string_view& text) {
     }
     m_attributeValue = readxattr(m_entry, m_attributes[m_attribute]); // before its name is hashed
     text = m_attributes[m_attribute];
+    m_kind = Kind::attributeName;
     m_nextPart = AttributePart::separator;
     return true;
 }
@@ -77,6 +85,7 @@ bool EntryTexts::nextRemainder(std::string_view& text) {
         }
         m_target = targetOf(m_entry);
         text = {m_target.data(), m_target.size()};
+        m_kind = Kind::target;
         m_isTargetTaken = true;
         return true;
     case IFileScanner::Remainder::content:
@@ -93,6 +102,7 @@ bool EntryTexts::nextChunk(std::string_view& text) {
         fillBuffer();
     }
     text = {m_buffer.data() + m_chunkBegin, std::min(chunkSize, m_bufferEnd - m_chunkBegin)};
+    m_kind = Kind::content;
     m_chunkBegin += text.size();
     if (text.empty()) {
         m_content->throwIfReplaced();
@@ -101,8 +111,9 @@ bool EntryTexts::nextChunk(std::string_view& text) {
 }
 
 void EntryTexts::openContent() {
-    const int descriptor = openContentWithoutWaiting(m_entry.path);
-    if (descriptor == -1 && errno == EWOULDBLOCK) {
+    const int descriptor = m_lease == Lease::wait ? FileScanners::openContent(m_entry.path)
+                                                  : openContentWithoutWaiting(m_entry.path);
+    if (descriptor == -1 && errno == EWOULDBLOCK && m_lease == Lease::fail) {
         throw LeasedFile();
     }
     m_content.emplace(m_entry.path, static_cast<std::uint64_t>(m_entry.status.st_size), descriptor);

@@ -41,17 +41,28 @@ public:
         std::size_t m_capacity;
     };
 
+    /// What to do if another process holds a lease on the file.
+    enum class Lease {
+        wait, ///< until the file can be opened
+        fail  ///< throw LeasedFile
+    };
+
     /// entry and buffer must outlive the object.
-    EntryTexts(const FileInput& entry, IFileScanner::Remainder remainder, Buffer& buffer);
+    EntryTexts(const FileInput& entry, IFileScanner::Remainder remainder, Buffer& buffer, Lease lease);
 
     /// Replaces text by the next one, which stays valid until the next call. Returns false after the last.
     /// Throws what IFileScanner::examine throws, and LeasedFile.
     bool next(std::string_view& text);
 
+    enum class Kind { path, status, attributeName, separator, attributeValue, content, target };
+
+    /// Returns the kind of the text that next has given last.
+    Kind kind() const { return m_kind; }
+
     /// Returns the errno of the read that ended the content early, or 0 if none did.
     int readError() const { return m_content ? m_content->readError() : 0; }
 
-    /// Thrown if another process holds a lease on the file, for which examine would wait.
+    /// Thrown if another process holds a lease on the file and the object does not wait for it.
     struct LeasedFile {};
 
 private:
@@ -65,7 +76,10 @@ private:
 
     const FileInput& m_entry;
     const IFileScanner::Remainder m_remainder;
+    const Lease m_lease;
+    Kind m_kind = Kind::path;
     Phase m_phase = Phase::path;
+    std::string m_hashedPath; ///< if it is not the entry's
     std::string m_status;
 
     enum class AttributePart { name, separator, value };

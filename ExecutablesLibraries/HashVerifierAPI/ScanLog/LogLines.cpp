@@ -1,6 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/LogLines.h"
 
 #include <cerrno>
+#include <utility>
 #include <vector>
 
 #include <sys/stat.h>
@@ -9,8 +10,9 @@ namespace Nerix {
 
 namespace {
 
-/// Exceeds the longest record, even if the host's system log escapes each of its bytes as four.
-constexpr std::size_t longestLine = 65536;
+/// Exceeds the longest record. Most of that are the names of an entry's attributes: 64 KiB if '&' precedes no
+/// byte, with a value for every seventh byte or fewer.
+constexpr std::size_t longestLine = 524288;
 constexpr std::size_t blockSize = 65536;
 
 } // namespace
@@ -27,6 +29,10 @@ LogLines::LogLines(const std::string& file) : m_name(file), m_file(std::fopen(fi
         m_file = copied(m_file.get());
         rewind();
     }
+}
+
+LogLines::LogLines(std::string name, Common::File file) : m_name(std::move(name)), m_file(std::move(file)) {
+    rewind();
 }
 
 Common::File LogLines::copied(std::FILE* from) const {

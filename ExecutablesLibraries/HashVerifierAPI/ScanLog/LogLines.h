@@ -24,6 +24,9 @@ public:
     /// temporary file. Throws ScanLogError when it cannot be opened or copied whole.
     explicit LogLines(const std::string& file);
 
+    /// Reads an open regular file from its beginning. name: for messages.
+    LogLines(std::string name, Common::File file);
+
     /// Moves to the next line and returns true; false at the end. Throws ScanLogError when the file cannot be
     /// read or the line is too long.
     bool next();

@@ -1,4 +1,4 @@
-// The constructor reads the file before the first record is handed out. detectFormat finds out whether it is
+// A constructor reads the file before the first record is handed out. detectFormat finds out whether it is
 // a log file or a system log; in a system log, findLastRun finds the thread that wrote the last scan and the
 // line where that scan begins. check then reads all records once, so a log that is damaged, out of order or
 // cut short is rejected before anything is printed. A record can span lines: nextOfFile and nextOfSystemLog
@@ -27,6 +27,15 @@ std::string_view recordIn(std::string_view message) {
 } // namespace
 
 ScanLogReader::ScanLogReader(const std::string& file) : m_lines(file) {
+    begin();
+}
+
+ScanLogReader::ScanLogReader(std::string name, Common::File file)
+    : m_lines(std::move(name), std::move(file)) {
+    begin();
+}
+
+void ScanLogReader::begin() {
     detectFormat();
     check();
     rewind();
@@ -39,6 +48,10 @@ void ScanLogReader::throwErrorInLine(const char* reason) const {
 void ScanLogReader::rewind() {
     m_lines.rewind();
     m_recordNumber = 0;
+    m_isEnded = false;
+    if (m_header) {
+        m_lines.next();
+    }
 }
 
 bool ScanLogReader::next(ScanLogRecord& record) {
@@ -52,6 +65,14 @@ bool ScanLogReader::next(ScanLogRecord& record) {
 bool ScanLogReader::nextOfFile() {
     if (!m_lines.next()) {
         return false;
+    }
+    if (m_isEnded) {
+        throwErrorInLine(" follows the end of the log");
+    }
+    if (m_header && m_lines.isTerminated() && parseScanLogEnd(m_lines.line())) {
+        m_announcedCount = *parseScanLogEnd(m_lines.line());
+        m_isEnded = true;
+        return nextOfFile(); // which must be the end of the file
     }
     if (!ScanRecordParser::beginsRecord(m_lines.line())) {
         throwErrorInLine(" is not a scan record");
@@ -119,6 +140,10 @@ bool ScanLogReader::nextLineOfRun() {
 
 void ScanLogReader::detectFormat() {
     while (!m_isSystemLog && m_lines.next()) {
+        if (m_lines.number() == 1 && ScanLogHeader::isHeader(m_lines.line())) {
+            readHeader();
+            return;
+        }
         if (m_lines.number() == 1 && ScanRecordParser::beginsRecord(m_lines.line())) {
             rewind();
             return;
@@ -130,6 +155,15 @@ void ScanLogReader::detectFormat() {
             "is not a scan log: it begins neither with a scan record nor with a system-log line");
     }
     findLastRun();
+}
+
+void ScanLogReader::readHeader() {
+    m_header = ScanLogHeader::parse(m_lines.line());
+    if (!m_header) {
+        m_lines.throwError("has a header that is damaged or of another version");
+    }
+    m_parser = ScanRecordParser(true);
+    rewind();
 }
 
 void ScanLogReader::findLastRun() {
@@ -164,16 +198,20 @@ void ScanLogReader::check() {
         } else if (compareInWalkOrder(m_root, record.path) >= 0) {
             throwErrorInLine(" is out of order: not the log of a single scan");
         }
-        const bool hasDetails = !record.details.empty();
+        const bool hasDetails = record.details.has_value();
         if (m_hasDetails.value_or(hasDetails) != hasDetails) {
             throwErrorInLine(hasDetails ? " has details, unlike the records before it"
                                         : " has no details, unlike the records before it");
         }
         m_hasDetails = hasDetails;
+        ++m_count;
         std::swap(m_root, record.path);
     }
     if (first.empty()) {
         m_lines.throwError("contains no scan records");
+    }
+    if (m_header && (!m_isEnded || m_announcedCount != m_count || m_root != m_header->root)) {
+        m_lines.throwError("is incomplete: the scan failed or was interrupted, or records were taken out");
     }
     // In this order everything from the first entry below the root to the root itself is below the root.
     if (first != m_root && !isBelow(first, m_root)) {

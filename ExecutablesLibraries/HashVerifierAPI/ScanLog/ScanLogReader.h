@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/LogLines.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFrame.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecordParser.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/SystemLogLine.h"
 
@@ -10,36 +11,51 @@
 
 namespace Nerix {
 
-/// Reads a scan log record by record, in the order of the walk. The log is a file, with or without details,
-/// or a host's system log; of that, it reads the last run and reassembles long records. The log is not
+/// Reads a scan log record by record, in the order of the walk. The log is a file, with or without details
+/// and facts, or a host's system log; of that, it reads the last run and reassembles long records. The log is not
 /// trusted: memory use does not grow with it, the time is linear in its length, and a record that no scan
 /// could have written is an error. One thread at a time may use a reader.
 class ScanLogReader {
 public:
     /// Validates the whole log, then rewinds to its beginning. Throws ScanLogError when the log cannot be
     /// read, has no record or is damaged, and when it is incomplete: its last record is not the root of the
-    /// others, its last line has no end, or records are missing in a system log that was rotated away.
-    /// Records that were taken out of a file, except its last, are not noticed: compare reports their
-    /// entries.
+    /// others, its last line has no end, a log with facts has not as many records as its last line says, or
+    /// records are missing in a system log that was rotated away. Records that were taken out of a file
+    /// without facts, except its last, are not noticed: compare reports their entries.
     explicit ScanLogReader(const std::string& file);
+
+    /// Does the same with an open file; see LogLines.
+    ScanLogReader(std::string name, Common::File file);
 
     /// The path of the last record, that of the whole tree.
     const std::string& root() const { return m_root; }
+
+    /// The header of a log with facts; nullopt if the log has none.
+    const std::optional<ScanLogHeader>& header() const { return m_header; }
+
+    /// How many records there are.
+    std::uint64_t count() const { return m_count; }
 
     /// The next record; false at the end. Throws ScanLogError when the log can no longer be read.
     bool next(ScanLogRecord& record);
 
 private:
     [[noreturn]] void throwErrorInLine(const char* reason) const;
+    void begin();
     void rewind();
     bool nextOfFile();
     bool nextOfSystemLog();
     bool nextLineOfRun();
     void detectFormat();
+    void readHeader();
     void findLastRun();
     void check();
 
     LogLines m_lines;
+    std::optional<ScanLogHeader> m_header;
+    std::uint64_t m_count = 0;
+    std::uint64_t m_announcedCount = 0; ///< in the last line of a log with facts
+    bool m_isEnded = false;             ///< the last line of a log with facts has been read
     ScanRecordParser m_parser;
     bool m_isSystemLog = false;
     std::optional<SystemLogLine> m_systemLogLine; ///< the current line, in a system log

@@ -2,9 +2,6 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
-
-struct stat;
 
 namespace Nerix {
 
@@ -16,14 +13,6 @@ std::string scanRecord(std::uint64_t value, const std::string& path);
 /// feeds and drops them. In a record of more than 736 bytes each line feed is therefore written as "&n",
 /// which no other byte is.
 std::string loggedScanRecord(std::uint64_t value, const std::string& path);
-
-/// The suffix of a record in a log with details: " KIND OWNER GROUP LINKS MODE SIZE", where KIND is file,
-/// directory or link, MODE has four octal digits and SIZE is in bytes.
-std::string recordDetails(const struct stat& status);
-
-/// Returns true if text, with its blank in front, is what recordDetails writes for some entry that leaves a
-/// record.
-bool isRecordDetails(std::string_view text);
 
 /// value in lower-case hexadecimal, 16 digits with leading zeros.
 std::string hexadecimal16(std::uint64_t value);

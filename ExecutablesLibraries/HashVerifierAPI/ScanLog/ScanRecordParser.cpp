@@ -1,7 +1,5 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecordParser.h"
 
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
-
 #include <charconv>
 
 namespace Nerix {
@@ -23,7 +21,7 @@ bool ScanRecordParser::beginsRecord(std::string_view text) {
 
 ScanRecordParser::State ScanRecordParser::begin(std::string_view text) {
     m_record.path.clear();
-    m_record.details.clear();
+    m_record.details.reset();
     m_isAfterMark = false;
     std::from_chars(text.data(), text.data() + valueLength, m_record.value, 16);
     return append(text.substr(pathBegin));
@@ -62,11 +60,8 @@ ScanRecordParser::State ScanRecordParser::end(std::string_view details) {
     if (details.empty()) {
         return State::complete;
     }
-    if (!isRecordDetails(details)) {
-        return State::damaged;
-    }
-    m_record.details = details.substr(1);
-    return State::complete;
+    m_record.details = parseRecordDetails(details, m_hasFacts);
+    return m_record.details ? State::complete : State::damaged;
 }
 
 } // namespace Nerix

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/RecordDetails.h"
+
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,7 +13,7 @@ namespace Nerix {
 struct ScanLogRecord {
     std::uint64_t value = 0;
     std::string path;
-    std::string details; ///< without the blank in front; empty in a log without details
+    std::optional<RecordDetails> details; ///< nullopt in a log without details
 };
 
 /// Puts a record together from the lines or pieces that it was cut into. Each byte is looked at once.
@@ -21,6 +24,9 @@ public:
         complete, ///< record() holds all of it
         damaged   ///< no scan writes such text
     };
+
+    /// hasFacts: the details of the records contain facts.
+    explicit ScanRecordParser(bool hasFacts = false) : m_hasFacts(hasFacts) {}
 
     /// Returns true if the text begins with a value, a blank and a double quote.
     static bool beginsRecord(std::string_view text);
@@ -36,6 +42,7 @@ public:
 private:
     State end(std::string_view details);
 
+    bool m_hasFacts;
     ScanLogRecord m_record;
     bool m_isAfterMark = false; ///< the text so far ends in the '&' of a pair
 };

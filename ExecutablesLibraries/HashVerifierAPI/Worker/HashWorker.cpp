@@ -17,6 +17,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/RecordDetails.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/Progress.h"
@@ -93,22 +94,21 @@ HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName
     return begin(root, hashName, nullptr);
 }
 
-HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName,
-                              const ScanLogStream& scanLog) {
-    return begin(root, hashName, &scanLog);
+HashWorker& HashWorker::start(const FileInput& root, const std::string& hashName, const RunOptions& options) {
+    return begin(root, hashName, &options);
 }
 
-HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashName,
-                              const ScanLogStream* scanLog) {
+HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashName, const RunOptions* options) {
     if (boost::atomic_load(&m_thread)) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("verification is already started"));
     }
     wait(); // a former worker may still be writing "inactive"
     prepare(root, hashName);
+    m_options = options != nullptr ? *options : RunOptions{};
     PublishedState::begin();
     try {
         PublishedState::progress(PublishedState::noProgress);
-        m_scanLog = scanLog != nullptr ? *scanLog : openDrive();
+        m_scanLog = options != nullptr ? options->scanLog : openDrive();
         launch();
     } catch (...) {
         shutdown(PublishedState::errorResult); // otherwise watchers would wait forever
@@ -134,6 +134,9 @@ void HashWorker::prepare(const FileInput& root, const std::string& hashName) {
     m_reportedBytes = 0;
     m_currentBytes = 0;
     m_entries = 0;
+    m_finishedFileBytes = 0;
+    m_fileBytes = 0;
+    m_isIncomplete = false;
     m_failure = nullptr;
     m_readFailure = nullptr;
 }
@@ -182,16 +185,47 @@ void HashWorker::throwIfTerminating() {
     }
 }
 
+bool HashWorker::continueWithout(const std::exception_ptr& failure) {
+    throwIfTerminating();
+    if (!m_options.onUnreadable) {
+        return false;
+    }
+    m_isIncomplete = true;
+    m_options.onUnreadable(failure);
+    return true;
+}
+
+std::string HashWorker::hashedPath(const FileInput& entry) const {
+    const std::string& path = entry.path.native();
+    if (!hasOtherRoot()) {
+        return path;
+    }
+    const std::string& root = m_root.path.native();
+    const std::string below = root == "/" ? path : path.substr(root.size()); // empty, or begins with a slash
+    if (below.empty() || below == "/") {
+        return m_options.hashedRoot;
+    }
+    return (m_options.hashedRoot == "/" ? "" : m_options.hashedRoot) + below;
+}
+
 void HashWorker::log(unsigned long long bytes) {
     throwIfTerminating();
     m_currentBytes += bytes;
+    m_fileBytes.store(m_finishedFileBytes + m_currentBytes, std::memory_order_relaxed);
     onProgress();
 }
 
 void HashWorker::log(const FileInput& entry, unsigned long long value) {
+    log(entry, value, nullptr);
+}
+
+void HashWorker::log(const FileInput& entry, unsigned long long value, const EntryFacts* facts) {
     throwIfTerminating();
-    record(entry, value);
+    record(entry, value, facts);
     m_entries.store(m_entries + 1, std::memory_order_relaxed); // this thread alone writes it
+    m_finishedFileBytes +=
+        S_ISREG(entry.status.st_mode) ? static_cast<std::uint64_t>(entry.status.st_size) : 0;
+    m_fileBytes.store(m_finishedFileBytes, std::memory_order_relaxed);
     m_processedBytes += Progress::workOf(static_cast<std::uint64_t>(entry.status.st_size), m_blockSize);
     m_currentBytes = 0;
     onProgress();
@@ -211,14 +245,14 @@ void HashWorker::logReadError(const FileInput& entry, int error) noexcept {
     }
 }
 
-void HashWorker::record(const FileInput& entry, unsigned long long value) const {
+void HashWorker::record(const FileInput& entry, unsigned long long value, const EntryFacts* facts) const {
     if (m_scanLog.stream == nullptr) {
-        NERIX_LOG(INF, "%s", loggedScanRecord(value, entry.path.native()).c_str());
+        NERIX_LOG(INF, "%s", loggedScanRecord(value, hashedPath(entry)).c_str());
         return;
     }
-    std::string record = scanRecord(value, entry.path.native());
+    std::string record = scanRecord(value, hashedPath(entry));
     if (m_scanLog.hasDetails) {
-        record += recordDetails(entry.status);
+        record += recordDetails(entry.status, facts);
     }
     *m_scanLog.stream << record << '\n';
 }
@@ -249,7 +283,11 @@ void HashWorker::scan() {
     const IHashFunction& function = HashFunctions::getInstance(m_hashName);
     const Common::IO::DigestSession session;
     const RunSteps observer(*this);
-    shutdown(scanner.process(m_root, 0, function));
+    const IFileScanner::hash_t value = scanner.process(m_root, 0, function);
+    if (m_isIncomplete) {
+        BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("some entries could not be read"));
+    }
+    shutdown(value);
 }
 
 void HashWorker::fail() noexcept {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileInput.h"
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogStream.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/RunOptions.h"
 
 #include <boost/core/noncopyable.hpp>
 #include <boost/smart_ptr/shared_ptr.hpp>
@@ -19,6 +19,7 @@ class thread;
 
 namespace Nerix {
 
+struct EntryFacts;
 class HashWorker;
 
 /// What the worker's thread runs: HashWorker::execute() of the worker that it points to.
@@ -37,7 +38,8 @@ private:
 /// Threads: start, wait, getResult and getFailure must be called from one thread at a time; getProgress and
 /// getEntries may be called from any thread at any time; the rest is called by the worker's own thread while
 /// it runs. No mutex guards the run: its counters and the result are written by the worker's thread alone,
-/// and the three that others read (m_totalBytes, m_reportedBytes, m_entries) are atomic. Only the handle of
+/// and the four that others read (m_totalBytes, m_reportedBytes, m_entries, m_fileBytes) are
+/// atomic. Only the handle of
 /// the thread is exchanged under the lock of boost::atomic_load.
 ///
 /// A run that fails adds one record to those of the levels that the failure passed: WRN, "Verification
@@ -62,8 +64,8 @@ public:
     /// boost::thread_interrupted when interrupted there.
     HashWorker& start(const FileInput& root, const std::string& hashName);
 
-    /// Like start, but writes the scan log to the caller's stream, which must outlive the run.
-    HashWorker& start(const FileInput& root, const std::string& hashName, const ScanLogStream& scanLog);
+    /// Like start, with options. What they refer to must outlive the run.
+    HashWorker& start(const FileInput& root, const std::string& hashName, const RunOptions& options);
 
     /// Blocks until the last run has written its last setting and its thread has ended; returns at once when
     /// there is none. Throws boost::thread_resource_error on the worker's own thread; an interruption of the
@@ -87,6 +89,16 @@ public:
     /// How many entries were reported, finished or skipped.
     std::uint64_t getEntries() const { return m_entries; }
 
+    /// How many bytes the regular files among these have, and about how many were hashed of the entry in
+    /// progress.
+    std::uint64_t getFileBytes() const { return m_fileBytes; }
+
+    /// Returns the path under which the entry is hashed and recorded; see RunOptions::hashedRoot.
+    std::string hashedPath(const FileInput& entry) const;
+
+    /// Returns false if hashedPath returns the entry's path.
+    bool hasOtherRoot() const { return !m_options.hashedRoot.empty(); }
+
     /// The root entry of the current verification; "/" before the first.
     const FileInput& getRoot() const { return m_root; }
 
@@ -98,6 +110,16 @@ public:
     /// Scanners report each entry, finished or skipped, with its value: Writes one scan-log record and counts
     /// the entry's rounded size as work, replacing the bytes counted for its steps. Throws as above.
     void log(const FileInput& entry, unsigned long long value);
+
+    /// Like log(entry, value), with the entry's facts for its record; null if there are none.
+    void log(const FileInput& entry, unsigned long long value, const EntryFacts* facts);
+
+    /// Returns true if the records of the current run contain facts, so scanners should collect them.
+    bool recordsFacts() const { return m_scanLog.hasDetails; }
+
+    /// Scanners call this with the failure of an entry that could not be read. Returns true if the run goes on
+    /// without the entry, and ends with "ERROR" later; see RunOptions::onUnreadable.
+    bool continueWithout(const std::exception_ptr& failure);
 
     /// Throws GenericException if a signal ends the process; the run then fails.
     static void throwIfTerminating();
@@ -125,11 +147,11 @@ public:
 private:
     HashWorker();
 
-    HashWorker& begin(const FileInput& root, const std::string& hashName, const ScanLogStream* scanLog);
+    HashWorker& begin(const FileInput& root, const std::string& hashName, const RunOptions* options);
     void prepare(const FileInput& root, const std::string& hashName);
     ScanLogStream openDrive();
     void launch();
-    void record(const FileInput& entry, unsigned long long value) const;
+    void record(const FileInput& entry, unsigned long long value, const EntryFacts* facts) const;
     void scan();
     void fail() noexcept;
     void publishInactive() noexcept;
@@ -153,8 +175,12 @@ private:
     boost::shared_ptr<boost::thread> m_startedThread;
     std::promise<bool> m_activePublished;
 
+    RunOptions m_options;
     ScanLogStream m_scanLog{}; ///< m_logFile or the caller's; no stream while they go to the system log
     std::atomic<std::uint64_t> m_entries{0};
+    std::uint64_t m_finishedFileBytes = 0; ///< size of the regular files that were reported
+    std::atomic<std::uint64_t> m_fileBytes{0};
+    bool m_isIncomplete = false; ///< entries could not be read, and the run went on without them
     std::exception_ptr m_failure;
     std::exception_ptr m_readFailure;
 };

@@ -1,5 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Examiner.h"
 
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FactSteps.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FileScanners.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/LackOfResources.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
@@ -35,16 +36,14 @@ struct Examiner::Lane {
     StepSizes steps;                    ///< not yet delivered
     unsigned long long undelivered = 0; ///< bytes of these steps
     unsigned int stepLength = 0;        ///< of the step in progress
+    IHashFunction::hash_t* fact =
+        nullptr; ///< the fact for which the step in progress is; null if it is one of the entry's
+    IHashFunction::hash_t value = 0; ///< the entry's value during a step for a fact
     EntryTexts::Buffer buffer;
 };
 
-Examiner::Examiner(EntrySupply& supply, const IHashFunction& function, const IFileScanner& directoryScanner,
-                   dev_t rootDevice)
-    : m_supply(supply),
-      m_function(function),
-      m_directoryScanner(directoryScanner),
-      m_rootDevice(rootDevice),
-      m_laneCount(function.lanes()) {
+Examiner::Examiner(EntrySupply& supply, const WalkScope& scope)
+    : m_supply(supply), m_scope(scope), m_laneCount(scope.function.lanes()) {
     // Many lanes share the processor's cache; a single one makes fewer system calls with a large buffer.
     const std::size_t bufferSize = m_laneCount == 1 ? 131072 : 32768;
     for (std::size_t index = 0; index != m_laneCount; ++index) {
@@ -57,7 +56,7 @@ Examiner::~Examiner() = default;
 void Examiner::run() noexcept {
     const Observer observer(m_supply);
     try {
-        m_function.applyChains(*this);
+        m_scope.function.applyChains(*this);
     } catch (...) { // NOLINT(bugprone-empty-catch): a failure of the crypto library; the entries are deferred
     }
     for (std::size_t index = 0; index != m_laneCount; ++index) {
@@ -89,19 +88,39 @@ bool Examiner::next(std::size_t index, Step& step) {
 /// settled.
 bool Examiner::proceed(Lane& lane, Step& step) {
     try {
-        addStep(lane);
+        if (lane.fact == nullptr) {
+            addStep(lane);
+            if (beginFactStep(lane, step)) {
+                return true;
+            }
+        } else { // the same text again, for a fact
+            *std::exchange(lane.fact, nullptr) = std::exchange(step.value, lane.value);
+        }
         if (beginStep(lane, step)) {
             return true;
         }
         lane.entry->value = step.value;
         lane.entry->readError = lane.texts->readError();
-        list(*lane.entry, m_directoryScanner);
+        list(*lane.entry, m_scope);
         // If a stop has cut reading short, the value is invalid.
         finish(lane, m_supply.shouldStop() ? State::deferred : State::examined);
     } catch (...) {
         fail(lane);
     }
     return false;
+}
+
+/// Begins a step over the text of the last one, for a fact. Returns false if there is none.
+bool Examiner::beginFactStep(Lane& lane, Step& step) {
+    if (!lane.entry->facts) {
+        return false;
+    }
+    lane.fact = addText(*lane.entry->facts, lane.texts->kind(), {step.data, step.length});
+    if (lane.fact == nullptr) {
+        return false;
+    }
+    lane.value = std::exchange(step.value, *lane.fact);
+    return true;
 }
 
 /// Returns false if the entry has no further text.
@@ -120,8 +139,9 @@ bool Examiner::beginStep(Lane& lane, Step& step) {
 bool Examiner::begin(Lane& lane, Step& step) {
     QueuedEntry& entry = *lane.entry;
     try {
-        if (identify(entry, m_rootDevice) == Judgement::accepted) {
-            lane.texts.emplace(*entry.input, entry.scanner->remainder(), lane.buffer);
+        if (identify(entry, m_scope) == Judgement::accepted) {
+            lane.texts.emplace(*entry.input, entry.scanner->remainder(), lane.buffer,
+                               EntryTexts::Lease::fail);
             step.value = 0;
             return beginStep(lane, step); // every entry has a path
         }
@@ -151,6 +171,7 @@ void Examiner::finish(Lane& lane, State state) noexcept {
     --m_busy;
     m_supply.settle(entry, state, lane.steps);
     lane.steps = StepSizes();
+    lane.fact = nullptr;
     lane.undelivered = 0;
 }
 
@@ -179,15 +200,19 @@ std::string pathOf(const QueuedEntry& entry) {
     return path;
 }
 
-Judgement identify(QueuedEntry& entry, dev_t rootDevice) {
+Judgement identify(QueuedEntry& entry, const WalkScope& scope) {
     entry.input.emplace(pathOf(entry));
     entry.scanner = &getInstance(*entry.input);
-    return entry.scanner->judge(*entry.input, rootDevice);
+    const Judgement judgement = entry.scanner->judge(*entry.input, scope.root.status.st_dev);
+    if (scope.hasFacts && judgement == Judgement::accepted) {
+        entry.facts = std::make_unique<EntryFacts>();
+    }
+    return judgement;
 }
 
-void list(QueuedEntry& entry, const IFileScanner& directoryScanner) {
+void list(QueuedEntry& entry, const WalkScope& scope) {
     constexpr std::size_t maxNamesAhead = 16384;
-    if (entry.scanner == &directoryScanner) {
+    if (entry.scanner == &scope.directoryScanner) {
         entry.listing = std::make_unique<Listing>(
             Names(entry.input->path, entry.isAhead ? maxNamesAhead : Names::unlimited));
     }

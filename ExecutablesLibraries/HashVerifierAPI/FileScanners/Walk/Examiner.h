@@ -10,6 +10,14 @@
 
 namespace Nerix::FileScanners {
 
+/// What is the same for all entries of a walk. The references must outlive it.
+struct WalkScope {
+    const IHashFunction& function;
+    const IFileScanner& directoryScanner;
+    const FileInput& root;
+    bool hasFacts; ///< facts are collected for each entry
+};
+
 /// Gives an examiner its entries and takes the results. Called on the examiner's thread.
 class EntrySupply {
 public:
@@ -39,9 +47,8 @@ protected:
 /// own.
 class Examiner final : private ChainSource {
 public:
-    /// rootDevice: st_dev of the walk's root. All arguments must outlive the object.
-    Examiner(EntrySupply& supply, const IHashFunction& function, const IFileScanner& directoryScanner,
-             dev_t rootDevice);
+    /// scope must outlive the object.
+    Examiner(EntrySupply& supply, const WalkScope& scope);
     ~Examiner();
 
     /// Examines entries until the supply has none or the walk ends. Settles each entry that it takes. A
@@ -54,6 +61,7 @@ private:
 
     bool next(std::size_t index, Step& step) override;
     bool proceed(Lane& lane, Step& step);
+    static bool beginFactStep(Lane& lane, Step& step);
     bool begin(Lane& lane, Step& step);
     static bool beginStep(Lane& lane, Step& step);
     void addStep(Lane& lane);
@@ -61,9 +69,7 @@ private:
     void fail(Lane& lane) noexcept;
 
     EntrySupply& m_supply;
-    const IHashFunction& m_function;
-    const IFileScanner& m_directoryScanner;
-    const dev_t m_rootDevice;
+    const WalkScope& m_scope;
     const std::size_t m_laneCount;
     std::vector<std::unique_ptr<Lane>> m_lanes;
     std::size_t m_busy = 0;
@@ -75,9 +81,9 @@ std::string pathOf(const QueuedEntry& entry);
 
 /// Makes the entry's input and selects its scanner. Returns what a walk does with the entry. Throws
 /// GenericException "access error: can't LSTAT file: " + quoted path.
-Judgement identify(QueuedEntry& entry, dev_t rootDevice);
+Judgement identify(QueuedEntry& entry, const WalkScope& scope);
 
 /// Lists the directory, if the entry is one. Throws what Names throws.
-void list(QueuedEntry& entry, const IFileScanner& directoryScanner);
+void list(QueuedEntry& entry, const WalkScope& scope);
 
 } // namespace Nerix::FileScanners

@@ -4,6 +4,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Names.h"
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/StepSizes.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/EntryFacts.h"
 
 #include <boost/intrusive/list_hook.hpp>
 
@@ -55,9 +56,10 @@ struct QueuedEntry : boost::intrusive::list_base_hook<> {
     std::optional<FileInput> input;
     const IFileScanner* scanner = nullptr;
     IFileScanner::hash_t value = 0;
-    std::unique_ptr<Listing> listing; ///< a directory has one once it was examined
-    int readError = 0;                ///< the errno that ended a file's content early; 0 for none
-    std::exception_ptr failure;       ///< why the entry could not be examined; null if it was
+    std::unique_ptr<Listing> listing;  ///< a directory has one once it was examined
+    std::unique_ptr<EntryFacts> facts; ///< null if the run does not record facts
+    int readError = 0;                 ///< the errno that ended a file's content early; 0 for none
+    std::exception_ptr failure;        ///< why the entry could not be examined; null if it was
 
     std::uint64_t reportedSteps = 0; ///< used only by the reporter
 

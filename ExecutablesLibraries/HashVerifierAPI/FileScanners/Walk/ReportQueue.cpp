@@ -22,6 +22,7 @@ void dropWhatWasExamined(QueuedEntry& entry) {
     entry.deliveredSteps = StepSizes();
     entry.listing.reset();
     entry.input.reset();
+    entry.facts.reset();
     entry.readError = 0;
     entry.failure = nullptr;
 }

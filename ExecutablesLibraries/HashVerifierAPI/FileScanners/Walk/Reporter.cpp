@@ -46,6 +46,9 @@ void Reporter::report(QueuedEntry& entry) {
     }
     if (entry.failure) {
         reportSteps(entry, entry.deliveredSteps);
+        if (entry.parent != nullptr && m_worker.continueWithout(entry.failure)) {
+            return;
+        }
         std::rethrow_exception(entry.failure);
     }
     if (entry.parent != nullptr && !entry.scanner->accept(*entry.input)) {
@@ -59,7 +62,7 @@ void Reporter::report(QueuedEntry& entry) {
     if (entry.readError != 0) {
         m_worker.logReadError(*entry.input, entry.readError);
     }
-    m_worker.log(*entry.input, entry.value);
+    m_worker.log(*entry.input, entry.value, entry.facts.get());
     addValue(entry);
 }
 

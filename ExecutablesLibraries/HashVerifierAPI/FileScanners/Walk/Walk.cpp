@@ -9,7 +9,9 @@
 #include "Common/Logging/Log.h"
 #include "Common/Utils/Errors/RethrowExceptionStream.h"
 #include "Common/Utils/TerminationSignals.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/FactSteps.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
 #include <boost/exception/diagnostic_information.hpp>
 
@@ -122,10 +124,8 @@ public:
 
 Walk::Walk(const IFileScanner& directory, const IHashFunction& function, Place place, const FileInput& root,
            hash_t value)
-    : m_directory(directory),
-      m_function(function),
+    : m_scope{function, directory, root, HashWorker::getInstance().recordsFacts()},
       m_place(place),
-      m_root(root),
       m_rootValue(value),
       m_plan(planThreads(function.lanes())),
       m_queue(m_plan.cores),
@@ -165,7 +165,7 @@ void Walk::examineAhead() {
     m_helpers.retryWithout([&] {
         if (!m_examiner) {
             m_supply = std::make_unique<WorkerSupply>(*this);
-            m_examiner = std::make_unique<Examiner>(*m_supply, m_function, m_directory, m_root.status.st_dev);
+            m_examiner = std::make_unique<Examiner>(*m_supply, m_scope);
         }
     });
     m_examiner->run();
@@ -181,16 +181,20 @@ void Walk::examineFront() {
     try {
         examine(front);
     } catch (...) {
-        m_queue.settle(front, State::deferred, none);
-        if (observer.hasReportFailed() || !m_helpers.areRunning() || !isLackOfResources()) {
+        if (!observer.hasReportFailed() && m_helpers.areRunning() && isLackOfResources()) {
+            m_queue.settle(front, State::deferred, none);
+            m_helpers.stop(); // and try again
+            return;
+        }
+        if (observer.hasReportFailed()) {
+            m_queue.settle(front, State::deferred, none);
             throw;
         }
-        m_helpers.stop(); // and try again
-        return;
+        front.failure = std::current_exception(); // for the reporter
     }
     const bool isRoot = front.parent == nullptr;
     m_queue.settle(front, State::examined, none);
-    if (isRoot) {
+    if (isRoot && !front.failure) {
         m_helpers.start(m_plan, [this] { help(); });
     }
 }
@@ -198,15 +202,18 @@ void Walk::examineFront() {
 void Walk::examine(QueuedEntry& entry) {
     Judgement judgement = Judgement::accepted;
     if (entry.parent == nullptr) {
-        entry.input = m_root;
-        entry.scanner = &m_directory;
+        entry.input = m_scope.root;
+        entry.scanner = &m_scope.directoryScanner;
+        entry.facts = m_scope.hasFacts ? std::make_unique<EntryFacts>() : nullptr;
     } else {
-        judgement = identify(entry, m_root.status.st_dev);
+        judgement = identify(entry, m_scope);
     }
     if (judgement == Judgement::accepted) {
-        entry.value =
-            entry.scanner->examine(*entry.input, entry.parent == nullptr ? m_rootValue : 0, m_function);
-        list(entry, m_directory);
+        const hash_t value = entry.parent == nullptr ? m_rootValue : 0;
+        entry.value = entry.facts ? examineWithFacts(*entry.input, entry.scanner->remainder(), value,
+                                                     m_scope.function, *entry.facts)
+                                  : entry.scanner->examine(*entry.input, value, m_scope.function);
+        list(entry, m_scope);
     }
 }
 
@@ -214,7 +221,7 @@ void Walk::help() {
     try {
         const Common::IO::DigestSession session;
         HelperSupply supply(*this);
-        Examiner(supply, m_function, m_directory, m_root.status.st_dev).run();
+        Examiner(supply, m_scope).run();
     } catch (...) { // NOLINT(bugprone-empty-catch): no memory for this helper; the others go on
     }
 }

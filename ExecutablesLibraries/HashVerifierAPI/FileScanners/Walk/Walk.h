@@ -55,10 +55,8 @@ private:
     void help();
     [[noreturn]] void passOn() const;
 
-    const IFileScanner& m_directory;
-    const IHashFunction& m_function;
+    const WalkScope m_scope;
     const Place m_place;
-    const FileInput& m_root;
     const IFileScanner::hash_t m_rootValue;
     const ThreadPlan m_plan;
     ReportQueue m_queue;

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Executables/NerixHost/TreeComparison.h"
+
+#include <string>
+
+namespace Nerix {
+
+/// Returns the word for the kind: changed, moved, removed or added.
+const char* wordOf(Difference::Kind kind);
+
+/// Returns a path of EntryReader without the slash in front; "." for the root.
+std::string plainPath(const std::string& path);
+
+/// Returns the difference as a line without its line feed. isColoured: the first word has a colour.
+std::string lineOf(const Difference& difference, bool isColoured);
+
+/// Returns one line that counts the differences, and says what was not compared.
+std::string totalsOf(const ComparisonResult& result, const ComparisonRules& rules);
+
+/// Returns the lines of --summary: how many entries differ in the same way below each directory of the first
+/// two levels, the most frequent first, and how many bytes were removed and added.
+std::string summaryOf(const ComparisonResult& result);
+
+} // namespace Nerix

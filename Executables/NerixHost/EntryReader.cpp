@@ -1,0 +1,29 @@
+#include "Executables/NerixHost/EntryReader.h"
+
+namespace Nerix {
+
+namespace {
+
+/// Removes the root from the front of path, which is the root or below it.
+void makeRelative(std::string& path, const std::string& root) {
+    if (root != "/") {
+        path.erase(0, root.size());
+    }
+    if (path.empty()) {
+        path = "/";
+    }
+}
+
+} // namespace
+
+void EntryReader::advance() {
+    do {
+        m_hasEntry = m_log.next(m_entry);
+        if (m_hasEntry) {
+            makeRelative(m_entry.path, m_log.root());
+        }
+    } while (m_hasEntry && isExcluded(m_entry.path, m_excluded));
+    m_count += m_hasEntry ? 1 : 0;
+}
+
+} // namespace Nerix

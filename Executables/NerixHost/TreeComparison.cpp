@@ -1,0 +1,201 @@
+// Both logs are in the order of the walk, so one pass merges them (merge). It collects the entries that differ
+// and those that only one log has. Then entries that were moved are found among the latter
+// (findMovedEntries), and the others are combined to one difference for each subtree (addOneSided).
+
+#include "Executables/NerixHost/TreeComparison.h"
+
+#include "Executables/NerixHost/MovedEntries.h"
+#include "Executables/NerixHost/QuotedName.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/WalkOrder.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <unordered_map>
+
+namespace Nerix {
+
+namespace {
+
+std::uint64_t fileSize(const OneSidedEntry& entry) {
+    return entry.details && entry.details->kind == "file"
+               ? std::strtoull(entry.details->size.c_str(), nullptr, 10)
+               : 0;
+}
+
+std::string parentOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+class Comparison {
+public:
+    Comparison(ScanLogReader& before, ScanLogReader& after, const ComparisonRules& rules)
+        : m_rules(rules),
+          m_before(before, rules.excluded),
+          m_after(after, rules.excluded),
+          m_hasFacts(before.header().has_value()),
+          m_isValueMeaningful(before.root() == after.root() && rules.excluded.empty() &&
+                              rules.ignored.empty()) {}
+
+    ComparisonResult run() {
+        merge();
+        if (m_hasFacts) {
+            std::vector<Difference> moved = findMovedEntries(m_removed, m_added, m_rules.ignored);
+            m_result.differences.insert(m_result.differences.end(), moved.begin(), moved.end());
+        }
+        findChangedKinds();
+        addOneSided(m_removed, Difference::Kind::removed);
+        addOneSided(m_added, Difference::Kind::added);
+        std::stable_sort(m_result.differences.begin(), m_result.differences.end(),
+                         [](const Difference& a, const Difference& b) {
+                             return a.kind != b.kind ? a.kind < b.kind
+                                                     : compareInWalkOrder(a.path, b.path) < 0;
+                         });
+        m_result.entries = m_after.count();
+        return std::move(m_result);
+    }
+
+private:
+    void merge() {
+        m_before.advance();
+        m_after.advance();
+        while (m_before.hasEntry() || m_after.hasEntry()) {
+            const int order = nextInOrder();
+            if (order == 0) {
+                compareEntries();
+                m_before.advance();
+                m_after.advance();
+            } else {
+                EntryReader& side = order < 0 ? m_before : m_after;
+                (order < 0 ? m_removed : m_added).push_back({side.entry().path, side.entry().details});
+                m_lastDifference = side.entry().path;
+                side.advance();
+            }
+        }
+    }
+
+    /// Returns a negative number if only the earlier tree has the next entry, a positive one if only the later
+    /// one has it, 0 if both have it.
+    int nextInOrder() const {
+        if (!m_before.hasEntry()) {
+            return 1;
+        }
+        return m_after.hasEntry() ? compareInWalkOrder(m_before.entry().path, m_after.entry().path) : -1;
+    }
+
+    void compareEntries() {
+        const ScanLogRecord& before = m_before.entry();
+        const ScanLogRecord& after = m_after.entry();
+        const bool hasOtherValue = before.value != after.value;
+        // A file can be made that has the value of a directory.
+        const bool isSameKind =
+            !before.details || !after.details || before.details->kind == after.details->kind;
+        if (m_isValueMeaningful && !hasOtherValue && isSameKind) {
+            return;
+        }
+        std::vector<FactChange> facts;
+        if (before.details && after.details) {
+            facts = changedFacts(*before.details, *after.details, m_rules.ignored);
+        }
+        const bool isUnexplained =
+            m_isValueMeaningful && hasOtherValue && !isBelow(m_lastDifference, after.path);
+        if (!facts.empty() || isUnexplained) {
+            if (facts.empty()) {
+                facts = sizeAndLinks(before, after);
+            }
+            m_result.differences.push_back({Difference::Kind::changed, after.path, "", std::move(facts)});
+            m_lastDifference = after.path;
+        }
+    }
+
+    /// Returns what changedFacts leaves out of a directory, because nothing else explains its value.
+    static std::vector<FactChange> sizeAndLinks(const ScanLogRecord& before, const ScanLogRecord& after) {
+        std::vector<FactChange> facts;
+        if (before.details && after.details) {
+            if (before.details->links != after.details->links) {
+                facts.push_back({Fact::links, "", before.details->links, after.details->links});
+            }
+            if (before.details->size != after.details->size) {
+                facts.push_back({Fact::size, "", before.details->size, after.details->size});
+            }
+        }
+        return facts;
+    }
+
+    /// Entries below a directory that has become something else, or the other way round, belong to that.
+    void findChangedKinds() {
+        for (std::size_t index = 0; index != m_result.differences.size(); ++index) {
+            const Difference& difference = m_result.differences[index];
+            if (!difference.facts.empty() && difference.facts[0].fact == Fact::kind) {
+                m_changedKinds.emplace(difference.path, index);
+            }
+        }
+    }
+
+    /// Adds a difference for each subtree of entries that are not explained, or for each entry.
+    void addOneSided(const OneSidedEntries& entries, Difference::Kind kind) {
+        // From the end, a directory comes directly before everything below it.
+        Difference* top = nullptr;
+        std::vector<Difference> tops;
+        tops.reserve(entries.size()); // so that pointers stay valid
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            if (entry->isExplained) {
+                continue;
+            }
+            const bool isInTop = top != nullptr && isBelow(entry->path, top->path);
+            if (isInTop && !m_rules.listsAll) {
+                ++top->below;
+                top->bytes += fileSize(*entry);
+                continue;
+            }
+            const auto changed = m_changedKinds.find(parentOf(entry->path));
+            if (changed != m_changedKinds.end() && !m_rules.listsAll) {
+                top = &m_result.differences[changed->second];
+                ++top->below;
+                continue;
+            }
+            tops.push_back({kind, entry->path, "", {}, 0, fileSize(*entry)});
+            top = &tops.back();
+        }
+        m_result.differences.insert(m_result.differences.end(), tops.begin(), tops.end());
+    }
+
+    const ComparisonRules& m_rules;
+    EntryReader m_before;
+    EntryReader m_after;
+    const bool m_hasFacts;
+    const bool
+        m_isValueMeaningful; ///< equal values show that entries are equal, and other values that they differ
+    OneSidedEntries m_removed;
+    OneSidedEntries m_added;
+    std::string m_lastDifference;                                ///< path of the last entry that differs
+    std::unordered_map<std::string, std::size_t> m_changedKinds; ///< indexes of differences, by path
+    ComparisonResult m_result;
+};
+
+void checkFacts(const ScanLogReader& before, const ScanLogReader& after) {
+    const auto& old = before.header();
+    const auto& now = after.header();
+    if (old.has_value() != now.has_value()) {
+        throw ScanLogError(std::string("only the ") + (old ? "first" : "second") +
+                           " log has details; record both with 'NerixHost scan --log FILE --details'");
+    }
+    if (old && old->method != now->method) {
+        throw ScanLogError("the logs were recorded with different hash methods, " + old->method + " and " +
+                           now->method + "; scan both trees with the same one (--hash)");
+    }
+    if (!old && before.root() != after.root()) {
+        throw ScanLogError("the logs are of different trees, " + quotedName(before.root()) + " and " +
+                           quotedName(after.root()) +
+                           ", and have no details; values depend on paths, so record both with --details");
+    }
+}
+
+} // namespace
+
+ComparisonResult compareTrees(ScanLogReader& before, ScanLogReader& after, const ComparisonRules& rules) {
+    checkFacts(before, after);
+    return Comparison(before, after, rules).run();
+}
+
+} // namespace Nerix
