@@ -19,6 +19,8 @@ if(NERIX_HOST_PLATFORM)
   # bash-completion looks for a file named after the program.
   install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixHost)
   install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixVerifierHash)
+  install(FILES docs/NerixHost.zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions RENAME _NerixHost)
+  install(FILES docs/NerixHost.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 set(CPACK_PACKAGE_NAME nerix-verifier-hash)
 set(NERIX_DOCUMENTS ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_PACKAGE_NAME})
