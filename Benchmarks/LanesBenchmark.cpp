@@ -5,6 +5,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -21,10 +22,10 @@ void compressLanes(benchmark::State& state, Md5Lanes::Implementation lanes) {
         return;
     }
     const std::vector<std::string> texts(lanes.count, std::string(length, 'x'));
-    std::vector<const std::uint8_t*> begins;
-    for (const std::string& text : texts) {
-        begins.push_back(reinterpret_cast<const std::uint8_t*>(text.data()));
-    }
+    std::vector<const std::uint8_t*> begins(lanes.count);
+    std::transform(texts.begin(), texts.end(), begins.begin(), [](const std::string& text) {
+        return reinterpret_cast<const std::uint8_t*>(text.data());
+    });
     Md5Lanes::States states{};
     for (auto step : state) {
         static_cast<void>(step);
