@@ -5,7 +5,7 @@ namespace Nerix::HashFunctions::Md5Lanes {
 Implementation implementation() {
 #if __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
     return {0, nullptr};
-#elif defined(__x86_64__) || defined(__i386__)
+#elif defined(NERIX_MD5_LANES_256) // the build contains compress256
     if (__builtin_cpu_supports("avx2")) {
         return {16, &compress256};
     }
