@@ -13,8 +13,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
     try {
         Nerix::ScanLogReader log(name);
         Nerix::ScanLogRecord record;
-        while (log.next(record)) {}
-        if (record.path != log.root()) { __builtin_trap(); }
+        std::uint64_t count = 0;
+        for (; log.next(record); ++count) {
+            if (log.header() && !record.details) { __builtin_trap(); }
+        }
+        if (record.path != log.root() || count != log.count()) { __builtin_trap(); }
     } catch (const Nerix::ScanLogError&) { // NOLINT(bugprone-empty-catch): most are
     }
     return 0;
