@@ -95,9 +95,10 @@ std::string jsonOf(const ComparisonResult& result, const ComparisonRules& rules)
 }
 
 std::string jsonOf(const TreeScan& scan, const ScannedTree& tree) {
-    Json json = {{"path", textOrBytes(scan.path)}, {"method", scan.hashMethod}, {"value", nullptr}};
-    if (!scan.hashedRoot.empty()) {
-        json["as"] = textOrBytes(scan.hashedRoot);
+    Json json = {
+        {"path", textOrBytes(scan.path)}, {"method", scan.hashMethod}, {"root", nullptr}, {"value", nullptr}};
+    if (!tree.root.empty()) {
+        json["root"] = textOrBytes(tree.root);
     }
     if (!tree.value.empty()) {
         json["value"] = tree.value;

@@ -25,9 +25,9 @@ std::string jsonOf(const Difference& difference);
 /// fact, of the bytes removed and added, and with what was not compared.
 std::string jsonOf(const ComparisonResult& result, const ComparisonRules& rules);
 
-/// Returns an object with "path", "method", "value", "complete", "unreadable", "entries", "bytes", "seconds" and
-/// "version"; with another root, also "as". The value is null if something could not be read; "unreadable" is
-/// the list of sentences for that.
+/// Returns an object with "path", "method", "root", "value", "complete", "unreadable", "entries", "bytes", "seconds"
+/// and "version". The value is null if something could not be read; "unreadable" is the list of sentences for
+/// that. The root is the path under which the tree was hashed, null if it does not exist.
 std::string jsonOf(const TreeScan& scan, const ScannedTree& tree);
 
 /// Returns an object such as {"key":"db/x","value":1}. The value is a string, number or boolean, as stored.

@@ -110,6 +110,7 @@ ScannedTree scanTree(const TreeScan& scan, const ScanLogStream& log) {
         };
     }
     try {
+        tree.root = hashedRootOf(scan);
         std::future<std::string> result = std::async(std::launch::async, [&] {
             return HashVerifierAPI::nerixVerifyPath(scan.path, scan.hashMethod, options);
         });

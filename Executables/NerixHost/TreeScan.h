@@ -34,6 +34,7 @@ struct TreeScan {
 
 /// What a scan found.
 struct ScannedTree {
+    std::string root;                     ///< path under which it was hashed; empty if it does not exist
     std::string value;                    ///< empty if the tree could not be read completely
     std::vector<std::string> unreadables; ///< a sentence for each thing that could not be read
     std::uint64_t entries = 0;

@@ -121,8 +121,8 @@ SHOWN = "\u00e4\u20ac\u00a0&\u2026".encode() + \
 def read_back(line):
     """Returns the parts of a line of output, as in differences()."""
     quoted = r'("(?:[^"\\]|\\.)*")'
-    change, path, place, texts, count = re.fullmatch(
-        rf'(\w+) +{quoted}(?: -> {quoted})?(?:: (.*?))?(?: and (\d+) entr\S+ below)?', line.decode("latin-1"), re.DOTALL).groups()
+    form = rf"(\w+) +{quoted}(?: -> {quoted})?(?:: (.*?))?(?: and (\d+) entr\S+ below)?"
+    change, path, place, texts, count = re.fullmatch(form, line.decode("latin-1"), re.DOTALL).groups()
     plain = [text and ast.literal_eval(text).encode("latin-1") for text in (path, place)]
     without_details = re.sub(r"\([^)]*\)|" + quoted, "", texts or "")
     return change, *plain, {text.split()[0] for text in without_details.split(", ") if text}, int(count or 0)
@@ -288,8 +288,9 @@ added   "usr/odd2\"""")
         write(self.tree + b"/a")
         os.mkdir(self.other)
         plain, coloured = b'removed "a"', b'\x1b[31mremoved\x1b[m "a"'
-        for options, variables, expected in (([], {}, coloured), ([], {"NO_COLOR": "1"}, plain), ([], {"TERM": "dumb"}, plain),
-                                             (["--color=never"], {}, plain), (["--color=always"], {"NO_COLOR": "1"}, coloured)):
+        cases = (([], {}, coloured), ([], {"NO_COLOR": "1"}, plain), ([], {"TERM": "dumb"}, plain),
+                 (["--color=never"], {}, plain), (["--color=always"], {"NO_COLOR": "1"}, coloured))
+        for options, variables, expected in cases:
             with self.subTest(options=options, **variables):
                 terminal, side = pty.openpty()
                 subprocess.run([HOST, "compare", self.tree, self.other, "-q", *options], stdout=side, stderr=subprocess.PIPE,
@@ -391,7 +392,8 @@ added   "usr/odd2\"""")
                                                    "is incomplete: records"),
             "record of a system log lost": (re.sub(r".*/a\"\n", "", system), "is incomplete: records"),
             "other tree": (text.replace("/tree", "/wood"), "the logs are of different trees"),
-            "some records with details": (lines[0] + lines[1][:-1] + " directory 0 0 2 0755 1\n" + lines[2], "line 2 has details"),
+            "some records with details": (lines[0] + lines[1][:-1] + " directory 0 0 2 0755 1\n" + lines[2],
+                                          "line 2 has details"),
         }
         for name, (content, reason) in cases.items():
             with self.subTest(name):
@@ -405,14 +407,16 @@ added   "usr/odd2\"""")
         self.scan(self.logs[0], "--details")
         text = read(self.logs[0]).decode()
         size_and_content, value = re.search(r"(0 \w{16}) \S+ (\w{16})$", text, re.MULTILINE).groups()
-        cases = {"unknown kind": (" file ", " fil "), "negative owner": ("file 0 ", "file -1 "), "leading zero": ("file 0 ", "file 00 "),
-                 "owner of 33 bits": ("file 0 ", "file 4294967296 "), "short mode": (" 0644 ", " 644 "), "odd mode": (" 0644 ", " 0689 "),
+        link = re.search(r'\w+ "[^"]*link".*\n', text)[0]
+        cases = {"unknown kind": (" file ", " fil "), "negative owner": ("file 0 ", "file -1 "),
+                 "leading zero": ("file 0 ", "file 00 "), "owner of 33 bits": ("file 0 ", "file 4294967296 "),
+                 "short mode": (" 0644 ", " 644 "), "odd mode": (" 0644 ", " 0689 "),
                  "no content": (size_and_content, "0"), "short value": (value, value[1:]), "upper case": (value, "A" * 16),
                  "unquoted name": ('"user.a&&b"', "user.ab"), "unknown pair": ("user.a&&b", "user.a&b"),
                  "attribute twice": (f' "user.a&&b" {value}', f' "user.a&&b" {value}' * 2), "no target": (' "t&"&&&nx"', ""),
                  "two blanks": (' "t&"', '  "t&"'), "a control character": (" file ", " file\x1b[31m "),
                  "other version": ("NerixScanLog 2", "NerixScanLog 3"), "other root": ('2 md5 0 "', '2 md5 0 "/x'),
-                 "other count": ("complete 3", "complete 4"), "a record less": (re.search(r'\w+ "[^"]*link".*\n', text)[0], ""),
+                 "other count": ("complete 3", "complete 4"), "a record less": (link, ""),
                  "text after the end": ("complete 3\n", "complete 3\n\n")}
         for name, (old, new) in cases.items():
             with self.subTest(name):

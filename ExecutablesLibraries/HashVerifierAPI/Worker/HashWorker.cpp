@@ -236,9 +236,13 @@ void HashWorker::logReadError(const FileInput& entry, int error) noexcept {
         const auto text = errinfo_stream("access error: can't read content of file to its end: ", entry.path,
                                          Common::Utils::get_string_from_errno(error));
         NERIX_LOG_STREAM(WRN) << text.value();
-        if (!m_readFailure) {
-            m_readFailure =
-                std::make_exception_ptr(FileScanners::accessError("read", entry.path, error) << text);
+        const std::exception_ptr failure =
+            std::make_exception_ptr(FileScanners::accessError("read", entry.path, error) << text);
+        if (m_options.onUnreadable) {
+            m_isIncomplete = true;
+            m_options.onUnreadable(failure);
+        } else if (!m_readFailure) {
+            m_readFailure = failure;
         }
     } catch (...) {
         m_readFailure = std::current_exception();
