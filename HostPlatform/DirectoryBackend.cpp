@@ -169,10 +169,12 @@ void replaceFile(const fs::path& temporary, const fs::path& path, bool isSynced)
     // When a file is renamed over another one, ext4 starts to write it to the disk, which takes as long as the
     // rest of put. It does not when the two files exchange their names.
     if (!isSynced && ::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE) == 0) {
-        if (::unlink(temporary.c_str()) != 0) {
-            fail(errno);
+        if (::unlink(temporary.c_str()) == 0) {
+            return;
         }
-        return;
+        const int error = errno; // the old one is a directory
+        ::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE);
+        fail(error);
     }
     // Or the setting is new, or the file system cannot exchange names.
     if (::rename(temporary.c_str(), path.c_str()) != 0) {
@@ -211,6 +213,17 @@ fs::path DirectoryBackend::directory() {
     return m_directory;
 }
 
+std::optional<fs::path> DirectoryBackend::directoryToRead() {
+    try {
+        return directory();
+    } catch (const std::system_error& failure) {
+        if (failure.code().value() != EROFS) {
+            throw;
+        }
+        return std::nullopt;
+    }
+}
+
 template <class Step>
 auto DirectoryBackend::attempt(const std::string& what, Step step) {
     m_location = m_name;
@@ -226,7 +239,11 @@ auto DirectoryBackend::attempt(const std::string& what, Step step) {
 
 std::optional<std::string> DirectoryBackend::get(std::string_view key) {
     return attempt("read '" + std::string(key) + "'", [&] {
-        const fs::path file = directory() / fileNameOf(key);
+        const std::optional<fs::path> place = directoryToRead();
+        if (!place) {
+            return std::optional<std::string>();
+        }
+        const fs::path file = *place / fileNameOf(key);
         m_location = file.string();
         return checkedContentOf(file);
     });
@@ -284,10 +301,13 @@ void DirectoryBackend::each(const Visit& visit) {
 
 std::vector<std::string> DirectoryBackend::keys() {
     return attempt("list its settings", [&] {
-        const fs::path listed = directory();
-        m_location = listed.string();
         std::vector<std::string> keys;
-        for (const fs::directory_entry& entry : fs::directory_iterator(listed)) {
+        const std::optional<fs::path> listed = directoryToRead();
+        if (!listed) {
+            return keys;
+        }
+        m_location = listed->string();
+        for (const fs::directory_entry& entry : fs::directory_iterator(*listed)) {
             if (std::optional<std::string> key = keyOf(entry.path().filename().string())) {
                 keys.push_back(std::move(*key));
             }

@@ -3,6 +3,7 @@
 #include "HostPlatform/SettingsBackend.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,10 @@ private:
     /// Returns the directory, and creates it if it is missing. Checks that it is safe on first use and
     /// whenever it has been replaced.
     std::filesystem::path directory();
+
+    /// Does the same for reading. Returns nullopt if the directory is missing and cannot be created because the
+    /// file system is read-only: it holds no setting.
+    std::optional<std::filesystem::path> directoryToRead();
 
     /// Returns the keys of all files, in byte order.
     std::vector<std::string> keys();

@@ -7,6 +7,7 @@ import json
 import os
 import random
 import resource
+import shutil
 import signal
 import stat
 import subprocess
@@ -232,6 +233,12 @@ class Hostile(SystemTest):
         run = self.run_host("settings", "list")
         self.assertEqual((run.returncode, run.stderr), (0, b""))
         self.assertEqual(self.settings(), settings)
+        subprocess.run(["mount", "-o", "remount,rw", self.home], check=True)
+        for directory in os.listdir(self.home):
+            shutil.rmtree(os.path.join(self.home, directory))
+        subprocess.run(["mount", "-o", "remount,ro", self.home], check=True)
+        run = self.run_host("settings", "list")
+        self.assertEqual((run.returncode, run.stdout, run.stderr), (0, b"", b""), "an empty store")
 
     def end_watched_run(self, method, number):
         """Ends a long run by a signal while it is watched, and returns the last line of the watch."""
