@@ -111,6 +111,14 @@ bool mayBeLinkedInTree(const fs::path& file, const fs::path& root) {
            S_ISREG(status.st_mode) && status.st_nlink > 1 && status.st_dev == rootStatus.st_dev;
 }
 
+/// Returns true if the file is a symbolic link that another user made. Such a link, in a directory like /tmp, may
+/// lead to a file of this user.
+bool isLinkOfOtherUser(const std::string& file) {
+    struct stat status {};
+    return ::lstat(file.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid != 0 &&
+           status.st_uid != ::geteuid();
+}
+
 } // namespace
 
 fs::path logPathOutside(const fs::path& root, const std::string& logFile) {
@@ -119,6 +127,10 @@ fs::path logPathOutside(const fs::path& root, const std::string& logFile) {
     if (isStream || (::stat(logFile.c_str(), &status) == 0 && !S_ISREG(status.st_mode))) {
         throw std::runtime_error("cannot write " + quotedName(logFile) + ": not a regular file" +
                                  (isStream ? "; use --log - for standard output" : ""));
+    }
+    if (isLinkOfOtherUser(logFile)) {
+        throw std::runtime_error("the log " + quotedName(logFile) +
+                                 " is a link that another user made; choose another name");
     }
     fs::path file = fs::weakly_canonical(fs::absolute(logFile));
     const fs::path directory = file.parent_path();

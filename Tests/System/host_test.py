@@ -229,6 +229,16 @@ class Host(SystemTest):
         self.assertIn(b"has other hard links, which may be inside the tree", run.stderr)
         self.assertEqual(os.path.getsize(log), 0, "size of the log")
 
+    @unittest.skipIf(os.geteuid() != 0, "needs root to make a link of another user")
+    def test_scan_rejects_a_log_that_is_a_link_of_another_user(self):
+        precious = self.work + "/precious"
+        write(precious, b"kept")
+        os.symlink(precious, self.logs[0])
+        os.lchown(self.logs[0], 12, 34)
+        run = self.run_host("scan", self.tree, "--log", self.logs[0])
+        self.assertEqual((run.returncode, read(precious)), (2, b"kept"))
+        self.assertIn(b"is a link that another user made", run.stderr)
+
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_scan_writes_a_log_whose_path_leads_out_of_the_tree(self):
         inner = self.tree + b"/inner"
