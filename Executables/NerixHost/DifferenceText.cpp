@@ -141,6 +141,7 @@ std::string summaryOf(const ComparisonResult& result) {
         addedBytes += difference.kind == Kind::added ? difference.bytes : 0;
     }
     std::vector<std::pair<std::uint64_t, std::string>> lines;
+    lines.reserve(counts.size());
     for (const auto& [key, count] : counts) {
         lines.emplace_back(count, key.first + ": " + counted(count, "entry", "entries") + " below " +
                                       shownPath(key.second));

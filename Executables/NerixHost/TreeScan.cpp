@@ -164,7 +164,7 @@ ScanLogReader scannedLog(const TreeScan& scan) {
         throw std::runtime_error("cannot write the log of " + quotedName(scan.path) + ": " +
                                  Common::messageOf(buffer.error()));
     }
-    return ScanLogReader("the log of " + quotedName(scan.path), std::move(file));
+    return {"the log of " + quotedName(scan.path), std::move(file)};
 }
 
 } // namespace Nerix
