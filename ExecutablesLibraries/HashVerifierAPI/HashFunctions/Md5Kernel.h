@@ -8,6 +8,11 @@
 // vectors, and may be compiled for instructions that the rest of the program must not use. So everything here
 // has internal linkage, and nothing may be included that defines inline functions.
 
+#if defined(__GNUC__) && !defined(__clang__)
+// The order of the additions is chosen for the processor. GCC would change it.
+#pragma GCC optimize("no-tree-reassoc")
+#endif
+
 namespace Nerix::HashFunctions::Md5Lanes {
 
 namespace { // NOLINT(google-build-namespaces,cert-dcl59-cpp): see above
