@@ -49,7 +49,11 @@ private:
             if (!m_session) {
                 m_session = std::make_unique<ScanSession>();
             }
-            log.emplace(scannedLog({place, method, "", false, isQuiet}));
+            TreeScan tree;
+            tree.path = place;
+            tree.hashMethod = method;
+            tree.isQuiet = isQuiet;
+            log.emplace(scannedLog(tree));
         }
     }
 

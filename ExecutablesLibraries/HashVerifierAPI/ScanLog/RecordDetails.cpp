@@ -95,7 +95,9 @@ bool takeContentOrTarget(std::string_view& text, RecordDetails& details) {
     }
     if (details.kind == "link") {
         std::optional<std::string> target = takeBlank(text) ? takeQuotedFact(text) : std::nullopt;
-        details.facts.target = std::move(target).value_or("");
+        if (target) {
+            details.facts.target = std::move(*target);
+        }
         return target.has_value();
     }
     return true;
