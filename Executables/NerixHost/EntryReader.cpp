@@ -1,5 +1,7 @@
 #include "Executables/NerixHost/EntryReader.h"
 
+#include "Executables/NerixHost/QuotedName.h"
+
 namespace Nerix {
 
 namespace {
@@ -24,6 +26,17 @@ void EntryReader::advance() {
         }
     } while (m_hasEntry && isExcluded(m_entry.path, m_excluded));
     m_count += m_hasEntry ? 1 : 0;
+}
+
+std::optional<RecordDetails> EntryReader::details() const {
+    if (m_entry.details.empty()) {
+        return std::nullopt;
+    }
+    std::optional<RecordDetails> details = parseRecordDetails(m_entry.details, m_log.header().has_value());
+    if (!details) {
+        throw ScanLogError("the log of " + quotedName(m_log.root()) + " changed while it was read");
+    }
+    return details;
 }
 
 } // namespace Nerix

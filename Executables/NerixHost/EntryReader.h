@@ -1,9 +1,11 @@
 #pragma once
 
 #include "Executables/NerixHost/PathPattern.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/RecordDetails.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogReader.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +27,10 @@ public:
 
     /// Returns the current entry, which must exist.
     const ScanLogRecord& entry() const { return m_entry; }
+
+    /// Returns the details of the current entry, or nullopt in a log without details. Throws ScanLogError if they
+    /// are damaged.
+    std::optional<RecordDetails> details() const;
 
     /// Returns the number of entries read so far, without the excluded ones.
     std::uint64_t count() const { return m_count; }

@@ -67,7 +67,7 @@ private:
                 m_after.advance();
             } else {
                 EntryReader& side = order < 0 ? m_before : m_after;
-                (order < 0 ? m_removed : m_added).push_back({side.entry().path, side.entry().details});
+                (order < 0 ? m_removed : m_added).push_back({side.entry().path, side.details()});
                 m_lastDifference = side.entry().path;
                 side.advance();
             }
@@ -84,40 +84,37 @@ private:
     }
 
     void compareEntries() {
-        const ScanLogRecord& before = m_before.entry();
-        const ScanLogRecord& after = m_after.entry();
-        const bool hasOtherValue = before.value != after.value;
-        // A file can be made that has the value of a directory.
-        const bool isSameKind =
-            !before.details || !after.details || before.details->kind == after.details->kind;
-        if (m_isValueMeaningful && !hasOtherValue && isSameKind) {
-            return;
-        }
+        const bool hasOtherValue = m_before.entry().value != m_after.entry().value;
         std::vector<FactChange> facts;
-        if (before.details && after.details) {
-            facts = changedFacts(*before.details, *after.details, m_rules.ignored);
+        std::optional<RecordDetails> before;
+        std::optional<RecordDetails> after;
+        if (m_before.entry().details != m_after.entry().details) {
+            before = m_before.details();
+            after = m_after.details();
+        }
+        if (before && after) {
+            facts = changedFacts(*before, *after, m_rules.ignored);
         }
         const bool isUnexplained =
-            m_isValueMeaningful && hasOtherValue && !isBelow(m_lastDifference, after.path);
-        if (!facts.empty() || isUnexplained) {
-            if (facts.empty()) {
-                facts = sizeAndLinks(before, after);
-            }
-            m_result.differences.push_back({Difference::Kind::changed, after.path, "", std::move(facts)});
-            m_lastDifference = after.path;
+            m_isValueMeaningful && hasOtherValue && !isBelow(m_lastDifference, m_after.entry().path);
+        if (facts.empty() && !isUnexplained) {
+            return;
         }
+        if (facts.empty() && before && after) {
+            facts = sizeAndLinks(*before, *after);
+        }
+        m_lastDifference = m_after.entry().path;
+        m_result.differences.push_back({Difference::Kind::changed, m_lastDifference, "", std::move(facts)});
     }
 
     /// Returns what changedFacts leaves out of a directory, because nothing else explains its value.
-    static std::vector<FactChange> sizeAndLinks(const ScanLogRecord& before, const ScanLogRecord& after) {
+    static std::vector<FactChange> sizeAndLinks(const RecordDetails& before, const RecordDetails& after) {
         std::vector<FactChange> facts;
-        if (before.details && after.details) {
-            if (before.details->links != after.details->links) {
-                facts.push_back({Fact::links, "", before.details->links, after.details->links});
-            }
-            if (before.details->size != after.details->size) {
-                facts.push_back({Fact::size, "", before.details->size, after.details->size});
-            }
+        if (before.links != after.links) {
+            facts.push_back({Fact::links, "", before.links, after.links});
+        }
+        if (before.size != after.size) {
+            facts.push_back({Fact::size, "", before.size, after.size});
         }
         return facts;
     }

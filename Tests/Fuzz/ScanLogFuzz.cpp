@@ -1,3 +1,4 @@
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/RecordDetails.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogReader.h"
 
 #include <string>
@@ -15,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char* data, std::size_t siz
         Nerix::ScanLogRecord record;
         std::uint64_t count = 0;
         for (; log.next(record); ++count) {
-            if (log.header() && !record.details) { __builtin_trap(); }
+            if (log.header() && !Nerix::parseRecordDetails(record.details, true)) { __builtin_trap(); }
         }
         if (record.path != log.root() || count != log.count()) { __builtin_trap(); }
     } catch (const Nerix::ScanLogError&) { // NOLINT(bugprone-empty-catch): most are

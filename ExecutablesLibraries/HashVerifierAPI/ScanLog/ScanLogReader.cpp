@@ -1,4 +1,4 @@
-// A constructor reads the file before the first record is handed out. detectFormat finds out whether it is
+// The first constructor reads the file before the first record is handed out. detectFormat finds out whether it is
 // a log file or a system log; in a system log, findLastRun finds the thread that wrote the last scan and the
 // line where that scan begins. check then reads all records once, so a log that is damaged, out of order or
 // cut short is rejected before anything is printed. A record can span lines: nextOfFile and nextOfSystemLog
@@ -27,18 +27,18 @@ std::string_view recordIn(std::string_view message) {
 } // namespace
 
 ScanLogReader::ScanLogReader(const std::string& file) : m_lines(file) {
-    begin();
+    detectFormat();
+    check();
+    m_parser.trustDetails();
+    rewind();
 }
 
 ScanLogReader::ScanLogReader(std::string name, Common::File file)
     : m_lines(std::move(name), std::move(file)) {
-    begin();
-}
-
-void ScanLogReader::begin() {
-    detectFormat();
-    check();
-    rewind();
+    m_lines.next();
+    readHeader();
+    m_root = m_header->root;
+    m_parser.trustDetails();
 }
 
 void ScanLogReader::throwErrorInLine(const char* reason) const {
@@ -198,7 +198,7 @@ void ScanLogReader::check() {
         } else if (compareInWalkOrder(m_root, record.path) >= 0) {
             throwErrorInLine(" is out of order: not the log of a single scan");
         }
-        const bool hasDetails = record.details.has_value();
+        const bool hasDetails = !record.details.empty();
         if (m_hasDetails.value_or(hasDetails) != hasDetails) {
             throwErrorInLine(hasDetails ? " has details, unlike the records before it"
                                         : " has no details, unlike the records before it");

@@ -24,7 +24,7 @@ public:
     /// without facts, except its last, are not noticed: compare reports their entries.
     explicit ScanLogReader(const std::string& file);
 
-    /// Does the same with an open file; see LogLines.
+    /// Reads a log with facts that this process has written to an unnamed file. Checks only its header.
     ScanLogReader(std::string name, Common::File file);
 
     /// The path of the last record, that of the whole tree.
@@ -33,15 +33,15 @@ public:
     /// The header of a log with facts; nullopt if the log has none.
     const std::optional<ScanLogHeader>& header() const { return m_header; }
 
-    /// How many records there are.
+    /// How many records the constructor has checked.
     std::uint64_t count() const { return m_count; }
 
-    /// The next record; false at the end. Throws ScanLogError when the log can no longer be read.
+    /// The next record; false at the end. Throws ScanLogError when the log can no longer be read. If another
+    /// process has changed the log, the details may be damaged.
     bool next(ScanLogRecord& record);
 
 private:
     [[noreturn]] void throwErrorInLine(const char* reason) const;
-    void begin();
     void rewind();
     bool nextOfFile();
     bool nextOfSystemLog();

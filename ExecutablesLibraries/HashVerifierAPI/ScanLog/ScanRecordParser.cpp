@@ -1,5 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecordParser.h"
 
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/RecordDetails.h"
+
 #include <charconv>
 
 namespace Nerix {
@@ -21,7 +23,7 @@ bool ScanRecordParser::beginsRecord(std::string_view text) {
 
 ScanRecordParser::State ScanRecordParser::begin(std::string_view text) {
     m_record.path.clear();
-    m_record.details.reset();
+    m_record.details.clear();
     m_isAfterMark = false;
     std::from_chars(text.data(), text.data() + valueLength, m_record.value, 16);
     return append(text.substr(pathBegin));
@@ -60,8 +62,11 @@ ScanRecordParser::State ScanRecordParser::end(std::string_view details) {
     if (details.empty()) {
         return State::complete;
     }
-    m_record.details = parseRecordDetails(details, m_hasFacts);
-    return m_record.details ? State::complete : State::damaged;
+    if (!m_areDetailsTrusted && !parseRecordDetails(details, m_hasFacts)) {
+        return State::damaged;
+    }
+    m_record.details = details;
+    return State::complete;
 }
 
 } // namespace Nerix

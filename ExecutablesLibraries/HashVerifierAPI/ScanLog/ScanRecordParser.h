@@ -1,9 +1,6 @@
 #pragma once
 
-#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/RecordDetails.h"
-
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,7 +10,7 @@ namespace Nerix {
 struct ScanLogRecord {
     std::uint64_t value = 0;
     std::string path;
-    std::optional<RecordDetails> details; ///< nullopt in a log without details
+    std::string details; ///< as in the log, with the blank in front; empty in a log without details
 };
 
 /// Puts a record together from the lines or pieces that it was cut into. Each byte is looked at once.
@@ -27,6 +24,9 @@ public:
 
     /// hasFacts: the details of the records contain facts.
     explicit ScanRecordParser(bool hasFacts = false) : m_hasFacts(hasFacts) {}
+
+    /// From now on takes details as they are, because those of the same log have been checked.
+    void trustDetails() { m_areDetailsTrusted = true; }
 
     /// Returns true if the text begins with a value, a blank and a double quote.
     static bool beginsRecord(std::string_view text);
@@ -43,6 +43,7 @@ private:
     State end(std::string_view details);
 
     bool m_hasFacts;
+    bool m_areDetailsTrusted = false;
     ScanLogRecord m_record;
     bool m_isAfterMark = false; ///< the text so far ends in the '&' of a pair
 };
