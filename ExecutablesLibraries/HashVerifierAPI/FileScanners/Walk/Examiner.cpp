@@ -31,14 +31,13 @@ private:
 struct Examiner::Lane {
     explicit Lane(std::size_t bufferSize) : buffer(bufferSize) {}
 
-    QueuedEntry* entry = nullptr;       ///< null if the lane is idle
-    std::optional<EntryTexts> texts;    ///< of the entry
-    StepSizes steps;                    ///< not yet delivered
-    unsigned long long undelivered = 0; ///< bytes of these steps
-    unsigned int stepLength = 0;        ///< of the step in progress
-    IHashFunction::hash_t* fact =
-        nullptr; ///< the fact for which the step in progress is; null if it is one of the entry's
-    IHashFunction::hash_t value = 0; ///< the entry's value during a step for a fact
+    QueuedEntry* entry = nullptr;          ///< null if the lane is idle
+    std::optional<EntryTexts> texts;       ///< of the entry
+    StepSizes steps;                       ///< not yet delivered
+    unsigned long long undelivered = 0;    ///< bytes of these steps
+    unsigned int stepLength = 0;           ///< of the step in progress
+    IHashFunction::hash_t* fact = nullptr; ///< for which the step in progress is; null if for the entry
+    IHashFunction::hash_t value = 0;       ///< the entry's value during a step for a fact
     EntryTexts::Buffer buffer;
 };
 
