@@ -42,9 +42,9 @@ protected:
     EntrySupply& operator=(const EntrySupply&) = default;
 };
 
-/// Examines entries: reads what they are hashed from and lists directories. Takes as many at a time as the
-/// hash function has lanes. Reports nothing and knows nothing about the order of entries. Each thread has its
-/// own.
+/// Examines entries: reads what they are hashed from and lists directories. Takes at most as many at a time
+/// as the hash function has lanes. Reports nothing and knows nothing about the order of entries. Each
+/// thread has its own.
 class Examiner final : private ChainSource {
 public:
     /// scope must outlive the object.

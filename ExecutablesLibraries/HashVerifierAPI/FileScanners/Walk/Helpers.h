@@ -21,7 +21,7 @@ class ReportQueue;
 
 struct ThreadPlan {
     std::size_t threads;          ///< of the walk, the worker included
-    std::size_t threadsAtOnce;    ///< of these, those that start with the walk
+    std::size_t threadsAtOnce;    ///< of these, those that start once the root was examined
     std::size_t cores;            ///< that these threads can use
     std::size_t entriesPerThread; ///< that each of them examines at a time
 };
@@ -46,7 +46,7 @@ private:
     std::chrono::nanoseconds m_total{0};   ///< the time then
 };
 
-/// The threads that examine entries beside the worker. All functions but isStopping are for the worker's
+/// The threads that examine entries beside the worker. All functions but areStopping are for the worker's
 /// thread.
 class Helpers : private boost::noncopyable {
 public:

@@ -17,7 +17,7 @@ public:
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
 
     /// Throws boost::filesystem::filesystem_error when the directory cannot be listed, TooManyNames if there
-    /// are more than maxNames.
+    /// are more than maxCount.
     explicit Names(const boost::filesystem::path& directory, std::size_t maxCount = unlimited);
 
     std::size_t size() const { return m_begins.size(); }

@@ -44,7 +44,7 @@ struct QueuedEntry : boost::intrusive::list_base_hook<> {
 
     // Guarded by the queue.
     State state = State::beingExamined;
-    bool isAhead = false;     ///< taken before it reached the front
+    bool isAhead = false;     ///< taken from its directory, and not yet deferred to the reporter
     StepSizes deliveredSteps; ///< taken by the thread that examines the entry, and not reported yet
 
     // Set by the queue when the entry is taken.

@@ -24,7 +24,7 @@ namespace Nerix::FileScanners {
 ///
 /// One thread, the reporter, removes examined entries from the front. It and any number of other threads take
 /// names and examine them. An entry outlives all entries before it, so parent pointers stay valid. One mutex
-/// guards the order and the states; no system call, hashing or logging happens while it is held.
+/// guards the order and the states; files, hashing and the log are not touched while it is held.
 class ReportQueue : private boost::noncopyable {
 public:
     using Entries = std::list<QueuedEntry>;
@@ -67,7 +67,7 @@ public:
     QueuedEntry* take(Entries& unused, std::size_t busy);
 
     /// For a thread other than the reporter that examines nothing: like take, but blocks until there is an
-    /// entry. Returns null after stop.
+    /// entry, and takes one even if the front is deferred. Returns null after stop.
     QueuedEntry* takeOrWait(Entries& unused);
 
     /// Ends the examination of an entry, with its remaining steps. If there is no memory for the steps, or

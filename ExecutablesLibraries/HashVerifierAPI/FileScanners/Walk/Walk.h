@@ -38,8 +38,9 @@ public:
     ~Walk();
 
     /// Returns the value after the root and everything below it was folded. Call it once, on the worker's
-    /// thread. The first failure ends the walk: it is logged at ERR and rethrown with one context line per
-    /// enclosing directory, innermost first.
+    /// thread. The first failure ends the walk, unless the run goes on without what cannot be read
+    /// (RunOptions.h). It is logged at ERR and rethrown with one context line per enclosing directory,
+    /// innermost first.
     IFileScanner::hash_t run();
 
 private:
