@@ -126,7 +126,8 @@ std::string statusText(const FileInput& entry) {
 }
 
 hash_t hashMetadata(const FileInput& entry, hash_t value, const IHashFunction& function) {
-    value = function.apply(value, HashWorker::getInstance().hashedPath(entry));
+    std::string buffer;
+    value = function.apply(value, HashWorker::getInstance().hashedPath(entry, buffer));
     value = hashstat(entry, value, function);
     return hashxtattr(entry, value, function);
 }

@@ -24,10 +24,7 @@ EntryTexts::EntryTexts(const FileInput& entry, IFileScanner::Remainder remainder
 bool EntryTexts::next(std::string_view& text) {
     switch (m_phase) {
     case Phase::path:
-        text = m_entry.path.native();
-        if (HashWorker::getInstance().hasOtherRoot()) {
-            text = m_hashedPath = HashWorker::getInstance().hashedPath(m_entry);
-        }
+        text = HashWorker::getInstance().hashedPath(m_entry, m_hashedPath);
         m_phase = Phase::status;
         return true;
     case Phase::status:

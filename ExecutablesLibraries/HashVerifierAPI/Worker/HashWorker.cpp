@@ -195,9 +195,9 @@ bool HashWorker::continueWithout(const std::exception_ptr& failure) {
     return true;
 }
 
-std::string HashWorker::hashedPath(const FileInput& entry) const {
+const std::string& HashWorker::hashedPath(const FileInput& entry, std::string& buffer) const {
     const std::string& path = entry.path.native();
-    if (!hasOtherRoot()) {
+    if (m_options.hashedRoot.empty()) {
         return path;
     }
     const std::string& root = m_root.path.native();
@@ -205,7 +205,8 @@ std::string HashWorker::hashedPath(const FileInput& entry) const {
     if (below.empty() || below == "/") {
         return m_options.hashedRoot;
     }
-    return (m_options.hashedRoot == "/" ? "" : m_options.hashedRoot) + below;
+    buffer = (m_options.hashedRoot == "/" ? "" : m_options.hashedRoot) + below;
+    return buffer;
 }
 
 void HashWorker::log(unsigned long long bytes) {
@@ -250,11 +251,13 @@ void HashWorker::logReadError(const FileInput& entry, int error) noexcept {
 }
 
 void HashWorker::record(const FileInput& entry, unsigned long long value, const EntryFacts* facts) const {
+    std::string buffer;
+    const std::string& path = hashedPath(entry, buffer);
     if (m_scanLog.stream == nullptr) {
-        NERIX_LOG(INF, "%s", loggedScanRecord(value, hashedPath(entry)).c_str());
+        NERIX_LOG(INF, "%s", loggedScanRecord(value, path).c_str());
         return;
     }
-    std::string record = scanRecord(value, hashedPath(entry));
+    std::string record = scanRecord(value, path);
     if (m_scanLog.hasDetails) {
         record += recordDetails(entry.status, facts);
     }

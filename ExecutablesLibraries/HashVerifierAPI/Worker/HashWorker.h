@@ -93,11 +93,9 @@ public:
     /// progress.
     std::uint64_t getFileBytes() const { return m_fileBytes; }
 
-    /// Returns the path under which the entry is hashed and recorded; see RunOptions::hashedRoot.
-    std::string hashedPath(const FileInput& entry) const;
-
-    /// Returns false if hashedPath returns the entry's path.
-    bool hasOtherRoot() const { return !m_options.hashedRoot.empty(); }
+    /// Returns the path under which the entry is hashed and recorded: that of the entry, or, with
+    /// RunOptions::hashedRoot, another one, which is then stored in buffer.
+    const std::string& hashedPath(const FileInput& entry, std::string& buffer) const;
 
     /// The root entry of the current verification; "/" before the first.
     const FileInput& getRoot() const { return m_root; }
@@ -117,8 +115,8 @@ public:
     /// Returns true if the records of the current run contain facts, so scanners should collect them.
     bool recordsFacts() const { return m_scanLog.hasDetails; }
 
-    /// Scanners call this with the failure of an entry that could not be read. Returns true if the run goes on
-    /// without the entry, and ends with "ERROR" later; see RunOptions::onUnreadable.
+    /// Scanners call this with the failure of an entry that could not be read. Returns true if the run goes
+    /// on without the entry, and ends with "ERROR" later; see RunOptions::onUnreadable.
     bool continueWithout(const std::exception_ptr& failure);
 
     /// Throws GenericException if a signal ends the process; the run then fails.
