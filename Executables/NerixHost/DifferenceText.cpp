@@ -106,14 +106,10 @@ std::string lineOf(const Difference& difference, bool isColoured) {
 }
 
 std::string totalsOf(const ComparisonResult& result, const ComparisonRules& rules) {
-    std::map<Kind, std::uint64_t> counts;
-    for (const Difference& difference : result.differences) {
-        ++counts[difference.kind];
-    }
     std::vector<std::string> parts;
     for (const Kind kind : kinds) {
-        if (counts[kind] != 0) {
-            parts.push_back(grouped(counts[kind]) + ' ' + wordOf(kind));
+        if (const std::uint64_t count = countOf(result, kind)) {
+            parts.push_back(grouped(count) + ' ' + wordOf(kind));
         }
     }
     std::string text = counted(result.differences.size(), "difference", "differences") + " among " +
@@ -133,12 +129,8 @@ std::string totalsOf(const ComparisonResult& result, const ComparisonRules& rule
 
 std::string summaryOf(const ComparisonResult& result) {
     std::map<std::pair<std::string, std::string>, std::uint64_t> counts;
-    std::uint64_t removedBytes = 0;
-    std::uint64_t addedBytes = 0;
     for (const Difference& difference : result.differences) {
         counts[{sharedTextOf(difference), groupOf(difference.path)}] += 1 + difference.below;
-        removedBytes += difference.kind == Kind::removed ? difference.bytes : 0;
-        addedBytes += difference.kind == Kind::added ? difference.bytes : 0;
     }
     std::vector<std::pair<std::uint64_t, std::string>> lines;
     lines.reserve(counts.size());
@@ -152,8 +144,8 @@ std::string summaryOf(const ComparisonResult& result) {
     for (const auto& [count, line] : lines) {
         text += line + '\n';
     }
-    return text + "removed: " + counted(removedBytes, "byte", "bytes") +
-           ", added: " + counted(addedBytes, "byte", "bytes") + '\n';
+    return text + "removed: " + counted(bytesOf(result, Kind::removed), "byte", "bytes") +
+           ", added: " + counted(bytesOf(result, Kind::added), "byte", "bytes") + '\n';
 }
 
 } // namespace Nerix

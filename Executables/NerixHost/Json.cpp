@@ -62,12 +62,8 @@ std::string jsonOf(const Difference& difference) {
 }
 
 std::string jsonOf(const ComparisonResult& result, const ComparisonRules& rules) {
-    Json kinds = {{"changed", 0}, {"moved", 0}, {"added", 0}, {"removed", 0}};
     Json facts = Json::object();
-    std::uint64_t removedBytes = 0;
-    std::uint64_t addedBytes = 0;
     for (const Difference& difference : result.differences) {
-        kinds[wordOf(difference.kind)] = kinds[wordOf(difference.kind)].get<std::uint64_t>() + 1;
         std::set<Fact> changed;
         for (const FactChange& change : difference.facts) {
             changed.insert(change.fact);
@@ -75,14 +71,15 @@ std::string jsonOf(const ComparisonResult& result, const ComparisonRules& rules)
         for (const Fact fact : changed) {
             facts[nameOf(fact)] = facts.value(nameOf(fact), std::uint64_t{0}) + 1;
         }
-        removedBytes += difference.kind == Difference::Kind::removed ? difference.bytes : 0;
-        addedBytes += difference.kind == Difference::Kind::added ? difference.bytes : 0;
     }
     Json json = {{"entries", result.entries}, {"differences", result.differences.size()}};
-    json.update(kinds);
+    using Kind = Difference::Kind;
+    for (const Kind kind : {Kind::changed, Kind::moved, Kind::added, Kind::removed}) {
+        json[wordOf(kind)] = countOf(result, kind);
+    }
     json["facts"] = facts;
-    json["bytesRemoved"] = removedBytes;
-    json["bytesAdded"] = addedBytes;
+    json["bytesRemoved"] = bytesOf(result, Kind::removed);
+    json["bytesAdded"] = bytesOf(result, Kind::added);
     json["ignored"] = Json::array();
     for (const Fact fact : rules.ignored) {
         json["ignored"].push_back(nameOf(fact));

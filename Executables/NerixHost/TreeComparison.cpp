@@ -1,5 +1,5 @@
-// Both logs are in the order of the walk, so one pass merges them (merge). It collects the entries that differ
-// and those that only one log has. Then entries that were moved are found among the latter
+// Both logs are in the order of the walk, so one pass merges them (merge). It collects the entries that
+// differ and those that only one log has. Then entries that were moved are found among the latter
 // (findMovedEntries), and the others are combined to one difference for each subtree (addOneSided).
 
 #include "Executables/NerixHost/TreeComparison.h"
@@ -74,8 +74,8 @@ private:
         }
     }
 
-    /// Returns a negative number if only the earlier tree has the next entry, a positive one if only the later
-    /// one has it, 0 if both have it.
+    /// Returns a negative number if only the earlier tree has the next entry, a positive one if only the
+    /// later one has it, 0 if both have it.
     int nextInOrder() const {
         if (!m_before.hasEntry()) {
             return 1;
@@ -189,6 +189,20 @@ void checkFacts(const ScanLogReader& before, const ScanLogReader& after) {
 }
 
 } // namespace
+
+std::uint64_t countOf(const ComparisonResult& result, Difference::Kind kind) {
+    return static_cast<std::uint64_t>(
+        std::count_if(result.differences.begin(), result.differences.end(),
+                      [&](const Difference& difference) { return difference.kind == kind; }));
+}
+
+std::uint64_t bytesOf(const ComparisonResult& result, Difference::Kind kind) {
+    std::uint64_t bytes = 0;
+    for (const Difference& difference : result.differences) {
+        bytes += difference.kind == kind ? difference.bytes : 0;
+    }
+    return bytes;
+}
 
 ComparisonResult compareTrees(ScanLogReader& before, ScanLogReader& after, const ComparisonRules& rules) {
     checkFacts(before, after);

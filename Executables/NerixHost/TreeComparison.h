@@ -13,16 +13,22 @@ struct ComparisonRules {
     bool listsAll = false;             ///< also entries below added, removed and moved directories
 };
 
-/// What a comparison found. The differences are sorted by kind, then in the order of the walk.
+/// The result of a comparison. The differences are sorted by kind, then in the order of the walk.
 struct ComparisonResult {
     std::vector<Difference> differences;
     std::uint64_t entries = 0; ///< compared, of the later tree
 };
 
-/// Compares two logs. If they have facts, compares these, and the roots may differ. Otherwise compares values,
-/// which depend on paths, so the roots must be the same; then details only explain a differing value. Memory
-/// grows with the number of differing entries only. Throws ScanLogError if the logs cannot be compared or one
-/// of them can no longer be read.
+/// Returns the number of differences of that kind.
+std::uint64_t countOf(const ComparisonResult& result, Difference::Kind kind);
+
+/// Returns the bytes of all differences of that kind.
+std::uint64_t bytesOf(const ComparisonResult& result, Difference::Kind kind);
+
+/// Compares two logs. If they have facts, compares these, and the roots may differ. Otherwise compares
+/// values, which depend on paths, so the roots must be the same; then details only explain a differing value.
+/// Memory grows with the number of differing entries only. Throws ScanLogError if the logs cannot be compared
+/// or one of them can no longer be read.
 ComparisonResult compareTrees(ScanLogReader& before, ScanLogReader& after, const ComparisonRules& rules);
 
 } // namespace Nerix
