@@ -1,8 +1,8 @@
 // Each setting is a file. Its name encodes the key (fileNameOf, keyOf); its content is a CRC-32 in
 // hexadecimal, followed by the bytes of the setting (checkedContentOf). put writes a new file under a
 // temporary name and gives it the name of the old one, so a reader sees either the old or the new value,
-// without a lock. Every operation runs inside attempt, which converts a failure into a SettingsFailure that names the
-// file.
+// without a lock. Every operation runs inside attempt, which converts a failure into a SettingsFailure that
+// names the file.
 
 #include "HostPlatform/DirectoryBackend.h"
 
@@ -166,8 +166,8 @@ void writeFile(const fs::path& path, std::string_view content, bool isSynced) {
 
 /// Renames temporary to path, and deletes the file that had that name.
 void replaceFile(const fs::path& temporary, const fs::path& path, bool isSynced) {
-    // When a file is renamed over another one, ext4 starts to write it to the disk, which takes as long as the
-    // rest of put. It does not when the two files exchange their names.
+    // When a file is renamed over another one, ext4 starts to write it to the disk, which takes as long as
+    // the rest of put. It does not when the two files exchange their names.
     if (!isSynced && ::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE) == 0) {
         if (::unlink(temporary.c_str()) == 0) {
             return;

@@ -36,8 +36,8 @@ private:
     /// whenever it has been replaced.
     std::filesystem::path directory();
 
-    /// Does the same for reading. Returns nullopt if the directory is missing and cannot be created because the
-    /// file system is read-only: it holds no setting.
+    /// Does the same for reading. Returns nullopt if the directory is missing and cannot be created because
+    /// the file system is read-only: it holds no setting.
     std::optional<std::filesystem::path> directoryToRead();
 
     /// Returns the keys of all files, in byte order.

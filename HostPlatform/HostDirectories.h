@@ -7,12 +7,12 @@
 ///     durable    $NERIX_PLATFORM_HOME, or $XDG_STATE_HOME/nerix, or ~/.local/state/nerix
 ///     volatile   $NERIX_PLATFORM_HOME, or $XDG_RUNTIME_DIR/nerix, or /dev/shm/nerix-<uid>
 ///
-/// A variable counts as unset if it is empty or, except for NERIX_PLATFORM_HOME, a relative path. ~ is $HOME or
-/// the home directory in the password database. A setuid or setgid program ignores all variables.
+/// A variable counts as unset if it is empty or, except for NERIX_PLATFORM_HOME, a relative path. ~ is $HOME
+/// or the home directory in the password database. A setuid or setgid program ignores all variables.
 ///
-/// All functions create the directory, with mode 0700 (see PrivateDirectory.h). They throw std::system_error if
-/// it cannot be created, if other users could write to or replace it, or if there is no home directory. The
-/// message names the directory and suggests setting NERIX_PLATFORM_HOME if that variable is not set. If
+/// All functions create the directory, with mode 0700 (see PrivateDirectory.h). They throw std::system_error
+/// if it cannot be created, if other users could write to or replace it, or if there is no home directory.
+/// The message names the directory and suggests setting NERIX_PLATFORM_HOME if that variable is not set. If
 /// /dev/shm/nerix-<uid> is unusable, the durable directory is used instead and a warning logged. Thread-safe.
 namespace Nerix::Platform::Host {
 

@@ -20,10 +20,11 @@ namespace Nerix::Platform::Host {
 ///     stderr          standard error
 ///
 /// A record is one line: time, priority, tag and escaped text (see EscapedText.h). In a file, lines below
-/// warning level are delayed for up to a second (see BatchingSink.h). A warning or worse, writing a
-/// setting, and process exit flush them. So nothing is lost when an assertion fails, which logs a fatal message
-/// before it aborts, and a reader of a setting also finds the records logged before it. A killed process loses at most its last second. If one process rotates a shared file,
-/// the others continue in the new one. Thread-safe.
+/// warning level are delayed for up to a second (see BatchingSink.h). A warning or worse, writing a setting,
+/// and process exit flush them. So nothing is lost when an assertion fails, which logs a fatal message before
+/// it aborts, and a reader of a setting also finds the records logged before it. A killed process loses at
+/// most its last second. If one process rotates a shared file, the others continue in the new one.
+/// Thread-safe.
 class SystemLog {
 public:
     /// Drops all records if isInMemory (see HostState.h); otherwise reads NERIX_HOST_LOG.

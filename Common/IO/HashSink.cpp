@@ -33,7 +33,7 @@ Utils::SingletonPointer<OpenSSLInit> useOpenSSL() {
 HashSink::HashSink(const std::string& digestName) : m_openSSL(useOpenSSL()), m_digestName(digestName) {
     OpenSSLCompat::useStandardAllocation();
     OpenSSL_add_all_digests();
-    OpenSSLCompat::Digest fetched; // not kept as a member, because the context has a reference of its own
+    OpenSSLCompat::Digest fetched; // need not outlive the constructor: the context holds a reference
     const EVP_MD* digest = nullptr;
     if (DigestSession* const session = DigestSession::current()) {
         digest = session->digest(digestName);

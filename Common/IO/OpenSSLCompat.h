@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-/// Hides what differs between versions of OpenSSL. Since 1.1 the library does its own locking: it
+/// Hides the differences between versions of OpenSSL. Since 1.1 the library does its own locking: it
 /// never calls the locking and thread-id callbacks, and setting them is a no-op macro. The callbacks are
 /// therefore stored here, so that they can be queried. A build for 1.0 would pass them to the library, and
 /// would look up digests instead of fetching them.

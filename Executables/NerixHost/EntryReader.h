@@ -28,8 +28,8 @@ public:
     /// Returns the current entry, which must exist.
     const ScanLogRecord& entry() const { return m_entry; }
 
-    /// Returns the details of the current entry, or nullopt in a log without details. Throws ScanLogError if they
-    /// are damaged.
+    /// Returns the details of the current entry, or nullopt in a log without details. Throws ScanLogError if
+    /// they are damaged.
     std::optional<RecordDetails> details() const;
 
     /// Returns the number of entries read so far, without the excluded ones.

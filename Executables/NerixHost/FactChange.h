@@ -10,7 +10,7 @@
 
 namespace Nerix {
 
-/// What an entry consists of besides its path, in the order in which changes are listed.
+/// The facts of an entry that are compared, in the order in which their changes are listed.
 enum class Fact { kind, content, attributes, target, owner, group, links, mode, size };
 
 /// Returns the name of the fact in options and output, which is its identifier.
@@ -28,13 +28,13 @@ using FactSet = std::set<Fact>;
 struct FactChange {
     Fact fact;
     std::string attribute;             ///< name of the attribute that differs; empty for other facts
-    std::optional<std::string> before; ///< nullopt if there was no such attribute
-    std::optional<std::string> after;  ///< nullopt if there is no such attribute any more
+    std::optional<std::string> before; ///< nullopt if the attribute was added
+    std::optional<std::string> after;  ///< nullopt if the attribute was removed
 };
 
-/// Returns the facts that differ, without those in `ignored`. If the kind differs, returns only that. The size
-/// and link count of a directory follow from its entries and its file system and are not compared, nor is the
-/// size of a link, which follows from its target.
+/// Returns the facts that differ, without those in `ignored`. If the kind differs, returns only that. The
+/// size and link count of a directory follow from its entries and its file system and are not compared, nor
+/// is the size of a link, which follows from its target.
 std::vector<FactChange> changedFacts(const RecordDetails& before, const RecordDetails& after,
                                      const FactSet& ignored);
 

@@ -16,18 +16,18 @@ struct ScannedTree;
 struct TreeScan;
 
 /// Returns an object such as
-/// {"change":"changed","path":"x","facts":{"mode":{"before":"0644","after":"0600"}}}. "facts" contains the facts
-/// that differ; "attributes" in it has an object for each attribute, with null where there is none. "newPath"
-/// is where a moved entry is now, "entriesBelow" how many entries below belong to the difference.
+/// {"change":"changed","path":"x","facts":{"mode":{"before":"0644","after":"0600"}}}. "facts" contains the
+/// facts that differ; "attributes" in it has an object for each attribute, with null where there is none.
+/// "newPath" is where a moved entry is now, "entriesBelow" how many entries below belong to the difference.
 std::string jsonOf(const Difference& difference);
 
-/// Returns an object with the number of entries compared, of the differences of each kind and of those of each
-/// fact, of the bytes removed and added, and with what was not compared.
+/// Returns an object with the number of entries compared, of the differences of each kind and of those of
+/// each fact, of the bytes removed and added, and with what was not compared.
 std::string jsonOf(const ComparisonResult& result, const ComparisonRules& rules);
 
-/// Returns an object with "path", "method", "root", "value", "complete", "unreadable", "entries", "bytes", "seconds"
-/// and "version". The value is null if something could not be read; "unreadable" is the list of sentences for
-/// that. The root is the path under which the tree was hashed, null if it does not exist.
+/// Returns an object with "path", "method", "root", "value", "complete", "unreadable", "entries", "bytes",
+/// "seconds" and "version". The value is null if something could not be read; "unreadable" is the list of
+/// sentences for that. The root is the path under which the tree was hashed, null if it does not exist.
 std::string jsonOf(const TreeScan& scan, const ScannedTree& tree);
 
 /// Returns an object such as {"key":"db/x","value":1}. The value is a string, number or boolean, as stored.

@@ -75,8 +75,8 @@ std::optional<Place> placeOf(const fs::path& file) {
     return std::nullopt;
 }
 
-/// Returns true if the directory is the tree's root or below it on the same file system, even if its path goes
-/// through another mount of that file system.
+/// Returns true if the directory is the tree's root or below it on the same file system, even if its path
+/// goes through another mount of that file system.
 bool isInTreeOnFileSystem(const fs::path& directory, const fs::path& root) {
     const std::optional<Place> inner = placeOf(directory);
     const std::optional<Place> outer = placeOf(root);
@@ -111,8 +111,8 @@ bool mayBeLinkedInTree(const fs::path& file, const fs::path& root) {
            S_ISREG(status.st_mode) && status.st_nlink > 1 && status.st_dev == rootStatus.st_dev;
 }
 
-/// Returns true if the file is a symbolic link that another user made. Such a link, in a directory like /tmp, may
-/// lead to a file of this user.
+/// Returns true if the file is a symbolic link that another user made. Such a link, in a directory like /tmp,
+/// may lead to a file of this user.
 bool isLinkOfOtherUser(const std::string& file) {
     struct stat status {};
     return ::lstat(file.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid != 0 &&

@@ -63,7 +63,7 @@ public:
     bool isDirectory(std::size_t index) const { return m_entries[index].details->kind == "directory"; }
     Fingerprint fingerprint(std::size_t index) const { return m_fingerprints[index]; }
 
-    /// Returns the index of the first entry below a directory; of another entry, its own.
+    /// Returns the index of the first entry below a directory. For any other entry, returns its own index.
     std::size_t begin(std::size_t index) const { return m_begins[index]; }
 
     /// Maps each fingerprint to its entry, or to size() if several have it. Only directories, or only others.

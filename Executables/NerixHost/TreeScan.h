@@ -32,7 +32,7 @@ struct TreeScan {
     bool isQuiet = false;    ///< progress is not shown
 };
 
-/// What a scan found.
+/// The result of a scan.
 struct ScannedTree {
     std::string root;                     ///< path under which it was hashed; empty if it does not exist
     std::string value;                    ///< empty if the tree could not be read completely
@@ -42,17 +42,17 @@ struct ScannedTree {
     double seconds = 0;
 };
 
-/// Scans a tree and shows progress on standard error. Requires a ScanSession. Does not throw if the tree cannot
-/// be read.
+/// Scans a tree and shows progress on standard error. Requires a ScanSession. Does not throw if the tree
+/// cannot be read.
 ScannedTree scanTree(const TreeScan& scan, const ScanLogStream& log);
 
-/// Scans a tree and returns a reader of its log, which has facts and lies in an unnamed temporary file. Throws
-/// std::runtime_error with a sentence for the user if the tree cannot be read completely, or that file cannot be
-/// written.
+/// Scans a tree and returns a reader of its log, which has facts and lies in an unnamed temporary file.
+/// Throws std::runtime_error with a sentence for the user if the tree cannot be read completely, or that file
+/// cannot be written.
 ScanLogReader scannedLog(const TreeScan& scan);
 
-/// Returns the absolute path without links. Throws std::runtime_error with a sentence for the user if it cannot be
-/// resolved.
+/// Returns the absolute path without links. Throws std::runtime_error with a sentence for the user if it
+/// cannot be resolved.
 std::filesystem::path canonicalPath(const std::string& path);
 
 /// Returns the root under which a scan hashes the tree. Throws std::runtime_error if the path does not exist.

@@ -5,8 +5,9 @@
 
 namespace Nerix {
 
-/// Sets up what every verification needs: the log, OpenSSL, the product and the test parameters. Create only one per process
-/// (asserted), on the main thread, before the first verification, and keep it until the last one has ended.
+/// Sets up what every verification needs: the log, OpenSSL, the product and the test parameters. Create only
+/// one per process (asserted), on the main thread, before the first verification, and keep it until the last
+/// one has ended.
 class ProgramSession {
 public:
     /// Sets the process name in the log, registers the calling thread as the main thread, and keeps an

@@ -43,7 +43,8 @@ std::string getProgress();
 /// How many entries the running or last verification has reported.
 std::uint64_t getEntries();
 
-/// How many bytes the regular files among these have, and about how many were hashed of the entry in progress.
+/// How many bytes the regular files among these have, and about how many were hashed of the entry in
+/// progress.
 std::uint64_t getFileBytes();
 
 /// The value of the last verification, or "ERROR". Call only after HashWorker::wait; during a run this is a

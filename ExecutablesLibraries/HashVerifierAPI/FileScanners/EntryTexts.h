@@ -41,7 +41,7 @@ public:
         std::size_t m_capacity;
     };
 
-    /// What to do if another process holds a lease on the file.
+    /// Selects what happens if another process holds a lease on the file.
     enum class Lease {
         wait, ///< until the file can be opened
         fail  ///< throw LeasedFile

@@ -12,8 +12,8 @@ namespace Nerix::FileScanners {
 /// a step over the text, or null if no step is needed. The pointer is valid until the next call.
 IHashFunction::hash_t* addText(EntryFacts& facts, EntryTexts::Kind kind, std::string_view text);
 
-/// Does what IFileScanner::examine of the entry's scanner does, and collects the facts as well. The steps over
-/// facts are not reported to the thread's StepObserver.
+/// Does what IFileScanner::examine of the entry's scanner does, and collects the facts as well. The steps
+/// over facts are not reported to the thread's StepObserver.
 IHashFunction::hash_t examineWithFacts(const FileInput& entry, IFileScanner::Remainder remainder,
                                        IHashFunction::hash_t value, const IHashFunction& function,
                                        EntryFacts& facts);

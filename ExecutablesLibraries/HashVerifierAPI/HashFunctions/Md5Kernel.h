@@ -31,8 +31,8 @@ inline constexpr unsigned int shifts[4][4] = {
 inline constexpr std::size_t wordFactors[4] = {1, 5, 3, 7};
 inline constexpr std::size_t wordOffsets[4] = {0, 1, 5, 0};
 
-/// Returns sum plus the function of round `round` of b, c and d. b is the result of the operation before, which
-/// everything else need not wait for, so it comes in as late as possible.
+/// Returns sum plus the function of round `round` of b, c and d. b is the result of the operation before,
+/// which everything else need not wait for, so it comes in as late as possible.
 template <std::size_t round, class Vector>
 [[gnu::always_inline]] inline Vector addMixed(Vector sum, Vector b, Vector c, Vector d) {
     if constexpr (round == 0) {

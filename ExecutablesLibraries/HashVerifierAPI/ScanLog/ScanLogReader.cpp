@@ -1,8 +1,8 @@
-// The first constructor reads the file before the first record is handed out. detectFormat finds out whether it is
-// a log file or a system log; in a system log, findLastRun finds the thread that wrote the last scan and the
-// line where that scan begins. check then reads all records once, so a log that is damaged, out of order or
-// cut short is rejected before anything is printed. A record can span lines: nextOfFile and nextOfSystemLog
-// join them until the parser says that the record is complete.
+// The first constructor reads the file before the first record is handed out. detectFormat finds out whether
+// it is a log file or a system log; in a system log, findLastRun finds the thread that wrote the last scan
+// and the line where that scan begins. check then reads all records once, so a log that is damaged, out of
+// order or cut short is rejected before anything is printed. A record can span lines: nextOfFile and
+// nextOfSystemLog join them until the parser says that the record is complete.
 
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogReader.h"
 

@@ -12,8 +12,8 @@
 namespace Nerix {
 
 /// Reads a scan log record by record, in the order of the walk. The log is a file, with or without details
-/// and facts, or a host's system log; of that, it reads the last run and reassembles long records. The log is not
-/// trusted: memory use does not grow with it, the time is linear in its length, and a record that no scan
+/// and facts, or a host's system log; of that, it reads the last run and reassembles long records. The log is
+/// not trusted: memory use does not grow with it, the time is linear in its length, and a record that no scan
 /// could have written is an error. One thread at a time may use a reader.
 class ScanLogReader {
 public:

@@ -10,7 +10,7 @@
 
 namespace Nerix::FileScanners {
 
-/// What is the same for all entries of a walk. The references must outlive it.
+/// The properties that all entries of a walk share. What they refer to must outlive the object.
 struct WalkScope {
     const IHashFunction& function;
     const IFileScanner& directoryScanner;
@@ -44,7 +44,7 @@ protected:
 
 /// Examines entries: reads what they are hashed from and lists directories. Takes at most as many at a time
 /// as the hash function has lanes. Reports nothing and knows nothing about the order of entries. Each
-/// thread has its own.
+/// thread has its own examiner.
 class Examiner final : private ChainSource {
 public:
     /// scope must outlive the object.
