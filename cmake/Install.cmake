@@ -16,11 +16,13 @@ set(NERIX_COMPLETIONS ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 if(NERIX_HOST_PLATFORM)
   install(TARGETS Executables_NerixHost RUNTIME)
   nerix_install_compressed(${PROJECT_SOURCE_DIR}/docs/NerixHost.1 NerixHost.1 ${CMAKE_INSTALL_MANDIR}/man1)
-  # bash-completion looks for a file named after the program.
-  install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixHost)
-  install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME NerixVerifierHash)
+  # bash-completion and fish look for a file named after the program.
+  foreach(program IN ITEMS NerixHost NerixVerifierHash)
+    install(FILES docs/NerixHost.completion DESTINATION ${NERIX_COMPLETIONS} RENAME ${program})
+    install(FILES docs/NerixHost.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+      RENAME ${program}.fish)
+  endforeach()
   install(FILES docs/NerixHost.zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions RENAME _NerixHost)
-  install(FILES docs/NerixHost.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 endif()
 set(CPACK_PACKAGE_NAME nerix-verifier-hash)
 set(NERIX_DOCUMENTS ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_PACKAGE_NAME})

@@ -1,4 +1,4 @@
-# Completes the commands and options of NerixHost in fish.
+# Completes the commands and options of NerixHost and NerixVerifierHash in fish.
 
 function __nerix_methods
     NerixVerifierHash --help 2>/dev/null | string match -rg 'one of: ([^.]*)' | string split ' '
@@ -30,3 +30,7 @@ complete -c NerixHost -n '__nerix_is scan' -s e -l expect -x -d 'Fail unless the
 complete -c NerixHost -n '__nerix_is settings' -fa 'list get watch'
 complete -c NerixHost -n '__nerix_is settings; and contains get (commandline -opc)' \
     -fa '(NerixHost settings list 2>/dev/null | string replace -r " = .*" "")'
+
+complete -c NerixVerifierHash -s P -l path -r -d 'Path to scan'
+complete -c NerixVerifierHash -s H -l hash -xa '(__nerix_methods)' -d 'Hash method'
+complete -c NerixVerifierHash -s h -l help -d 'Print the help'

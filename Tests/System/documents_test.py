@@ -2,12 +2,14 @@
 
 import os
 import re
+import shlex
 import shutil
 import subprocess
 import unittest
 
 from harness import BUILD, NO_MOUNTS, PROJECT, SystemTest, main
 from tree_value import STEPS
+
 
 def read(name):
     with open(os.path.join(PROJECT, name), encoding="utf-8") as file:
@@ -52,8 +54,9 @@ class Documents(SystemTest):
         self.run_shell(re.search(r"`(scripts/packages package\s+&& cpack .*?)`", text).group(1))
         facts = self.run_shell("dpkg-deb --field build/package/*.deb && dpkg-deb --contents build/package/*.deb")
         for part in ("libboost-filesystem", "libssl", "bin/NerixVerifierHash", "bin/NerixHost", "man1/NerixHost.1.gz",
-                     "bash-completion/completions/NerixHost", "zsh/vendor-completions/_NerixHost", "fish/vendor_completions.d/NerixHost.fish", "doc/nerix-verifier-hash/README.md", "changelog.Debian.gz",
-                     *re.findall(r"\]\((docs/[\w-]+\.md)\)", text)):
+                     "bash-completion/completions/NerixHost", "zsh/vendor-completions/_NerixHost",
+                     "fish/vendor_completions.d/NerixHost.fish", "doc/nerix-verifier-hash/README.md",
+                     "changelog.Debian.gz", *re.findall(r"\]\((docs/[\w-]+\.md)\)", text)):
             self.assertIn(part, facts)
         # Links the unit tests' fake platform, which has every function of the platform.
         platform = f"{BUILD}/Tests/Fakes/CMakeFiles/Tests_Fakes.dir/FakePlatform.cpp.o"
@@ -62,6 +65,35 @@ class Documents(SystemTest):
         self.assertEqual(fake.strip(), self.value(os.path.join(self.root, "docs")))
         self.assertEqual(sorted(os.listdir(self.root)), sorted({*os.listdir(PROJECT), "build"} - {".git"}),
                          "files outside build")
+
+    def completions(self, *words):
+        """Returns what bash proposes for the last word, which may be empty."""
+        quoted = " ".join(map(shlex.quote, words))
+        script = "source docs/NerixHost.completion; compopt() { :; }; " \
+                 f"COMP_WORDS=({quoted}); COMP_CWORD=$((${{#COMP_WORDS[@]}} - 1)); " \
+                 f"$(complete -p {words[0]} | sed 's/.*-F \\(\\w*\\).*/\\1/'); printf '%s\\n' \"${{COMPREPLY[@]}}\""
+        return set(self.run_shell(script).split())
+
+    def test_every_option_is_completed_and_in_the_manual(self):
+        shells = {"zsh": read("docs/NerixHost.zsh"), "fish": read("docs/NerixHost.fish")}
+        for command in ("scan", "compare", "settings"):
+            options = set(re.findall(r"^ +(?:-\w \[ )?--([a-z-]+)", self.run_host(command, "--help").stdout.decode(), re.M))
+            with self.subTest(command):
+                self.assertEqual(self.completions("NerixHost", command, "--"), {f"--{name}" for name in {*options, "help"}})
+                for shell, form in (("zsh", "--{}[}}[]"), ("fish", " -l {} ")):
+                    missing = {name for name in options if not re.search(form.format(name), shells[shell])}
+                    self.assertEqual(missing, set(), f"options that {shell} does not complete")
+                manual = read("docs/NerixHost.1").replace("\\-", "-")
+                self.assertEqual({name for name in options if f"--{name}" not in manual}, set(), "not in the manual")
+
+    def test_bash_completes_commands_actions_and_methods(self):
+        for words, expected in ((("NerixHost", "s"), {"scan", "settings"}), (("NerixHost", "settings", "w"), {"watch"}),
+                                (("NerixHost", "compare", "--color", "a"), {"auto", "always"}),
+                                (("NerixHost", "scan", "-H", ""), set(STEPS)),
+                                (("NerixVerifierHash", "--hash", ""), set(STEPS)),
+                                (("NerixVerifierHash", "-"), {"--path", "--hash", "--help"})):
+            with self.subTest(words):
+                self.assertEqual(self.completions(*words), expected)
 
     def test_every_hash_method_is_documented(self):
         for document in ("docs/NerixVerifierHash.1", "docs/NerixHost.1", "docs/hash-definition.md"):
