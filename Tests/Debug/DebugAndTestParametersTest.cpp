@@ -82,7 +82,10 @@ TEST(ParametersArchive, FilesOfOldAndNewLibrariesAreReadFieldByField) {
         EXPECT_TRUE(parameters.isTestTransformationFailure());
         EXPECT_TRUE(parameters.isDurationReduced());
         EXPECT_EQ(parameters.getNumberOfFailures(), 4294967295U);
-        EXPECT_EQ(parameters.getInstallationPerformanceParameters().getFlashStreamBufferSize().get(), 11U);
+        const InstallationPerformanceParameters& installation = parameters.getInstallationPerformanceParameters();
+        EXPECT_EQ(installation.getFlashStreamBufferSize().get(), 11U);
+        EXPECT_EQ(installation.getInstallationChunkSize(), 15U);
+        EXPECT_EQ(installation.getVerificationChunkSize(), 16U);
     }
 }
 
@@ -111,6 +114,18 @@ TEST(ParametersArchive, NumbersThatTheirFieldsCannotHoldAreRejected) {
     }
     const std::regex optionalValue("<value>11<");
     EXPECT_FALSE(readFrom(std::regex_replace(golden, optionalValue, "<value>-1<")).second);
+}
+
+TEST(ParametersArchive, DamagedFieldKeepsItsDefault) {
+    const auto readDamaged = [](const std::string& good, const std::string& damaged) {
+        EXPECT_PRED2(contains, golden, good);
+        return readFrom(replace_all_copy(golden, good, damaged)).first;
+    };
+    EXPECT_FALSE(readDamaged("1</noRebootFlag>", "1</noRebootFlags>").isNoRebootFlag());
+    EXPECT_EQ(readDamaged("4294967295</numberOfFailures>", "7</numberOfFailure>").getNumberOfFailures(), 0U);
+    const InstallationPerformanceParameters installation =
+        readDamaged("<value>11</value>", "<value>11</values>").getInstallationPerformanceParameters();
+    EXPECT_FALSE(installation.getFlashStreamBufferSize());
 }
 
 TEST(ParametersArchive, WritingANumberThatIsNotFiniteThrows) {

@@ -33,6 +33,8 @@ void expectEachTypeIsKept() {
         int flag = 0;
         EXPECT_EQ(vconf_get_bool((prefix + "yes").c_str(), &flag), 0);
         EXPECT_EQ(flag, 1);
+        EXPECT_EQ(vconf_set_bool((prefix + "yes").c_str(), 2), 0);
+        EXPECT_TRUE(IVConf::getBool(prefix + "yes")) << "any number but 0";
     }
     const std::vector<Platform::Host::Setting> all = Platform::Host::HostState::instance().settings().list().settings;
     EXPECT_EQ(all.size(), 10U);

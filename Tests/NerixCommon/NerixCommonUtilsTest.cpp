@@ -30,9 +30,20 @@ TEST(NerixCommonUtils, VersionsSplitAtTheFirstDot) {
         EXPECT_THROW(Utils::parseVersion(bad, major, minor), boost::bad_lexical_cast) << bad;
         EXPECT_EQ(Utils::versionStringForUI(bad), bad) << "a text that is no version is shown as it is";
         EXPECT_EQ(FakePlatform::instance().countLogged(
+                      "[FTL] NerixCommonUtils.cpp:"),
+                  1U);
+        EXPECT_EQ(FakePlatform::instance().countLogged(
                       ">Exception caught in versionStringForUI. Ignoring: NerixCommon/NerixCommonUtils.cpp("),
                   1U);
     }
+}
+
+TEST(NerixCommonUtils, MajorIsStoredEvenIfTheMinorIsBad) {
+    int major = 99;
+    int minor = 99;
+    EXPECT_THROW(Utils::parseVersion("5.x", major, minor), boost::bad_lexical_cast);
+    EXPECT_EQ(major, 5);
+    EXPECT_EQ(minor, 99);
 }
 
 struct Grouped : std::numpunct<char> {

@@ -9,7 +9,7 @@
 #include "Tests/Fakes/Report.h"
 
 #include <gtest/gtest.h>
-#include <openssl/provider.h>
+#include <openssl/evp.h>
 
 #include <algorithm>
 #include <memory>
@@ -53,12 +53,19 @@ TEST(HashSink, UnknownDigestReportsOpenSSLError) {
 TEST(HashSink, DigestThatWasNotFoundIsLookedUpAgain) {
     const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
     const Common::IO::DigestSession session;
-    OSSL_PROVIDER* const none = OSSL_PROVIDER_load(nullptr, "null");
+    ASSERT_EQ(EVP_set_default_properties(nullptr, "provider=none"), 1);
     EXPECT_THROW(HashSink("sha384"), Encoding::OpenSSLException);
-    OSSL_PROVIDER* const standard = OSSL_PROVIDER_load(nullptr, "default");
+    ASSERT_EQ(EVP_set_default_properties(nullptr, ""), 1);
     EXPECT_EQ(HashSink("sha384").getHash().size(), 48U);
-    OSSL_PROVIDER_unload(standard);
-    OSSL_PROVIDER_unload(none);
+}
+
+TEST(HashSink, DigestsOfOneSessionAreKeptApart) {
+    const SingletonServiceGuard<Common::IO::OpenSSLInit> openSSL(SINGLETON_OPENSSL_INITIALIZER);
+    const Common::IO::DigestSession session;
+    EXPECT_EQ(HashSink("md5").getHash().size(), 16U);
+    EXPECT_THROW(HashSink("md6"), Encoding::OpenSSLException) << "the digest before it must not take its place";
+    EXPECT_EQ(HashSink("sha1").getHash().size(), 20U);
+    EXPECT_EQ(HashSink("md5").getHash().size(), 16U);
 }
 
 TEST(HashSinkDeathTest, DestroyingOpenSSLInitInUseAborts) {

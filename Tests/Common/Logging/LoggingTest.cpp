@@ -125,6 +125,7 @@ TEST(Logging, LongTextsAreCutIntoRecords) {
     const std::vector<std::tuple<const char*, std::string, std::vector<std::string>>> cases = {
         {"empty", "", {""}},
         {"one record", full, {full}},
+        {"as long as the buffer for short texts", std::string(1024, 'a'), {full, std::string(256, 'a')}},
         {"two lines in one record", lines, {lines}},
         {"line of three records", full + full + "a", {full, full, "a"}},
         {"two lines in two records", lines + "c", {std::string(700, 'b'), std::string(68, 'c')}},

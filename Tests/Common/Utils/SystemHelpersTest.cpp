@@ -14,7 +14,9 @@
 #include <thread>
 #include <tuple>
 
+#include <pthread.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace Nerix::Tests {
 
@@ -46,6 +48,16 @@ TEST(Filesystem, QueriesDoNotFollowLinks) {
     EXPECT_TRUE(filesystem::waitForFile(at("dangling")));
     const auto opens = [](const auto& path) { return filesystem::openRegularFile(path).is_open(); };
     EXPECT_EQ(namesWhere(opens), (Names{"file", "file link"})) << "opening follows links";
+}
+
+TEST(Filesystem, WaitForFileWaitsForSeconds) {
+    const TemporaryDirectory directory;
+    std::thread creating([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+        boost::filesystem::ofstream(directory.path() / "file") << "content";
+    });
+    EXPECT_TRUE(filesystem::waitForFile(directory.path() / "file", 20));
+    creating.join();
 }
 
 TEST(Filesystem, CanonicalFollowsLinks) {
@@ -101,6 +113,28 @@ TEST(TerminationSignalsDeathTest, SecondSignalTerminatesUnlessItComesAtOnce) {
     EXPECT_EXIT(raiseSigtermAndLater(0, SIGHUP), testing::KilledBySignal(SIGTERM), "^remembers 15$");
     EXPECT_EXIT(raiseSigtermAndLater(20, SIGINT), testing::KilledBySignal(SIGTERM), "^remembers 15$");
     EXPECT_EXIT(raiseSigtermAndLater(250, SIGINT), testing::KilledBySignal(SIGINT), "^$");
+}
+
+/// Reads from a pipe while SIGTERM arrives, prints the result and exits.
+void readDuringASignal() {
+    Common::Utils::catchTerminationSignals();
+    int pipe[2];
+    if (::pipe(pipe) != 0) { return; }
+    std::thread signalling([&, reading = ::pthread_self()] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        ::pthread_kill(reading, SIGTERM);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        ::close(pipe[1]);
+    });
+    char byte = 0;
+    const ssize_t count = ::read(pipe[0], &byte, 1);
+    signalling.join();
+    std::fprintf(stderr, "read %d", static_cast<int>(count));
+    std::exit(0);
+}
+
+TEST(TerminationSignalsDeathTest, SignalInterruptsNoSystemCall) {
+    EXPECT_EXIT(readDuringASignal(), testing::KilledBySignal(SIGTERM), "^read 0$");
 }
 
 TEST(TerminationSignalsDeathTest, IgnoredSignalStaysIgnored) {

@@ -133,6 +133,8 @@ TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
         EXPECT_TRUE(Info::isGenuineZeb());
         EXPECT_FALSE(Info::isGenuineTV());
         EXPECT_FALSE(Info::isScreenRatioFitNeeded());
+        platform.systemInfo[SCREEN_LINES] = 480;
+        EXPECT_FALSE(Info::isScreenRatioFitNeeded());
         EXPECT_THROW(Info::getVarikModelString(), Platform::UnproperProductException);
         EXPECT_THROW(Info::getVarikSoftwareVersionDate(), Platform::UnproperProductException);
         EXPECT_THROW(Info::getVarikSoftwareVersionMajor(), Platform::UnproperProductException);

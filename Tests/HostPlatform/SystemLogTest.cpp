@@ -1,0 +1,97 @@
+#include "PlatformInterfaces/dlog.h"
+#include "PlatformInterfaces/vconf.h"
+#include "Tests/Fakes/OwnProcess.h"
+#include "Tests/Fakes/Report.h"
+#include "Tests/Fakes/TemporaryDirectory.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <thread>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace Nerix::Tests {
+namespace {
+
+int logText(DlogPriority priority, const std::string& text) {
+    return __dlog_print(DLOG_BUFFER_MAIN, priority, "tag", "%s", text.c_str());
+}
+
+/// The host's log, in a directory of the test.
+class SystemLogDeathTest : public testing::Test {
+protected:
+    void SetUp() override {
+        ::setenv("NERIX_PLATFORM_HOME", m_home.path().c_str(), 1);
+        ::unsetenv("NERIX_HOST_LOG");
+    }
+
+    boost::filesystem::path logFile() const { return m_home.path() / "log/main.log"; }
+    std::string logged() const { return contentOf(logFile()); }
+
+private:
+    const TemporaryDirectory m_home;
+};
+
+TEST_F(SystemLogDeathTest, TextsAreLoggedWholeWhateverTheirLength) {
+    for (const std::size_t length : {0, 1, 1022, 1023, 1024, 1025, 5000}) {
+        const std::string text(length, 'x');
+        inOwnProcess([&] { EXPECT_EQ(logText(DLOG_PRIORITY_INFO, text), static_cast<int>(length)); });
+        EXPECT_PRED2(contains, logged(), " I tag " + text + '\n');
+    }
+}
+
+TEST_F(SystemLogDeathTest, WarningAndWhatPrecedesItOutliveAnAbort) {
+    const auto abortAfterAWarning = [] {
+        logText(DLOG_PRIORITY_INFO, "information");
+        logText(DLOG_PRIORITY_WARNING, "warning");
+        std::abort();
+    };
+    EXPECT_DEATH(abortAfterAWarning(), "");
+    EXPECT_PRED2(matches, logged(), "\\S+ I tag information\n\\S+ W tag warning\n");
+}
+
+TEST_F(SystemLogDeathTest, RecordIsWrittenBeforeASettingThatFollowsIt) {
+    const auto abortAfterASetting = [] {
+        logText(DLOG_PRIORITY_INFO, "information");
+        vconf_set_int("memory/number", 1);
+        std::abort();
+    };
+    EXPECT_DEATH(abortAfterASetting(), "");
+    EXPECT_PRED2(contains, logged(), "information");
+}
+
+TEST_F(SystemLogDeathTest, RecordIsWrittenAfterASecond) {
+    inOwnProcess([&] {
+        logText(DLOG_PRIORITY_INFO, "information");
+        for (int tenths = 0; tenths != 100 && logged().empty(); ++tenths) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        }
+        EXPECT_PRED2(contains, logged(), "information");
+    });
+}
+
+TEST_F(SystemLogDeathTest, RecordThatCannotBeWrittenIsReported) {
+    const auto logIntoAFullFile = [] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit nothing{0, RLIM_INFINITY};
+        ::setrlimit(RLIMIT_FSIZE, &nothing);
+        std::exit(logText(DLOG_PRIORITY_WARNING, "warning") < 0 ? 0 : 1);
+    };
+    EXPECT_EXIT(logIntoAFullFile(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(SystemLogDeathTest, LogIsRotatedAtSixteenMebibytes) {
+    const std::string text(60'000, 'x');
+    inOwnProcess([&] {
+        for (int records = 0; records != 300; ++records) { logText(DLOG_PRIORITY_INFO, text); }
+    });
+    EXPECT_LE(boost::filesystem::file_size(logFile()), 16U << 20U);
+    EXPECT_GE(boost::filesystem::file_size(logFile().parent_path() / "main.1.log"), 15U << 20U);
+}
+
+} // namespace
+} // namespace Nerix::Tests
