@@ -145,6 +145,18 @@ TEST_F(HashWorkerTest, SettingsFailureDuringTheRunNeverThrows) {
     }
 }
 
+TEST_F(HashWorkerTest, NothingOfAFailedRunIsLeftInTheNext) {
+    boost::filesystem::ofstream{m_tree.path() / "file"} << "12345";
+    failAfterStatusActive(resultKey, 1);
+    ASSERT_EQ(verify(), "ERROR");
+    ASSERT_NE(HashVerifierAPI::getFailure(), nullptr);
+    platform().reset();
+    EXPECT_NE(verify(), "ERROR");
+    EXPECT_EQ(HashVerifierAPI::getFailure(), nullptr);
+    EXPECT_EQ(HashVerifierAPI::getEntries(), 2U);
+    EXPECT_EQ(HashVerifierAPI::getFileBytes(), 5U);
+}
+
 TEST_F(HashWorkerTest, FinalStatusIsTriedThreeTimes) {
     failAfterStatusActive(statusKey, 100);
     verify();

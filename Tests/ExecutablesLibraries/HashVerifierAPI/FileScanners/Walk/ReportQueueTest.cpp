@@ -5,10 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <future>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include <sys/stat.h>
 
 namespace Nerix::FileScanners {
 
@@ -151,6 +154,41 @@ TEST_F(ReportQueueTest, DeferredEntryIsExaminedByTheReporterOnceItIsInFront) {
 TEST_F(ReportQueueTest, ReporterLeavesNamesAloneWhileTheFrontIsDeferred) {
     settle(take(queue), State::deferred);
     EXPECT_EQ(take(queue), nullptr);
+}
+
+TEST_F(ReportQueueTest, DirectoryIsDeferredIfTooManyNamesHaveBeenReadAhead) {
+    const Tests::TemporaryDirectory large;
+    const std::size_t count = ReportQueue::maxNamesAhead / 3;
+    for (std::size_t number = 0; number != count; ++number) {
+        ::mknod((large.path() / std::to_string(number)).c_str(), S_IFREG | 0600, 0);
+    }
+    const std::vector<QueuedEntry*> entries = takeAll();
+    for (QueuedEntry* const entry : entries) { entry->listing = std::make_unique<Listing>(Names(large.path())); }
+    for (const std::size_t index : {1, 2, 3}) {
+        settle(entries[index]);
+        EXPECT_EQ(entries[index]->state, State::examined) << "three directories have no more names than are allowed";
+    }
+    settle(entries[0]);
+    EXPECT_EQ(entries[0]->state, State::deferred);
+    EXPECT_EQ(entries[0]->listing, nullptr);
+}
+
+TEST_F(ReportQueueTest, DeferredEntryIsExaminedFromItsBeginning) {
+    QueuedEntry* const entry = take(queue);
+    entry->input.emplace(directory.path());
+    entry->listing = std::make_unique<Listing>(Names(directory.path()));
+    entry->facts = std::make_unique<EntryFacts>();
+    entry->readError = EIO;
+    entry->failure = std::make_exception_ptr(std::runtime_error("no memory"));
+    StepSizes steps;
+    steps.add(4096);
+    queue.settle(*entry, State::deferred, steps);
+    EXPECT_FALSE(entry->input);
+    EXPECT_EQ(entry->listing, nullptr);
+    EXPECT_EQ(entry->facts, nullptr);
+    EXPECT_EQ(entry->readError, 0);
+    EXPECT_EQ(entry->failure, nullptr);
+    EXPECT_TRUE(entry->deliveredSteps.isEmpty());
 }
 
 TEST_F(ReportQueueTest, StepsOfTheFrontAreDeliveredOnce) {
