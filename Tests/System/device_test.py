@@ -10,7 +10,8 @@ import subprocess
 import time
 import unittest
 
-from harness import HOST, NO_MOUNTS, PREFIX, PROGRAM, SANITIZED, STRACE, SystemTest, main, make_hole, read, write
+from harness import (HOST, NO_MOUNTS, PREFIX, PROGRAM, SANITIZED, STRACE, SystemTest, main, make_hole, process_identity, read,
+                     write)
 from tree_value import MOUNT_POINT, OTHER_DEVICE, Model
 
 
@@ -37,9 +38,10 @@ class Device(SystemTest):
         self.mount("/media/second")
         self.mount("/media/first")
         value, records = self.expected()
-        self.assertEqual(self.value(self.work), value)
+        self.assertEqual(self.value(self.work, preexec_fn=lambda: os.umask(0o007)), value)
         self.assertEqual(os.listdir("/media/second"), [])
         self.assertEqual(self.only_log("/media/first"), records)
+        self.assertEqual(os.stat(glob.glob("/media/first/*")[0]).st_mode & 0o777, 0o660, "mode of the log")
         self.assertEqual(self.scan_records(), [])
         self.assertIn(b">Detected USB drive '/media/first'. Create log file: /media/first/" + os.listdir(b"/media/first")[0],
                       b"\n".join(self.log_lines("main")))
@@ -108,6 +110,37 @@ class Device(SystemTest):
         self.assertEqual(last, {"status": "inactive", "progress": "100.0", "result": value[:8]})
         self.assertRegex("\n".join(lines), r"(?m)^active +\d\d?\.\d\d? % \[#* +\] 00000111$")
         self.assertRegex(lines[-1], r"^inactive +100\.0 % \[#{38}\] " + value[:8] + "$")
+
+    def assert_watch_ends(self, watch, status, last):
+        lines = watch.communicate(timeout=30)[0].splitlines()
+        self.assertEqual((watch.returncode, lines[-1].split()), (status, last.split()), lines)
+
+    def start_watch(self):
+        watch = subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE, text=True)
+        self.addCleanup(watch.stdout.close)
+        self.addCleanup(watch.kill)
+        return watch, watch.stdout.readline()
+
+    def test_settings_watch_recognises_a_run_by_either_setting(self):
+        self.value(self.work)
+        status, progress, result = f"memory/{PREFIX}status", f"memory/{PREFIX}progress", f"db/{PREFIX}result"
+        for key, live in ((status, "active"), (result, "00000111")):
+            with self.subTest(key):
+                self.put_setting(progress, "250.00", process_identity())
+                self.put_setting(key, live, process_identity())
+                watch, first = self.start_watch()
+                self.assertIn(" 250.00 % [" + "#" * 38 + "]", first, "a full bar")
+                for name, text in ((status, "inactive"), (progress, "100.0"), (result, "01234567")):
+                    self.put_setting(name, text, process_identity())
+                self.assert_watch_ends(watch, 0, f"inactive 100.0 % [{'#' * 38}] 01234567")
+
+    def test_settings_watch_notices_a_run_that_it_never_saw_active(self):
+        self.value(self.work)
+        status, progress, result = self.settings()
+        watch, first = self.start_watch()
+        self.assertEqual(first, f"waiting for a scan (the last one: {result})\n")
+        self.put_setting(f"db/{PREFIX}result", result, process_identity())  # the same value, by another process
+        self.assert_watch_ends(watch, 0, f"{status} {progress} % [{'#' * 38}] {result}")
 
     def test_settings_list_prints_json_objects(self):
         value = self.value(self.work)

@@ -5,6 +5,7 @@ the exit status is 77, which ctest shows as skipped.
 """
 
 import collections
+import glob
 import os
 import re
 import shutil
@@ -12,6 +13,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import zlib
 
 BUILD = os.path.abspath(sys.argv[1])
 PROJECT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
@@ -147,6 +149,12 @@ class SystemTest(unittest.TestCase):
         path = os.path.join(self.home, "log", f"{buffer}.log")
         return read(path).splitlines() if os.path.exists(path) else []
 
+    def put_setting(self, key, text, writer):
+        """Writes a setting into the store as the process of that identity would (see process_identity)."""
+        stored = b"s" + writer.encode() + b"\0" + text.encode()
+        place, = glob.glob(f"{self.home}/settings{'-volatile' if key.startswith('memory/') else ''}-[bl]e*")
+        write(os.path.join(place, key.replace("/", "+")), b"%08x" % zlib.crc32(stored) + stored)
+
     def scan_records(self):
         """Returns the scan records of the system log, without the escapes that the log adds."""
         found = (RECORD.search(line) for line in self.log_lines("main"))
@@ -161,6 +169,13 @@ def read(path):
 def write(path, content=b""):
     with open(path, "wb") as file:
         file.write(content)
+
+
+def process_identity():
+    """Returns the identity of this process, as the store keeps it with each setting."""
+    start = read("/proc/self/stat").rsplit(b")", 1)[1].split()[19].decode()
+    boot = read("/proc/sys/kernel/random/boot_id").decode().strip()
+    return f"{boot} {os.readlink('/proc/self/ns/pid')} {os.getpid()} {start}"
 
 
 def make_hole(path, size):

@@ -208,6 +208,28 @@ class Host(SystemTest):
         self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertEqual(os.listdir(self.work), ["tree"])
 
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_scan_of_several_paths_keeps_their_failures_apart(self):
+        broken, good = os.path.join(self.tree, b"broken"), os.path.join(self.tree, b"good")
+        for path, size in ((broken, 5000), (good, 3)):
+            write(path, bytes(size))
+        for options in ([], ["--keep-going"]):
+            run = self.run_command(*STRACE, "-P", broken, "-e", "inject=read:error=EIO", HOST, "scan", broken, good, "--json",
+                                   *options)
+            first, second = map(json.loads, run.stdout.splitlines())
+            self.assertEqual((run.returncode, first["value"], first["unreadable"]),
+                             (2, None, [f'cannot read "{broken.decode()}": Input/output error']))
+            self.assertEqual((second["value"], second["unreadable"], second["entries"], second["bytes"]),
+                             (Model("md5").value(good), [], 1, 3))
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_scan_reports_an_entry_that_changed_during_the_scan(self):
+        file = self.tree + b"/file"
+        write(file)
+        os.setxattr(file, "user.name", b"value")
+        run = self.run_command(*STRACE, "-P", file, "-e", "inject=lgetxattr:retval=7:when=2", HOST, "scan", self.tree)
+        self.assertEqual(run.stderr, b'NerixHost: cannot read the attributes of "%b": it changed during the scan\n' % file)
+
     @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_scan_rejects_a_log_in_the_tree_under_another_name(self):
         os.makedirs(self.tree + b"/sub/inner")
@@ -219,6 +241,13 @@ class Host(SystemTest):
                 self.assertEqual((run.returncode, run.stdout), (2, b""))
                 self.assertIn(b"is inside the tree to be scanned", run.stderr)
         self.assertEqual(self.scan(self.logs[0]), value, "a log was left in the tree")
+
+    def test_scan_rejects_the_scanned_file_as_its_log(self):
+        file = self.tree + b"/file"
+        write(file, b"kept")
+        run = self.run_host("scan", file, "--log", file)
+        self.assertEqual((run.returncode, read(file)), (2, b"kept"))
+        self.assertIn(b"is inside the tree to be scanned", run.stderr)
 
     def test_scan_rejects_a_log_that_has_other_hard_links(self):
         log = self.work + "/other name"
@@ -290,11 +319,11 @@ class Host(SystemTest):
         self.assertEqual(run.stderr, b'NerixHost: cannot write "/mnt/small/log": No space left on device\n')
         self.assertEqual(os.listdir("/mnt/small"), [])
 
-    def on_terminal(self, columns, *arguments):
-        """Returns what NerixHost writes to a terminal of that width."""
+    def on_terminal(self, columns, *arguments, kind="xterm"):
+        """Returns what NerixHost writes to a terminal of that width and kind."""
         terminal, side = pty.openpty()
         fcntl.ioctl(side, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
-        with subprocess.Popen([HOST, *arguments], env={**self.environment, "TERM": "xterm"}, stderr=side,
+        with subprocess.Popen([HOST, *arguments], env={**self.environment, "TERM": kind}, stderr=side,
                               stdout=subprocess.DEVNULL) as run:
             os.close(side)
             text = b""
@@ -324,6 +353,7 @@ class Host(SystemTest):
                     self.assertEqual([len(bar) for bar in re.findall(r"\[#* *\]", frame)], bar_widths, frame)
                     self.assertLess(len(frame) - len(end), columns, frame)
         self.assertEqual(self.on_terminal(80, "scan", self.tree, "--quiet"), "", "with --quiet")
+        self.assertNotIn("\r", self.on_terminal(80, "scan", self.tree, kind="dumb").replace("\r\n", ""), "on a dumb terminal")
         self.assertRegex(self.on_terminal(80, "scan", self.tree + b"/sub"),
                          r"\r1 entries, [12]\d\d\.\d MB, [\d.]+ \wB/s, 0:\d\d", "of part of a file system")
 

@@ -67,8 +67,14 @@ class Hostile(SystemTest):
 
         def log_of_another_run(name):
             file = open(name, "w", encoding="ascii")  # pylint: disable=consider-using-with
-            fcntl.flock(file, fcntl.LOCK_EX)
+            fcntl.flock(file, fcntl.LOCK_SH)  # which an exclusive lock does not allow either
             self.addCleanup(file.close)
+
+        def make_names(make):
+            subprocess.run("rm -rf /media/usb/*", shell=True, check=True)
+            now = time.time() + 11 * 3600
+            for second in range(10):  # the log's name contains the second of the start
+                make(time.strftime("/media/usb/NerixVerifierHash-%Y%m%d-%H%M%S.log", time.gmtime(now + second)))
 
         irregular = b".log is not a regular file"
         cases = {"link": (lambda name: os.symlink(precious, name), irregular),
@@ -77,10 +83,7 @@ class Hostile(SystemTest):
                  "log of another run": (log_of_another_run, b".log is the scan log of another run")}
         for case, (make, reason) in cases.items():
             with self.subTest(case):
-                subprocess.run("rm -rf /media/usb/*", shell=True, check=True)
-                now = time.time() + 11 * 3600
-                for second in range(10):  # the log's name contains the second of the start
-                    make(time.strftime("/media/usb/NerixVerifierHash-%Y%m%d-%H%M%S.log", time.gmtime(now + second)))
+                make_names(make)
                 records, lines = len(self.scan_records()), len(self.log_lines("main"))
                 self.assert_prints_value()
                 self.assertEqual(self.scan_records()[records:], model.record_lines())
@@ -89,6 +92,10 @@ class Hostile(SystemTest):
                     self.assertEqual(log.count(warning), 1, f"times {warning} in {log}")
         self.assertEqual(read(precious), b"precious")
         self.assertFalse(os.path.exists(dangling), "the run wrote through the dangling link")
+        make_names(lambda name: write(name, b"older " * 1000))
+        self.assert_prints_value()
+        logs = [read(name).splitlines() for name in glob.glob("/media/usb/*")]
+        self.assertIn(model.record_lines(), logs, "an older file of that name is replaced")
 
     def make_state_directories(self):
         """Mounts empty directories at /root, /dev/shm and /mnt, and fills /mnt with candidates for state directories."""

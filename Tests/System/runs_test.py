@@ -9,7 +9,7 @@ import signal
 import subprocess
 import unittest
 
-from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, make_hole, read, write
+from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SANITIZED, SystemTest, main, make_hole, read, write
 from tree_value import STEPS, Model
 
 
@@ -52,6 +52,17 @@ class Runs(SystemTest):
     def test_run_with_a_missing_path_fails_before_it_reads_the_mount_table(self):
         self.assertIn("/proc/mounts", self.files_opened_with(self.work))
         self.assertNotIn("/proc/mounts", self.files_opened_with("/missing"))
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_run_syncs_the_durable_settings_before_they_take_their_names(self):
+        trace = os.path.join(self.work, "trace")
+        self.run_command("strace", "-f", "-y", "-o", trace, "-e", "trace=fsync,fdatasync,rename,renameat2", PROGRAM, "--path",
+                         PROJECT + "/docs")
+        calls = re.findall(r"(sync|rename)\w*\(.*?/(settings[a-z-]*)-[bl]e\d\d(/|>)", read(trace).decode())
+        durable = [(call, "file" if end == "/" else "directory") for call, place, end in calls if place == "settings"]
+        written = [("sync", "file"), ("rename", "file"), ("sync", "directory")]
+        self.assertEqual(durable, written * 2, "calls for the result at the begin and at the end")
+        self.assertNotIn(("sync", "settings-volatile", "/"), calls)
 
     def run_in_shell(self, command, redirections=""):
         """Runs the shell command, by default into a pipe without a reader. Checks that it does not write to the store."""
