@@ -1,6 +1,7 @@
 """Any number of threads gives the same run: value, records, reports of failures."""
 
 import contextlib
+import glob
 import itertools
 import os
 import random
@@ -12,7 +13,7 @@ import subprocess
 import time
 import unittest
 
-from harness import BUILD, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, STRACE, SystemTest, main, make_hole, write
+from harness import BUILD, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, STRACE, SystemTest, main, make_hole, read, write
 from tree_value import Model
 import random_tree
 
@@ -161,6 +162,56 @@ class Threads(SystemTest):
             with self.subTest(fault):
                 self.use_threads(4)
                 self.assertEqual(self.run_with_failing_calls(fault, entries), expected, "tried again without helpers")
+
+    def run_traced(self, root, paths, *options):
+        """Returns the output and the trace of the calls on these paths that open or rename."""
+        trace = os.path.join(self.home, "trace")
+        scope = [word for path in paths for word in ("-P", path)]
+        run = self.run_command("strace", "-f", "-o", trace, *scope, "-e", "trace=openat,rename,renameat2", *options,
+                               PROGRAM, "--path", root)
+        return run.stdout, read(trace)
+
+    def run_with_a_second_try(self, root, entry, *paths):
+        """Returns the same of a run that examines the entry in front twice, the second time without helpers.
+
+        The first open of each thread fails. So a second try takes place if a helper opens the entry before the worker.
+        """
+        for _ in range(200):
+            output, trace = self.run_traced(root, (entry, *paths), "-e", "inject=openat:error=EMFILE:when=1")
+            if trace.count(b"INJECTED") == 2:
+                return output, trace
+        self.fail("no helper has opened the entry before the worker")
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_content_that_a_stop_has_cut_short_is_read_again(self):
+        front = os.path.join(self.work, "0")
+        write(front)
+        for number in range(1, 30):
+            make_hole(os.path.join(self.work, f"{number:02}"), 4 << 20)
+        self.use_threads(3)
+        output, _ = self.run_with_a_second_try(self.work, front)
+        self.assertEqual(output.decode(), Model("md5").value(self.work) + "\n")
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_steps_of_a_second_try_are_no_progress(self):
+        root = os.path.join(self.work, *(["d" * 250] * 15))  # two steps over such a path are more than a block
+        os.makedirs(root)
+        for name, size in (("0", 1), ("1", (1 << 20) - 8192), ("2", 1)):  # a block less than a report before "2"
+            make_hole(os.path.join(root, name), size)
+        self.use_threads(3)
+        progress, = glob.glob(f"{self.home}/settings-volatile*/*progress")
+        _, plain = self.run_traced(root, [progress])
+        _, trace = self.run_with_a_second_try(root, os.path.join(root, "2"), progress)
+        self.assertEqual(trace.count(b"rename"), plain.count(b"rename"), "reports of the progress")
+
+    def test_failure_ends_a_run_whose_helpers_read_long_files(self):
+        unreadable = os.path.join(self.work, "a")
+        write(unreadable)
+        os.chmod(unreadable, 0)
+        for number in range(8):
+            make_hole(os.path.join(self.work, f"long {number}"), 1 << 40)
+        self.use_threads(3)
+        self.assertEqual(self.run_unprivileged("--path", self.work).stdout, b"ERROR\n")
 
     @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_calls_that_fail_in_any_thread(self):
