@@ -231,6 +231,61 @@ class Compare(SystemTest):
                 self.assertEqual(sorted(map(read_back, lines), key=repr), expected)
                 self.assertIn(f'; excluded: "{pattern}"\n', self.totals)
 
+    def make_files(self, tree, files):
+        """Makes a tree of files, given by path and content."""
+        shutil.rmtree(tree, ignore_errors=True)
+        for path, content in files.items():
+            os.makedirs(os.path.dirname(os.path.join(tree, path.encode())), exist_ok=True)
+            write(os.path.join(tree, path.encode()), content)
+
+    def test_compare_excludes_what_a_pattern_matches(self):
+        files = ("a/a/x", "a/b", "a/c/b", "b", "c/d/e/f/g/h/i/j", "odd*name")
+        self.make_files(self.tree, dict.fromkeys(files, b"1"))
+        os.mkdir(self.other)
+        cases = {"b": {"a/b", "a/c/b", "b"}, "/b": {"b"}, "b/": {"b"}, "a/b": {"a/b"}, "a/a": {"a/a/x"}, "a": {*files[:3]},
+                 "a/*": {*files[:3]}, "*/b": {"a/b"}, "**/b": {"a/b", "a/c/b", "b"}, "a/**/b": {"a/b", "a/c/b"},
+                 "c/**": {files[4]}, "j": {files[4]}, "i/j": set(), "**/i/j": {files[4]}, "?": {*files[:5]}, "[bj]": {*files[1:5]},
+                 "odd\\*name": {files[5]}, "odd\\*": set(), "/".join(["**"] * 40) + "/none": set()}
+        for pattern, excluded in cases.items():
+            with self.subTest(pattern):
+                run = self.run_command(HOST, "compare", self.tree, self.other, "--all", "--exclude", pattern, timeout=60)
+                listed = {read_back(line)[1].decode() for line in run.stdout.splitlines()}
+                self.assertEqual(set(files) - listed, excluded)
+
+    def test_compare_finds_moves_among_copies_and_empty_files(self):
+        cases = {
+            "a copy is no move": ({"a": b"1"}, {"b": b"1", "c": b"1"}, ['removed "a"', 'added   "b"', 'added   "c"']),
+            "one of two copies is no move": ({"a": b"1", "b": b"1"}, {"c": b"1"}, ['removed "a"', 'removed "b"', 'added   "c"']),
+            "an empty file is no move": ({"a": b""}, {"b": b""}, ['removed "a"', 'added   "b"']),
+            "a directory of empty files is no move": ({"a/x": b""}, {"b/x": b""},
+                                                      ['removed "a" and 1 entry below', 'added   "b" and 1 entry below']),
+            "other names are no moved directory": ({"a/x": b"1", "a/y": b"2"}, {"b/x": b"1", "b/z": b"3"},
+                                                   ['moved   "a/x" -> "b/x"', 'removed "a" and 1 entry below',
+                                                    'added   "b" and 1 entry below']),
+            "a file as in a moved directory": ({"a/x": b"1", "y": b"1"}, {"b/x": b"1", "z": b"1"},
+                                               ['moved   "a" -> "b" and 1 entry below', 'moved   "y" -> "z"'])}
+        for name, (before, after, expected) in cases.items():
+            with self.subTest(name):
+                self.make_files(self.tree, {"same": b"same", **before})
+                self.make_files(self.other, {"same": b"same", **after})
+                lines = b"\n".join(self.compare(self.tree, self.other)).decode().split("\n")
+                self.assertEqual(sorted(lines), sorted(expected))
+
+    def test_compare_ignores_facts_of_moved_entries(self):
+        self.make_files(self.tree, {"a/x": b"1", "y": b"2"})
+        self.make_files(self.other, {"b/x": b"1", "z": b"2"})
+        for path in (b"/b", b"/b/x", b"/z"):
+            os.chmod(self.other + path, 0o711)
+        self.assertEqual(self.compare(self.tree, self.other, "--ignore", "mode"),
+                         [b'moved   "a" -> "b" and 1 entry below', b'moved   "y" -> "z"'])
+
+    def test_compare_of_one_tree_with_itself_heeds_what_is_left_out(self):
+        self.make_files(self.tree, {"a/x": b"1", "a/y": b"2"})
+        self.scan(self.logs[0], "--details")
+        os.chmod(self.tree + b"/a/x", 0o711)
+        for options in (["--exclude", "x"], ["--ignore", "mode"]):
+            self.assertEqual(self.compare(self.logs[0], self.tree, *options, status=0), [])
+
     def make_example(self):
         for path, content in (("etc/config", "a" * 100), ("usr/bin/ping", "ping"), ("usr/kind/x/y", "1"), ("usr/odd", "odd"),
                               *((f"usr/share/a/{number}", f"content {number}") for number in range(9)),
@@ -275,12 +330,13 @@ added   "usr/odd2\"""")
         for number in range(300):
             os.makedirs(self.tree + b"/srv/big/%d" % (number % 7), exist_ok=True)
             write(self.tree + b"/srv/big/%d/%d" % (number % 7, number))
-        write(self.tree + b"/gone", b"12345")
+        os.mkdir(self.tree + b"/gone")
+        write(self.tree + b"/gone/file", b"12345")
         subprocess.run(["cp", "-a", self.tree, self.other], check=True)
         subprocess.run(["find", self.other, "-type", "f", "-exec", "chmod", "600", "{}", "+"], check=True)
-        os.unlink(self.other + b"/gone")
+        shutil.rmtree(self.other + b"/gone")
         self.assertEqual(self.compare(self.tree, self.other, "--summary"),
-                         [b'mode 0644 -> 0600: 300 entries below "srv/big"', b'removed: 1 entry below "."',
+                         [b'mode 0644 -> 0600: 300 entries below "srv/big"', b'removed: 2 entries below "."',
                           b"removed: 5 bytes, added: 0 bytes"])
         self.assertEqual(json.loads(self.compare(self.tree, self.other, "--summary", "--json")[0])["facts"], {"mode": 300})
 
@@ -288,7 +344,7 @@ added   "usr/odd2\"""")
         write(self.tree + b"/a")
         os.mkdir(self.other)
         plain, coloured = b'removed "a"', b'\x1b[31mremoved\x1b[m "a"'
-        cases = (([], {}, coloured), ([], {"NO_COLOR": "1"}, plain), ([], {"TERM": "dumb"}, plain),
+        cases = (([], {}, coloured), ([], {"NO_COLOR": ""}, coloured), ([], {"NO_COLOR": "1"}, plain), ([], {"TERM": "dumb"}, plain),
                  (["--color=never"], {}, plain), (["--color=always"], {"NO_COLOR": "1"}, coloured))
         for options, variables, expected in cases:
             with self.subTest(options=options, **variables):
@@ -345,11 +401,25 @@ added   "usr/odd2\"""")
             write(log, b'%016x "/a/b"\n%016x "/a"\n%016x "/"\n' % (value, value, value))
         self.assertEqual(self.compare(*self.logs), [b'changed "a/b"'])
 
+    def compare_roots(self, *records):
+        """Compares two logs, each given by the records below its root, and the value and details of its root."""
+        for log, (below_root, value, root) in zip(self.logs, records):
+            text = 'NerixScanLog 2 md5 0 "/a"\n' + below_root + f'{value:016x} "/a" {root}\n'
+            write(log, (text + f"complete {text.count(chr(10)) - 1}\n").encode())
+        return self.compare(*self.logs)
+
     def test_compare_finds_an_exchange_of_kinds_that_keeps_the_value(self):
-        record = '0000000000000001 "/a" %s 0 0 1 0755 0%s\n'
-        for log, kind in zip(self.logs, (("file", " 0000000000000000"), ("directory", ""))):
-            write(log, ('NerixScanLog 2 md5 0 "/a"\n' + record % kind + "complete 1\n").encode())
-        self.assertEqual(self.compare(*self.logs), [b'changed ".": kind file -> directory'])
+        file, directory = ("", 1, "file 0 0 1 0755 0 " + "0" * 16), ("", 1, "directory 0 0 1 0755 0")
+        self.assertEqual(self.compare_roots(file, directory), [b'changed ".": kind file -> directory'])
+
+    def test_compare_counts_the_entries_below_a_root_that_became_a_file(self):
+        below_root = f'{2:016x} "/a/b" file 0 0 1 0755 0 {0:016x}\n'
+        lines = self.compare_roots((below_root, 1, "directory 0 0 1 0755 0"), ("", 1, f"file 0 0 1 0755 0 {0:016x}"))
+        self.assertEqual(lines, [b'changed ".": kind directory -> file and 1 entry below'])
+
+    def test_compare_lists_links_and_size_of_a_directory_if_nothing_else_differs(self):
+        lines = self.compare_roots(("", 1, "directory 0 0 2 0755 60"), ("", 2, "directory 0 0 3 0755 80"))
+        self.assertEqual(lines, [b'changed ".": links 2 -> 3, size 60 -> 80'])
 
     def assert_rejected(self, before, after, reason):
         run = self.run_host("compare", before, after)
