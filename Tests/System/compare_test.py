@@ -244,8 +244,8 @@ class Compare(SystemTest):
         os.mkdir(self.other)
         cases = {"b": {"a/b", "a/c/b", "b"}, "/b": {"b"}, "b/": {"b"}, "a/b": {"a/b"}, "a/a": {"a/a/x"}, "a": {*files[:3]},
                  "a/*": {*files[:3]}, "*/b": {"a/b"}, "**/b": {"a/b", "a/c/b", "b"}, "a/**/b": {"a/b", "a/c/b"},
-                 "c/**": {files[4]}, "j": {files[4]}, "i/j": set(), "**/i/j": {files[4]}, "?": {*files[:5]}, "[bj]": {*files[1:5]},
-                 "odd\\*name": {files[5]}, "odd\\*": set(), "/".join(["**"] * 40) + "/none": set()}
+                 "c/**": {files[4]}, "j": {files[4]}, "i/j": set(), "**/i/j": {files[4]}, "?": {*files[:5]},
+                 "[bj]": {*files[1:5]}, "odd\\*name": {files[5]}, "odd\\*": set(), "/".join(["**"] * 40) + "/none": set()}
         for pattern, excluded in cases.items():
             with self.subTest(pattern):
                 run = self.run_command(HOST, "compare", self.tree, self.other, "--all", "--exclude", pattern, timeout=60)
@@ -255,7 +255,8 @@ class Compare(SystemTest):
     def test_compare_finds_moves_among_copies_and_empty_files(self):
         cases = {
             "a copy is no move": ({"a": b"1"}, {"b": b"1", "c": b"1"}, ['removed "a"', 'added   "b"', 'added   "c"']),
-            "one of two copies is no move": ({"a": b"1", "b": b"1"}, {"c": b"1"}, ['removed "a"', 'removed "b"', 'added   "c"']),
+            "one of two copies is no move": ({"a": b"1", "b": b"1"}, {"c": b"1"},
+                                             ['removed "a"', 'removed "b"', 'added   "c"']),
             "an empty file is no move": ({"a": b""}, {"b": b""}, ['removed "a"', 'added   "b"']),
             "a directory of empty files is no move": ({"a/x": b""}, {"b/x": b""},
                                                       ['removed "a" and 1 entry below', 'added   "b" and 1 entry below']),
@@ -344,8 +345,8 @@ added   "usr/odd2\"""")
         write(self.tree + b"/a")
         os.mkdir(self.other)
         plain, coloured = b'removed "a"', b'\x1b[31mremoved\x1b[m "a"'
-        cases = (([], {}, coloured), ([], {"NO_COLOR": ""}, coloured), ([], {"NO_COLOR": "1"}, plain), ([], {"TERM": "dumb"}, plain),
-                 (["--color=never"], {}, plain), (["--color=always"], {"NO_COLOR": "1"}, coloured))
+        cases = (([], {}, coloured), ([], {"NO_COLOR": ""}, coloured), ([], {"NO_COLOR": "1"}, plain),
+                 ([], {"TERM": "dumb"}, plain), (["--color=never"], {}, plain), (["--color=always"], {"NO_COLOR": "1"}, coloured))
         for options, variables, expected in cases:
             with self.subTest(options=options, **variables):
                 terminal, side = pty.openpty()

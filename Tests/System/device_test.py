@@ -10,8 +10,8 @@ import subprocess
 import time
 import unittest
 
-from harness import (HOST, NO_MOUNTS, PREFIX, PROGRAM, SANITIZED, STRACE, SystemTest, main, make_hole, process_identity, read,
-                     write)
+from harness import (HOST, NO_MOUNTS, PREFIX, PROGRAM, SANITIZED, STRACE, SystemTest, main, make_hole, process_identity,
+                     read, write)
 from tree_value import MOUNT_POINT, OTHER_DEVICE, Model
 
 

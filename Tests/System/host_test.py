@@ -214,8 +214,8 @@ class Host(SystemTest):
         for path, size in ((broken, 5000), (good, 3)):
             write(path, bytes(size))
         for options in ([], ["--keep-going"]):
-            run = self.run_command(*STRACE, "-P", broken, "-e", "inject=read:error=EIO", HOST, "scan", broken, good, "--json",
-                                   *options)
+            run = self.run_command(*STRACE, "-P", broken, "-e", "inject=read:error=EIO", HOST, "scan", broken, good,
+                                   "--json", *options)
             first, second = map(json.loads, run.stdout.splitlines())
             self.assertEqual((run.returncode, first["value"], first["unreadable"]),
                              (2, None, [f'cannot read "{broken.decode()}": Input/output error']))
@@ -353,7 +353,8 @@ class Host(SystemTest):
                     self.assertEqual([len(bar) for bar in re.findall(r"\[#* *\]", frame)], bar_widths, frame)
                     self.assertLess(len(frame) - len(end), columns, frame)
         self.assertEqual(self.on_terminal(80, "scan", self.tree, "--quiet"), "", "with --quiet")
-        self.assertNotIn("\r", self.on_terminal(80, "scan", self.tree, kind="dumb").replace("\r\n", ""), "on a dumb terminal")
+        dumb = self.on_terminal(80, "scan", self.tree, kind="dumb")
+        self.assertNotIn("\r", dumb.replace("\r\n", ""), "on a dumb terminal")
         self.assertRegex(self.on_terminal(80, "scan", self.tree + b"/sub"),
                          r"\r1 entries, [12]\d\d\.\d MB, [\d.]+ \wB/s, 0:\d\d", "of part of a file system")
 

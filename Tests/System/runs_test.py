@@ -56,8 +56,8 @@ class Runs(SystemTest):
     @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_run_syncs_the_durable_settings_before_they_take_their_names(self):
         trace = os.path.join(self.work, "trace")
-        self.run_command("strace", "-f", "-y", "-o", trace, "-e", "trace=fsync,fdatasync,rename,renameat2", PROGRAM, "--path",
-                         PROJECT + "/docs")
+        self.run_command("strace", "-f", "-y", "-o", trace, "-e", "trace=fsync,fdatasync,rename,renameat2", PROGRAM,
+                         "--path", PROJECT + "/docs")
         calls = re.findall(r"(sync|rename)\w*\(.*?/(settings[a-z-]*)-[bl]e\d\d(/|>)", read(trace).decode())
         durable = [(call, "file" if end == "/" else "directory") for call, place, end in calls if place == "settings"]
         written = [("sync", "file"), ("rename", "file"), ("sync", "directory")]
