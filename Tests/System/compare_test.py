@@ -229,7 +229,8 @@ class Compare(SystemTest):
                 lines = self.compare(self.tree, self.other, "--ignore", ",".join(ignored), "-x", pattern,
                                      status=1 if expected else 0)
                 self.assertEqual(sorted(map(read_back, lines), key=repr), expected)
-                self.assertIn(f'; excluded: "{pattern}"\n', self.totals)
+                names = ", ".join(sorted(ignored, key=FACTS.index))
+                self.assertTrue(self.totals.endswith(f'; ignored: {names}; excluded: "{pattern}"\n'), self.totals)
 
     def make_files(self, tree, files):
         """Makes a tree of files, given by path and content."""
@@ -303,7 +304,7 @@ class Compare(SystemTest):
             mv single usr/other; chmod 600 usr/other; ln usr/odd usr/odd2""", cwd=self.other)
         os.setxattr(self.other + b"/usr/bin/ping", "user.cap", b"2")
         os.removexattr(self.other + b"/usr/bin/ping", "user.old")
-        os.setxattr(self.other + b"/usr", "user.new", b"")
+        os.setxattr(self.other + b"/usr", "user.new\x1b[31m", b"")
 
     def test_compare_prints_each_fact_by_name(self):
         self.make_example()
@@ -313,7 +314,7 @@ changed "usr/bin/ping": attributes (user.cap, -user.old)
 changed "usr/kind": kind directory -> file and 2 entries below
 changed "usr/libx.so": target "libx.so.1" -> "libx.so.2"
 changed "usr/odd": links 1 -> 2
-changed "usr": attributes (+user.new)
+changed "usr": attributes (+user.new\\x1b[31m)
 moved   "single" -> "usr/other": mode 0644 -> 0600
 moved   "usr/share/a" -> "usr/share/b" and 9 entries below
 removed "var/cache" and 12 entries below
@@ -375,6 +376,8 @@ added   "usr/odd2\"""")
         self.scan(self.logs[1])
         self.assertEqual(self.compare(*self.logs), [b'changed "a/b/changed"', b'changed "z"',
                                                     b'removed "a/gone" and 1 entry below'])
+        self.assertEqual(self.compare(*self.logs, "--summary")[:3],
+                         [b'removed: 2 entries below "a"', b'value: 1 entry below "."', b'value: 1 entry below "a/b"'])
 
     def test_compare_reads_system_logs_and_pipes(self):
         long = self.tree + b"/" + b"/".join((b"\\\n\x1b" + b'"e&' * 60, *(b"\n" * 250 for _ in range(4))))
