@@ -9,44 +9,31 @@
 #include <unistd.h>
 
 namespace Nerix::Tests {
-namespace {
 
-namespace ProcessIdentity = Platform::Host::ProcessIdentity;
+using Platform::Host::ProcessIdentity::isGone;
+using Platform::Host::ProcessIdentity::ofThisProcess;
 
-struct Words {
+TEST(ProcessIdentity, IsGoneOnlyIfTheProcessCannotExist) {
     std::string boot;
     std::string nameSpace;
     std::string process;
     std::string start;
-
-    std::string identity() const { return boot + ' ' + nameSpace + ' ' + process + ' ' + start; }
-};
-
-Words wordsOfThisProcess() {
-    Words words;
-    std::istringstream(ProcessIdentity::ofThisProcess()) >> words.boot >> words.nameSpace >> words.process >> words.start;
-    return words;
-}
-
-TEST(ProcessIdentity, IsGoneOnlyIfTheProcessCannotExist) {
-    const Words own = wordsOfThisProcess();
-    const std::string noProcess = "4194305"; // more than the highest process id
+    std::istringstream(ofThisProcess()) >> boot >> nameSpace >> process >> start;
+    const std::string none = " 4194305 "; // more than the highest process id
     const struct {
         const char* name;
         std::string identity;
         bool isGone;
     } cases[] = {
-        {"this process", own.identity(), false},
-        {"no process", Words{own.boot, own.nameSpace, noProcess, own.start}.identity(), true},
-        {"another process of the same number", Words{own.boot, own.nameSpace, own.process, own.start + "0"}.identity(), true},
-        {"before a restart", Words{"x" + own.boot, own.nameSpace, own.process, own.start}.identity(), true},
-        {"in another container", Words{own.boot, "pid:[1]", noProcess, own.start}.identity(), false},
+        {"this process", ofThisProcess(), false},
+        {"no process", boot + ' ' + nameSpace + none + start, true},
+        {"another process of the same number", ofThisProcess() + "0", true},
+        {"before a restart", "x" + ofThisProcess(), true},
+        {"in another container", boot + " pid:[1]" + none + start, false},
         {"unknown", "", false},
-        {"incomplete", own.boot, false},
+        {"incomplete", boot, false},
     };
-    for (const auto& [name, identity, isGone] : cases) {
-        EXPECT_EQ(ProcessIdentity::isGone(identity), isGone) << name << ": " << identity;
-    }
+    for (const auto& each : cases) { EXPECT_EQ(isGone(each.identity), each.isGone) << each.name << ": " << each.identity; }
 }
 
 TEST(ProcessIdentity, ZombieIsGone) {
@@ -54,20 +41,17 @@ TEST(ProcessIdentity, ZombieIsGone) {
     ASSERT_EQ(::pipe(ends), 0);
     const pid_t child = ::fork();
     if (child == 0) {
-        const std::string identity = ProcessIdentity::ofThisProcess();
+        const std::string identity = ofThisProcess();
         ::_exit(::write(ends[1], identity.data(), identity.size()) > 0 ? 0 : 1);
     }
     siginfo_t ended{};
     ASSERT_EQ(::waitid(P_PID, static_cast<id_t>(child), &ended, WEXITED | WNOWAIT), 0);
     char identity[300];
     const ssize_t size = ::read(ends[0], identity, sizeof identity);
-    ASSERT_GT(size, 0);
-    EXPECT_TRUE(ProcessIdentity::isGone(std::string(identity, static_cast<std::size_t>(size))));
+    EXPECT_TRUE(isGone(std::string(identity, static_cast<std::size_t>(size))));
     ::waitpid(child, nullptr, 0);
-    EXPECT_TRUE(ProcessIdentity::isGone(std::string(identity, static_cast<std::size_t>(size))));
     ::close(ends[0]);
     ::close(ends[1]);
 }
 
-} // namespace
 } // namespace Nerix::Tests

@@ -84,14 +84,5 @@ TEST_F(SystemLogDeathTest, RecordThatCannotBeWrittenIsReported) {
     EXPECT_EXIT(logIntoAFullFile(), testing::ExitedWithCode(0), "");
 }
 
-TEST_F(SystemLogDeathTest, LogIsRotatedAtSixteenMebibytes) {
-    const std::string text(60'000, 'x');
-    inOwnProcess([&] {
-        for (int records = 0; records != 300; ++records) { logText(DLOG_PRIORITY_INFO, text); }
-    });
-    EXPECT_LE(boost::filesystem::file_size(logFile()), 16U << 20U);
-    EXPECT_GE(boost::filesystem::file_size(logFile().parent_path() / "main.1.log"), 15U << 20U);
-}
-
 } // namespace
 } // namespace Nerix::Tests
