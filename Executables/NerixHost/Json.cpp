@@ -1,6 +1,7 @@
 #include "Executables/NerixHost/Json.h"
 
 #include "Common/Base/EscapedText.h"
+#include "Common/Base/Hexadecimal.h"
 #include "Common/Logging/PackageVersion.h"
 #include "Executables/NerixHost/DifferenceText.h"
 #include "Executables/NerixHost/RunState.h"
@@ -33,9 +34,17 @@ Json textOrNull(const std::optional<std::string>& text) {
     return text ? textOrBytes(*text) : Json(nullptr);
 }
 
-/// Returns a name that can be the key of an object: escaped if it is not valid UTF-8.
+/// Returns a name that can be the key of an object: escaped, in ASCII, if it is not valid UTF-8.
 std::string keyOf(const std::string& name) {
-    return textOrBytes(name).is_string() ? name : Common::escaped(name);
+    if (textOrBytes(name).is_string()) {
+        return name;
+    }
+    std::string key;
+    for (const char character : Common::escaped(name)) {
+        const auto byte = static_cast<unsigned char>(character);
+        key += byte < 0x80 ? std::string(1, character) : "\\x" + Common::hexadecimal(byte, 2);
+    }
+    return key;
 }
 
 /// Returns the object as one line in ASCII, so that it cannot control a terminal.

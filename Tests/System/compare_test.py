@@ -322,6 +322,15 @@ added   "etc/new file"
 added   "usr/odd2\"""")
         self.assertEqual(self.totals, "11 differences among 24 entries: 6 changed, 2 moved, 2 added, 1 removed\n")
 
+    def test_compare_prints_objects_for_attributes_whatever_their_names(self):
+        names = {b"user.\xff\n": "user.\\xff\\n", b"user.\xc3\xa4": "user.\u00e4"}
+        self.make_files(self.tree, {"file": b"1"})
+        self.make_files(self.other, {"file": b"1"})
+        for name in names:
+            os.setxattr(self.other + b"/file", name, b"1")
+        told = json.loads(self.compare(self.tree, self.other, "--json")[0])
+        self.assertEqual(set(told["facts"]["attributes"]), set(names.values()))
+
     def test_compare_lists_all_entries_of_a_subtree_on_request(self):
         self.make_example()
         lines = self.compare(self.tree, self.other, "--all")
