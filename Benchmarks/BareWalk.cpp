@@ -1,7 +1,6 @@
-// NerixBareWalk PATH: a lower bound for the cost of a run over a tree of directories and regular files. It
-// makes the unavoidable system calls for each entry, by path, and computes the digest steps with OpenSSL
-// directly; it writes no records, publishes nothing, ignores errors and prints no value. Where this is slower
-// than md5sum, no change to the program can help.
+// NerixBareWalk PATH: a baseline for a run without lanes and helpers, over a tree of directories and regular
+// files. It makes the unavoidable system calls for each entry, by path, and computes the digest steps with
+// OpenSSL directly; it writes no records, publishes nothing, ignores errors and prints no value.
 
 #include <algorithm>
 #include <cstdio>

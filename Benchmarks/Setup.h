@@ -4,7 +4,7 @@
 
 namespace Nerix::Benchmarks {
 
-/// A directory in memory that lives as long as the process; also the platform's home.
+/// Returns a directory in memory, which is removed at exit and is also the platform's home.
 const boost::filesystem::path& scratch();
 
 } // namespace Nerix::Benchmarks
