@@ -76,7 +76,7 @@ private:
     std::optional<ScanLogReader> m_after;
 };
 
-bool isColoured(CompareRequest::Color color) {
+bool isColored(CompareRequest::Color color) {
     const char* const noColor = std::getenv("NO_COLOR");
     const char* const terminal = std::getenv("TERM");
     const bool isWanted = (noColor == nullptr || *noColor == '\0') && terminal != nullptr &&
@@ -92,9 +92,9 @@ void printResult(const ComparisonResult& result, const CompareRequest& request) 
     if (request.isSummary) {
         std::cout << summaryOf(result);
     } else {
-        const bool hasColour = isColoured(request.color);
+        const bool hasColor = isColored(request.color);
         for (const Difference& difference : result.differences) {
-            std::cout << (request.isJson ? jsonOf(difference) : lineOf(difference, hasColour)) << '\n';
+            std::cout << (request.isJson ? jsonOf(difference) : lineOf(difference, hasColor)) << '\n';
         }
     }
     if (request.isJson) {

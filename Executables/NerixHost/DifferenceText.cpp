@@ -17,13 +17,13 @@ std::string shownPath(const std::string& path) {
     return quotedName(plainPath(path));
 }
 
-std::string colouredWord(Kind kind) {
+std::string coloredWord(Kind kind) {
     constexpr const char* none = "\x1b[m";
-    const char* const colour = kind == Kind::removed ? "\x1b[31m"
-                               : kind == Kind::added ? "\x1b[32m"
-                               : kind == Kind::moved ? "\x1b[36m"
-                                                     : "\x1b[33m";
-    return colour + std::string(wordOf(kind)) + none;
+    const char* const color = kind == Kind::removed ? "\x1b[31m"
+                              : kind == Kind::added ? "\x1b[32m"
+                              : kind == Kind::moved ? "\x1b[36m"
+                                                    : "\x1b[33m";
+    return color + std::string(wordOf(kind)) + none;
 }
 
 /// Returns the number with a comma before each group of three digits.
@@ -89,10 +89,10 @@ std::string plainPath(const std::string& path) {
     return path == "/" ? "." : path.substr(1);
 }
 
-std::string lineOf(const Difference& difference, bool isColoured) {
+std::string lineOf(const Difference& difference, bool isColored) {
     constexpr std::size_t width = 8; // of the longest word and a blank
     const std::string word = wordOf(difference.kind);
-    std::string line = isColoured ? colouredWord(difference.kind) : word;
+    std::string line = isColored ? coloredWord(difference.kind) : word;
     line.append(width - word.size(), ' ');
     line += shownPath(difference.path);
     if (difference.kind == Kind::moved) {

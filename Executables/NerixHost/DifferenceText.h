@@ -12,8 +12,8 @@ const char* wordOf(Difference::Kind kind);
 /// Returns a path of EntryReader without the slash in front; "." for the root.
 std::string plainPath(const std::string& path);
 
-/// Returns the difference as a line without its line feed. isColoured: the first word has a colour.
-std::string lineOf(const Difference& difference, bool isColoured);
+/// Returns the difference as a line without its line feed. isColored: the first word has a color.
+std::string lineOf(const Difference& difference, bool isColored);
 
 /// Returns one line that counts the differences, and says what was not compared.
 std::string totalsOf(const ComparisonResult& result, const ComparisonRules& rules);
