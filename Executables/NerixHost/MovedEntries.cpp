@@ -17,6 +17,9 @@ namespace {
 
 using Fingerprint = std::size_t;
 
+/// The entries that a search considers.
+enum class Searched { directories, others };
+
 Fingerprint combined(Fingerprint a, Fingerprint b) {
     return std::hash<std::string_view>()({reinterpret_cast<const char*>(&a), sizeof a}) * 31 + b;
 }
@@ -45,14 +48,14 @@ public:
         : m_entries(entries),
           m_fingerprints(entries.size()),
           m_begins(entries.size()),
-          m_areSearched(entries.size()) {
+          m_isCandidate(entries.size()) {
         for (std::size_t index = 0; index != entries.size(); ++index) {
             m_begins[index] = index;
             if (isDirectory(index)) {
                 addDirectory(index);
             } else {
                 m_fingerprints[index] = fingerprintOf(*entries[index].details);
-                m_areSearched[index] = entries[index].details->size != "0";
+                m_isCandidate[index] = entries[index].details->size != "0";
             }
         }
     }
@@ -66,11 +69,11 @@ public:
     /// Returns the index of the first entry below a directory. For any other entry, returns its own index.
     std::size_t begin(std::size_t index) const { return m_begins[index]; }
 
-    /// Maps each fingerprint to its entry, or to size() if several have it. Only directories, or only others.
-    std::unordered_map<Fingerprint, std::size_t> uniqueEntries(bool areDirectories) const {
+    /// Maps the fingerprint of each candidate to its index, or to size() if several have it.
+    std::unordered_map<Fingerprint, std::size_t> uniqueEntries(Searched searched) const {
         std::unordered_map<Fingerprint, std::size_t> found;
         for (std::size_t index = 0; index != m_entries.size(); ++index) {
-            if (isDirectory(index) == areDirectories && m_areSearched[index] &&
+            if (isDirectory(index) == (searched == Searched::directories) && m_isCandidate[index] &&
                 !m_entries[index].isExplained && !found.emplace(m_fingerprints[index], index).second) {
                 found[m_fingerprints[index]] = size();
             }
@@ -88,7 +91,7 @@ private:
             all =
                 combined(combined(all, m_fingerprints[child]), fingerprintOf(nameIn(m_entries[child].path)));
             all = combined(all, fingerprintOf(m_entries[child].details->kind));
-            m_areSearched[index] = m_areSearched[index] || m_areSearched[child];
+            m_isCandidate[index] = m_isCandidate[index] || m_isCandidate[child];
             begin = m_begins[child];
         }
         m_begins[index] = begin;
@@ -98,7 +101,7 @@ private:
     OneSidedEntries& m_entries;
     std::vector<Fingerprint> m_fingerprints;
     std::vector<std::size_t> m_begins;
-    std::vector<bool> m_areSearched; ///< not empty, and not only of empty files and directories
+    std::vector<bool> m_isCandidate; ///< a file or link that is not empty, or a directory with one below
 };
 
 class Search {
@@ -106,9 +109,9 @@ public:
     Search(OneSidedEntries& removed, OneSidedEntries& added, const FactSet& ignored)
         : m_removed(removed), m_added(added), m_ignored(ignored) {}
 
-    void find(bool areDirectories) {
-        const auto removed = m_removed.uniqueEntries(areDirectories);
-        const auto added = m_added.uniqueEntries(areDirectories);
+    void find(Searched searched) {
+        const auto removed = m_removed.uniqueEntries(searched);
+        const auto added = m_added.uniqueEntries(searched);
         // From the end, so that a directory comes before the directories in it.
         for (std::size_t before = m_removed.size(); before-- != 0;) {
             const auto own = removed.find(m_removed.fingerprint(before));
@@ -174,8 +177,8 @@ private:
 std::vector<Difference> findMovedEntries(OneSidedEntries& removed, OneSidedEntries& added,
                                          const FactSet& ignored) {
     Search search(removed, added, ignored);
-    search.find(true);
-    search.find(false);
+    search.find(Searched::directories);
+    search.find(Searched::others);
     return std::move(search.found);
 }
 
