@@ -19,8 +19,8 @@ std::string sentence(const std::string& what, const std::string& path, const std
     return "cannot " + what + ' ' + quotedName(path) + ": " + reason;
 }
 
-/// Returns the sentence for an exception, from the entries that the thrower attached.
-std::string fromEntries(const boost::exception& failure) {
+/// Returns the sentence for an exception, from its error information.
+std::string fromErrorInfo(const boost::exception& failure) {
     const auto* const what = boost::get_error_info<errinfo_description>(failure);
     const auto* const path = boost::get_error_info<errinfo_path>(failure);
     const auto* const code = boost::get_error_info<errinfo_errorcode>(failure);
@@ -41,7 +41,7 @@ std::string failureSentence(const std::exception_ptr& failure) {
     } catch (const boost::filesystem::filesystem_error& caught) {
         return sentence("read", caught.path1().native(), caught.code().message());
     } catch (const boost::exception& caught) {
-        return fromEntries(caught);
+        return fromErrorInfo(caught);
     } catch (const std::bad_alloc&) {
         return "not enough memory";
     } catch (const std::exception& caught) {

@@ -30,14 +30,14 @@ constexpr int troubleStatus = 2;
 class LogOutput {
 public:
     LogOutput(const ScanRequest& request, const TreeScan& scan)
-        : m_hasFacts(request.hasDetails), m_output(STDOUT_FILENO), m_stream(nullptr) {
+        : m_hasDetails(request.hasDetails), m_output(STDOUT_FILENO), m_stream(nullptr) {
         if (request.logFile == "-") {
             m_stream.rdbuf(&m_output);
         } else if (!request.logFile.empty()) {
             m_file =
                 std::make_unique<LogFile>(logPathOutside(canonicalPath(scan.path), request.logFile).string());
         }
-        if (m_hasFacts) {
+        if (m_hasDetails) {
             stream() << ScanLogHeader{request.hashMethod, ::geteuid(), hashedRootOf(scan)}.text() << '\n';
         }
     }
@@ -47,7 +47,7 @@ public:
 
     /// Call it after a successful scan. Throws if records were lost.
     void end(std::uint64_t entries) {
-        if (m_hasFacts) {
+        if (m_hasDetails) {
             stream() << scanLogEnd(entries) << '\n';
         }
         if (m_file) {
@@ -59,7 +59,7 @@ public:
     }
 
 private:
-    const bool m_hasFacts;
+    const bool m_hasDetails;
     std::unique_ptr<LogFile> m_file;
     DescriptorBuffer m_output;
     std::ostream m_stream;

@@ -33,13 +33,13 @@ public:
         : m_rules(rules),
           m_before(before, rules.excluded),
           m_after(after, rules.excluded),
-          m_hasFacts(before.header().has_value()),
+          m_hasHeader(before.header().has_value()),
           m_isValueMeaningful(before.root() == after.root() && rules.excluded.empty() &&
                               rules.ignored.empty()) {}
 
     ComparisonResult run() {
         merge();
-        if (m_hasFacts) {
+        if (m_hasHeader) {
             std::vector<Difference> moved = findMovedEntries(m_removed, m_added, m_rules.ignored);
             m_result.differences.insert(m_result.differences.end(), moved.begin(), moved.end());
         }
@@ -160,9 +160,8 @@ private:
     const ComparisonRules& m_rules;
     EntryReader m_before;
     EntryReader m_after;
-    const bool m_hasFacts;
-    const bool
-        m_isValueMeaningful; ///< equal values show that entries are equal, and other values that they differ
+    const bool m_hasHeader;
+    const bool m_isValueMeaningful; ///< an entry differs if and only if its value does
     OneSidedEntries m_removed;
     OneSidedEntries m_added;
     std::string m_lastDifference;                                ///< path of the last entry that differs
@@ -170,7 +169,8 @@ private:
     ComparisonResult m_result;
 };
 
-void checkFacts(const ScanLogReader& before, const ScanLogReader& after) {
+/// Throws ScanLogError if the logs cannot be compared.
+void checkComparable(const ScanLogReader& before, const ScanLogReader& after) {
     const auto& old = before.header();
     const auto& now = after.header();
     if (old.has_value() != now.has_value()) {
@@ -205,7 +205,7 @@ std::uint64_t bytesOf(const ComparisonResult& result, Difference::Kind kind) {
 }
 
 ComparisonResult compareTrees(ScanLogReader& before, ScanLogReader& after, const ComparisonRules& rules) {
-    checkFacts(before, after);
+    checkComparable(before, after);
     return Comparison(before, after, rules).run();
 }
 
