@@ -23,9 +23,6 @@ namespace Nerix {
 
 namespace {
 
-/// The exit status if there is no value.
-constexpr int troubleStatus = 2;
-
 /// Where the records of a scan go: to a file, to standard output, or nowhere.
 class LogOutput {
 public:
@@ -78,7 +75,7 @@ int printResult(const ScanRequest& request, const TreeScan& scan, const ScannedT
         printError(sentence);
     }
     if (tree.value.empty()) {
-        return troubleStatus;
+        return errorStatus;
     }
     if (request.expected && *request.expected != tree.value) {
         printError("the value is " + tree.value + ", not " + *request.expected);

@@ -19,8 +19,6 @@
 
 namespace {
 
-constexpr int errorStatus = 2;
-
 /// Performs the request and returns the exit status.
 struct RequestHandler {
     int operator()(const Nerix::TextRequest& request) const {
@@ -36,7 +34,7 @@ struct RequestHandler {
 
 int main(int argc, char* argv[]) {
     if (!Nerix::Common::Utils::secureStandardStreams()) {
-        return errorStatus;
+        return Nerix::errorStatus;
     }
     Nerix::Common::Utils::adaptToProcessLimits();
     std::cout.exceptions(std::ios_base::badbit | std::ios_base::failbit); // so that lost output is reported
@@ -62,5 +60,5 @@ int main(int argc, char* argv[]) {
     } catch (const std::exception& failure) {
         Nerix::printError(failure.what());
     }
-    return errorStatus;
+    return Nerix::errorStatus;
 }
