@@ -1,6 +1,6 @@
-// The records are written to an unfinished file in the directory of the log, locked during the scan. commit
-// renames it to the name of the log in one step, so a failed scan does not change an earlier log. An
-// unfinished file without a lock was left by a killed scan; the next scan with the same log removes it.
+// The records are written to a temporary file in the directory of the log, locked during the scan. commit
+// renames it to the name of the log in one step, so a failed scan does not change an earlier log. A temporary
+// file without a lock was abandoned by a killed scan; the next scan with the same log removes it.
 
 #include "Executables/NerixHost/LogFile.h"
 
@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -30,16 +31,16 @@ namespace fs = std::filesystem;
     throw std::runtime_error("cannot write " + quotedName(file) + ": " + reason);
 }
 
-/// Returns the prefix of the paths of a log's unfinished files. It contains a checksum instead of the log's
+/// Returns the prefix of the paths of a log's temporary files. It contains a checksum instead of the log's
 /// name, which may already have the maximum length.
-std::string partialPrefix(const fs::path& file) {
+std::string temporaryPrefix(const fs::path& file) {
     const std::string name = file.filename().string();
     boost::crc_32_type crc;
     crc.process_bytes(name.data(), name.size());
     return (file.parent_path() / (".nerix-" + std::to_string(crc.checksum()) + "-")).string();
 }
 
-/// Removes unfinished files that are not locked, which killed scans left behind.
+/// Removes temporary files that killed scans left behind, which are not locked.
 void removeAbandoned(const std::string& prefix) {
     std::error_code error;
     for (const fs::directory_entry& entry : fs::directory_iterator(fs::path(prefix).parent_path(), error)) {
@@ -61,7 +62,7 @@ mode_t modeOfNewFile() {
     return 0666 & ~mask;
 }
 
-/// Gives the unfinished file the owner and mode of the log that it will replace, or the mode of a new file.
+/// Gives the temporary file the owner and mode of the log that it will replace, or the mode of a new file.
 void setOwnerAndMode(int descriptor, const std::string& file) {
     struct stat status {};
     if (::lstat(file.c_str(), &status) != 0) {
@@ -86,46 +87,45 @@ void setOwnerAndMode(int descriptor, const std::string& file) {
     }
 }
 
-/// Creates and locks the unfinished file, stores its path in partial, and returns its descriptor.
-int create(const std::string& file, std::string& partial) {
+} // namespace
+
+LogFile::TemporaryFile LogFile::create(const std::string& file) {
     struct stat status {};
     if (::lstat(file.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         fail(file, "not a regular file");
     }
-    const std::string prefix = partialPrefix(file);
+    const std::string prefix = temporaryPrefix(file);
     removeAbandoned(prefix);
     for (;;) {
-        partial = prefix + "XXXXXX";
-        Common::Descriptor created(::mkostemp(partial.data(), O_CLOEXEC));
+        std::string path = prefix + "XXXXXX";
+        Common::Descriptor created(::mkostemp(path.data(), O_CLOEXEC));
         if (!created.isOpen()) {
             fail(file, Common::messageOf(errno));
         }
         ::flock(created.number(), LOCK_EX | LOCK_NB); // if locks are not supported, abandoned files stay
         if (::fstat(created.number(), &status) == 0 && status.st_nlink != 0) {
-            return created.release();
+            return {std::move(path), Common::Descriptor(created.release())};
         }
         // Another scan removed the file as abandoned before it was locked.
     }
 }
 
-} // namespace
-
 LogFile::LogFile(const std::string& file)
     : m_file(file),
-      m_descriptor(create(m_file, m_partial)),
-      m_buffer(m_descriptor.number()),
+      m_temporary(create(m_file)),
+      m_buffer(m_temporary.descriptor.number()),
       m_stream(&m_buffer) {
     try {
-        setOwnerAndMode(m_descriptor.number(), m_file);
+        setOwnerAndMode(m_temporary.descriptor.number(), m_file);
     } catch (const std::runtime_error&) {
-        ::unlink(m_partial.c_str());
+        ::unlink(m_temporary.path.c_str());
         throw;
     }
 }
 
 LogFile::~LogFile() {
     if (!m_isCommitted) {
-        ::unlink(m_partial.c_str());
+        ::unlink(m_temporary.path.c_str());
     }
 }
 
@@ -135,10 +135,11 @@ void LogFile::commit() {
         fail(m_file, Common::messageOf(m_buffer.error()));
     }
     // Otherwise a power failure could leave an empty log. EINVAL: the file system does not support fsync.
-    if (::fsync(m_descriptor.number()) != 0 && errno != EINVAL) {
+    if (::fsync(m_temporary.descriptor.number()) != 0 && errno != EINVAL) {
         fail(m_file, Common::messageOf(errno));
     }
-    if (::close(m_descriptor.release()) != 0 || std::rename(m_partial.c_str(), m_file.c_str()) != 0) {
+    if (::close(m_temporary.descriptor.release()) != 0 ||
+        std::rename(m_temporary.path.c_str(), m_file.c_str()) != 0) {
         fail(m_file, Common::messageOf(errno));
     }
     m_isCommitted = true;

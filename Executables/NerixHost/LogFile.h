@@ -32,9 +32,15 @@ public:
     void commit();
 
 private:
+    struct TemporaryFile {
+        std::string path;
+        Common::Descriptor descriptor; ///< locked
+    };
+
+    static TemporaryFile create(const std::string& file);
+
     const std::string m_file;
-    std::string m_partial; ///< the temporary name
-    Common::Descriptor m_descriptor;
+    TemporaryFile m_temporary;
     DescriptorBuffer m_buffer;
     std::ostream m_stream;
     bool m_isCommitted = false;

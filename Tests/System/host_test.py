@@ -289,13 +289,13 @@ class Host(SystemTest):
     def test_scan_writes_a_log_of_any_name(self):
         write(self.tree + b"/file")
         self.assertEqual(self.run_host("scan", self.tree + b"/file", "--log", self.logs[1]).returncode, 0, "log of a file")
-        for number in range(70_000, 70_010):  # a name for the partial log that somebody guessed
+        for number in range(70_000, 70_010):  # a name for the temporary log that somebody guessed
             os.makedirs(f"{self.logs[0]}.part-{number}")
         for log in (self.logs[0], os.path.join(self.work, "l" * 255)):
             self.scan(log)
             self.assertEqual(stat.S_IMODE(os.stat(log).st_mode), 0o644)
 
-    def test_scan_removes_the_partial_log_of_a_killed_scan(self):
+    def test_scan_removes_the_temporary_log_of_a_killed_scan(self):
         make_hole(self.tree + b"/long", 1 << 40)
         with subprocess.Popen([HOST, "scan", self.tree, "--log", self.logs[0], "-q"], env=self.environment) as scan:
             while len(os.listdir(self.work)) == 1:
@@ -303,7 +303,7 @@ class Host(SystemTest):
             time.sleep(0.1)
             other = self.run_command("timeout", "0.5", HOST, "scan", self.tree, "--log", self.logs[0], "-q")
             self.assertEqual(other.returncode, 124)
-            self.assertEqual(len(os.listdir(self.work)), 2, "the partial log of the running scan was removed")
+            self.assertEqual(len(os.listdir(self.work)), 2, "the temporary log of the running scan was removed")
             scan.kill()
         os.unlink(self.tree + b"/long")
         self.scan(self.logs[0])
