@@ -18,45 +18,47 @@ namespace Nerix {
 namespace {
 
 bool isDirectory(const std::string& place) {
-    std::error_code error; // of what cannot be examined, opening it as a log gives the reason
+    std::error_code error; // ignored: if place cannot be examined, opening it as a log reports why
     return std::filesystem::is_directory(place, error);
 }
 
 /// The two logs. Those that are given are opened before a tree is scanned.
 class Sides {
 public:
-    explicit Sides(const CompareRequest& request) {
-        open(request.before, m_before);
-        open(request.after, m_after);
+    explicit Sides(const CompareRequest& request)
+        : m_before(openIfLog(request.before)), m_after(openIfLog(request.after)) {
         const std::string method = methodFor(request);
-        scan(request.before, method, request.isQuiet, m_before);
-        scan(request.after, method, request.isQuiet, m_after);
+        if (!m_before) {
+            m_before.emplace(scan(request.before, method, request.isQuiet));
+        }
+        if (!m_after) {
+            m_after.emplace(scan(request.after, method, request.isQuiet));
+        }
     }
 
     ScanLogReader& before() { return *m_before; }
     ScanLogReader& after() { return *m_after; }
 
 private:
-    static void open(const std::string& place, std::optional<ScanLogReader>& log) {
-        if (!isDirectory(place)) {
-            log.emplace(place);
+    /// Returns nullopt for a directory.
+    static std::optional<ScanLogReader> openIfLog(const std::string& place) {
+        if (isDirectory(place)) {
+            return std::nullopt;
         }
-    }
+        return ScanLogReader(place);
 
-    void scan(const std::string& place, const std::string& method, bool isQuiet,
-              std::optional<ScanLogReader>& log) {
-        if (!log) {
-            if (!m_session) {
-                m_session = std::make_unique<ScanSession>();
-            }
-            TreeScan tree;
-            tree.path = place;
-            tree.hashMethod = method;
-            tree.isQuiet = isQuiet;
-            log.emplace(scannedLog(tree));
+    }
+    ScanLogReader scan(const std::string& place, const std::string& method, bool isQuiet) {
+        if (!m_session) {
+            m_session = std::make_unique<ScanSession>();
         }
-    }
+        TreeScan scan;
+        scan.path = place;
+        scan.hashMethod = method;
+        scan.isQuiet = isQuiet;
+        return scanToLog(scan);
 
+    }
     /// Returns the method with which a tree is scanned, so that it can be compared with a log.
     std::string methodFor(const CompareRequest& request) const {
         const std::optional<ScanLogReader>& log = m_before ? m_before : m_after;

@@ -147,7 +147,7 @@ std::string hashedRootOf(const TreeScan& scan) {
     return canonicalPath(scan.path).string();
 }
 
-ScanLogReader scannedLog(const TreeScan& scan) {
+ScanLogReader scanToLog(const TreeScan& scan) {
     Common::File file(std::tmpfile());
     if (!file) {
         throw std::runtime_error("cannot make a temporary file: " + Common::messageOf(errno));

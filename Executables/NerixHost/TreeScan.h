@@ -46,10 +46,10 @@ struct ScannedTree {
 /// cannot be read.
 ScannedTree scanTree(const TreeScan& scan, const ScanLogStream& log);
 
-/// Scans a tree and returns a reader of its log, which has facts and lies in an unnamed temporary file.
-/// Throws std::runtime_error with a sentence for the user if the tree cannot be read completely, or that file
-/// cannot be written.
-ScanLogReader scannedLog(const TreeScan& scan);
+/// Scans a tree into a log with details in an unnamed temporary file, and returns a reader of it. Throws
+/// std::runtime_error with a sentence for the user if the tree cannot be read completely, or the log cannot
+/// be written.
+ScanLogReader scanToLog(const TreeScan& scan);
 
 /// Returns the absolute path without links. Throws std::runtime_error with a sentence for the user if it
 /// cannot be resolved.
