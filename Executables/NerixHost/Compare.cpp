@@ -3,6 +3,7 @@
 #include "Executables/NerixHost/DifferenceText.h"
 #include "Executables/NerixHost/ErrorMessage.h"
 #include "Executables/NerixHost/Json.h"
+#include "Executables/NerixHost/QuotedName.h"
 #include "Executables/NerixHost/TreeScan.h"
 
 #include <cstdlib>
@@ -66,9 +67,9 @@ private:
             return request.hashMethod;
         }
         if (!log->header()) {
-            throw ScanLogError((m_before ? request.before : request.after) +
-                               ": has no details, so a tree cannot be compared with it; record it with "
-                               "'NerixHost scan --log FILE --details'");
+            throw ScanLogError(quotedName(m_before ? request.before : request.after) +
+                               " has no details, so it cannot be compared with a directory; record the tree "
+                               "with 'NerixHost scan --log FILE --details'");
         }
         return log->header()->method;
     }

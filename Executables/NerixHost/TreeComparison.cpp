@@ -184,7 +184,7 @@ void checkComparable(const ScanLogReader& before, const ScanLogReader& after) {
     if (!old && before.root() != after.root()) {
         throw ScanLogError("the logs are of different trees, " + quotedName(before.root()) + " and " +
                            quotedName(after.root()) +
-                           ", and have no details; values depend on paths, so record both with --details");
+                           "; values depend on paths, so record both with --details");
     }
 }
 
