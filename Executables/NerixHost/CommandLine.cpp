@@ -6,6 +6,7 @@
 #include "Executables/NerixHost/CommandLine.h"
 
 #include "Common/Logging/PackageVersion.h"
+#include "Executables/NerixHost/QuotedName.h"
 #include "Executables/NerixHost/Suggestion.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
 
@@ -207,17 +208,14 @@ std::vector<std::string> textsOf(const options::variables_map& values, const cha
     return values.count(name) != 0 ? values[name].as<std::vector<std::string>>() : std::vector<std::string>();
 }
 
-/// Returns the path without a slash at its end. Throws UsageError if it is not absolute and normal.
+/// Returns the path in normal form, without a slash at its end. Throws UsageError if it is not absolute.
 std::string hashedRootIn(const std::string& text) {
-    if (text.empty()) {
-        return text;
+    if (text.empty() || text.front() != '/') {
+        throw UsageError("--as needs an absolute path, not " + quotedName(text));
     }
     std::string path = std::filesystem::path(text).lexically_normal().string();
     if (path.size() > 1 && path.back() == '/') {
         path.pop_back();
-    }
-    if (path.front() != '/') {
-        throw UsageError("--as needs an absolute path, not '" + text + "'");
     }
     return path;
 }
@@ -251,7 +249,9 @@ ScanRequest scanRequest(const options::variables_map& values) {
     request.paths = textsOf(values, "path");
     request.hashMethod = methodIn(textOf(values, "hash"));
     request.logFile = textOf(values, "log");
-    request.hashedRoot = hashedRootIn(textOf(values, "as"));
+    if (values.count("as") != 0) {
+        request.hashedRoot = hashedRootIn(textOf(values, "as"));
+    }
     request.keepsGoing = values.count("keep-going") != 0;
     request.isJson = values.count("json") != 0;
     request.isQuiet = values.count("quiet") != 0;
