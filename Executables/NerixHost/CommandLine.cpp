@@ -330,7 +330,7 @@ CompareRequest::Color colorIn(const std::string& text) {
         return CompareRequest::Color::automatic;
     }
     if (text != "always" && text != "never") {
-        throw UsageError("unknown argument of --color '" + text + "'" +
+        throw UsageError("invalid argument '" + text + "' for --color" +
                          didYouMean(text, {"auto", "always", "never"}));
     }
     return text == "always" ? CompareRequest::Color::always : CompareRequest::Color::never;

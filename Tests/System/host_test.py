@@ -186,7 +186,7 @@ class Host(SystemTest):
             (["scan", tree, tree, "--log", "x"], "--log needs a single PATH"),
             (["compare", tree, tree, "--ignore", "mode,ower"], "unknown fact 'ower'; did you mean 'owner'?"),
             (["compare", tree, tree, "--exclude", "/"], "the pattern '/' contains no name"),
-            (["compare", tree, tree, "--color", "nevr"], "unknown argument of --color 'nevr'; did you mean 'never'?"),
+            (["compare", tree, tree, "--color", "nevr"], "invalid argument 'nevr' for --color; did you mean 'never'?"),
             (["compare", "a"], "missing argument AFTER"),
             (["compare", "/\x1bnowhere", "/nowhere"], r"/\x1bnowhere: No such file or directory"),
         ))
