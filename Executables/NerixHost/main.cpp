@@ -1,3 +1,4 @@
+#include "Common/Base/Files.h"
 #include "Common/Utils/ProcessLimits.h"
 #include "Common/Utils/StandardStreams.h"
 #include "Executables/NerixHost/CommandLine.h"
@@ -51,7 +52,8 @@ int main(int argc, char* argv[]) {
         if (error == EPIPE) {
             Nerix::endBySignal(SIGPIPE);
         }
-        Nerix::printError("cannot write to standard output");
+        const std::string reason = error == 0 ? "" : ": " + Nerix::Common::messageOf(error);
+        Nerix::printError("cannot write to standard output" + reason);
     } catch (const std::system_error& failure) {
         if (failure.code() == std::errc::broken_pipe) {
             Nerix::endBySignal(SIGPIPE);

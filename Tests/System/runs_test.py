@@ -88,9 +88,10 @@ class Runs(SystemTest):
                 self.assertEqual((run.returncode, run.stderr), (-signal.SIGPIPE, b""))
 
     def test_host_reports_standard_output_that_cannot_be_written(self):
-        message = b"NerixHost: cannot write to standard output\n"
+        message = b"NerixHost: cannot write to standard output: %b\n"
         for command in self.make_long_output():
-            for redirections, shown in ((">/dev/full", message), (">&-", message), ("<&- >&- 2>&-", b"")):
+            for redirections, shown in ((">/dev/full", message % b"No space left on device"),
+                                        (">&-", message % b"Bad file descriptor"), ("<&- >&- 2>&-", b"")):
                 with self.subTest(command, redirections=redirections):
                     run = self.run_in_shell(command, redirections)
                     self.assertEqual((run.returncode, run.stderr), (2, shown))
