@@ -47,8 +47,8 @@ private:
             return std::nullopt;
         }
         return ScanLogReader(place);
-
     }
+
     ScanLogReader scan(const std::string& place, const std::string& method, bool isQuiet) {
         if (!m_session) {
             m_session = std::make_unique<ScanSession>();
@@ -58,8 +58,8 @@ private:
         scan.hashMethod = method;
         scan.isQuiet = isQuiet;
         return scanToLog(scan);
-
     }
+
     /// Returns the method with which a tree is scanned, so that it can be compared with a log.
     std::string methodFor(const CompareRequest& request) const {
         const std::optional<ScanLogReader>& log = m_before ? m_before : m_after;

@@ -29,7 +29,7 @@ public:
     const ScanLogRecord& entry() const { return m_entry; }
 
     /// Returns the details of the current entry, or nullopt in a log without details. Throws ScanLogError if
-    /// they are damaged.
+    /// the log has changed since it was opened and they are damaged.
     std::optional<RecordDetails> details() const;
 
     /// Returns the number of entries read so far, without the excluded ones.

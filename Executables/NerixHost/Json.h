@@ -5,7 +5,7 @@
 #include <string>
 
 /// Formats the output of --json: one object per line, in ASCII. Text that is not valid UTF-8 becomes an array
-/// of bytes, as in journalctl.
+/// of bytes, as in journalctl; the name of an attribute is escaped instead.
 namespace Nerix {
 
 struct ComparisonResult;
@@ -18,11 +18,12 @@ struct TreeScan;
 /// Returns an object such as
 /// {"change":"changed","path":"x","facts":{"mode":{"before":"0644","after":"0600"}}}. "facts" contains the
 /// facts that differ; "attributes" in it has an object for each attribute, with null where there is none.
-/// "newPath" is where a moved entry is now, "entriesBelow" how many entries below belong to the difference.
+/// "newPath" is the later path of a moved entry, "entriesBelow" the number of entries below that belong to
+/// the difference.
 std::string jsonOf(const Difference& difference);
 
-/// Returns an object with the number of entries compared, of the differences of each kind and of those of
-/// each fact, of the bytes removed and added, and with what was not compared.
+/// Returns an object that counts the entries compared, the differences of each kind and in each fact, and the
+/// bytes removed and added, and lists what was not compared.
 std::string jsonOf(const ComparisonResult& result, const ComparisonRules& rules);
 
 /// Returns an object with "path", "method", "root", "value", "complete", "unreadable", "entries", "bytes",

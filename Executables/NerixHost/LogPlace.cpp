@@ -75,8 +75,8 @@ std::optional<Place> placeOf(const fs::path& file) {
     return std::nullopt;
 }
 
-/// Returns true if the directory is the tree's root or below it on the same file system, even if its path
-/// goes through another mount of that file system.
+/// Returns true if the directory is the tree's root or below it on the same file system. Compares places on
+/// the file system, and so also finds a directory whose path leads through a bind mount outside the tree.
 bool isInTreeOnFileSystem(const fs::path& directory, const fs::path& root) {
     const std::optional<Place> inner = placeOf(directory);
     const std::optional<Place> outer = placeOf(root);
@@ -84,8 +84,8 @@ bool isInTreeOnFileSystem(const fs::path& directory, const fs::path& root) {
            (inner->path == outer->path || isBelow(inner->path.native(), outer->path.native()));
 }
 
-/// Returns true if a scan of root would include files in the directory. Compares device and inode numbers,
-/// because root may also be mounted under another path.
+/// Returns true if a scan of root would include files in the directory. Walks up the path of the directory;
+/// compares device and inode numbers, because root may also be mounted under another path.
 bool isInTree(const fs::path& directory, const fs::path& root) {
     struct stat rootStatus {};
     ::lstat(root.c_str(), &rootStatus);
@@ -111,8 +111,8 @@ bool mayBeLinkedInTree(const fs::path& file, const fs::path& root) {
            S_ISREG(status.st_mode) && status.st_nlink > 1 && status.st_dev == rootStatus.st_dev;
 }
 
-/// Returns true if the file is a symbolic link that another user made. Such a link, in a directory like /tmp,
-/// may lead to a file of this user.
+/// Returns true if the file is a symbolic link that a user other than root and this one made. Such a link, in
+/// a directory like /tmp, may lead to a file of this user.
 bool isLinkOfOtherUser(const std::string& file) {
     struct stat status {};
     return ::lstat(file.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && status.st_uid != 0 &&

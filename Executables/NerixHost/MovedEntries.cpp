@@ -1,5 +1,5 @@
-// A directory is looked for by a fingerprint of everything below it: names, kinds, contents and targets. The
-// fingerprints are computed in one pass, as a directory comes directly after what is below it. Directories
+// Directories are compared by a fingerprint of everything below them: names, kinds, contents and targets. The
+// fingerprints are computed in one pass, because a directory comes directly after what is below it. Directories
 // are matched from the outermost inwards, then the files and links that are left.
 
 #include "Executables/NerixHost/MovedEntries.h"
@@ -87,7 +87,7 @@ private:
         Fingerprint all = fingerprintOf(m_entries[index].details->kind);
         std::size_t begin = index;
         while (begin != 0 && isBelow(m_entries[begin - 1].path, path)) {
-            const std::size_t child = begin - 1; // the last that was not looked at, directly in the directory
+            const std::size_t child = begin - 1; // the last child not yet visited
             all =
                 combined(combined(all, m_fingerprints[child]), fingerprintOf(nameIn(m_entries[child].path)));
             all = combined(all, fingerprintOf(m_entries[child].details->kind));
@@ -126,7 +126,7 @@ public:
     std::vector<Difference> found;
 
 private:
-    /// Returns true if nothing of the two is explained yet and they are the same, entry by entry.
+    /// Returns true if the two subtrees have the same entries, none of which is explained yet.
     bool isSame(std::size_t before, std::size_t after) {
         const std::size_t count = before - m_removed.begin(before);
         if (count != after - m_added.begin(after)) {

@@ -6,10 +6,10 @@
 
 namespace Nerix {
 
-/// A pattern of --exclude, in the form of the simplest patterns of .gitignore. One without '/' matches an
-/// entry of that name anywhere; one with '/' matches a path below the root. '*', '?' and '[...]' match within
-/// a name, "**" as a whole name matches any number of names, also none. '\' quotes the next character. A '/'
-/// at the beginning or end only anchors the pattern to the root.
+/// A pattern of --exclude. One without '/' matches an entry of that name anywhere; one with '/' matches a path
+/// below the root. '*', '?' and '[...]' match within a name, "**" as a whole name matches any number of names,
+/// also none. '\' makes the next character literal. A '/' at the beginning or end only anchors the pattern to
+/// the root.
 class PathPattern {
 public:
     /// Throws std::runtime_error if the pattern has no name.

@@ -19,7 +19,7 @@ Setting find(std::string_view key) {
     return Platform::Host::HostState::instance().settings().find(key).value_or(Setting{});
 }
 
-/// Returns true for the status "active" and the result "00000111": the run is active, or was killed.
+/// Returns true for the value of the status or result of an active run. The run may also have been killed.
 bool isOfUnfinishedRun(const Setting& setting) {
     return setting.type == Platform::Host::SettingType::Text &&
            (setting.bytes == PublishedState::activeStatus || setting.bytes == PublishedState::runningResult);

@@ -6,8 +6,8 @@
 
 namespace Nerix {
 
-/// Returns true if the setting is the status or result of a run whose process ended without publishing its
-/// end. Reads the setting again. Throws std::runtime_error if the store cannot be read.
+/// Returns true if the setting has the value of an active run's status or result, but the process that wrote
+/// it is gone. Reads the setting again. Throws std::runtime_error if the store cannot be read.
 bool isOfKilledRun(const Platform::Host::Setting& setting);
 
 /// The state of the current or last run, from the settings store. The strings are empty if there was none.

@@ -1,6 +1,6 @@
 // Both logs are in the order of the walk, so one pass merges them (merge). It collects the entries that
 // differ and those that only one log has. Then entries that were moved are found among the latter
-// (findMovedEntries), and the others are combined to one difference for each subtree (addOneSided).
+// (findMovedEntries), and the others are combined into one difference for each subtree (addOneSided).
 
 #include "Executables/NerixHost/TreeComparison.h"
 
@@ -107,7 +107,8 @@ private:
         m_result.differences.push_back({Difference::Kind::changed, m_lastDifference, "", std::move(facts)});
     }
 
-    /// Returns what changedFacts leaves out of a directory, because nothing else explains its value.
+    /// Returns the changes of link count and size, also those that changedFacts leaves out. Used if nothing
+    /// else explains why the value differs.
     static std::vector<FactChange> sizeAndLinks(const RecordDetails& before, const RecordDetails& after) {
         std::vector<FactChange> facts;
         if (before.links != after.links) {
@@ -119,7 +120,8 @@ private:
         return facts;
     }
 
-    /// Entries below a directory that has become something else, or the other way round, belong to that.
+    /// Stores the indexes of the differences in kind. addOneSided counts the entries below a directory that
+    /// became a file or link, or the reverse, as part of that difference.
     void findChangedKinds() {
         for (std::size_t index = 0; index != m_result.differences.size(); ++index) {
             const Difference& difference = m_result.differences[index];
@@ -129,7 +131,7 @@ private:
         }
     }
 
-    /// Adds a difference for each subtree of entries that are not explained, or for each entry.
+    /// Adds a difference for each subtree of unexplained entries or, with listsAll, for each such entry.
     void addOneSided(const OneSidedEntries& entries, Difference::Kind kind) {
         // From the end, a directory comes directly before everything below it.
         Difference* top = nullptr;

@@ -10,7 +10,7 @@ namespace Nerix {
 struct ComparisonRules {
     FactSet ignored;                   ///< facts that are not compared
     std::vector<PathPattern> excluded; ///< entries that are not compared
-    bool listsAll = false;             ///< also entries below added, removed and moved directories
+    bool listsAll = false; ///< also entries below directories that were added, removed or replaced
 };
 
 /// The result of a comparison. The differences are sorted by kind, then in the order of the walk.
@@ -25,10 +25,10 @@ std::uint64_t countOf(const ComparisonResult& result, Difference::Kind kind);
 /// Returns the bytes of all differences of that kind.
 std::uint64_t bytesOf(const ComparisonResult& result, Difference::Kind kind);
 
-/// Compares two logs. If they have facts, compares these, and the roots may differ. Otherwise compares
-/// values, which depend on paths, so the roots must be the same; then details only explain a differing value.
-/// Memory grows with the number of differing entries only. Throws ScanLogError if the logs cannot be compared
-/// or one of them can no longer be read.
+/// Compares two logs. If they have a header, compares their details, and the roots may differ. Otherwise
+/// compares values, which depend on paths, so the roots must be the same; details of logs of older versions
+/// then only explain a differing value. Memory grows only with the number of differing entries. Throws
+/// ScanLogError if the logs cannot be compared or one of them can no longer be read.
 ComparisonResult compareTrees(ScanLogReader& before, ScanLogReader& after, const ComparisonRules& rules);
 
 } // namespace Nerix

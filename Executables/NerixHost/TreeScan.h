@@ -12,8 +12,8 @@
 
 namespace Nerix {
 
-/// Runs scans. Settings stay in memory. Create only one per process, on the main thread, and only if nothing
-/// has used the settings store yet: it catches termination signals, which then end a scan early.
+/// Prepares the process for scans: keeps the settings in memory and catches termination signals, which then
+/// end a scan early. Create only one per process, on the main thread, before anything uses the settings store.
 class ScanSession {
 public:
     /// Throws what ProgramSession::loadProductAndParameters throws.
