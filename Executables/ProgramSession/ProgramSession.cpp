@@ -11,7 +11,8 @@ namespace Nerix {
 
 namespace {
 
-const char* nameProcess(const char* programName) {
+/// Prepares logging and assertions, which OpenSSL's initialization may use. Returns programName.
+const char* prepareProcess(const char* programName) {
     Common::Logging::LoggingClass::init(programName);
     Common::Debug::ThreadDebug::registerMainThreadId(boost::this_thread::get_id());
     return programName;
@@ -20,7 +21,7 @@ const char* nameProcess(const char* programName) {
 } // namespace
 
 ProgramSession::ProgramSession(const char* programName)
-    : m_programName(nameProcess(programName)), m_openSSL(Common::Utils::SINGLETON_OPENSSL_INITIALIZER) {}
+    : m_programName(prepareProcess(programName)), m_openSSL(Common::Utils::SINGLETON_OPENSSL_INITIALIZER) {}
 
 void ProgramSession::loadProductAndParameters() const {
     Platform::IProductInfo::initializeProduct(Platform::DEFAULT_PRODUCT);

@@ -14,8 +14,8 @@ public:
     /// OpenSSLInit in the singleton registry. programName must outlive the session.
     explicit ProgramSession(const char* programName);
 
-    /// Identifies the product and reads the testers' parameters. Call it once. Throws the exceptions of
-    /// IProductInfo::initializeProduct and DebugAndTestParameters::loadDebugAndTestParameters.
+    /// Identifies the product and reads the test parameters. Call it once. Throws the exceptions of
+    /// IProductInfo::initializeProduct; if the parameters cannot be read, only logs a warning.
     void loadProductAndParameters() const;
 
 private:
