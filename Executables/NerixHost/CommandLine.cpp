@@ -100,8 +100,8 @@ Command scanCommand() {
         "With --log, also record what compare needs: kind, owner, group, links, mode, size, content, "
         "attributes and target");
     add("as", options::value<std::string>()->value_name("PATH"),
-        "Print the value that the tree has when it is at PATH: an image gives the value of its device");
-    add("keep-going,k", switchValue(), "After something that cannot be read, go on to find all of it");
+        "Print the value that the tree would have at PATH, for example that of an image on its device");
+    add("keep-going,k", switchValue(), "Continue after an entry that cannot be read, to report all of them");
     add("json", switchValue(), "Print a JSON object for each PATH");
     add("expect,e", options::value<std::string>()->value_name("VALUE"),
         "Exit with status 1 unless the value is VALUE");
@@ -115,7 +115,8 @@ Command compareCommand() {
                     "List what differs between two trees. BEFORE and AFTER are each a directory,\n"
                     "which is scanned, or a log written by scan --log FILE --details. Entries are\n"
                     "matched by their paths below the two roots. Logs without details, such as those\n"
-                    "on a USB drive and a host's main.log, can be compared if their paths are equal.\n"
+                    "on a USB drive and a host's main.log, can be compared if they are of trees at\n"
+                    "the same path.\n"
                     "\n",
                     "\n"
                     "Example: NerixHost compare /mnt/release /mnt/device --exclude '*.log'\n"
@@ -130,17 +131,18 @@ Command compareCommand() {
     }
     const std::string ignore = "Do not compare these facts, separated by commas:" + facts;
     auto add = command.options.add_options();
-    add("ignore,i", options::value<std::vector<std::string>>()->value_name("FACT[,FACT]"), ignore.c_str());
+    add("ignore,i", options::value<std::vector<std::string>>()->value_name("FACT[,...]"), ignore.c_str());
     add("exclude,x", options::value<std::vector<std::string>>()->value_name("PATTERN"),
-        "Do not compare entries that match PATTERN, or what is below them. Without a slash, PATTERN is for a "
-        "name, otherwise for a path below the root; *, ?, [] and ** are special");
+        "Do not compare entries that match PATTERN, or what is below them. Without a slash, PATTERN matches "
+        "a name, otherwise a path below the root; *, ?, [] and ** are special");
     add("all,a", switchValue(), "Also list the entries below directories that were added or removed");
-    add("summary,s", switchValue(), "Print only how many entries differ, by difference and directory");
+    add("summary,s", switchValue(),
+        "Print only the number of differing entries, by kind of difference and directory");
     add("json", switchValue(), "Print a JSON object for each difference, and one with the totals");
     add("color", options::value<std::string>()->value_name("WHEN")->default_value("auto"),
         "Colour the output: auto, always or never");
     add("hash,H", options::value<std::string>()->value_name("HASH")->default_value("md5"),
-        "Scan with hash method HASH (see 'NerixHost scan --help'), or with that of a log");
+        "Scan with hash method HASH (see 'NerixHost scan --help'). If one side is a log, its method is used");
     add("quiet,q", switchValue(), "Do not show the progress of scans");
     return command;
 }
@@ -149,7 +151,7 @@ Command settingsCommand() {
     Command command{"usage: NerixHost settings list|watch|get KEY [OPTION...]\n"
                     "\n"
                     "List the settings of this user, print one of them, or watch a running\n"
-                    "NerixVerifierHash until it ends.\n"
+                    "NerixVerifierHash until it ends; if none is running, wait for the next.\n"
                     "\n",
                     "\n"
                     "Example: NerixHost settings watch\n"
