@@ -328,7 +328,9 @@ added   "usr/odd2\"""")
         self.make_files(self.other, {"file": b"1"})
         for name in names:
             os.setxattr(self.other + b"/file", name, b"1")
-        told = json.loads(self.compare(self.tree, self.other, "--json")[0])
+        line = self.compare(self.tree, self.other, "--json")[0]
+        self.assertTrue(line.isascii(), line)
+        told = json.loads(line)
         self.assertEqual(set(told["facts"]["attributes"]), set(names.values()))
 
     def test_compare_lists_all_entries_of_a_subtree_on_request(self):
@@ -356,7 +358,8 @@ added   "usr/odd2\"""")
         os.mkdir(self.other)
         plain, coloured = b'removed "a"', b'\x1b[31mremoved\x1b[m "a"'
         cases = (([], {}, coloured), ([], {"NO_COLOR": ""}, coloured), ([], {"NO_COLOR": "1"}, plain),
-                 ([], {"TERM": "dumb"}, plain), (["--color=never"], {}, plain), (["--color=always"], {"NO_COLOR": "1"}, coloured))
+                 ([], {"TERM": "dumb"}, plain), (["--color=never"], {}, plain),
+                 (["--color=always"], {"NO_COLOR": "1"}, coloured))
         for options, variables, expected in cases:
             with self.subTest(options=options, **variables):
                 terminal, side = pty.openpty()

@@ -14,7 +14,8 @@ import subprocess
 import time
 import unittest
 
-from harness import HOST, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SystemTest, main, make_hole, read, write
+from harness import (HOST, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, STRACE, SystemTest, main, make_hole, read, use_one_core,
+                     write)
 from tree_value import Model
 
 
@@ -341,6 +342,23 @@ class Hostile(SystemTest):
                 allowed |= self.model_records(path)
                 recorded = {record for record in self.scan_records()[known:] if record.endswith(f'"{path}"'.encode())}
                 self.assertLessEqual(recorded, allowed, "a record has the value of the file or of what replaced it")
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_run_does_not_follow_a_link_that_replaced_a_leased_file_while_it_waited(self):
+        path, other = os.path.join(self.tree, "a"), os.path.join(self.work, "other")
+        write(other, b"o" * os.path.getsize(path))
+
+        def replace(file):
+            time.sleep(0.2)
+            os.remove(path)
+            os.symlink(other, path)
+            give_lease_up(file)
+
+        self.hold_lease(path, replace)
+        # The third open is the one that begins to wait; the first two do not.
+        run = self.run_command(*STRACE, "-P", path, "-e", "trace=openat", "-e", "inject=openat:delay_enter=1000000:when=3",
+                               PROGRAM, "--path", self.tree, preexec_fn=use_one_core)
+        self.assertEqual(run.stdout, b"ERROR\n")
 
     def test_run_does_not_wait_again_for_a_lease_that_is_taken_again(self):
         def take_again(file):
