@@ -280,6 +280,8 @@ class Compare(SystemTest):
             os.chmod(self.other + path, 0o711)
         self.assertEqual(self.compare(self.tree, self.other, "--ignore", "mode"),
                          [b'moved   "a" -> "b" and 1 entry below', b'moved   "y" -> "z"'])
+        totals = json.loads(self.compare(self.tree, self.other, "-i", "mode", "-x", "none", "--json")[-1])
+        self.assertEqual((totals["ignored"], totals["excluded"]), (["mode"], ["none"]))
 
     def test_compare_of_one_tree_with_itself_heeds_what_is_left_out(self):
         self.make_files(self.tree, {"a/x": b"1", "a/y": b"2"})
@@ -351,7 +353,8 @@ added   "usr/odd2\"""")
         self.assertEqual(self.compare(self.tree, self.other, "--summary"),
                          [b'mode 0644 -> 0600: 300 entries below "srv/big"', b'removed: 2 entries below "."',
                           b"removed: 5 bytes, added: 0 bytes"])
-        self.assertEqual(json.loads(self.compare(self.tree, self.other, "--summary", "--json")[0])["facts"], {"mode": 300})
+        totals = json.loads(self.compare(self.tree, self.other, "--summary", "--json")[0])
+        self.assertEqual((totals["facts"], totals["bytesRemoved"], totals["bytesAdded"]), ({"mode": 300}, 5, 0))
 
     def test_compare_colours_its_output_for_a_terminal(self):
         write(self.tree + b"/a")
@@ -432,6 +435,12 @@ added   "usr/odd2\"""")
         below_root = f'{2:016x} "/a/b" file 0 0 1 0755 0 {0:016x}\n'
         lines = self.compare_roots((below_root, 1, "directory 0 0 1 0755 0"), ("", 1, f"file 0 0 1 0755 0 {0:016x}"))
         self.assertEqual(lines, [b'changed ".": kind directory -> file and 1 entry below'])
+
+    def test_compare_warns_if_different_users_scanned_the_trees(self):
+        self.compare_roots(*[("", value, "directory 0 0 2 0755 60") for value in (1, 2)])
+        write(self.logs[1], read(self.logs[1]).replace(b" md5 0 ", b" md5 7 "))
+        self.compare(*self.logs)
+        self.assertIn("the trees were scanned by different users, 0 and 7: ", self.totals)
 
     def test_compare_lists_links_and_size_of_a_directory_if_nothing_else_differs(self):
         lines = self.compare_roots(("", 1, "directory 0 0 2 0755 60"), ("", 2, "directory 0 0 3 0755 80"))
