@@ -1,13 +1,11 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/Md5Hash.h"
 #include "Common/IO/OpenSSLInit.h"
-#include "Common/Utils/Encoding.h"
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/ChainSource.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <random>
 #include <string>
 #include <vector>
@@ -46,12 +44,15 @@ public:
         }
         if (lane.chain == nullptr) {
             if (m_next == m_chains.size() || m_busy == m_maxBusy) { return false; }
-            lane = {&m_chains[m_next++], 0};
+            lane.chain = &m_chains[m_next++];
+            lane.nextText = 0;
             step.value = lane.chain->value;
             ++m_busy;
         }
+        // Copied, so that it lies at any address modulo 16.
         const std::string& text = lane.chain->texts[lane.nextText++];
-        step.data = text.data();
+        lane.copy.assign(m_next % 16, 'x').append(text);
+        step.data = lane.copy.data() + m_next % 16;
         step.length = static_cast<unsigned int>(text.size());
         return true;
     }
@@ -62,6 +63,7 @@ private:
     struct Lane {
         const Chain* chain = nullptr;
         std::size_t nextText = 0;
+        std::string copy;
     };
 
     const std::vector<Chain>& m_chains;
@@ -120,52 +122,6 @@ TEST_F(Md5HashTest, LongChainsHaveTheRightValueWithAnyNumberOfBusyLanes) {
     }
     for (const Md5Lanes::Implementation lanes : implementations()) {
         for (std::size_t maxBusy = 1; maxBusy <= lanes.count; ++maxBusy) { expectRightValues(chains, lanes, maxBusy); }
-    }
-}
-
-TEST(Md5Lanes, BlocksAtAnyAddressHaveThePublishedDigests) {
-    // The messages of RFC 1321, appendix A.5, and their digests; padded to two blocks, of which the shorter need one.
-    const struct {
-        std::string message;
-        const char* digest;
-    } vectors[] = {
-        {"", "d41d8cd98f00b204e9800998ecf8427e"},
-        {"a", "0cc175b9c0f1b6a831c399e269772661"},
-        {"abc", "900150983cd24fb0d6963f7d28e17f72"},
-        {"message digest", "f96b697d7cb7938d525a2f31aaf161d0"},
-        {"abcdefghijklmnopqrstuvwxyz", "c3fcd3d76192e4007dfb496cca67e13b"},
-        {"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789", "d174ab98d277d9f5a5611c2c9f419d9f"},
-        {"12345678901234567890123456789012345678901234567890123456789012345678901234567890",
-         "57edf4a22be3c955ac49da2e2107b67a"},
-    };
-    for (const Md5Lanes::Implementation lanes : implementations()) {
-        for (const auto& vector : vectors) {
-            const std::size_t blocks = vector.message.size() < 56 ? 1 : 2;
-            for (std::size_t shift = 0; lanes.count != 0 && shift != 16; ++shift) {
-                std::string bytes = std::string(shift, 'x') + vector.message + '\x80';
-                bytes.resize(shift + blocks * 64);
-                bytes[shift + blocks * 64 - 8] = static_cast<char>(vector.message.size() * 8);
-                bytes[shift + blocks * 64 - 7] = static_cast<char>(vector.message.size() * 8 >> 8U);
-                const std::vector<const std::uint8_t*> begins(lanes.count,
-                                                              reinterpret_cast<const std::uint8_t*>(bytes.data()) + shift);
-                Md5Lanes::States states{};
-                std::uint8_t digest[16];
-                for (std::size_t lane = 0; lane != lanes.count; ++lane) {
-                    states.words[0][lane] = 0x67452301;
-                    states.words[1][lane] = 0xefcdab89;
-                    states.words[2][lane] = 0x98badcfe;
-                    states.words[3][lane] = 0x10325476;
-                }
-                lanes.compress(states, begins.data(), blocks, lanes.count);
-                for (std::size_t lane = 0; lane != lanes.count; ++lane) {
-                    for (std::size_t word = 0; word != 4; ++word) {
-                        std::memcpy(digest + word * 4, &states.words[word][lane], 4);
-                    }
-                    EXPECT_EQ(Common::Utils::Encoding::binToHex(digest, sizeof digest), vector.digest)
-                        << vector.message << " in lane " << lane << " of " << lanes.count;
-                }
-            }
-        }
     }
 }
 

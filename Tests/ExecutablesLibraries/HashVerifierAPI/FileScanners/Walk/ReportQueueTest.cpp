@@ -80,19 +80,6 @@ TEST_F(ReportQueueTest, EntriesAreReportedInTheirOrderWhateverTheOrderOfExaminat
     } while (std::next_permutation(order.begin(), order.end()));
 }
 
-TEST_F(ReportQueueTest, FailureIsKeptUntilTheEntriesBeforeItAreReported) {
-    const std::vector<QueuedEntry*> entries = takeAll();
-    entries[1]->failure = std::make_exception_ptr(std::runtime_error("unreadable"));
-    settle(entries[1]);
-    EXPECT_EQ(finishedNames(), "");
-    settle(entries[0]);
-    ReportQueue::Entries finished;
-    queue.takeFinished(finished, none);
-    ASSERT_EQ(finished.size(), 2U);
-    EXPECT_EQ(finished.front().failure, nullptr);
-    EXPECT_NE(finished.back().failure, nullptr);
-}
-
 TEST_F(ReportQueueTest, FullQueueGivesNoEntryUntilTheFrontIsReported) {
     ReportQueue small(1, 1);
     begin(small);
