@@ -13,12 +13,13 @@
 
 namespace Nerix::Platform {
 
-/// What kind of device this is, which software it runs, and where the package keeps its files.
+/// Describes the device: its type, its software, and where the package keeps its files.
 ///
-/// initializeProduct is called once, on the main thread, before other threads exist; after that everything is
-/// read-only and any thread may ask. Functions marked [init] throw ProductUninitializedException if it has
-/// not been called. Facts come from the platform's system-information service, asked at each call; where it
-/// fails, an ERR line is logged and SystemInfoAPIInternalProblemException is thrown, unless said otherwise.
+/// Call initializeProduct once, on the main thread, before other threads exist; all other functions except
+/// those that change emulated facts are then thread-safe. Functions marked [init] throw
+/// ProductUninitializedException before that call. Facts are read from the platform's system-information
+/// service at each call. If it fails, the function logs at ERR and throws
+/// SystemInfoAPIInternalProblemException, unless stated otherwise.
 class IProductInfo {
 public:
     /// The names of the two devices ("cores"), "TV" and "Zeb".
@@ -27,62 +28,61 @@ public:
 
     // State, in ProductState.cpp.
 
-    /// Fixes the product for the life of the process. Asserts that this happens once and that type is
+    /// Sets the product type for the life of the process. Asserts that it is called once and that type is
     /// TV_PRODUCT, ZEB_PRODUCT or DEFAULT_PRODUCT, which stands for TV_PRODUCT.
     static void initializeProduct(ProductType type);
     static void throwIfUninitialized(); ///< throws ProductUninitializedException before initializeProduct
 
     // Identity, in ProductIdentity.cpp.
 
-    /// The board that the software was built for.
+    /// Returns the board that the software was built for.
     static std::string getBoardType();
-    static bool checkBoardType(const std::string& boardType); ///< whether it is exactly that, case included
-    static bool isPostTovin();                                ///< the board "Post_TovinP"
-    static bool isPostPask();                                 ///< the board "Post_PaskP"
-    static bool isPostMirel();                                ///< the board "Post_MirelP"
-    static bool isPreCorvanBoard();                           ///< any of the three
+    static bool checkBoardType(const std::string& boardType); ///< compares case-sensitively
+    static bool isPostTovin();                                ///< true for the board "Post_TovinP"
+    static bool isPostPask();                                 ///< true for the board "Post_PaskP"
+    static bool isPostMirel();                                ///< true for the board "Post_MirelP"
+    static bool isPreCorvanBoard();                           ///< true for any of these three
 
-    /// One of the two names above. Asserts that type is TV_PRODUCT or ZEB_PRODUCT.
+    /// Returns CORE_ID_TV or CORE_ID_ZEB. Asserts that type is TV_PRODUCT or ZEB_PRODUCT.
     static std::string getCoreName(ProductType type);
 
-    static ProductType getDeviceType();       ///< initialised
-    static bool isMasterDevice();             ///< initialised
-    static ProductType getMasterDeviceType(); ///< initialised
-    static bool isGuestCore();                ///< initialised; asks the platform when a Zeb box is connected
-    static std::vector<std::string>
-    getListOfCores(); ///< initialised; the devices that take part in an update
-    static std::vector<std::string> getListOfVerifiers(); ///< initialised; the same
-    static bool isSecondDeviceConnected();                ///< initialised
-    static bool isGenuineTV();                            ///< as the platform says
-    static bool isGenuineZeb();                           ///< as the platform says
+    static ProductType getDeviceType();       ///< [init]
+    static bool isMasterDevice();             ///< [init]
+    static ProductType getMasterDeviceType(); ///< [init]
+    static bool isGuestCore();                ///< [init] queries the platform only if a Zeb box is connected
+    static std::vector<std::string> getListOfCores(); ///< [init] returns the devices that an update covers
+    static std::vector<std::string> getListOfVerifiers(); ///< [init] returns getListOfCores()
+    static bool isSecondDeviceConnected();                ///< [init]
+    static bool isGenuineTV();                            ///< as reported by the platform
+    static bool isGenuineZeb();                           ///< as reported by the platform
 
-    /// Whether the screen has 540 lines. Does not throw: false when the platform does not answer.
+    /// Returns true if the screen has 540 lines. Returns false, and does not throw, if the service fails.
     static bool isScreenRatioFitNeeded();
 
-    // Software, in ProductVersion.cpp. If the platform's text has no '-', these throw GenericException; if
-    // the version is not numeric, boost::bad_lexical_cast (except getVersionString, which does not parse it).
-    // Major and minor are modulo 65536.
+    // Software, in ProductVersion.cpp. The model and version functions throw GenericException if the
+    // platform's text has no '-', and, except getVersionString, boost::bad_lexical_cast if the version is not
+    // numeric. Major and minor are modulo 65536. The Varik version and date are constants.
 
-    static std::string getModelString();                      ///< initialised
-    static std::string getVersionString();                    ///< initialised; "major.minor"
-    static std::uint16_t getMainSoftwareVersionMajor();       ///< initialised
-    static std::uint16_t getMainSoftwareVersionMinor();       ///< initialised
-    static std::string getMainSoftwareVersionDate();          ///< initialised
-    static std::string getSubmicomVersion();                  ///< initialised
-    static boost::filesystem::path getPartitionTxtFilePath(); ///< initialised
+    static std::string getModelString();                      ///< [init]
+    static std::string getVersionString();                    ///< [init] "major.minor"
+    static std::uint16_t getMainSoftwareVersionMajor();       ///< [init]
+    static std::uint16_t getMainSoftwareVersionMinor();       ///< [init]
+    static std::string getMainSoftwareVersionDate();          ///< [init]
+    static std::string getSubmicomVersion();                  ///< [init]
+    static boost::filesystem::path getPartitionTxtFilePath(); ///< [init]
 
-    /// The Varik facts throw UnproperProductException on a Zeb box.
-    static std::string getVarikModelString();            ///< initialised
-    static std::string getVarikSoftwareVersionDate();    ///< initialised
-    static std::uint16_t getVarikSoftwareVersionMajor(); ///< initialised
-    static std::uint16_t getVarikSoftwareVersionMinor(); ///< initialised
+    /// The Varik functions throw UnproperProductException on a Zeb box.
+    static std::string getVarikModelString();            ///< [init]
+    static std::string getVarikSoftwareVersionDate();    ///< [init]
+    static std::uint16_t getVarikSoftwareVersionMajor(); ///< [init]
+    static std::uint16_t getVarikSoftwareVersionMinor(); ///< [init]
 
-    /// model with its last 'H' replaced by 'B'. Throws GenericException when there is none.
+    /// Returns model with its last 'H' replaced by 'B'. Throws GenericException if it contains no 'H'.
     static std::string getVarikModelFromCorvanModel(const std::string& model);
 
-    // Paths and sizes (bytes), in ProductPaths.cpp; all initialised. The paths need not exist. The
-    // flash-device and file-system roots are empty strings, because all paths are absolute. If the platform
-    // does not know a directory, that part of the path is missing; getUSBMountPath is then empty.
+    // Paths and sizes (bytes), in ProductPaths.cpp; all [init]. The paths need not exist. The flash-device
+    // and file-system roots are empty strings, because all paths are absolute. If the platform does not know
+    // a directory, that part of the path is missing; getUSBMountPath is then empty.
 
     static std::string getFlashDeviceRootPath();
     static std::string getNerixPartitionPath();
@@ -105,10 +105,9 @@ public:
     static boost::filesystem::path getSystemUsrBinPath();
     static boost::filesystem::path getBackupPath();
 
-    // Emulated facts of development devices, in ProductEmulation.cpp; all initialised. Stored in one file;
-    // see EmulatedInfo.h, also for exceptions. Getters return boost::none if there is no file. Getters of
-    // numbers and of the zone throw boost::bad_lexical_cast if the entry is not a number or a single
-    // character.
+    // Emulated facts of development devices, in ProductEmulation.cpp; all [init]. Stored in one file; see
+    // EmulatedInfo.h, also for exceptions. Getters return boost::none if there is no file. Getters of numbers
+    // and of the zone throw boost::bad_lexical_cast if the entry is not a number or a single character.
 
     /// The keys of the entries.
     static constexpr const char* EMULATED_MODEL_STRING_KEY = "ModelString";
@@ -135,23 +134,22 @@ public:
     static boost::optional<std::string> getEmulatedSubmicomVersion();
     static boost::optional<std::string> getEmulatedQorlServiceID();
 
-    /// Deletes the file; no failure when there is none. Throws boost::filesystem::filesystem_error when it
-    /// cannot be deleted.
+    /// Deletes the file if it exists. Throws boost::filesystem::filesystem_error if it cannot be deleted.
     static void removeEmulationInfo();
 
 private:
-    static const ProductSpecificInfo& info(); ///< initialised
+    static const ProductSpecificInfo& info(); ///< [init]
 
     static ProductSpecificInfo m_productSpecificInfo;
     static ProductType m_productType;
-    static bool m_isZebConnected; ///< never set yet: how a Zeb box is detected is open
+    static bool m_isZebConnected; ///< always false: detection of a Zeb box is not implemented
 };
 
-/// The text that the platform reports for the software of this device: "model-major.minor". Initialised.
+/// [init] Returns the platform's text for the software of this device: "model-major.minor".
 std::string getSWVersionString();
 
-/// The parts of getSWVersionString(), split at its last '-'; major and minor modulo 65536. Throws
-/// GenericException when there is no '-', and what NerixCommonUtils::parseVersion throws. Initialised.
+/// [init] Splits getSWVersionString() at its last '-'; major and minor are modulo 65536. Throws
+/// GenericException if there is no '-', and the exceptions of NerixCommonUtils::parseVersion.
 void getParsedModelAndVersion(std::string& model, std::uint16_t& major, std::uint16_t& minor);
 
 } // namespace Nerix::Platform

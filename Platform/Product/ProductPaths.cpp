@@ -57,17 +57,17 @@ std::uint64_t IProductInfo::getNerixSmallTempStorageMaxSize() {
 }
 
 boost::filesystem::path IProductInfo::getSystemUsrAppsROPath() {
-    const boost::filesystem::path root = getFileSystemRootPath(); // throws before the platform is asked
+    const boost::filesystem::path root = getFileSystemRootPath(); // throws first if uninitialized
     return root / PlatformInternal::getSystemUsrAppsROPath();
 }
 
 boost::filesystem::path IProductInfo::getSystemUsrBinPath() {
-    const boost::filesystem::path root = getFileSystemRootPath(); // throws before the platform is asked
+    const boost::filesystem::path root = getFileSystemRootPath(); // throws first if uninitialized
     return root / PlatformInternal::getSystemUsrBinPath();
 }
 
 boost::filesystem::path IProductInfo::getBackupPath() {
-    const boost::filesystem::path root = getFileSystemRootPath(); // throws before the platform is asked
+    const boost::filesystem::path root = getFileSystemRootPath(); // throws first if uninitialized
     return root / PlatformInternal::getBackupPath();
 }
 

@@ -4,9 +4,9 @@
 
 namespace Nerix::Platform {
 
-/// What kind of device this is.
+/// The type of the device.
 enum ProductType : std::int32_t {
-    UNDEFINED_PRODUCT = 0, ///< not initialised
+    UNDEFINED_PRODUCT = 0, ///< not initialized
     TV_PRODUCT = 1,
     ZEB_PRODUCT = 2,    ///< the second kind of device, which can be attached to a television
     DEFAULT_PRODUCT = 3 ///< valid only for initializeProduct, which treats it as TV_PRODUCT
