@@ -31,8 +31,8 @@ struct Entry {
     std::string value;
 };
 
-/// Reads the next entry; none at end of file. place is the file's path, for messages.
-boost::optional<Entry> readEntry(std::istream& file, const path& place) {
+/// Returns the next entry, or boost::none at the end of the file. filePath is for messages.
+boost::optional<Entry> readEntry(std::istream& file, const path& filePath) {
     std::string line;
     if (!std::getline(file, line)) {
         return boost::none;
@@ -42,14 +42,14 @@ boost::optional<Entry> readEntry(std::istream& file, const path& place) {
     entry.key = line.substr(0, colon);
     if (entry.key.empty()) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoKey.")
-                                                 << errinfo_path(place));
+                                                 << errinfo_path(filePath));
     }
     if (colon != std::string::npos) {
         entry.value = line.substr(colon + 1, line.find(':', colon + 1) - colon - 1);
     }
     if (entry.value.empty()) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_description("Failed getting emulatedInfoValue.")
-                                                 << errinfo_path(place));
+                                                 << errinfo_path(filePath));
     }
     return entry;
 }
@@ -62,7 +62,7 @@ void writeEntry(std::ostream& file, const Entry& entry) {
     BOOST_THROW_EXCEPTION(GenericException() << errinfo_description(description) << errinfo_string(text));
 }
 
-/// Throws for a key or value that could not be read back, before anything is created or changed.
+/// Throws if the key or value could not be read back.
 void throwIfNotStorable(const Entry& entry) {
     for (const std::string& text : {entry.key, entry.value}) {
         if (text.empty() || text.find('\n') != std::string::npos) {
@@ -77,7 +77,7 @@ void throwIfNotStorable(const Entry& entry) {
     }
 }
 
-/// Writes the file's entries without those of key, and the new one at the end.
+/// Copies the entries of `from` to `to`, except those with the key of `added`, then appends `added`.
 void rewrite(const path& from, const path& to, const Entry& added) {
     std::ifstream old = Common::Utils::filesystem::openRegularFile(from);
     std::ofstream rewritten = Common::Utils::filesystem::openRegularFileToWrite(to);

@@ -4,29 +4,31 @@
 
 #include <string>
 
-/// The file of emulated facts, for development devices: lines "key:value", with neither part empty. Anything
-/// after a second ':' is ignored, and dropped when the file is rewritten. Meant for one tester process at a
-/// time.
+/// Reads and writes the file of emulated facts, for development devices: lines "key:value", with neither part
+/// empty. Anything after a second ':' is ignored, and dropped when the file is rewritten. Only one process at
+/// a time may use it.
 ///
-/// All functions need the product to be initialised and log a warning that they are for debugging. They throw
-/// GenericException. If the file cannot be used or has a malformed line, it carries a description and the
-/// path; if a key or value is invalid or missing, a text.
+/// All functions log a warning that they are for debugging. All but breakIfProductionAndNotDebug throw
+/// ProductUninitializedException before IProductInfo::initializeProduct. Other failures are GenericExceptions
+/// with these entries: description and path if the file cannot be used or has a malformed line; description
+/// and text (errinfo_string) if a key or value is invalid; text and path if the key is missing.
 namespace Nerix::Platform {
 
-/// The value of the first entry with this key; nothing when there is no file. Throws when an existing file
-/// has no such entry, and for a line without key or value that stands before it.
+/// Returns the value of the first entry with this key, or boost::none if there is no file. Throws if the file
+/// has no such entry, or if a line before it lacks a key or value.
 boost::optional<std::string> getEmulatedInfoValue(const std::string& key);
 
 /// Appends the entry, replacing an earlier one with the same key; creates the file if necessary. The new
 /// content is written to "helper.txt" in the same directory, which then replaces the file. After a failure
-/// helper.txt may remain; if only the rename failed, the entries exist only there. Throws for a line of the
-/// file without key or value, and, with nothing created, for a key or value that is empty or holds a line
-/// break, a key with a ':' and a value that begins with one: none of them could be read back.
+/// helper.txt may remain; if only the rename failed, the entries exist only there.
 ///
-/// A ':' inside a value is stored like any character, but ends the value for whoever reads it.
+/// Throws if a line of the file has no key or value. Throws before creating anything if the key or value is
+/// empty or contains a line break, the key contains ':' or the value begins with ':'. A later ':' in the
+/// value is stored, but getEmulatedInfoValue returns only the part before it.
 void setEmulatedInfoValue(const std::string& key, const std::string& value);
 
-/// Creates an empty file, and its directory (one level) if missing. Failures surface when the file is used.
+/// Creates the file, empty, and its directory (one level), if the file does not exist. Failures surface when
+/// the file is used.
 void ensureEmulatedInfoFileExists();
 
 /// Logs a warning that the calling function is for debugging only.
