@@ -6,13 +6,13 @@
 
 namespace Nerix::Platform {
 
-/// A product fact was requested before IProductInfo::initializeProduct.
+/// Reports that a product fact was requested before IProductInfo::initializeProduct.
 class ProductUninitializedException : public virtual boost::exception, public virtual std::exception {};
 
-/// The request does not apply to this type of product.
+/// Reports that the request does not apply to this type of product.
 class UnproperProductException : public virtual boost::exception, public virtual std::exception {};
 
-/// The platform's system-information service failed; carries errinfo_description.
+/// Reports that the platform's system-information service failed. Contains errinfo_description.
 class SystemInfoAPIInternalProblemException : public virtual boost::exception,
                                               public virtual std::exception {};
 

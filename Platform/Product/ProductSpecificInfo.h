@@ -5,8 +5,8 @@
 
 namespace Nerix::Platform {
 
-/// Where the update package keeps its files on one type of product, and how much it may keep. Sizes are
-/// in bytes.
+/// Contains the paths of the update package's files on one type of product, and the maximum sizes of its
+/// storage in bytes.
 struct ProductSpecificInfo {
     std::string root;
     std::string flashDeviceRootPath;
@@ -30,8 +30,8 @@ struct ProductSpecificInfo {
 
 namespace PlatformInternal {
 
-/// The record of a television (true) or of a Zeb box (false). Each call asks the platform for
-/// its directories.
+/// Returns the paths and sizes for a television (true) or a Zeb box (false). Queries the platform's
+/// directories at each call.
 ProductSpecificInfo getProductSpecificInfo(bool isTV);
 
 } // namespace PlatformInternal

@@ -32,7 +32,8 @@ std::string readVersion(SystemInformation::Key key, const boost::source_location
                                            "Unable to read SW version from system-info", where);
 }
 
-/// Position of the last dash. If there is none, throws and names the calling function.
+/// Returns the position of the last dash. If there is none, logs and throws GenericException; both name
+/// `caller`.
 std::size_t lastDash(const std::string& version, const std::string& caller) {
     const std::size_t dash = version.rfind('-');
     if (dash == std::string::npos) {
@@ -112,7 +113,7 @@ boost::filesystem::path IProductInfo::getPartitionTxtFilePath() {
 
 namespace {
 
-/// For the facts that only a television has.
+/// Throws UnproperProductException on a Zeb box.
 void throwIfZeb() {
     if (IProductInfo::getDeviceType() == ZEB_PRODUCT) {
         BOOST_THROW_EXCEPTION(UnproperProductException());
@@ -127,14 +128,14 @@ std::string IProductInfo::getVarikModelString() {
 }
 
 std::string IProductInfo::getVarikModelFromCorvanModel(const std::string& model) {
-    const std::size_t place = model.rfind('H');
-    if (place == std::string::npos) {
+    const std::size_t position = model.rfind('H');
+    if (position == std::string::npos) {
         BOOST_THROW_EXCEPTION(
             GenericException() << errinfo_stream(
                 "Can't figure out Varik model string. Corvan model string does not have 'H': ", model));
     }
     std::string varikModel = model;
-    varikModel[place] = 'B';
+    varikModel[position] = 'B';
     return varikModel;
 }
 

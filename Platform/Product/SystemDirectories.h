@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// The platform's directories. Directories from the platform's path configuration are looked up at each call;
-/// if one is missing, a warning is logged and an empty string returned.
+/// Returns the platform's directories. Looks up those from the path configuration at each call; if one is
+/// missing, logs a warning and returns an empty string.
 namespace Nerix::Platform::PlatformInternal {
 
 std::string getSystemRWPath();

@@ -9,8 +9,8 @@
 
 #include <string>
 
-/// The facts that the package asks the platform's system-information service for. Nothing is cached. Returns
-/// boost::none if the service fails.
+/// Reads facts from the platform's system-information service. The package does not cache them. The read
+/// functions return boost::none if the service fails.
 namespace Nerix::Platform::SystemInformation {
 
 enum Key {

@@ -14,7 +14,8 @@ using Common::Utils::errinfo_stream;
 
 namespace {
 
-/// Logs before it builds the exception: the log has the failure even if nobody catches it.
+/// Logs the failure and returns the exception to throw. Logs first, so that the failure is on record even if
+/// the exception is not caught.
 IVConf::VConfException loggedFailure(const char* call, const std::string& key) {
     const std::string text = std::string(call) + " failed while trying to access key: " + key;
     NERIX_LOG(WRN, "%s", text.c_str());
@@ -24,7 +25,7 @@ IVConf::VConfException loggedFailure(const char* call, const std::string& key) {
 }
 
 struct FreeDeleter {
-    void operator()(char* text) const { std::free(text); } // the store's malloc
+    void operator()(char* text) const { std::free(text); } // the store allocated it with malloc
 };
 
 } // namespace

@@ -7,16 +7,16 @@
 
 namespace Nerix::Platform {
 
-/// Typed access to the platform's settings store. Keys are passed on as they are; each call asks the store
-/// once, nothing is cached or retried. A failure is logged at WRN with the key, then thrown. Any thread
-/// may call.
+/// Provides typed access to the platform's settings store. Passes keys on unchanged. Each call makes one call
+/// to the store; nothing is cached or retried. A failure is logged at WRN with the key, then thrown.
+/// Thread-safe.
 class IVConf {
 public:
-    /// The store refused. Carries the text of the log line and, except from getString, the store's return
-    /// code (errinfo_errorcode).
+    /// Reports that a call to the store failed. Contains the text of the log line (errinfo_stream) and,
+    /// except from getString, the store's return code (errinfo_errorcode).
     class VConfException : public virtual std::exception, public virtual boost::exception {};
 
-    /// The getters throw VConfException also when the key is missing or holds a value of another type.
+    /// The getters also throw VConfException if the key is missing or its value has another type.
     static int getInt(const std::string& key);
     static double getDouble(const std::string& key);
     static std::string getString(const std::string& key);
