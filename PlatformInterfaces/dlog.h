@@ -15,8 +15,8 @@ enum DlogPriority {
     DLOG_PRIORITY_FATAL = 7
 };
 
-/// Appends one record. The text is made from a printf format. A negative result is the only sign that the
-/// record was not written. Any thread may call.
+/// Appends one record, whose text is formatted like that of printf. Returns a negative number if the record
+/// could not be written. Thread-safe.
 int __dlog_print(int buffer, int priority, const char* tag, const char* format, ...)
     __attribute__((format(printf, 4, 5)));
 }

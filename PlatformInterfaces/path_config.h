@@ -3,7 +3,7 @@
 /// The platform's path configuration: directories under numeric variable ids.
 extern "C" {
 
-/// The directory, or null when the platform has none for this variable. The text lives until the process
-/// ends. Any thread may call.
+/// Returns the directory, or null if the platform has none for this variable. The string is valid until the
+/// process ends. Thread-safe.
 const char* path_config_get(int variable);
 }
