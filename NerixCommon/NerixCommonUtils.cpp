@@ -18,7 +18,8 @@ namespace Nerix::NerixCommon {
 
 namespace {
 
-/// What boost::lexical_cast does in the classic locale. In others it takes separators between digits, too.
+/// Parses text like boost::lexical_cast<int> in the classic locale. In other locales, lexical_cast also
+/// accepts digit separators.
 int strictInt(const std::string& text) {
     std::size_t begin = 0;
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
