@@ -14,7 +14,7 @@ std::string escapeOf(char byte) {
     return "\\x" + hexadecimal(static_cast<unsigned char>(byte), 2);
 }
 
-/// Returns true if the character needs no escape whatever comes before and after it.
+/// Returns true if the character needs no escape, regardless of its neighbours.
 bool isAlwaysPlain(char character) {
     return character >= ' ' && character <= '~' && character != '\\';
 }
@@ -55,10 +55,10 @@ std::string escapedExcept(char kept, const std::string& text) {
             result.pop_back(); // both bytes form one control character, so the first is escaped too
             result += escapeOf('\xC2');
             result += escapeOf(character);
-        } else if (const std::size_t place = named.find(character);
-                   place != std::string_view::npos && character != kept) {
+        } else if (const std::size_t position = named.find(character);
+                   position != std::string_view::npos && character != kept) {
             result += '\\';
-            result += letters[place];
+            result += letters[position];
         } else if (byte < 0x20 || byte == 0x7F || (isC1(byte) && before < 0x80)) {
             result += escapeOf(character);
         } else {
@@ -75,8 +75,8 @@ std::pair<char, std::size_t> decodeOne(std::string_view text) {
     constexpr std::string_view letters = "nrt\\";
     constexpr std::string_view named = "\n\r\t\\";
     if (text[0] == '\\' && text.size() > 1) {
-        if (const std::size_t place = letters.find(text[1]); place != std::string_view::npos) {
-            return {named[place], 2};
+        if (const std::size_t position = letters.find(text[1]); position != std::string_view::npos) {
+            return {named[position], 2};
         }
         const auto byte = byteFromHexadecimal(text.substr(2));
         if (text[1] == 'x' && byte) {

@@ -10,7 +10,8 @@ namespace Nerix::Common {
 /// characters are:
 ///
 /// - bytes below 0x20, and 0x7f
-/// - C1 bytes (0x80 to 0x9f) at the beginning and after 0xc2, an ASCII byte or an escaped byte
+/// - C1 bytes (0x80 to 0x9f) at the beginning of the text, after an ASCII byte or after an escaped byte
+/// - the UTF-8 forms of U+0080 to U+009F (0xc2 and a C1 byte)
 /// - the UTF-8 forms of U+202A to U+202E and U+2066 to U+2069, which change the direction of text
 std::string escaped(const std::string& text);
 
