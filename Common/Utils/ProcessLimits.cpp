@@ -11,8 +11,8 @@
 namespace Nerix::Common::Utils {
 
 void adaptToProcessLimits() {
-    constexpr int manyHeaps = 8;
-    const int cores = static_cast<int>(std::clamp(::sysconf(_SC_NPROCESSORS_ONLN), 1L, long{manyHeaps}));
+    constexpr int maxHeaps = 8;
+    const int cores = static_cast<int>(std::clamp(::sysconf(_SC_NPROCESSORS_ONLN), 1L, long{maxHeaps}));
     rlimit space{};
     const bool isLimited = ::getrlimit(RLIMIT_AS, &space) == 0 && space.rlim_cur != RLIM_INFINITY;
     ::mallopt(M_ARENA_MAX, isLimited ? 1 : cores);
