@@ -9,7 +9,7 @@
 namespace Nerix::Common::Utils {
 
 /// Base of every service in the SingletonsRegister. A service derives from it publicly, has a default
-/// constructor, and hides requirements() with its own if it needs other services.
+/// constructor unless a factory creates it, and hides requirements() with its own if it needs other services.
 class RegisterableSingleton : private boost::noncopyable {
 public:
     virtual ~RegisterableSingleton() = default;

@@ -37,7 +37,7 @@ private:
 /// A user's handle to a registered service, returned by SingletonsRegister::getService.
 ///
 /// The handle does not keep the service alive; a SingletonServiceGuard must do that. While the handle exists,
-/// its user name is in the list of the service's users, and destroying the service is a fatal assertion whose
+/// its user name is in the list of the service's users, and destroying the service fails an assertion whose
 /// message contains that list.
 template <class T>
 class SingletonPointer : private boost::noncopyable {

@@ -38,7 +38,7 @@ SingletonsRegister::Item SingletonsRegister::create(SingletonsID id,
                                                     const std::list<SingletonsID>& requirements,
                                                     const Factory& factory) {
     NERIX_LOG_STREAM(INF) << "Creating : singleton id: " << id;
-    // Without the map mutex, because a constructor may take long and may use registered services.
+    // Without the map mutex, because a constructor may take a long time and may use registered services.
     auto item = boost::make_shared<SRegisterItem>(factory(), id, requirements);
     const Lock map(m_mapMutex);
     m_items[id] = item;

@@ -30,7 +30,8 @@ boost::shared_ptr<RegisterableSingleton> standardFactoryFunction() {
 /// as long as any declaration is in force, and is destroyed before the services that it requires.
 ///
 /// Scopes declare a need with a SingletonServiceGuard; users access a service with getService. Thread-safe.
-/// Misuse, except an empty factory, is a fatal assertion. Apart from std::bad_alloc, only factories throw.
+/// Misuse fails an assertion, except that an empty factory throws std::bad_function_call. Otherwise, apart
+/// from std::bad_alloc, only factories throw.
 class SingletonsRegister : private boost::noncopyable {
 public:
     using Factory = std::function<boost::shared_ptr<RegisterableSingleton>()>;
@@ -40,8 +41,8 @@ public:
 
     /// Declares a need for the service T under id, and creates it if it does not exist. Asserts that the
     /// services that T requires are registered. Exceptions from the factory propagate; the service is then
-    /// not registered. The factory must not be empty (std::bad_function_call) and must not return null.
-    /// Factories run one at a time and may use the register.
+    /// not registered. The factory must not be empty and must not return null. Factories run one at a time
+    /// and may use the register.
     template <class T>
     void markNeeded(SingletonsID id) {
         markNeeded<T>(id, standardFactoryFunction<T>);
@@ -88,8 +89,9 @@ private:
 
     std::map<SingletonsID, Item> m_items;
 
-    // Locked in this order, and then the mutex of an item. Recursive, because markNeeded recurses into
-    // requirements and factories may use the register.
+    // Locked in this order, and then the mutex of an item. m_operationsMutex is recursive because factories
+    // and services being destroyed may use the register; m_mapMutex because functions that hold it call find
+    // and checkRequirements, which lock it.
     mutable boost::recursive_mutex m_operationsMutex; ///< serializes creation and destruction
     mutable boost::recursive_mutex m_mapMutex;        ///< guards m_items
 };
