@@ -10,7 +10,7 @@
 
 namespace Nerix::Common::IO {
 
-/// Holds what the HashSinks of one thread share: a user entry in the singleton registry, the last digest
+/// Holds what the HashSinks of one thread share: a user entry in the SingletonsRegister, the last digest
 /// fetched, and a spare context. Without a session, each sink registers itself, fetches its digest and
 /// creates a context. This costs more than hashing a short text, and concurrent threads contend for the locks
 /// of the register. A thread may have one session at a time. Destroy it on that thread, after its sinks.

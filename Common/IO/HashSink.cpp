@@ -17,8 +17,8 @@ namespace {
 
 const std::string userName = "<unknown>";
 
-/// Registers a user of OpenSSLInit: the thread's session if there is one, otherwise the sink. Returns the
-/// sink's handle, which is empty if the session has one.
+/// Registers a user of OpenSSLInit: the thread's session if there is one, otherwise the sink. Returns a
+/// handle for the sink, which is empty if there is a session.
 Utils::SingletonPointer<OpenSSLInit> useOpenSSL() {
     if (DigestSession* const session = DigestSession::current()) {
         session->registerUser();

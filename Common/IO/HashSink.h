@@ -14,8 +14,9 @@
 
 namespace Nerix::Common::IO {
 
-/// Computes a message digest of the data written to it, using the crypto library. Asserts that the singletons
-/// register contains an OpenSSLInit, which must outlive the sink. Destroy the sink on the creating thread.
+/// Computes a message digest of the data written to it, using the crypto library. Asserts that the
+/// SingletonsRegister contains an OpenSSLInit, which must outlive the sink. Destroy the sink on the creating
+/// thread.
 class HashSink final : public ISink, public boost::noncopyable, public Utils::IDebugName {
 public:
     /// Starts the digest that the crypto library calls digestName ("md5", "sha1", ...). Throws

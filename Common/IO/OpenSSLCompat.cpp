@@ -30,7 +30,8 @@ DigestContext makeDigestContext() {
 }
 
 Digest fetchDigest(const std::string& name) {
-    // EVP_get_digestbyname accepts more spellings than EVP_MD_fetch, and rejects "null".
+    // EVP_get_digestbyname accepts more spellings than EVP_MD_fetch. Unlike it, it rejects "null", a digest
+    // that computes nothing.
     const EVP_MD* const named = EVP_get_digestbyname(name.c_str());
     return Digest(named == nullptr ? nullptr : EVP_MD_fetch(nullptr, EVP_MD_get0_name(named), nullptr));
 }

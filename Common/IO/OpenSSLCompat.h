@@ -5,10 +5,10 @@
 #include <memory>
 #include <string>
 
-/// Hides the differences between versions of OpenSSL. Since 1.1 the library does its own locking: it
-/// never calls the locking and thread-id callbacks, and setting them is a no-op macro. The callbacks are
-/// therefore stored here, so that they can be queried. A build for 1.0 would pass them to the library, and
-/// would look up digests instead of fetching them.
+/// Hides the differences between versions of OpenSSL. Since 1.1 the library does its own locking: it never
+/// calls the locking and thread-id callbacks, and setting them is a no-op macro. The callbacks are therefore
+/// stored here, so that they can be queried. This implementation needs 3.0. One for 1.0 would pass the
+/// callbacks to the library; one for 1.0 or 1.1 would look up digests instead of fetching them.
 namespace Nerix::Common::IO::OpenSSLCompat {
 
 /// The identity of a thread, as set by a thread-id callback.

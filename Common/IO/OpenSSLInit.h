@@ -11,7 +11,7 @@
 namespace Nerix::Common::IO {
 
 /// Sets up the crypto library for several threads: creates a mutex for each of its lock numbers, and installs
-/// the callbacks that lock them and identify threads. The singleton registry contains it under
+/// the callbacks that lock them and identify threads. The SingletonsRegister contains it under
 /// SINGLETON_OPENSSL_INITIALIZER as long as there is a ProgramSession.
 class OpenSSLInit : public Utils::RegisterableSingleton {
 public:
@@ -31,7 +31,7 @@ private:
     std::vector<std::unique_ptr<boost::mutex>> m_locks;
 };
 
-/// Locks or unlocks mutex n of the OpenSSLInit in the singleton registry. Asserts that there is one.
+/// Locks or unlocks mutex n of the OpenSSLInit in the SingletonsRegister. Asserts that there is one.
 void lockingCallback(int mode, int n, const char* file, int line);
 
 /// Stores the id of the calling thread in *id.
