@@ -1,6 +1,6 @@
 // Each buffer, main and system, has an spdlog logger; NERIX_HOST_LOG selects its sink. A file is written in
-// batches (BatchingSink): records stay in memory until the batch is full, a warning is logged, a second has
-// passed (flushEachSecond), or the process ends (end).
+// batches (BatchingSink): records stay in memory until the batch is full, a warning is logged, a setting is
+// written (SettingsStore), a second has passed (flushEachSecond), or the process ends (end).
 
 #include "HostPlatform/SystemLog.h"
 
@@ -35,7 +35,7 @@ void reportOnce(const std::string& failure) {
     }
 }
 
-/// True if this thread's last write failed. Set by the error handler, which spdlog calls on the same thread.
+/// True if the last write of this thread failed. Set by the error handler, which spdlog calls on that thread.
 thread_local bool lastWriteFailed = false;
 
 enum class Kind { file, syslog, standardError, nowhere };
@@ -114,8 +114,8 @@ char letterOf(int priority) {
 
 } // namespace
 
-SystemLog::SystemLog(bool isInMemory) {
-    const Kind kind = isInMemory ? Kind::nowhere : chosenKind();
+SystemLog::SystemLog(bool discardsRecords) {
+    const Kind kind = discardsRecords ? Kind::nowhere : chosenKind();
     m_main = makeLogger(kind, "main");
     m_system = makeLogger(kind, "system");
     if (kind != Kind::file) {

@@ -27,12 +27,12 @@ namespace Nerix::Platform::Host {
 /// Thread-safe.
 class SystemLog {
 public:
-    /// Drops all records if isInMemory (see HostState.h); otherwise reads NERIX_HOST_LOG.
-    explicit SystemLog(bool isInMemory);
+    /// Reads NERIX_HOST_LOG, unless all records are to be discarded.
+    explicit SystemLog(bool discardsRecords);
 
     /// Writes a record. For buffer and priority see PlatformInterfaces/dlog.h; any buffer but
-    /// DLOG_BUFFER_MAIN counts as the system buffer. Returns false if writing fails; the first failure is
-    /// reported on standard error.
+    /// DLOG_BUFFER_MAIN counts as the system buffer. Returns false if writing fails during the call. A
+    /// delayed line can fail later. The first failure is reported on standard error.
     bool write(int buffer, int priority, const char* tag, const std::string& text);
 
     /// Writes the delayed lines.
