@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -29,21 +30,25 @@ std::optional<fs::path> absoluteFromEnvironment(const char* name) {
     return path && path->is_absolute() ? path : std::nullopt;
 }
 
-/// Returns what() without the system's message at its end.
-std::string reasonOf(const std::system_error& failure) {
-    const std::string text = failure.what();
-    const std::string message = ": " + failure.code().message();
-    return text.substr(0, text.rfind(message));
-}
+/// A std::system_error whose message ends with advice to the user.
+class FailureWithRemedy : public std::system_error {
+public:
+    explicit FailureWithRemedy(const std::system_error& failure)
+        : std::system_error(failure),
+          m_message(failure.what() + std::string("; set NERIX_PLATFORM_HOME to a directory of your own")) {}
+    const char* what() const noexcept override { return m_message.what(); }
 
-/// Returns the result of find. Adds to its error what the user can do.
+private:
+    std::runtime_error m_message; // a string whose copy constructor does not throw
+};
+
+/// Returns the result of find. If find throws, adds advice to the message.
 template <class Find>
 fs::path withRemedy(Find find) {
     try {
         return find();
     } catch (const std::system_error& failure) {
-        throw std::system_error(failure.code(),
-                                "set NERIX_PLATFORM_HOME to a directory of your own; " + reasonOf(failure));
+        throw FailureWithRemedy(failure);
     }
 }
 

@@ -12,8 +12,9 @@
 ///
 /// All functions create the directory, with mode 0700 (see PrivateDirectory.h). They throw std::system_error
 /// if it cannot be created, if other users could write to or replace it, or if there is no home directory.
-/// The message names the directory and suggests setting NERIX_PLATFORM_HOME if that variable is not set. If
-/// /dev/shm/nerix-<uid> is unusable, the durable directory is used instead and a warning logged. Thread-safe.
+/// The message names the directory and, except for "log" itself, suggests setting NERIX_PLATFORM_HOME if that
+/// variable is not set. If /dev/shm/nerix-<uid> is unusable, the durable directory is used instead and a
+/// warning logged. Thread-safe.
 namespace Nerix::Platform::Host {
 
 std::filesystem::path durableDirectory();

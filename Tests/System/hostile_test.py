@@ -139,8 +139,9 @@ class Hostile(SystemTest):
         is_open = " /mnt/open is writable by other users"
         for reason, variables in (
                 ("ead-only file system", {"NERIX_PLATFORM_HOME": "/mnt/read-only/home"}),
-                ("set NERIX_PLATFORM_HOME to a directory of your own; cannot create directory /mnt/read-only/.local: "
-                 "Read-only file system", {"HOME": "/mnt/read-only", "XDG_RUNTIME_DIR": "/mnt/read-only"}),
+                ("cannot create directory /mnt/read-only/.local: Read-only file system; "
+                 "set NERIX_PLATFORM_HOME to a directory of your own",
+                 {"HOME": "/mnt/read-only", "XDG_RUNTIME_DIR": "/mnt/read-only"}),
                 (is_open, {"NERIX_PLATFORM_HOME": "/mnt/open"}), (is_open, {"XDG_STATE_HOME": "/mnt/open"}),
                 (is_open, {"NERIX_PLATFORM_HOME": "/mnt/open/inner"}),
                 (" /mnt/group must belong to this user and be writable by nobody else",
