@@ -172,11 +172,11 @@ void replaceFile(const fs::path& temporary, const fs::path& path, bool isSynced)
         if (::unlink(temporary.c_str()) == 0) {
             return;
         }
-        const int error = errno; // the old one is a directory
+        const int error = errno; // EISDIR if a directory has the name of the setting
         ::renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_EXCHANGE);
         fail(error);
     }
-    // Or the setting is new, or the file system cannot exchange names.
+    // Reached if the write is synced, the setting is new, or the file system cannot exchange names.
     if (::rename(temporary.c_str(), path.c_str()) != 0) {
         fail(errno);
     }
@@ -239,11 +239,11 @@ auto DirectoryBackend::attempt(const std::string& what, Step step) {
 
 std::optional<std::string> DirectoryBackend::get(std::string_view key) {
     return attempt("read '" + std::string(key) + "'", [&] {
-        const std::optional<fs::path> place = directoryToRead();
-        if (!place) {
+        const std::optional<fs::path> directory = directoryToRead();
+        if (!directory) {
             return std::optional<std::string>();
         }
-        const fs::path file = *place / fileNameOf(key);
+        const fs::path file = *directory / fileNameOf(key);
         m_location = file.string();
         return checkedContentOf(file);
     });

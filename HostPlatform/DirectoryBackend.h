@@ -37,7 +37,7 @@ private:
     std::filesystem::path directory();
 
     /// Does the same for reading. Returns nullopt if the directory is missing and cannot be created because
-    /// the file system is read-only: it holds no setting.
+    /// the file system is read-only; there are then no settings.
     std::optional<std::filesystem::path> directoryToRead();
 
     /// Returns the keys of all files, in byte order.

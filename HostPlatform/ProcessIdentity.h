@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// Identifies the process that wrote something, so that a reader can check whether it still runs.
+/// Identifies the process that wrote something, so that a reader can check whether it is still running.
 namespace Nerix::Platform::Host::ProcessIdentity {
 
 /// Returns the identity of this process in one line: boot id, process-id namespace, process id and start

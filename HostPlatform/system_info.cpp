@@ -17,7 +17,7 @@ namespace {
 
 const std::string section = "system_info";
 
-/// Stores the value that find returns in *value; copies a string with malloc. Returns 0 or an errno value.
+/// Stores the result of find in *value; a string as a copy made with malloc. Returns 0 or an errno value.
 template <class Find, class Value>
 int lookUp(Find find, Value* value) {
     return withoutExceptions([&] {
