@@ -15,32 +15,34 @@ class ParametersArchive;
 
 namespace Nerix::Common {
 
-/// Switches with which testers change the update package's behaviour on a device: one set per process, read
-/// from "DebugAndTestParameters.xml" in the product's data directory; see ParametersArchive.h for its form.
+/// Holds switches with which testers change the update package's behaviour on a device. There is one set per
+/// process, read from "DebugAndTestParameters.xml" in the product's data directory; see ParametersArchive.h
+/// for the format.
 ///
-/// A file that is missing or malformed never stops the program: the built-in values, or what was read before
-/// the fault, stay in force and a warning is logged. Loaded on the main thread before other threads exist,
-/// and only read after that; there are no locks.
+/// A missing or malformed file never stops the program: a warning is logged, and the fields that were not
+/// read keep their values. Not thread-safe: load and change it on the main thread, before other threads
+/// exist.
 class DebugAndTestParameters {
 public:
-    /// The first call reads the file; later ones only log a warning. callerName is for telemetry and changes
-    /// nothing. Throws ProductUninitializedException before IProductInfo::initializeProduct.
+    /// Reads the file on the first call; later calls only log a warning. callerName is not used. Throws
+    /// ProductUninitializedException before IProductInfo::initializeProduct.
     static void loadDebugAndTestParameters(const std::string& callerName);
 
-    /// Whether loadDebugAndTestParameters has been called, successfully or not.
+    /// Returns true if loadDebugAndTestParameters has returned, whether or not the file could be read.
     static bool loaded();
 
-    /// The process's set. Throws GenericException before loadDebugAndTestParameters.
+    /// Returns the parameters of the process. Throws GenericException before loadDebugAndTestParameters.
     static DebugAndTestParameters& getDebugAndTestParameters();
 
-    /// Reads the file again; false when it could not be read whole. Throws GenericException before the
-    /// first load.
+    /// Reads the file again. Returns false if it could not be read completely. Throws GenericException before
+    /// the first load.
     bool reload();
 
-    /// Writes the file. Throws ProductUninitializedException as above; any other failure is logged.
+    /// Writes the file. Throws ProductUninitializedException like loadDebugAndTestParameters; any other
+    /// failure is logged.
     void save() const;
 
-    /// Where the file is. Throws ProductUninitializedException as above.
+    /// Returns the path of the file. Throws ProductUninitializedException like loadDebugAndTestParameters.
     static std::string getConfigFilePath();
 
     bool isNoRebootFlag() const { return m_noRebootFlag; }
@@ -82,21 +84,21 @@ public:
     const std::string& getResumeDataBackupDirectory() const { return m_resumeDataBackupDirectory; }
     void setResumeDataBackupDirectory(const std::string& value) { m_resumeDataBackupDirectory = value; }
 
-    /// Named values chosen by the tester. Returns boost::none, or defaultValue, if the name is not set. Each
-    /// lookup is logged at DBG. A bool is stored as a nonzero int.
+    /// Named values chosen by the tester. The getters return boost::none, or defaultValue, if the name is not
+    /// set. Each lookup is logged at DBG. A bool is stored as the int 0 or 1; any nonzero int counts as true.
     boost::optional<int> getCustomIntParam(const std::string& name) const;
     int getCustomIntParam(const std::string& name, int defaultValue) const;
     boost::optional<bool> getCustomBoolParam(const std::string& name) const;
     bool getCustomBoolParam(const std::string& name, bool defaultValue) const;
 
-    /// An empty value removes the name.
+    /// Sets the value, or removes the name if value is boost::none.
     void setCustomIntParam(const std::string& name, boost::optional<int> value);
     void setCustomBoolParam(const std::string& name, boost::optional<bool> value);
 
 private:
     friend class Nerix::ParametersArchive;
 
-    /// Visits everything, in the order of the file.
+    /// Visits all fields in file order.
     template <class Self, class Visitor>
     static void visit(Self& self, Visitor& visitor) {
         visitor("telemetryEnabled", self.m_telemetryEnabled);
@@ -156,8 +158,7 @@ private:
 /// Calls DebugAndTestParameters::getDebugAndTestParameters.
 DebugAndTestParameters& getDebugAndTestParameters();
 
-/// Loads nothing: throws GenericException before the first load, and only logs a warning after it. The path
-/// is not used.
+/// Throws GenericException before the first load, otherwise only logs a warning. The path is not used.
 void loadDebugAndTestParameters(const boost::filesystem::path& path);
 
 } // namespace Nerix::Common

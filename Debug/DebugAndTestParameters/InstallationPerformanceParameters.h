@@ -7,23 +7,24 @@
 
 namespace Nerix {
 
-/// How a transactional write is forced to happen. The values are defined by the storage layer; this class
-/// only stores them.
+/// The mode that transactional writes are forced to use. The storage layer defines the values;
+/// InstallationPerformanceParameters only stores them.
 enum class ETransactionalRewriteMode : std::int32_t {};
 
-/// Tuning values of the update installation, for the other programs of the package: here they are only read
-/// and written. Sizes are in bytes. If an optional value is unset, its consumer chooses. One copy lives in
-/// the DebugAndTestParameters and is read and written with them; see ParametersArchive.h for the XML form. No
-/// locks: one thread at a time, or readers only.
+/// Holds tuning values for the installation of updates. The programs here only load and save them. Sizes are
+/// in bytes. If an optional value is unset, its user chooses one. DebugAndTestParameters contains one copy,
+/// which is loaded and saved with it; see ParametersArchive.h for the XML format. Not thread-safe, except for
+/// concurrent reads.
 class InstallationPerformanceParameters {
 public:
-    /// The built-in values.
+    /// Returns the built-in values.
     static const InstallationPerformanceParameters& getDefaultParameters();
 
-    /// Reads the object from an XML file of its own. A failure is logged; what was read before it stays.
+    /// Reads the parameters from a separate XML file. If that fails, logs a warning and keeps the fields read
+    /// before the failure.
     void load(const std::string& path);
 
-    /// Writes the object to an XML file of its own. A failure is logged.
+    /// Writes the parameters to a separate XML file. If that fails, logs a warning.
     void save(const std::string& path) const;
 
     boost::optional<std::uint32_t> getFlashStreamBufferSize() const { return m_flashStreamBufferSize; }
@@ -82,7 +83,7 @@ public:
     void setNumberOfMBUCommandProcessedAtOnce(std::uint32_t value) {
         m_numberOfMBUCommandProcessedAtOnce = value;
     }
-    // These two are stored under different names.
+    // Stored as mbuCreateFileCommandsPerSecond and mbuDeleteFileCommandsPerSecond.
     float getMBUProcessedCommandsPerSecond() const { return m_mbuCreateFileCommandsPerSecond; }
     void setMBUProcessedCommandsPerSecond(float value) { m_mbuCreateFileCommandsPerSecond = value; }
     float getMBUVerifiedCommandsPerSecond() const { return m_mbuDeleteFileCommandsPerSecond; }
@@ -150,7 +151,7 @@ private:
     float m_verificationScale = 0.2F;
 };
 
-/// The copy inside the loaded debug-and-test parameters; throws as Common::getDebugAndTestParameters does.
+/// Returns the copy in the loaded DebugAndTestParameters. Throws like Common::getDebugAndTestParameters.
 InstallationPerformanceParameters& getInstallationPerformanceParameters();
 
 } // namespace Nerix

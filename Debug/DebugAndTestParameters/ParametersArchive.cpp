@@ -1,7 +1,7 @@
-// The files are archives of Boost.Serialization, but Boost's own code covers only part of the format.
-// XmlReader checks element names strictly. StoredOptional is an optional value with its version numbers.
-// Object is an element with fields: ParametersArchive::visit names the fields in order, and FieldReader or
-// FieldWriter handles each of them.
+// The files are archives of Boost.Serialization, but Boost does not check element names strictly and may
+// write the new form of an optional value. So XmlReader checks the names, and StoredOptional stores an
+// optional value with its version numbers. Object is an element with fields: ParametersArchive::visit names
+// the fields in order, and FieldReader or FieldWriter handles each of them.
 
 #include "Debug/DebugAndTestParameters/ParametersArchive.h"
 
@@ -32,8 +32,8 @@
 
 namespace Nerix {
 
-/// Boost's XML reader, but with an element-name check of our own: Boost's reads past the end of the expected
-/// name when the name in the file is longer.
+/// Boost's XML reader with our own check of element names. Boost's check reads past the end of the expected
+/// name if the name in the file is longer.
 class XmlReader : public boost::archive::xml_iarchive_impl<XmlReader> {
 public:
     explicit XmlReader(std::istream& stream)
@@ -87,7 +87,7 @@ namespace Nerix {
 using boost::serialization::make_nvp;
 
 /// Reads the element into value. The library would read "-1" into an unsigned number as its largest value, so
-/// those are read as wider, signed ones.
+/// unsigned numbers are read as wider signed ones.
 template <class Archive, class Value>
 void readValue(Archive& archive, const char* name, Value& value) {
     if constexpr (std::is_same_v<Value, std::uint32_t>) {
@@ -102,7 +102,8 @@ void readValue(Archive& archive, const char* name, Value& value) {
     }
 }
 
-/// Writes the element, unless it could not be read back: the library writes infinity and NaN as words.
+/// Writes the element. Throws std::range_error for infinity and NaN, which the library would write as words
+/// and could not read back.
 template <class Archive, class Value>
 void writeValue(Archive& archive, const char* name, const Value& value) {
     if constexpr (std::is_floating_point_v<Value>) {
@@ -120,7 +121,7 @@ void writeValue(Archive& archive, const char* name, const Value& value) {
         archive_exception(archive_exception::unsupported_class_version, what));
 }
 
-/// An optional value as it is stored. Class version 0, which is written, has an item version; version 1
+/// An optional value in its stored form. Class version 0, which is written, has an item version; version 1
 /// has none.
 template <class Value>
 struct StoredOptional {
@@ -170,7 +171,7 @@ class FieldReader {
 public:
     explicit FieldReader(XmlReader& archive) : m_archive(archive) {}
 
-    // A field keeps its old value until its element is read whole.
+    // A field other than a nested object keeps its old value until its element has been read completely.
     template <class Field>
     void operator()(const char* name, Field& field) {
         Field read{};

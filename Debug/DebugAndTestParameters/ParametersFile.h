@@ -5,15 +5,15 @@
 #include <sstream>
 #include <string>
 
-/// Parameters in a file of their own.
+/// Saves parameters to a separate file.
 namespace Nerix::ParametersFile {
 
 /// Overwrites the file in place, keeping owner, mode and hard links. Throws std::system_error; the file may
 /// then be truncated.
 void write(const std::string& path, const std::string& text);
 
-/// Writes the parameters' XML form into the file. Throws like write; also like ParametersArchive::write, in
-/// which case the file is unchanged.
+/// Writes the XML form of the parameters to the file. Throws the exceptions of write, and those of
+/// ParametersArchive::write, which leave the file unchanged.
 template <class Parameters>
 void save(const std::string& path, const Parameters& parameters) {
     // Via a string: an archive throws from its destructor if its stream fails.
