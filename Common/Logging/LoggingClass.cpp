@@ -47,6 +47,7 @@ constexpr LevelLayout layouts[] = {
     {LoggingClass::ERR, "ERR", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_WARNING, "[%s][%s][%u][ERR] %s"},
     {LoggingClass::FTL, "FTL", DLOG_BUFFER_SYSTEM, DLOG_PRIORITY_FATAL, "[%s][%s][%u][FTL] %s"},
 };
+// Records of an unknown level are marked INF, with the priority ERROR.
 constexpr LevelLayout otherLayout = {LoggingClass::NONE, "UNKNOWN LEVEL", DLOG_BUFFER_SYSTEM,
                                      DLOG_PRIORITY_ERROR, "[%s][%s][%u][INF] %s"};
 

@@ -130,7 +130,8 @@ boost::filesystem::path removePathPrefix(const boost::filesystem::path& path,
     }
     boost::filesystem::path result("/");
     for (auto element = rest; element != path.end(); ++element) {
-        if (*element != "/") { // the root is left only after an empty prefix; the result has one already
+        // The root is left only if the prefix is empty; the result already begins with it.
+        if (*element != "/") {
             result /= *element;
         }
     }

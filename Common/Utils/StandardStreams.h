@@ -9,7 +9,8 @@ namespace Nerix::Common::Utils {
 /// be written into that file. Also ignores SIGPIPE and SIGXFSZ, so that a write fails instead of killing the
 /// process. Call it before anything opens a file.
 ///
-/// Returns false, after printing the reason to standard error, if that fails; the program must then exit.
+/// Returns false, after printing the reason to standard error, if /dev/null cannot be opened; the program
+/// must then exit.
 bool secureStandardStreams();
 
 /// Writes text to standard output and flushes it. On failure, throws GenericException with the reason.

@@ -7,9 +7,9 @@ namespace Nerix::Common::Utils {
 
 namespace {
 
-// strerror_r exists in two forms. GNU's returns the text, which may be outside the buffer; the one of POSIX
-// fills the buffer and returns a code. The type
-// of that result selects the overload of messageOf, which returns the text.
+// strerror_r has two forms. The GNU form returns the text, which may be outside the buffer; the POSIX form
+// fills the buffer and returns a code. The type of the result selects the overload of messageOf, which
+// returns the text.
 [[maybe_unused]] const char* messageOf(const char* text, const char*) {
     return text;
 }
