@@ -139,7 +139,7 @@ hash_t Walk::run() {
         ReportQueue::Entries root(1);
         m_queue.begin(root);
         while (!m_reporter.result()) {
-            step();
+            takeTurn();
         }
     } catch (...) {
         passOn();
@@ -147,7 +147,7 @@ hash_t Walk::run() {
     return *m_reporter.result();
 }
 
-void Walk::step() {
+void Walk::takeTurn() {
     switch (m_queue.next()) {
     case ReportQueue::Turn::report:
         m_reporter.reportFinished();

@@ -49,7 +49,7 @@ private:
     class WorkerSupply;
     class HelperSupply;
 
-    void step();
+    void takeTurn();
     void examineAhead();
     void examineFront();
     void examine(QueuedEntry& entry);
