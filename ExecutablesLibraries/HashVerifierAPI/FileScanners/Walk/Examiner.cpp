@@ -192,7 +192,7 @@ void Examiner::fail(Lane& lane) noexcept {
 
 std::string pathOf(const QueuedEntry& entry) {
     const std::string& directory = entry.parent->input->path.native();
-    const char* const name = entry.parent->listing->names[entry.name];
+    const char* const name = entry.parent->listing->names[entry.nameIndex];
     std::string path;
     path.reserve(directory.size() + 1 + std::char_traits<char>::length(name));
     path.append(directory).append(directory.back() == '/' ? 0 : 1, '/').append(name);
@@ -210,10 +210,10 @@ Judgement identify(QueuedEntry& entry, const WalkScope& scope) {
 }
 
 void list(QueuedEntry& entry, const WalkScope& scope) {
-    constexpr std::size_t maxNamesAhead = 16384;
+    constexpr std::size_t maxNamesPerDirectoryAhead = 16384;
     if (entry.scanner == &scope.directoryScanner) {
         entry.listing = std::make_unique<Listing>(
-            Names(entry.input->path, entry.isAhead ? maxNamesAhead : Names::unlimited));
+            Names(entry.input->path, entry.isAhead ? maxNamesPerDirectoryAhead : Names::unlimited));
     }
 }
 

@@ -72,14 +72,14 @@ private:
 } // namespace
 
 ThreadPlan planThreads(std::size_t lanes) {
-    constexpr std::size_t leastPerHelper = 2; // the content of one file, a directory that is listed
+    constexpr std::size_t minDescriptorsPerHelper = 2; // the content of one file, a directory that is listed
     const std::size_t available = availableDescriptors();
     const std::size_t cores = std::min<std::size_t>(availableCores(), maxThreads);
     const boost::optional<std::size_t> requested = requestedThreads();
     const std::size_t wanted = requested.value_or(cores > 1 ? std::max<std::size_t>(cores, 4) : 1);
-    const std::size_t threads = std::min(wanted, 1 + available / leastPerHelper);
+    const std::size_t threads = std::min(wanted, 1 + available / minDescriptorsPerHelper);
     return {threads, std::min(threads, requested.value_or(cores)), std::min(threads, cores),
-            std::clamp<std::size_t>(available / threads, leastPerHelper, lanes + 1) - 1};
+            std::clamp<std::size_t>(available / threads, minDescriptorsPerHelper, lanes + 1) - 1};
 }
 
 bool RunningTime::wasMostlyWaiting() {
@@ -102,7 +102,7 @@ Helpers::~Helpers() {
 void Helpers::start(const ThreadPlan& plan, std::function<void()> work) {
     m_work = std::move(work);
     m_count = plan.threads - 1;
-    startUpTo(plan.threadsAtOnce - 1);
+    startUpTo(plan.initialThreads - 1);
 }
 
 void Helpers::startFurtherIfWaiting() {

@@ -21,7 +21,7 @@ class ReportQueue;
 
 struct ThreadPlan {
     std::size_t threads;          ///< of the walk, the worker included
-    std::size_t threadsAtOnce;    ///< of these, those that start once the root was examined
+    std::size_t initialThreads;   ///< of these, those that start once the root was examined
     std::size_t cores;            ///< that these threads can use
     std::size_t entriesPerThread; ///< that each of them examines at a time
 };

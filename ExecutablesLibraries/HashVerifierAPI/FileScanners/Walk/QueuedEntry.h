@@ -51,7 +51,7 @@ struct QueuedEntry : boost::intrusive::list_base_hook<> {
     std::list<QueuedEntry>::iterator place;
     QueuedEntry* parent = nullptr; ///< the containing directory; null for the root
     std::size_t depth = 0;         ///< below the root, which is 0
-    std::size_t name = 0;          ///< its number among the parent's names
+    std::size_t nameIndex = 0;     ///< its number among the parent's names
 
     std::optional<FileInput> input;
     const IFileScanner* scanner = nullptr;

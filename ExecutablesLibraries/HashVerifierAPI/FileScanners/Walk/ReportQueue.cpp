@@ -165,7 +165,7 @@ QueuedEntry& ReportQueue::takeName(QueuedEntry& directory, Entries& unused) {
     entry.place = unused.begin();
     entry.parent = &directory;
     entry.depth = directory.depth + 1;
-    entry.name = directory.listing->next++;
+    entry.nameIndex = directory.listing->next++;
     entry.isAhead = true;
     ++directory.listing->inQueue;
     --m_namesLeft;

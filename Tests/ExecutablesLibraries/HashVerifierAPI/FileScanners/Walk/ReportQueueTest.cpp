@@ -51,7 +51,9 @@ protected:
         ReportQueue::Entries finished;
         queue.takeFinished(finished, none);
         std::string names;
-        for (const QueuedEntry& entry : finished) { names += entry.parent == nullptr ? "root" : std::to_string(entry.name); }
+        for (const QueuedEntry& entry : finished) {
+            names += entry.parent == nullptr ? "root" : std::to_string(entry.nameIndex);
+        }
         return names;
     }
 
@@ -74,7 +76,7 @@ TEST_F(ReportQueueTest, EntriesAreReportedInTheirOrderWhateverTheOrderOfExaminat
             theQueue.settle(*entries[index], State::examined, none);
             ReportQueue::Entries finished;
             theQueue.takeFinished(finished, none);
-            for (const QueuedEntry& entry : finished) { reported.push_back(entry.parent == nullptr ? 4 : entry.name); }
+            for (const QueuedEntry& entry : finished) { reported.push_back(entry.parent == nullptr ? 4 : entry.nameIndex); }
         }
         EXPECT_EQ(reported, (std::vector<std::size_t>{0, 1, 2, 3, 4})) << "examined " << testing::PrintToString(order);
     } while (std::next_permutation(order.begin(), order.end()));
