@@ -39,8 +39,8 @@ public:
             return;
         }
         copyTo(sizeof step.value, room);
-        m_run = m_copied;
-        m_runBlocks = 1;
+        m_span = m_copied;
+        m_spanBlocks = 1;
     }
 
     /// Goes on to the next run. Returns false after the last one.
@@ -48,19 +48,19 @@ public:
         if (m_isPadded) {
             return false;
         }
-        m_runBlocks = m_left / blockSize;
-        if (m_runBlocks == 0) {
+        m_spanBlocks = m_left / blockSize;
+        if (m_spanBlocks == 0) {
             endWith(0);
             return true;
         }
-        m_run = m_data;
-        m_data += m_runBlocks * blockSize;
-        m_left -= m_runBlocks * blockSize;
+        m_span = m_data;
+        m_data += m_spanBlocks * blockSize;
+        m_left -= m_spanBlocks * blockSize;
         return true;
     }
 
-    const std::uint8_t* run() const { return m_run; }
-    std::size_t runBlocks() const { return m_runBlocks; }
+    const std::uint8_t* span() const { return m_span; }
+    std::size_t spanBlocks() const { return m_spanBlocks; }
 
 private:
     void copyTo(std::size_t offset, std::size_t length) {
@@ -75,12 +75,12 @@ private:
     void endWith(std::size_t used) {
         const std::size_t end = used + m_left;
         copyTo(used, m_left);
-        m_runBlocks = end + 1 + sizeof m_bits <= blockSize ? 1 : 2;
-        const std::size_t bitsAt = m_runBlocks * blockSize - sizeof m_bits;
+        m_spanBlocks = end + 1 + sizeof m_bits <= blockSize ? 1 : 2;
+        const std::size_t bitsAt = m_spanBlocks * blockSize - sizeof m_bits;
         m_copied[end] = 0x80;
         std::memset(m_copied + end + 1, 0, bitsAt - end - 1);
         std::memcpy(m_copied + bitsAt, &m_bits, sizeof m_bits);
-        m_run = m_copied;
+        m_span = m_copied;
         m_isPadded = true;
     }
 
@@ -88,8 +88,8 @@ private:
     std::size_t m_left = 0;               ///< bytes of it
     std::uint64_t m_bits = 0;             ///< length of the message
     bool m_isPadded = false;              ///< whether this is the last run
-    const std::uint8_t* m_run = nullptr;
-    std::size_t m_runBlocks = 0;
+    const std::uint8_t* m_span = nullptr;
+    std::size_t m_spanBlocks = 0;
     std::uint8_t m_copied[2 * blockSize];
 };
 
@@ -110,7 +110,7 @@ public:
             if (m_busyCount == 1 && lane.isAtBegin) {
                 takeWholeStep(lane);
             } else {
-                compressShortestRun();
+                compressShortestSpan();
             }
         }
     }
@@ -154,14 +154,14 @@ private:
         for (std::size_t word = 0; word != 4; ++word) {
             m_states.words[word][index] = initialState[word];
         }
-        takeRun(index);
+        takeSpan(index);
         ++m_busyCount;
         return true;
     }
 
-    void takeRun(std::size_t index) {
-        m_begins[index] = m_lanes[index].message.run();
-        m_blocks[index] = m_lanes[index].message.runBlocks();
+    void takeSpan(std::size_t index) {
+        m_begins[index] = m_lanes[index].message.span();
+        m_blocks[index] = m_lanes[index].message.spanBlocks();
     }
 
     Lane& anyBusyLane() {
@@ -181,20 +181,20 @@ private:
         finish(lane, m_function.apply(lane.step.value, lane.step.length, lane.step.data));
     }
 
-    void compressShortestRun() {
+    void compressShortestSpan() {
         std::size_t blocks = SIZE_MAX;
         std::size_t used = 0;
-        const std::uint8_t* anyRun = nullptr;
+        const std::uint8_t* anySpan = nullptr;
         for (std::size_t index = 0; index != m_implementation.count; ++index) {
             if (m_lanes[index].state == State::busy) {
                 blocks = std::min(blocks, m_blocks[index]);
                 used = index + 1;
-                anyRun = m_begins[index];
+                anySpan = m_begins[index];
             }
         }
         for (std::size_t index = 0; index != m_implementation.count; ++index) {
             if (m_lanes[index].state != State::busy) {
-                m_begins[index] = anyRun; // computed, too, and ignored
+                m_begins[index] = anySpan; // computed, too, and ignored
             }
         }
         m_implementation.compress(m_states, m_begins, blocks, used);
@@ -214,7 +214,7 @@ private:
             return;
         }
         if (lane.message.advance()) {
-            takeRun(index);
+            takeSpan(index);
         } else {
             finish(lane, valueOf(m_states, index));
         }
@@ -234,10 +234,10 @@ private:
 } // namespace
 
 void Md5Hash::applyChains(ChainSource& source) const {
-    if (m_lanes.count == 0) {
+    if (m_implementation.count == 0) {
         OpenSSLHash::applyChains(source);
     } else {
-        Lanes(*this, m_lanes, source).run();
+        Lanes(*this, m_implementation, source).run();
     }
 }
 

@@ -10,13 +10,14 @@ namespace Nerix::HashFunctions {
 class Md5Hash final : public OpenSSLHash {
 public:
     /// lanes: what computes chains; implementation() for the best that the processor has.
-    explicit Md5Hash(Md5Lanes::Implementation lanes) : OpenSSLHash("md5"), m_lanes(lanes) {}
+    explicit Md5Hash(Md5Lanes::Implementation implementation)
+        : OpenSSLHash("md5"), m_implementation(implementation) {}
 
-    std::size_t lanes() const override { return m_lanes.count == 0 ? 1 : m_lanes.count; }
+    std::size_t lanes() const override { return m_implementation.count == 0 ? 1 : m_implementation.count; }
     void applyChains(ChainSource& source) const override;
 
 private:
-    const Md5Lanes::Implementation m_lanes;
+    const Md5Lanes::Implementation m_implementation;
 };
 
 } // namespace Nerix::HashFunctions

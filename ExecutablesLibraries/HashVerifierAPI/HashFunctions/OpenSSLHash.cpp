@@ -35,8 +35,8 @@ OpenSSLHash::OpenSSLHash(const std::string& digestName) : m_digestName(digestNam
 
 hash_t OpenSSLHash::apply(hash_t value, unsigned int length, const char* data) const {
     Common::IO::HashSink sink(m_digestName);
-    const auto chain = littleEndian(value);
-    sink.writeChunk(chain.data(), chain.size());
+    const auto oldValue = littleEndian(value);
+    sink.writeChunk(oldValue.data(), oldValue.size());
     sink.writeChunk(reinterpret_cast<const std::uint8_t*>(data), length);
     const hash_t result = fold(sink.getHash());
     StepObserver::report(length);

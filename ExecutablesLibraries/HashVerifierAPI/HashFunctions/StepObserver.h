@@ -42,12 +42,12 @@ public:
     }
 
 protected:
-    StepObserver() : m_former(m_current) { m_current = this; }
-    ~StepObserver() { m_current = m_former; }
+    StepObserver() : m_previous(m_current) { m_current = this; }
+    ~StepObserver() { m_current = m_previous; }
 
 private:
     static inline thread_local StepObserver* m_current = nullptr;
-    StepObserver* const m_former;
+    StepObserver* const m_previous;
 };
 
 } // namespace Nerix::HashFunctions
