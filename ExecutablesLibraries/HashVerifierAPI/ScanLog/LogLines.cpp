@@ -12,7 +12,7 @@ namespace {
 
 /// Exceeds the longest record. Most of that are the names of an entry's attributes: 64 KiB if '&' precedes no
 /// byte, with a value for every seventh byte or fewer.
-constexpr std::size_t longestLine = 524288;
+constexpr std::size_t maxLineSize = 524288;
 constexpr std::size_t blockSize = 65536;
 
 } // namespace
@@ -70,7 +70,7 @@ bool LogLines::next() {
     }
     while (end == std::string::npos) {
         const std::size_t searched = m_bytes.size();
-        if (searched > longestLine) {
+        if (searched > maxLineSize) {
             throwError("line " + std::to_string(m_number + 1) + " is longer than any scan record");
         }
         if (!readMore()) {

@@ -68,7 +68,7 @@ std::optional<std::uint64_t> valueIn(const std::string& text) {
     return isValue ? std::optional<std::uint64_t>(value) : std::nullopt;
 }
 
-bool takeBlank(std::string_view& text) {
+bool takeSpace(std::string_view& text) {
     if (text.empty() || text.front() != ' ') {
         return false;
     }
@@ -94,7 +94,7 @@ bool takeContentOrTarget(std::string_view& text, RecordDetails& details) {
         return content.has_value();
     }
     if (details.kind == "link") {
-        std::optional<std::string> target = takeBlank(text) ? takeQuotedFact(text) : std::nullopt;
+        std::optional<std::string> target = takeSpace(text) ? takeQuotedFact(text) : std::nullopt;
         if (target) {
             details.facts.target = std::move(*target);
         }
@@ -104,7 +104,7 @@ bool takeContentOrTarget(std::string_view& text, RecordDetails& details) {
 }
 
 bool takeAttributes(std::string_view& text, RecordDetails& details) {
-    while (takeBlank(text)) {
+    while (takeSpace(text)) {
         std::optional<std::string> name = takeQuotedFact(text);
         const std::optional<std::uint64_t> value = valueIn(takeWord(text));
         std::vector<EntryFacts::Attribute>& attributes = details.facts.attributes;

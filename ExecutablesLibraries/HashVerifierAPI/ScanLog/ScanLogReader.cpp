@@ -36,7 +36,7 @@ ScanLogReader::ScanLogReader(const std::string& file) : m_lines(file) {
 ScanLogReader::ScanLogReader(std::string name, Common::File file)
     : m_lines(std::move(name), std::move(file)) {
     m_lines.next();
-    readHeader();
+    parseHeader();
     m_root = m_header->root;
     m_parser.trustDetails();
 }
@@ -47,7 +47,7 @@ void ScanLogReader::throwErrorInLine(const char* reason) const {
 
 void ScanLogReader::rewind() {
     m_lines.rewind();
-    m_recordNumber = 0;
+    m_lastLineNumber = 0;
     m_isEnded = false;
     if (m_header) {
         m_lines.next();
@@ -96,20 +96,20 @@ bool ScanLogReader::nextOfFile() {
 bool ScanLogReader::nextOfSystemLog() {
     auto state = State::complete; // no record has begun
     bool isInRecord = false;
-    std::size_t lastPiece = 0; // the bytes of the piece before
+    std::size_t lastPieceSize = 0; // the bytes of the piece before
     while (!(isInRecord && state == State::complete) && nextLineOfRun()) {
         const SystemLogLine& line = *m_systemLogLine;
         if (isInRecord) {
             // A long record is cut into pieces. Logs of older versions also cut it at its line feeds, which
             // were left out.
-            state = lastPiece == Common::Logging::LoggingClass::maxMessageLength ? State::open
-                                                                                 : m_parser.append("\n");
+            state = lastPieceSize == Common::Logging::LoggingClass::maxMessageLength ? State::open
+                                                                                     : m_parser.append("\n");
             state = state == State::open ? m_parser.append(line.text) : state;
-            lastPiece = line.text.size();
+            lastPieceSize = line.text.size();
         } else if (const std::string_view record = recordIn(line.text); !record.empty()) {
             isInRecord = true;
             state = m_parser.begin(record);
-            lastPiece = line.text.size();
+            lastPieceSize = line.text.size();
         }
         if (state == State::damaged) {
             throwErrorInLine(" holds a damaged record");
@@ -127,12 +127,13 @@ bool ScanLogReader::nextLineOfRun() {
         if (!m_systemLogLine || m_systemLogLine->thread != m_run || m_lines.number() < m_runBegin) {
             continue;
         }
-        if (m_lines.number() == 1 || (m_recordNumber != 0 && m_systemLogLine->number != m_recordNumber + 1)) {
+        if (m_lines.number() == 1 ||
+            (m_lastLineNumber != 0 && m_systemLogLine->number != m_lastLineNumber + 1)) {
             m_lines.throwError("is incomplete: records are missing before line " +
                                std::to_string(m_lines.number()) +
                                "; the system log was probably rotated. Use scan --log to keep all records");
         }
-        m_recordNumber = m_systemLogLine->number;
+        m_lastLineNumber = m_systemLogLine->number;
         return true;
     }
     return false;
@@ -141,7 +142,7 @@ bool ScanLogReader::nextLineOfRun() {
 void ScanLogReader::detectFormat() {
     while (!m_isSystemLog && m_lines.next()) {
         if (m_lines.number() == 1 && ScanLogHeader::isHeader(m_lines.line())) {
-            readHeader();
+            parseHeader();
             return;
         }
         if (m_lines.number() == 1 && ScanRecordParser::beginsRecord(m_lines.line())) {
@@ -157,7 +158,7 @@ void ScanLogReader::detectFormat() {
     findLastRun();
 }
 
-void ScanLogReader::readHeader() {
+void ScanLogReader::parseHeader() {
     m_header = ScanLogHeader::parse(m_lines.line());
     if (!m_header) {
         m_lines.throwError("has a header that is damaged or of another version");

@@ -47,7 +47,7 @@ private:
     bool nextOfSystemLog();
     bool nextLineOfRun();
     void detectFormat();
-    void readHeader();
+    void parseHeader();
     void findLastRun();
     void check();
 
@@ -59,10 +59,10 @@ private:
     ScanRecordParser m_parser;
     bool m_isSystemLog = false;
     std::optional<SystemLogLine> m_systemLogLine; ///< the current line, in a system log
-    std::string m_run;                ///< the thread field of the last run's records, in a system log
-    std::uint64_t m_runBegin = 0;     ///< the line of its first record
-    std::uint64_t m_recordNumber = 0; ///< of the run's last line that was read; 0 for none
-    std::optional<bool> m_hasDetails; ///< whether the records have details; nothing before the first
+    std::string m_run;                  ///< the thread field of the last run's records, in a system log
+    std::uint64_t m_runBegin = 0;       ///< the line of its first record
+    std::uint64_t m_lastLineNumber = 0; ///< of the run's last line that was read; 0 for none
+    std::optional<bool> m_hasDetails;   ///< whether the records have details; nothing before the first
     std::string m_root;
 };
 

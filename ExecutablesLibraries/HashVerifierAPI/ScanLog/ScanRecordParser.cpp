@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t valueLength = 16;
 constexpr std::size_t pathBegin = valueLength + 2; ///< after the value, a blank and the quote
-constexpr std::size_t longestPath = 4096;
+constexpr std::size_t maxPathSize = 4096;
 
 } // namespace
 
@@ -43,7 +43,7 @@ ScanRecordParser::State ScanRecordParser::append(std::string_view text) {
         }
         const std::size_t special = text.find_first_of("\"&");
         m_record.path.append(text, 0, special);
-        if (m_record.path.size() > longestPath) {
+        if (m_record.path.size() > maxPathSize) {
             return State::damaged;
         }
         if (special == std::string_view::npos) {
