@@ -9,7 +9,7 @@ namespace Nerix {
 /// lost but the run continues; the caller should check its state afterwards.
 struct ScanLogStream {
     std::ostream* stream;
-    bool hasDetails; ///< append recordDetails to each record
+    bool hasFacts; ///< append recordDetails to each record
 };
 
 } // namespace Nerix

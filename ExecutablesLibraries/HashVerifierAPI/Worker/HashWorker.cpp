@@ -258,7 +258,7 @@ void HashWorker::record(const FileInput& entry, unsigned long long value, const 
         return;
     }
     std::string record = scanRecord(value, path);
-    if (m_scanLog.hasDetails) {
+    if (m_scanLog.hasFacts) {
         record += recordDetails(entry.status, facts);
     }
     *m_scanLog.stream << record << '\n';

@@ -113,7 +113,7 @@ public:
     void log(const FileInput& entry, unsigned long long value, const EntryFacts* facts);
 
     /// Returns true if the records of the current run contain facts, so scanners should collect them.
-    bool recordsFacts() const { return m_scanLog.hasDetails; }
+    bool recordsFacts() const { return m_scanLog.hasFacts; }
 
     /// Scanners call this with the failure of an entry that could not be read. Returns true if the run goes
     /// on without the entry, and ends with "ERROR" later; see RunOptions::onUnreadable.
