@@ -108,7 +108,7 @@ HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashName
     PublishedState::begin();
     try {
         PublishedState::progress(PublishedState::noProgress);
-        m_scanLog = options != nullptr ? options->scanLog : openDrive();
+        m_scanLog = options != nullptr ? options->scanLog : openLogOnDrive();
         launch();
     } catch (...) {
         shutdown(PublishedState::errorResult); // otherwise watchers would wait forever
@@ -141,7 +141,7 @@ void HashWorker::prepare(const FileInput& root, const std::string& hashName) {
     m_readFailure = nullptr;
 }
 
-ScanLogStream HashWorker::openDrive() {
+ScanLogStream HashWorker::openLogOnDrive() {
     m_logFile = openScanLog();
     return {m_logFile.is_open() ? &m_logFile : nullptr, false};
 }

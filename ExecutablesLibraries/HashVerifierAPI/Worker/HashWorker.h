@@ -147,7 +147,7 @@ private:
 
     HashWorker& begin(const FileInput& root, const std::string& hashName, const RunOptions* options);
     void prepare(const FileInput& root, const std::string& hashName);
-    ScanLogStream openDrive();
+    ScanLogStream openLogOnDrive();
     void launch();
     void record(const FileInput& entry, unsigned long long value, const EntryFacts* facts) const;
     void scan();
