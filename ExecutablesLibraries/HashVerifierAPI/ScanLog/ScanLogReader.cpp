@@ -152,8 +152,8 @@ void ScanLogReader::detectFormat() {
         m_isSystemLog = SystemLogLine::parse(m_lines.line()).has_value();
     }
     if (!m_isSystemLog) {
-        m_lines.throwError(
-            "is not a scan log: it begins neither with a scan record nor with a system-log line");
+        m_lines.throwError("is not a scan log: it does not begin with a header or a scan record, and "
+                           "contains no system-log line");
     }
     findLastRun();
 }
