@@ -14,7 +14,7 @@ namespace {
 
 using State = QueuedEntry::State;
 
-/// The examiner counts the steps itself. Content is read as long as the walk goes on.
+/// Ignores steps and read errors, which the examiner records itself. Stops reading if the walk ends.
 class Observer final : public HashFunctions::StepObserver {
 public:
     explicit Observer(EntrySupply& supply) : m_supply(supply) {}
@@ -36,14 +36,14 @@ struct Examiner::Lane {
     StepSizes steps;                       ///< not yet delivered
     unsigned long long undelivered = 0;    ///< bytes of these steps
     unsigned int stepLength = 0;           ///< of the step in progress
-    IHashFunction::hash_t* fact = nullptr; ///< for which the step in progress is; null if for the entry
+    IHashFunction::hash_t* fact = nullptr; ///< computed by the step in progress; null if it is for the entry
     IHashFunction::hash_t value = 0;       ///< the entry's value during a step for a fact
     EntryTexts::Buffer buffer;
 };
 
 Examiner::Examiner(EntrySupply& supply, const WalkScope& scope)
     : m_supply(supply), m_scope(scope), m_laneCount(scope.function.lanes()) {
-    // Many lanes share the processor's cache; a single one makes fewer system calls with a large buffer.
+    // Many lanes share the processor's cache; with a single one, a large buffer saves system calls.
     const std::size_t bufferSize = m_laneCount == 1 ? 131072 : 32768;
     for (std::size_t index = 0; index != m_laneCount; ++index) {
         m_lanes.push_back(std::make_unique<Lane>(bufferSize));
@@ -83,7 +83,7 @@ bool Examiner::next(std::size_t index, Step& step) {
     return false;
 }
 
-/// Ends a step of the lane's entry and begins the next one. Returns false after the last, when the entry is
+/// Ends a step of the lane's entry and begins the next one. Returns false after the last; the entry is then
 /// settled.
 bool Examiner::proceed(Lane& lane, Step& step) {
     try {
@@ -92,7 +92,7 @@ bool Examiner::proceed(Lane& lane, Step& step) {
             if (beginFactStep(lane, step)) {
                 return true;
             }
-        } else { // the same text again, for a fact
+        } else { // the step that ended was for a fact: store its value and restore the entry's
             *std::exchange(lane.fact, nullptr) = std::exchange(step.value, lane.value);
         }
         if (beginStep(lane, step)) {
@@ -109,7 +109,7 @@ bool Examiner::proceed(Lane& lane, Step& step) {
     return false;
 }
 
-/// Begins a step over the text of the last one, for a fact. Returns false if there is none.
+/// Begins a step over the same text for a fact. Returns false if the text is not that of a fact.
 bool Examiner::beginFactStep(Lane& lane, Step& step) {
     if (!lane.entry->facts) {
         return false;
@@ -122,7 +122,7 @@ bool Examiner::beginFactStep(Lane& lane, Step& step) {
     return true;
 }
 
-/// Returns false if the entry has no further text.
+/// Begins a step over the entry's next text. Returns false if there is none.
 bool Examiner::beginStep(Lane& lane, Step& step) {
     std::string_view text;
     if (!lane.texts->next(text)) {
@@ -134,7 +134,7 @@ bool Examiner::beginStep(Lane& lane, Step& step) {
     return true;
 }
 
-/// Begins with a new entry. Returns false if it is settled without a step.
+/// Begins the lane's new entry. Returns false if it was settled without a step.
 bool Examiner::begin(Lane& lane, Step& step) {
     QueuedEntry& entry = *lane.entry;
     try {
@@ -165,7 +165,7 @@ void Examiner::finish(Lane& lane, State state) noexcept {
     lane.texts.reset();
     QueuedEntry& entry = *std::exchange(lane.entry, nullptr);
     if (entry.input && !entry.listing) {
-        boost::filesystem::path().swap(entry.input->path); // the reporter makes it again, see pathOf
+        boost::filesystem::path().swap(entry.input->path); // the reporter builds it again; see pathOf
     }
     --m_busy;
     m_supply.settle(entry, state, lane.steps);

@@ -21,18 +21,17 @@ struct WalkScope {
 /// Gives an examiner its entries and takes the results. Called on the examiner's thread.
 class EntrySupply {
 public:
-    /// Returns an entry for an examiner that examines `busy` others already, or null if it has none for it
+    /// Returns an entry for an examiner that already examines `busy` others, or null if none is available
     /// now.
     virtual QueuedEntry* take(std::size_t busy) noexcept = 0;
 
-    /// Adds steps of an entry that is still being examined. Leaves `steps` empty, unless there is no memory
-    /// for them.
+    /// Adds steps of an entry that is still being examined. Leaves `steps` empty, unless memory ran out.
     virtual void deliver(QueuedEntry& entry, StepSizes& steps) noexcept = 0;
 
-    /// Takes the entry back, with its remaining steps.
+    /// Takes back an entry, with its remaining steps.
     virtual void settle(QueuedEntry& entry, QueuedEntry::State state, StepSizes& steps) noexcept = 0;
 
-    /// Returns true if the walk ends, so that no value is needed any more.
+    /// Returns true if the walk is ending, so values are no longer needed.
     virtual bool shouldStop() noexcept = 0;
 
 protected:
@@ -42,18 +41,18 @@ protected:
     EntrySupply& operator=(const EntrySupply&) = default;
 };
 
-/// Examines entries: reads what they are hashed from and lists directories. Takes at most as many at a time
-/// as the hash function has lanes. Reports nothing and knows nothing about the order of entries. Each
-/// thread has its own examiner.
+/// Examines entries: reads and hashes them, and lists directories. Examines at most as many at a time as the
+/// hash function has lanes. Reports nothing and does not depend on the order of entries. Each thread has its
+/// own examiner.
 class Examiner final : private ChainSource {
 public:
     /// scope must outlive the object.
     Examiner(EntrySupply& supply, const WalkScope& scope);
     ~Examiner();
 
-    /// Examines entries until the supply has none or the walk ends. Settles each entry that it takes. A
-    /// failure is stored with the entry. An entry is deferred if memory or file descriptors are lacking, if
-    /// it is a directory with too many names, or if another process holds a lease on it.
+    /// Examines entries until the supply has none or the walk ends. Settles each entry that it takes. Stores
+    /// a failure with its entry. Defers an entry if memory or file descriptors ran out, if it is a directory
+    /// with too many names, or if another process holds a lease on it.
     void run() noexcept;
 
 private:
@@ -75,12 +74,13 @@ private:
     std::size_t m_busy = 0;
 };
 
-/// Returns the path of an entry other than the root. A waiting entry does not keep its own, which would be a
-/// fifth of its memory; a directory does, for its entries.
+/// Returns the path of an entry other than the root. An entry that waits to be reported does not store its
+/// path, which would take a fifth of its memory. A directory stores it, because the paths of its entries are
+/// built from it.
 std::string pathOf(const QueuedEntry& entry);
 
-/// Makes the entry's input and selects its scanner. Returns what a walk does with the entry. Throws
-/// GenericException "access error: can't LSTAT file: " + quoted path.
+/// Sets the entry's input and scanner. Returns what a walk does with the entry. Throws GenericException
+/// "access error: can't LSTAT file: " + quoted path.
 Judgement identify(QueuedEntry& entry, const WalkScope& scope);
 
 /// Lists the directory, if the entry is one. Throws what Names throws.

@@ -27,7 +27,7 @@ std::size_t availableCores() {
                                                              : 1;
 }
 
-/// Returns the number of threads that the testers' parameters set, if they set one.
+/// Returns the number of threads that the test parameters set, if they set one.
 boost::optional<std::size_t> requestedThreads() {
     if (!Common::DebugAndTestParameters::loaded()) {
         return boost::none;
@@ -37,7 +37,7 @@ boost::optional<std::size_t> requestedThreads() {
     return requested ? boost::optional<std::size_t>(std::clamp(*requested, 1, maxThreads)) : boost::none;
 }
 
-/// Returns how many files the threads may have open together.
+/// Returns the number of files that all threads together may have open.
 std::size_t availableDescriptors() {
     constexpr rlim_t reserved = 32;
     rlimit limit{};
@@ -53,7 +53,8 @@ std::chrono::nanoseconds now(clockid_t clock) {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
-/// Blocks all signals on this thread, so that threads started meanwhile inherit the mask and receive none.
+/// Blocks all signals on this thread, so that threads started during its lifetime inherit the mask and
+/// receive none.
 class SignalsBlocked {
 public:
     SignalsBlocked() {
@@ -72,7 +73,7 @@ private:
 } // namespace
 
 ThreadPlan planThreads(std::size_t lanes) {
-    constexpr std::size_t minDescriptorsPerHelper = 2; // the content of one file, a directory that is listed
+    constexpr std::size_t minDescriptorsPerHelper = 2; // the content of a file, a directory that is listed
     const std::size_t available = availableDescriptors();
     const std::size_t cores = std::min<std::size_t>(availableCores(), maxThreads);
     const boost::optional<std::size_t> requested = requestedThreads();
@@ -83,7 +84,7 @@ ThreadPlan planThreads(std::size_t lanes) {
 }
 
 bool RunningTime::wasMostlyWaiting() {
-    constexpr std::size_t callsPerMeasurement = 16; // the clocks cost more than many a call
+    constexpr std::size_t callsPerMeasurement = 16; // reading the clocks costs more than most calls
     if (++m_calls % callsPerMeasurement != 0) {
         return false;
     }

@@ -21,19 +21,20 @@ class ReportQueue;
 
 struct ThreadPlan {
     std::size_t threads;          ///< of the walk, the worker included
-    std::size_t initialThreads;   ///< of these, those that start once the root was examined
+    std::size_t initialThreads;   ///< of these, those that start once the root has been examined
     std::size_t cores;            ///< that these threads can use
-    std::size_t entriesPerThread; ///< that each of them examines at a time
+    std::size_t entriesPerThread; ///< that each thread examines at a time
 };
 
 /// Plans a walk for a hash function with that many lanes. One thread per core, at most 8. On two or three
-/// cores, further threads make them 4 if the worker waits for a disk, so that several can wait at once; with
-/// warm files they would only spread the files over more lanes than the cores can keep busy. The custom
-/// parameter "hashVerifierThreads" sets another number, from 1 to 8, which start at once. Leaves enough file
-/// descriptors for the settings store and the logs, which must not fail because of the walk.
+/// cores, the number grows to 4 if the worker waits for a disk, so that several threads can wait at the same
+/// time. It does not if the files are cached, because more threads would then only leave more lanes idle. The
+/// test parameter "hashVerifierThreads" sets another number, from 1 to 8, of threads that all start
+/// immediately. Leaves enough file descriptors for the settings store and the logs, which must not fail
+/// because of the walk.
 ThreadPlan planThreads(std::size_t lanes);
 
-/// Tells whether a thread runs or waits.
+/// Measures how much of the time a thread waits.
 class RunningTime {
 public:
     /// Call it often, always on the same thread. Returns true if the thread was waiting for more than half of
@@ -46,22 +47,20 @@ private:
     std::chrono::nanoseconds m_total{0};   ///< the time then
 };
 
-/// The threads that examine entries beside the worker. All functions but areStopping are for the worker's
-/// thread.
+/// The threads that examine entries in addition to the worker. Call all functions except areStopping on the
+/// worker's thread.
 class Helpers : private boost::noncopyable {
 public:
-    /// queue: the one from which the helpers take entries.
+    /// queue: from which the helpers take entries.
     explicit Helpers(ReportQueue& queue);
     ~Helpers();
 
-    /// Starts the plan's helpers, which call work, with all signals blocked and a stack of 1 MiB; fewer, or
-    /// none, if the system cannot start so many. Those that are not started at once are left to
-    /// startFurtherIfWaiting.
+    /// Starts the plan's initial helpers, which call work, with all signals blocked and a stack of 1 MiB;
+    /// fewer, or none, if the system cannot start so many. startFurtherIfWaiting starts the others.
     void start(const ThreadPlan& plan, std::function<void()> work);
 
-    /// Call it often while the worker examines entries. Starts the helpers that are left if the worker was
-    /// not running for more than half of the time since the last few calls: it waits for a disk, or for a
-    /// core that it has to share.
+    /// Call it often while the worker examines entries. Starts the remaining helpers if the worker spent more
+    /// than half of the time over the last few calls waiting, for a disk or for a core that it has to share.
     void startFurtherIfWaiting();
 
     /// Stops the queue and waits until the helpers have returned from work.
@@ -69,8 +68,8 @@ public:
 
     bool areRunning() const { return !m_threads.empty(); }
 
-    /// Runs the action. If it fails for lack of memory or file descriptors, which running helpers may hold,
-    /// stops them and runs it once more.
+    /// Runs the action. If it fails because memory or file descriptors ran out, which running helpers may
+    /// hold, stops the helpers and runs it once more.
     template <class Action>
     void retryWithout(Action action) {
         try {

@@ -60,7 +60,7 @@ ReportQueue::Turn ReportQueue::next() {
 }
 
 QueuedEntry* ReportQueue::takeFinished(Entries& finished, StepSizes& steps) {
-    // In small batches: they count against the limit until the whole batch is reported.
+    // Batches are small, because their entries count against the limit until the whole batch is reported.
     constexpr std::size_t maxAtOnce = 64;
     const Lock lock(m_mutex);
     while (!m_entries.empty() && isFinished(m_entries.front()) && finished.size() < maxAtOnce) {
@@ -148,14 +148,14 @@ void ReportQueue::stop() {
 }
 
 void ReportQueue::wakeHelpers() {
-    // Not for every entry removed: waking a thread costs more than most entries.
+    // Not for every entry removed, because waking a thread costs more than most entries.
     if (m_waitingHelpers != 0 && hasRoom(2)) {
         m_helpersWake.notify_all();
     }
 }
 
 QueuedEntry* ReportQueue::takeNow(Entries& unused, std::size_t busy) {
-    // What there is to do is spread over the cores: a few large files must not all go to the first thread.
+    // The work is spread over the cores, so that the first thread does not take all of a few large files.
     const std::size_t share = (m_beingExamined + m_namesLeft + m_cores - 1) / m_cores;
     return busy < std::max<std::size_t>(share, 1) && hasRoom(1) ? &takeName(*m_offering, unused) : nullptr;
 }
@@ -200,8 +200,8 @@ bool ReportQueue::containsFront(const QueuedEntry& directory) const {
     return entry != nullptr;
 }
 
-/// Returns true if the first name that is left may be taken while at most one part in `divisor` of the room
-/// is used.
+/// Returns true if there is a name to take and less than 1/`divisor` of the room is in use: of the whole
+/// room, or, if the directory contains the front, of its own eighth, which has room for at least one entry.
 bool ReportQueue::hasRoom(std::size_t divisor) const {
     if (m_offering == nullptr) {
         return false;

@@ -10,11 +10,12 @@ namespace Nerix::FileScanners {
 
 namespace {
 
-/// Collects the steps of a fold that may be run again; they are reported only after it has succeeded.
+/// Collects the steps of a fold, which is retried if memory runs out; they are reported after it has
+/// succeeded.
 class FoldSteps final : public HashFunctions::StepObserver {
 public:
     void onStep(unsigned long long bytes) override { steps.add(static_cast<std::uint32_t>(bytes)); }
-    void onReadError(int) noexcept override {} // a list of values is not read
+    void onReadError(int) noexcept override {} // nothing is read: the list of values is in memory
 
     StepSizes steps;
 };

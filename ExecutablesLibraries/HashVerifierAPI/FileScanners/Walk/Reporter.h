@@ -14,8 +14,8 @@ class HashWorker;
 namespace Nerix::FileScanners {
 
 /// Reports entries to the HashWorker in the order of the queue: their steps, one by one, and their values.
-/// Used only on the worker's thread. What it throws ends the walk: the failure of an entry, VConfException
-/// when progress cannot be published, GenericException when a signal ends the process.
+/// Used only on the worker's thread. Each exception ends the walk: the failure of an entry, VConfException if
+/// progress cannot be published, GenericException if a signal ends the process.
 class Reporter : private boost::noncopyable {
 public:
     using hash_t = IFileScanner::hash_t;
@@ -23,20 +23,19 @@ public:
     /// All arguments must outlive the object.
     Reporter(ReportQueue& queue, Helpers& helpers, const IHashFunction& function);
 
-    /// Reports finished entries from the front of the queue, and then the delivered steps of the entry in
-    /// front.
+    /// Reports finished entries from the front of the queue, and then the delivered steps of the new front.
     void reportFinished();
 
-    /// Reports the steps of all directories that contain the entry, as far as they have not been reported.
+    /// Reports the steps that have not been reported of all directories that contain the entry.
     void reportDirectoriesOf(QueuedEntry& entry);
 
-    /// Reports one step of the front.
+    /// Reports one step of the entry.
     void reportStep(QueuedEntry& entry, unsigned long long bytes);
 
-    /// Returns the value of the root once it was reported.
+    /// Returns the value of the root, or nullopt until it has been reported.
     const std::optional<hash_t>& result() const { return m_result; }
 
-    /// Returns the depth, below the root, of the entry that was reported last, or that a failure is of.
+    /// Returns the depth below the root of the entry that was last reported or whose report failed.
     std::size_t depth() const { return m_depth; }
 
 private:

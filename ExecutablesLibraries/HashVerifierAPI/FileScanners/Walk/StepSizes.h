@@ -16,7 +16,7 @@ public:
     /// Adds one step.
     void add(std::uint32_t bytes);
 
-    /// Appends the others and leaves them empty. If it throws std::bad_alloc, nothing has changed.
+    /// Appends `others` and leaves it empty. If it throws std::bad_alloc, nothing has changed.
     void take(StepSizes& others);
 
     bool isEmpty() const { return m_runs.empty(); }

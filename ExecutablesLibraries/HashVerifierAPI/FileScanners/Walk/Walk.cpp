@@ -1,7 +1,7 @@
-// The worker's thread takes one step after the other until the root has been reported: it reports what is
-// finished at the front of the queue, or examines the front, if that was deferred, or examines entries that
-// lie ahead. While it examines entries ahead it goes on reporting, whenever it takes another entry or has
-// hashed another mebibyte. The helpers only examine entries ahead.
+// The worker's thread loops until the root has been reported: in each turn it reports what is finished at the
+// front of the queue, or examines the front if that was deferred, or examines entries ahead. While it
+// examines entries ahead, it continues to report whenever it takes another entry or has hashed another
+// mebibyte. The helpers only examine entries ahead.
 
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Walk.h"
 
@@ -20,7 +20,7 @@ namespace Nerix::FileScanners {
 using hash_t = IFileScanner::hash_t;
 using State = QueuedEntry::State;
 
-/// Reports the steps of the front as they are taken, except those that were reported before.
+/// Reports the steps of the front as they are taken, except those that were already reported.
 class Walk::FrontSteps final : public HashFunctions::StepObserver {
 public:
     FrontSteps(Reporter& reporter, QueuedEntry& front) : m_reporter(reporter), m_front(front) {}
@@ -29,7 +29,7 @@ public:
         if (m_taken++ < m_front.reportedSteps) {
             return;
         }
-        m_isReporting = true; // and stays so if that throws
+        m_isReporting = true; // stays true if reportStep throws
         m_reporter.reportStep(m_front, bytes);
         m_isReporting = false;
     }
@@ -67,7 +67,7 @@ protected:
     ReportQueue::Entries unused; ///< one entry for the next name
 };
 
-/// Reports while it supplies.
+/// Reports finished entries whenever it is called.
 class Walk::WorkerSupply final : public QueueSupply {
 public:
     explicit WorkerSupply(Walk& itsWalk) : QueueSupply(itsWalk) {}
@@ -112,7 +112,7 @@ public:
         try {
             unused.resize(1);
         } catch (...) {
-            return nullptr; // no memory: this helper ends, the others go on
+            return nullptr; // no memory: this helper ends, the others continue
         }
         return busy == 0 ? walk.m_queue.takeOrWait(unused) : takeFromQueue(busy);
     }
@@ -177,7 +177,7 @@ void Walk::examineFront() {
     QueuedEntry& front = m_queue.front();
     m_reporter.reportDirectoriesOf(front);
     FrontSteps observer(m_reporter, front);
-    StepSizes none; // they are reported already
+    StepSizes none; // all have been reported
     try {
         examine(front);
     } catch (...) {
@@ -222,7 +222,7 @@ void Walk::help() {
         const Common::IO::DigestSession session;
         HelperSupply supply(*this);
         Examiner(supply, m_scope).run();
-    } catch (...) { // NOLINT(bugprone-empty-catch): no memory for this helper; the others go on
+    } catch (...) { // NOLINT(bugprone-empty-catch): no memory for this helper; the others continue
     }
 }
 

@@ -11,36 +11,33 @@
 
 namespace Nerix::FileScanners {
 
-/// Folds a directory and everything below it. Entries are independent of each other, as each value starts
-/// from 0. So any thread may examine them, several at a time (Examiner.h); the worker's thread alone reports
-/// them, in the order in which one thread that examines one entry at a time would come to them
-/// (ReportQueue.h, Reporter.h). A failure is stored with its entry, and the worker meets it when it reports
-/// the entry. An entry that could not be examined ahead, for example for lack of memory or file descriptors,
-/// which the helpers may hold, is deferred: the worker examines it by itself when it is in front, and if it
-/// lacks something, too, once more without the helpers. So the outcome does not depend on the number of
-/// threads.
+/// Folds a directory and everything below it. Any thread may examine an entry (Examiner.h), because each
+/// value starts from 0. Only the worker's thread reports entries (Reporter.h), in the order of ReportQueue.h.
+/// A failure is stored with its entry and takes effect when the entry is reported. An entry that could not be
+/// examined ahead, for example because memory or file descriptors ran out, is deferred: the worker examines
+/// it as the front. If the worker runs out of them as well, it stops the helpers, which may hold them, and
+/// examines the entry once more. The outcome therefore does not depend on the number of threads.
 ///
-/// A deferred entry is examined anew, beginning with its status: if it was replaced meanwhile, for example
-/// while the walk waited for a lease, what replaced it counts.
+/// A deferred entry is examined again from its status on, so if it was replaced after it was deferred, the
+/// replacement is hashed.
 class Walk : private boost::noncopyable {
 public:
-    /// The source position that a failure's context line gives for each directory level.
+    /// The source position in the context line that a failure gets for each directory level.
     struct Place {
         const char* function;
         const char* file;
         int line;
     };
 
-    /// directory: the scanner of directories. root: the walk's root, of which value is the old value. All
+    /// directory: the scanner of directories. value: the value with which the root's steps begin. All
     /// references must outlive the object.
     Walk(const IFileScanner& directory, const IHashFunction& function, Place place, const FileInput& root,
          IFileScanner::hash_t value);
     ~Walk();
 
     /// Returns the value after the root and everything below it was folded. Call it once, on the worker's
-    /// thread. The first failure ends the walk, unless the run goes on without what cannot be read
-    /// (RunOptions.h). It is logged at ERR and rethrown with one context line per enclosing directory,
-    /// innermost first.
+    /// thread. Unless RunOptions::onUnreadable is set, the first failure ends the walk. It is logged at ERR
+    /// and rethrown with one context line per enclosing directory, innermost first.
     IFileScanner::hash_t run();
 
 private:
