@@ -6,9 +6,9 @@
 
 namespace Nerix::FileScanners {
 
-/// Builds the exception for an entry that cannot be read. It carries, as separate entries for user-facing
-/// messages, the operation ("examine", "read"), the path, and the errno (0 if the entry changed during the
-/// scan). The caller adds the log text:
+/// Returns the exception for an entry that cannot be read. It carries, as separate error information for
+/// user-facing messages, the operation in `what` ("examine", "read"), the path, and the errno (0 if the entry
+/// changed during the scan). The caller adds the log text:
 ///
 ///     BOOST_THROW_EXCEPTION(accessError("read", path, errno) << errinfo_stream("access error: …", path));
 inline Common::Utils::GenericException accessError(const char* what, const boost::filesystem::path& path,

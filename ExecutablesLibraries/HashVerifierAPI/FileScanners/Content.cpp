@@ -19,7 +19,7 @@ Content::Content(const boost::filesystem::path& path, std::uint64_t size, int de
 
 std::size_t Content::read(char* buffer, std::size_t size) {
     if (HashFunctions::StepObserver::currentShouldStop()) {
-        return 0; // stopping: the run will fail when this file is reported
+        return 0; // the value of this file will not be used
     }
     const ssize_t result = ::read(m_descriptor.number(), buffer, size);
     if (result < 0) {

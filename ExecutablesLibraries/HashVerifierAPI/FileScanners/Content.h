@@ -10,25 +10,26 @@
 
 namespace Nerix::FileScanners {
 
-/// Reads the content of a regular file. The file may have been replaced since its status was read, so
-/// anything but a regular file is rejected.
+/// Reads the content of a regular file. The file may have been replaced since its status was read: if it does
+/// not have the size from the status, Content rejects it unless it is still a regular file.
 ///
-/// A read error ends the content, too: readError tells them apart. A termination signal makes reads return
-/// the end of the file.
+/// A read error also ends the content; readError distinguishes it from the end of the file. If the thread's
+/// StepObserver requests a stop, read returns 0.
 class Content : private boost::noncopyable {
 public:
-    /// path must outlive the object. size: the file's, in bytes, from its status. descriptor: as openContent
-    /// returns it (ContentOpening.h), with errno still set if it is -1. Throws GenericException "access
-    /// error: can't read content of file: " + quoted path if it is -1.
+    /// path must outlive the object. size: of the file, in bytes, from its status. descriptor: the result of
+    /// openContent (ContentOpening.h), which the object takes over. If it is -1, errno must still be that of
+    /// openContent; the constructor then throws GenericException "access error: can't read content of file: "
+    /// + quoted path.
     Content(const boost::filesystem::path& path, std::uint64_t size, int descriptor);
 
-    /// Reads up to size bytes. Returns how many; 0 at the end of the content.
+    /// Reads up to size bytes. Returns the number read, 0 at the end of the content.
     std::size_t read(char* buffer, std::size_t size);
 
-    /// Returns the errno of the read that failed and so ended the content, or 0 if none did.
+    /// Returns the errno of the read error that ended the content, or 0 if there was none.
     int readError() const { return m_readError; }
 
-    /// Call this after reading. Throws like the constructor if the file was not regular after all.
+    /// Throws like the constructor if the file was rejected as replaced. Call this after reading.
     void throwIfReplaced() const;
 
 private:

@@ -21,7 +21,7 @@ namespace Nerix::FileScanners {
 namespace {
 
 /// While it lives, a blocking system call of the calling thread fails with EINTR every 20 ms. The termination
-/// signals cannot do that: they go to another thread, and calls that they interrupt are restarted.
+/// signals do not have that effect: another thread gets them, and calls that they interrupt are restarted.
 class Interruptions : private boost::noncopyable {
 public:
     static constexpr std::timespec period{0, 20'000'000};
@@ -50,7 +50,7 @@ public:
         if (m_isOn) {
             ::timer_delete(m_timer);
         }
-        // One that is still pending would interrupt a later call.
+        // A signal that is still pending would interrupt a later call.
         constexpr std::timespec noTime{};
         while (::sigtimedwait(&m_signal, nullptr, &noTime) != -1) {
         }
@@ -58,7 +58,7 @@ public:
         errno = error;
     }
 
-    /// Returns false if the system has no timer left.
+    /// Returns false if no timer could be created.
     bool areOn() const { return m_isOn; }
 
 private:
@@ -78,8 +78,8 @@ private:
 
 /// Waits until the lease on the file is broken.
 int openUnderLease(const boost::filesystem::path& path) {
-    // The open that waits must not meet anything else than a regular file. A descriptor names the file
-    // itself, whatever takes its place at the path.
+    // The open that waits must not encounter anything other than a regular file. A descriptor refers to the
+    // file itself, even if another file replaces it at the path.
     const Common::Descriptor file(::open(path.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
     struct stat status {};
     if (!file.isOpen() || ::fstat(file.number(), &status) != 0) {
@@ -91,7 +91,7 @@ int openUnderLease(const boost::filesystem::path& path) {
     }
     const std::string self = "/proc/self/fd/" + std::to_string(file.number());
     const Interruptions interruptions;
-    // Without a timer the open must not wait in the kernel, and has no place in its queue.
+    // Without a timer the open must not wait in the kernel, so it has no place in the queue.
     const int flags = O_RDONLY | O_CLOEXEC | (interruptions.areOn() ? 0 : O_NONBLOCK);
     for (;;) {
         const int descriptor = ::open(self.c_str(), flags);
@@ -109,8 +109,8 @@ int openUnderLease(const boost::filesystem::path& path) {
 
 int openContent(const boost::filesystem::path& path) {
     const int descriptor = openContentWithoutWaiting(path);
-    // Another process holds a write lease (file servers take them). No other cause makes a local open fail
-    // with EWOULDBLOCK, and only for a regular file.
+    // Another process holds a write lease (file servers take them). On a local file system, an open fails
+    // with EWOULDBLOCK for no other reason, and leases exist only on regular files.
     return descriptor == -1 && errno == EWOULDBLOCK ? openUnderLease(path) : descriptor;
 }
 

@@ -40,7 +40,7 @@ void appendTokens(std::string& text, const ModeToken (&tokens)[count], mode_t mo
     text += '\n';
 }
 
-/// An entry's raw attribute name list: the announced size and the bytes delivered.
+/// The unparsed list of an entry's attribute names: the announced size and the bytes delivered.
 struct NameList {
     std::size_t announced = 0;
     std::vector<char> delivered;
@@ -75,8 +75,8 @@ NameList readNameList(const FileInput& entry) {
 void listxattr(const FileInput& entry, std::vector<std::string>& names) {
     NameList list = readNameList(entry);
     if (!list.isAsAnnounced()) {
-        // Overlay file systems count names they hide, always the same ones; any other difference means the
-        // attributes changed.
+        // Overlay file systems count names that they hide, always the same ones. Any other difference means
+        // that the attributes have changed.
         const NameList first = std::move(list);
         list = readNameList(entry);
         if (list.announced != first.announced || list.delivered.size() != first.delivered.size()) {
@@ -99,7 +99,7 @@ std::vector<char> readxattr(const FileInput& entry, const std::string& name) {
         BOOST_THROW_EXCEPTION(accessError("read the attributes of", entry.path, errno) << errinfo_stream(
                                   "access error: can't read xattribute", name, " for file: ", entry.path));
     }
-    // One byte more than is read: an empty vector's data may be null.
+    // One byte more than is read, because data() of an empty vector may be null.
     std::vector<char> value(static_cast<std::size_t>(size) + 1);
     if (::lgetxattr(entry.path.c_str(), name.c_str(), value.data(), static_cast<std::size_t>(size)) != size) {
         BOOST_THROW_EXCEPTION(
@@ -113,7 +113,7 @@ std::vector<char> readxattr(const FileInput& entry, const std::string& name) {
 std::string statusText(const FileInput& entry) {
     const struct stat& status = entry.status;
     std::string text;
-    text.reserve(64); // three numbers of up to ten digits, 26 characters of tokens, line ends
+    text.reserve(64); // three numbers of up to ten digits, 24 characters of tokens, five line feeds
     text += std::to_string(status.st_uid);
     text += '\n';
     text += std::to_string(status.st_gid);

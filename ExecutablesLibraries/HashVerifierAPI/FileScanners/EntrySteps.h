@@ -13,24 +13,25 @@ struct FileInput;
 /// The steps common to all hashed entries. Used only by the scanners.
 namespace FileScanners {
 
-/// What the status step folds in, five lines: owner, group and link count in decimal, the permission
-/// bits ("URUWuxGRgwgxORowox" for 0644) and the special bits ("susgsb" for none), upper case for a bit
-/// that is set.
+/// Returns the text over which the status step is taken, five lines: owner, group and link count in decimal,
+/// the permission bits ("URUWuxGRgwgxORowox" for 0644) and the special bits ("susgsb" for none), upper case
+/// for a bit that is set.
 std::string statusText(const FileInput& entry);
 
-/// A step over the path, then hashstat, then hashxtattr.
+/// Takes a step over the path, then calls hashstat and hashxtattr. Returns the new value.
 IHashFunction::hash_t hashMetadata(const FileInput& entry, IHashFunction::hash_t value,
                                    const IHashFunction& function);
 
-/// One step over the status text.
+/// Takes one step over the status text. Returns the new value.
 IHashFunction::hash_t hashstat(const FileInput& entry, IHashFunction::hash_t value,
                                const IHashFunction& function);
 
-/// For each extended attribute of the entry itself, in the byte order of the names: a step over the name, one
-/// over "separator", one over the value. Throws GenericException when the attributes cannot be read or change
-/// meanwhile. A file system that does not support attributes (EOPNOTSUPP) counts as one on which no entry has
-/// any: nothing is unread there, and such an image could not be scanned at all. A list shorter than announced
-/// is accepted if a second read gives the same sizes (overlay file systems count names they hide).
+/// Takes three steps for each extended attribute of the entry itself, in the byte order of the names: over
+/// the name, over "separator", and over the value. Returns the new value. Throws GenericException if the
+/// attributes cannot be read or change meanwhile. On a file system that does not support attributes
+/// (EOPNOTSUPP), entries have none; if that were an error, an image of such a file system could not be
+/// scanned. A list shorter than announced is accepted if a second read returns the same sizes (overlay file
+/// systems count names that they hide).
 IHashFunction::hash_t hashxtattr(const FileInput& entry, IHashFunction::hash_t value,
                                  const IHashFunction& function);
 

@@ -65,7 +65,8 @@ bool EntryTexts::nextAttributeText(std::string_view& text) {
     if (m_attribute == m_attributes.size()) {
         return false;
     }
-    m_attributeValue = readxattr(m_entry, m_attributes[m_attribute]); // before its name is hashed
+    // Read before the name is returned, as in hashxtattr: a failure comes before the step over the name.
+    m_attributeValue = readxattr(m_entry, m_attributes[m_attribute]);
     text = m_attributes[m_attribute];
     m_kind = Kind::attributeName;
     m_nextPart = AttributePart::separator;
@@ -120,7 +121,7 @@ void EntryTexts::fillBuffer() {
     m_bufferEnd -= m_chunkBegin;
     std::memmove(m_buffer.data(), m_buffer.data() + m_chunkBegin, m_bufferEnd);
     m_chunkBegin = 0;
-    while (m_bufferEnd < chunkSize && !m_isAtEnd) { // a read may give less than there is
+    while (m_bufferEnd < chunkSize && !m_isAtEnd) { // a read may return less than there is
         const std::size_t count =
             m_content->read(m_buffer.data() + m_bufferEnd, m_buffer.capacity() - m_bufferEnd);
         m_bufferEnd += count;

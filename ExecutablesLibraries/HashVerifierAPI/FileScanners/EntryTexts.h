@@ -16,11 +16,10 @@ namespace Nerix::FileScanners {
 
 /// The texts over which the steps of one entry are taken, in order: path, status, attributes, then the
 /// content of a file or the target of a link. They are those of IFileScanner::examine, one at a time, so that
-/// the steps of several entries can be taken in turns. Each is read when it is asked for.
+/// the steps of several entries can be interleaved. Each text is read when `next` is called for it.
 class EntryTexts : private boost::noncopyable {
 public:
-    /// Where the content of a file is read. Aligned to a cache line, because copying to other addresses is
-    /// slower.
+    /// Receives the content of a file. Aligned to a cache line, because copying to other addresses is slower.
     class Buffer {
     public:
         /// capacity: in bytes, a multiple of 4096.
@@ -32,7 +31,7 @@ public:
 
     private:
         struct alignas(64) Line {
-            // Leaves the bytes as they are; "= default" would have make_unique fill them with zeros.
+            // Leaves the bytes uninitialized; with "= default", make_unique would fill them with zeros.
             Line() {} // NOLINT(modernize-use-equals-default)
             char bytes[64];
         };
@@ -50,16 +49,16 @@ public:
     /// entry and buffer must outlive the object.
     EntryTexts(const FileInput& entry, IFileScanner::Remainder remainder, Buffer& buffer, Lease lease);
 
-    /// Replaces text by the next one, which stays valid until the next call. Returns false after the last.
+    /// Replaces text with the next one, which stays valid until the next call. Returns false after the last.
     /// Throws what IFileScanner::examine throws, and LeasedFile.
     bool next(std::string_view& text);
 
     enum class Kind { path, status, attributeName, separator, attributeValue, content, target };
 
-    /// Returns the kind of the text that next has given last.
+    /// Returns the kind of the text that next returned last.
     Kind kind() const { return m_kind; }
 
-    /// Returns the errno of the read that ended the content early, or 0 if none did.
+    /// Returns the errno of the read error that ended the content early, or 0 if there was none.
     int readError() const { return m_content ? m_content->readError() : 0; }
 
     /// Thrown if another process holds a lease on the file and the object does not wait for it.
@@ -79,13 +78,13 @@ private:
     const Lease m_lease;
     Kind m_kind = Kind::path;
     Phase m_phase = Phase::path;
-    std::string m_hashedPath; ///< if it is not the entry's
+    std::string m_hashedPath; ///< storage for the path, if it has to be composed
     std::string m_status;
 
     enum class AttributePart { name, separator, value };
     AttributePart m_nextPart = AttributePart::name;
     std::vector<std::string> m_attributes; ///< their names
-    std::size_t m_attribute = 0;           ///< the one whose texts are next
+    std::size_t m_attribute = 0;           ///< index of the attribute whose texts are next
     std::vector<char> m_attributeValue;
 
     std::vector<char> m_target;

@@ -9,7 +9,7 @@ using hash_t = IHashFunction::hash_t;
 
 namespace {
 
-/// Keeps steps from the thread's observer.
+/// Hides steps from the thread's previous observer.
 class UnreportedSteps final : public HashFunctions::StepObserver {
 public:
     void onStep(unsigned long long) override {}

@@ -6,12 +6,12 @@
 
 namespace Nerix {
 
-/// One entry of a file system: its path and the status that lstat gave for it when the object was made, so
-/// for a symbolic link it describes the link itself. Never refreshed; cheap to copy.
+/// One entry of a file system: its path and the status that lstat returned for it when the object was
+/// created, which for a symbolic link is that of the link itself. Never refreshed; cheap to copy.
 struct FileInput {
-    /// The path is used exactly as given: its text enters the hash, unless the caller of the run chose
-    /// another root for that (RunOptions.h). Throws GenericException "access error: can't LSTAT file: " +
-    /// quoted path, with the path and the errno as further entries (AccessError.h).
+    /// The path is used exactly as given: its text is hashed, unless RunOptions::hashedRoot replaces the
+    /// root's part of it. Throws GenericException "access error: can't LSTAT file: " + quoted path, with the
+    /// error information of AccessError.h.
     explicit FileInput(boost::filesystem::path entryPath);
 
     boost::filesystem::path path;

@@ -26,9 +26,9 @@ extern const SymbolicLink SCANNER_LINK;
 extern const LocalSocket SCANNER_SOCKET;
 extern const Unknown SCANNER_UNKNOWN;
 
-/// The scanner for the kind of entry that lstat finds at the path now; the status in the FileInput is not
-/// used. It lives until the process ends. Throws GenericException "access error: can't LSTAT file: " +
-/// quoted path.
+/// Returns the scanner for the kind of entry that lstat finds at the path now; the status in the FileInput is
+/// not used. The scanner lives until the process ends. Throws GenericException "access error: can't LSTAT
+/// file: " + quoted path.
 const IFileScanner& getInstance(const FileInput& entry);
 
 } // namespace FileScanners

@@ -17,32 +17,32 @@ enum class Judgement : IHashFunction::hash_t {
 };
 
 /// Folds one kind of entry into a chaining value. Instances are immutable and may be used from any thread,
-/// several at once. While a verification runs, accept and process are for the HashWorker's own thread, as
-/// they report to it; judge and examine do the same work without reporting.
+/// several at once. While a verification runs, only the HashWorker's thread may call accept and process,
+/// which report to it. judge decides like accept, and examine folds the entry itself; neither reports.
 class IFileScanner {
 public:
     using hash_t = IHashFunction::hash_t;
 
     virtual ~IFileScanner() = default;
 
-    /// Whether a directory walk takes this entry into its value; a skipped directory is reported. Not called
-    /// for the root of a walk.
+    /// Returns true if a directory walk includes this entry in its value. Reports a skipped directory. Not
+    /// called for the root of a walk.
     virtual bool accept(const FileInput& entry) const = 0;
 
-    /// The value after the entry, and everything below it, was folded into value with the given function.
-    /// Hashed entries are reported to the HashWorker with their value. Throws what examine throws, and
-    /// VConfException when progress cannot be published. An entry that could not be read is not reported.
+    /// Folds the entry and everything below it into value, and returns the new value. Reports hashed entries
+    /// with their values to the HashWorker, but no entry that could not be read. Throws what examine throws,
+    /// and VConfException if progress cannot be published.
     virtual hash_t process(const FileInput& entry, hash_t value, const IHashFunction& function) const = 0;
 
-    /// rootDevice: st_dev of the walk's root. Performs no I/O.
+    /// Returns what a walk does with the entry. rootDevice: st_dev of the walk's root. Performs no I/O.
     virtual Judgement judge(const FileInput& /*entry*/, dev_t /*rootDevice*/) const {
         return Judgement::ignored;
     }
 
-    /// Folds the entry itself into value: a file or link completely; of a directory its path, status and
-    /// attributes but not its contents; special files not at all. Throws GenericException when the entry
-    /// cannot be read, with its text, path and errno as entries (AccessError.h), and what the hash function
-    /// throws.
+    /// Folds the entry itself into value, and returns the new value: a file or link completely; of a
+    /// directory its path, status and attributes but not its contents; special files not at all. Throws
+    /// GenericException with the error information of AccessError.h if the entry cannot be read, and what the
+    /// hash function throws.
     virtual hash_t examine(const FileInput& /*entry*/, hash_t value,
                            const IHashFunction& /*function*/) const {
         return value;
@@ -50,7 +50,7 @@ public:
 
     enum class Remainder { none, content, target };
 
-    /// Returns which text of such an entry is hashed after its path, status and attributes.
+    /// Returns what of such an entry is hashed after its path, status and attributes.
     virtual Remainder remainder() const { return Remainder::none; }
 };
 

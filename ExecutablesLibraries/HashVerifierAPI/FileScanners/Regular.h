@@ -7,8 +7,8 @@ namespace Nerix::FileScanners {
 /// Regular files: path, status text, extended attributes, content in chunks of 4096 bytes.
 class Regular final : public LeafScanner {
 public:
-    /// A read error ends the content there, and the value over what was read counts. The thread's
-    /// StepObserver gets the error, so that the run can warn of it.
+    /// If a read fails, the content ends there, and the value covers what was read. The thread's StepObserver
+    /// gets the error.
     hash_t examine(const FileInput& entry, hash_t value, const IHashFunction& function) const override;
     Remainder remainder() const override { return Remainder::content; }
 };

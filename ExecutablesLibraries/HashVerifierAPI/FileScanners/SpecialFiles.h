@@ -5,7 +5,7 @@
 namespace Nerix::FileScanners {
 
 /// The common base of entries that contribute nothing: never accepted by a walk, never read, never reported.
-/// As the root of a walk it leaves the value unchanged.
+/// As the root of a run, leaves the value unchanged.
 class SpecialFile : public IFileScanner {
 public:
     bool accept(const FileInput&) const final { return false; }

@@ -13,8 +13,8 @@ namespace Nerix::FileScanners {
 using hash_t = IHashFunction::hash_t;
 
 std::vector<char> targetOf(const FileInput& entry) {
-    // The length is lstat's, not readlink's. They differ in /proc, where lstat often says 0 or 64, and when
-    // the link has been replaced; zeros fill what is missing.
+    // The target is truncated or zero-padded to the size that lstat returned. That differs from the target's
+    // length in /proc, where it is often 0 or 64, and if the link has been replaced.
     const auto length = static_cast<std::size_t>(entry.status.st_size);
     std::vector<char> target(length + 1);
     if (::readlink(entry.path.c_str(), target.data(), target.size()) == -1) {

@@ -7,15 +7,15 @@
 namespace Nerix::FileScanners {
 
 /// Symbolic links: path, status text, extended attributes, target text. Never followed, so a dangling link is
-/// like any other.
+/// hashed like any other.
 class SymbolicLink final : public LeafScanner {
 public:
     hash_t examine(const FileInput& entry, hash_t value, const IHashFunction& function) const override;
     Remainder remainder() const override { return Remainder::target; }
 };
 
-/// Returns the target of the link, with the length that its status gives. Throws GenericException "access
-/// error: can't read symlink: " + quoted path.
+/// Returns the target of the link, truncated or zero-padded to the size in its status. Throws
+/// GenericException "access error: can't read symlink: " + quoted path.
 std::vector<char> targetOf(const FileInput& entry);
 
 } // namespace Nerix::FileScanners
