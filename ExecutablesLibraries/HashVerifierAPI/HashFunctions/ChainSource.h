@@ -5,22 +5,21 @@
 
 namespace Nerix {
 
-/// Supplies IHashFunction::applyChains with chains of steps that do not depend on each other: the value that
-/// one step gives is the value with which the next step of the same chain begins. Each chain has a lane to
-/// itself until it ends; then the lane takes another chain.
+/// Supplies IHashFunction::applyChains with independent chains of steps. Within a chain, each step begins
+/// with the value of the one before. A lane takes one chain at a time.
 class ChainSource {
 public:
     struct Step {
-        std::uint64_t value = 0; ///< before the step; applyChains replaces it by the value after the step
+        std::uint64_t value = 0; ///< before the step; applyChains replaces it with the value after the step
         const char* data = nullptr;
         unsigned int length = 0; ///< bytes at data
     };
 
-    /// Replaces the step that the lane has taken by its next one: the next of the chain, which keeps the
-    /// value, or the first of another chain with the value with which that begins. The data must stay valid
-    /// until the next call for the lane. Returns false if the lane has nothing to do now; it may be asked
-    /// again. The first call for a lane, and those after false, have no step that was taken. What it throws
-    /// leaves applyChains.
+    /// Called when the lane has finished `step`, whose value is then the result, or has no step yet (at the
+    /// first call, and after false). Stores the lane's next step in `step`: of the same chain or the first
+    /// one of another chain, with the value with which it begins. The data must stay valid until the next
+    /// call for the lane. Returns false if there is nothing for the lane now; applyChains may call again.
+    /// Exceptions propagate out of applyChains.
     virtual bool next(std::size_t lane, Step& step) = 0;
 
 protected:

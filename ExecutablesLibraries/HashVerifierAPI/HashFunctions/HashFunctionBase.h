@@ -4,8 +4,8 @@
 
 namespace Nerix::HashFunctions {
 
-/// Implements everything else with the primitive apply, which derived classes provide: applyChains takes one
-/// step of one chain at a time.
+/// Implements the other functions with apply(value, length, data), which derived classes provide. applyChains
+/// takes one step of one chain at a time.
 class HashFunctionBase : public IHashFunction {
 public:
     using IHashFunction::apply;

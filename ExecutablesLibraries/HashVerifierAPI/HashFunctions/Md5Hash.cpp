@@ -1,9 +1,9 @@
-// applyChains gives each busy lane a run of blocks that lie one behind the other, and compresses as many
-// blocks of all lanes at once as the shortest run has. Lanes that have reached the end of their run then get
-// the next run, and those that have reached the end of their step get the next step from the source.
+// applyChains gives each busy lane a span of contiguous blocks, and compresses as many blocks of all lanes at
+// once as the shortest span has. Lanes that have reached the end of their span then get the next span, and
+// those that have reached the end of their step get the next step from the source.
 //
 // The message of a step is the old value (8 bytes) and the data, then the padding of RFC 1321. Only its first
-// block and its last one or two are copied; the blocks between are read where the data lies.
+// block and its last one or two are copied; the blocks between are read in place.
 
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/Md5Hash.h"
 
@@ -22,11 +22,11 @@ using Md5Lanes::blockSize;
 
 constexpr std::uint32_t initialState[4] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476};
 
-/// The message of one step, as runs of blocks. All numbers are little-endian, as on every machine that has
+/// The message of one step, as spans of blocks. All numbers are little-endian, as on every machine that has
 /// lanes.
 class Message {
 public:
-    /// Starts with the first run. The data must stay valid until the last run has been compressed.
+    /// Starts with the first span. The data must stay valid until the last span has been compressed.
     void begin(const ChainSource::Step& step) {
         m_data = reinterpret_cast<const std::uint8_t*>(step.data);
         m_left = step.length;
@@ -43,7 +43,7 @@ public:
         m_spanBlocks = 1;
     }
 
-    /// Goes on to the next run. Returns false after the last one.
+    /// Moves to the next span. Returns false after the last one.
     bool advance() {
         if (m_isPadded) {
             return false;
@@ -71,7 +71,7 @@ private:
         m_left -= length;
     }
 
-    /// Makes the last run: `used` bytes that are copied already, the rest of the data, the padding.
+    /// Builds the last span: `used` bytes that have been copied, the rest of the data, the padding.
     void endWith(std::size_t used) {
         const std::size_t end = used + m_left;
         copyTo(used, m_left);
@@ -84,16 +84,16 @@ private:
         m_isPadded = true;
     }
 
-    const std::uint8_t* m_data = nullptr; ///< what is not yet in a run
+    const std::uint8_t* m_data = nullptr; ///< what is not yet in a span
     std::size_t m_left = 0;               ///< bytes of it
     std::uint64_t m_bits = 0;             ///< length of the message
-    bool m_isPadded = false;              ///< whether this is the last run
+    bool m_isPadded = false;              ///< this is the last span
     const std::uint8_t* m_span = nullptr;
     std::size_t m_spanBlocks = 0;
     std::uint8_t m_copied[2 * blockSize];
 };
 
-/// The last 8 bytes of the digest as a big-endian number.
+/// Returns the last 8 bytes of the digest as a big-endian number.
 hash_t valueOf(const Md5Lanes::States& states, std::size_t lane) {
     return hash_t{__builtin_bswap32(states.words[2][lane])} << 32U | __builtin_bswap32(states.words[3][lane]);
 }
@@ -103,7 +103,7 @@ public:
     Lanes(const OpenSSLHash& function, Md5Lanes::Implementation implementation, ChainSource& source)
         : m_function(function), m_implementation(implementation), m_source(source) {}
 
-    /// Returns when the source has nothing for any lane.
+    /// Computes steps until the source has nothing for any lane.
     void run() {
         while (startSteps()) {
             Lane& lane = anyBusyLane();
@@ -141,7 +141,7 @@ private:
         return m_busyCount != 0;
     }
 
-    /// Asks the source for the next step of the lane.
+    /// Gets the lane's next step from the source. Returns false if there is none.
     bool start(std::size_t index) {
         Lane& lane = m_lanes[index];
         lane.state = State::idle;
@@ -176,7 +176,7 @@ private:
         ++m_finishedCount;
     }
 
-    /// A lane by itself is slower than the crypto library.
+    /// Computes the step with the crypto library, which is faster than a single busy lane.
     void takeWholeStep(Lane& lane) {
         finish(lane, m_function.apply(lane.step.value, lane.step.length, lane.step.data));
     }
@@ -194,7 +194,7 @@ private:
         }
         for (std::size_t index = 0; index != m_implementation.count; ++index) {
             if (m_lanes[index].state != State::busy) {
-                m_begins[index] = anySpan; // computed, too, and ignored
+                m_begins[index] = anySpan; // its result is ignored
             }
         }
         m_implementation.compress(m_states, m_begins, blocks, used);
@@ -227,7 +227,7 @@ private:
     std::size_t m_finishedCount = 0;
     Md5Lanes::States m_states{};
     const std::uint8_t* m_begins[Md5Lanes::maxCount] = {};
-    std::size_t m_blocks[Md5Lanes::maxCount] = {}; ///< left of the lane's run
+    std::size_t m_blocks[Md5Lanes::maxCount] = {}; ///< left of the lane's span
     Lane m_lanes[Md5Lanes::maxCount];
 };
 

@@ -5,11 +5,12 @@
 
 namespace Nerix::HashFunctions {
 
-/// "md5": single steps are digests of the crypto library. Chains are computed in lanes, several at a time, by
-/// code of our own (Md5Lanes.h), with the same values.
+/// "md5": the crypto library computes single steps. Md5Lanes.h computes chains, several at a time in lanes,
+/// with the same values.
 class Md5Hash final : public OpenSSLHash {
 public:
-    /// lanes: what computes chains; implementation() for the best that the processor has.
+    /// implementation: computes the chains; Md5Lanes::implementation() returns the best one for the
+    /// processor.
     explicit Md5Hash(Md5Lanes::Implementation implementation)
         : OpenSSLHash("md5"), m_implementation(implementation) {}
 

@@ -4,12 +4,12 @@
 
 // The compression function of RFC 1321 over two vectors of lanes, side by side: while one waits for the
 // result of an operation, the processor works on the other. The time of a single vector is the sum of the
-// operations that wait for each other. The file that includes this header defines the
-// vectors, and may be compiled for instructions that the rest of the program must not use. So everything here
-// has internal linkage, and nothing may be included that defines inline functions.
+// operations that wait for each other. The file that includes this header defines the vectors, and may be
+// compiled for instructions that the rest of the program must not use. So everything here has internal
+// linkage, and this file must not include anything that defines inline functions.
 
 #if defined(__GNUC__) && !defined(__clang__)
-// The order of the additions is chosen for the processor. GCC would change it.
+// The order of the additions suits the processor; GCC would change it.
 #pragma GCC optimize("no-tree-reassoc")
 #endif
 
@@ -31,8 +31,8 @@ inline constexpr unsigned int shifts[4][4] = {
 inline constexpr std::size_t wordFactors[4] = {1, 5, 3, 7};
 inline constexpr std::size_t wordOffsets[4] = {0, 1, 5, 0};
 
-/// Returns sum plus the function of round `round` of b, c and d. b is the result of the operation before,
-/// which everything else need not wait for, so it comes in as late as possible.
+/// Returns sum plus round `round`'s function (F, G, H or I in RFC 1321) of b, c and d. b is the result of the
+/// previous operation, so it is used as late as possible: the rest can be computed before it is known.
 template <std::size_t round, class Vector>
 [[gnu::always_inline]] inline Vector addMixed(Vector sum, Vector b, Vector c, Vector d) {
     if constexpr (round == 0) {
@@ -46,7 +46,7 @@ template <std::size_t round, class Vector>
     }
 }
 
-/// Applies operation `number` of the 64, and all after it, to the vectors of each side in turns.
+/// Applies operation `number` of the 64, and all after it, to the vectors, alternating between the sides.
 template <std::size_t number, std::size_t sides, class Vector>
 [[gnu::always_inline]] inline void operate(Vector (&states)[sides][4], const Vector (&words)[sides][16],
                                            const std::uint32_t* constants) {
@@ -88,15 +88,15 @@ template <class Vectors>
     }
 }
 
-/// Vectors: the type Vector, of 4 or 8 words, and the functions that readBlock calls. sides: how many vectors
-/// of lanes are computed.
+/// Vectors: the type Vector, of 4 or 8 words, and the functions that readBlock calls. sides: the number of
+/// vectors of lanes that are computed.
 template <class Vectors, std::size_t sides>
 [[gnu::always_inline]] inline void compressSides(States& states, const std::uint8_t* const* begins,
                                                  std::size_t blocks) {
     using Vector = typename Vectors::Vector;
     constexpr std::size_t lanes = sizeof(Vector) / sizeof(std::uint32_t);
-    // The compiler must not know the constants: it would move each through a general register instead of
-    // reading it from memory.
+    // Hides the constants from the compiler, which would otherwise move each through a general register
+    // instead of reading it from memory.
     const std::uint32_t* constants = sines;
     asm("" : "+r"(constants));
     Vector sums[sides][4];

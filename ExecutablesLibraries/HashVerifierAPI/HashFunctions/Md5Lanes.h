@@ -17,8 +17,8 @@ struct States {
     alignas(64) std::uint32_t words[4][maxCount];
 };
 
-/// Applies the compression function `blocks` times to each of the lanes 0 to used - 1, and maybe to the lanes
-/// behind them. begins[i] is where lane i's blocks begin, one behind the other; any alignment. Each of the
+/// Applies the compression function `blocks` times to each of the lanes 0 to used - 1, and possibly to those
+/// after them. begins[i] points to the contiguous blocks of lane i, at any alignment. Each of the
 /// Implementation::count lanes needs blocks: give an idle lane those of a busy one and ignore its state.
 using Compress = void (*)(States& states, const std::uint8_t* const* begins, std::size_t blocks,
                           std::size_t used);
@@ -28,11 +28,11 @@ struct Implementation {
     Compress compress; ///< null if there is none
 };
 
-/// Returns the implementation for this processor: 16 lanes with AVX2, 8 with other vectors of 128 bits, none
-/// on machines without vectors or with big-endian numbers.
+/// Returns the implementation for this processor: 16 lanes with AVX2, 8 with SSE2 or NEON, none on other or
+/// big-endian machines.
 Implementation implementation();
 
-/// The implementations themselves; a processor without the vectors cannot run them.
+/// The implementations. Call one only if the processor has its vectors.
 void compress128(States& states, const std::uint8_t* const* begins, std::size_t blocks, std::size_t used);
 void compress256(States& states, const std::uint8_t* const* begins, std::size_t blocks, std::size_t used);
 

@@ -16,7 +16,7 @@ struct Vectors {
         return __builtin_shufflevector(low, high, 0, 1, 2, 3, 4, 5, 6, 7);
     }
 
-    // Inside each half, which the processor does in one operation.
+    // These work within each 128-bit half, for which the processor has single instructions.
 
     static Vector interleaveLow(Vector a, Vector b) {
         return __builtin_shufflevector(a, b, 0, 8, 1, 9, 4, 12, 5, 13);

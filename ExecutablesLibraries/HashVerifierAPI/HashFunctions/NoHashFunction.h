@@ -4,7 +4,7 @@
 
 namespace Nerix::HashFunctions {
 
-/// "none": the value never changes; a verification then only walks the tree and writes the scan log.
+/// "none": the value never changes, so a verification only walks the tree and writes the scan log.
 class NoHashFunction final : public HashFunctionBase {
 public:
     using HashFunctionBase::apply;

@@ -20,7 +20,7 @@ std::array<std::uint8_t, sizeof(hash_t)> littleEndian(hash_t value) {
     return bytes;
 }
 
-/// The last 8 bytes as a big-endian number: earlier ones are shifted out.
+/// Returns the last 8 bytes as a big-endian number; earlier ones are shifted out.
 hash_t fold(const std::vector<std::uint8_t>& digest) {
     hash_t value = 0;
     for (const std::uint8_t byte : digest) {
