@@ -10,8 +10,8 @@ namespace Nerix {
 
 namespace {
 
-/// Takes the first word off line. Only blanks and tabs separate words: the kernel escapes those, line feeds
-/// and backslashes, and no other white space that a name may hold.
+/// Removes the first word from line and returns it. Only spaces and tabs separate words: the kernel escapes
+/// these, line feeds and backslashes, but no other white space in names.
 std::string takeWord(std::string& line) {
     const std::size_t begin = std::min(line.find_first_not_of(" \t"), line.size());
     const std::size_t end = std::min(line.find_first_of(" \t", begin), line.size());
@@ -44,8 +44,8 @@ std::string MountPoints::findUSB() const {
     using Common::Utils::filesystem::pathStartsWith;
     using Platform::IProductInfo;
     const std::string root = IProductInfo::getFileSystemRootPath();
-    // An empty root stands for "/": joined to nothing, "media/" would be a relative path and match no
-    // mount directory.
+    // An empty root means "/": without it, "media/" would be a relative path, which matches no mount
+    // directory.
     const boost::filesystem::path media = boost::filesystem::path(root.empty() ? "/" : root) / "media/";
     const boost::filesystem::path usb = IProductInfo::getUSBMountPath();
     std::string found;

@@ -6,8 +6,8 @@
 
 namespace Nerix {
 
-/// What an entry consists of besides its path and status. Each value is the result of steps that begin with
-/// 0, so it depends on nothing else.
+/// The facts of an entry besides its path and status. Each value is the result of steps that begin with 0, so
+/// it depends on nothing else.
 struct EntryFacts {
     struct Attribute {
         std::string name;

@@ -10,8 +10,9 @@ namespace Nerix {
 
 namespace {
 
-/// Exceeds the longest record. Most of that are the names of an entry's attributes: 64 KiB if '&' precedes no
-/// byte, with a value for every seventh byte or fewer.
+/// Longer than any record. The longest records consist mostly of attribute names: 64 KiB, or twice that if
+/// each byte needs an '&'. A name has at least seven bytes with its terminator, and each adds a value of 16
+/// digits.
 constexpr std::size_t maxLineSize = 524288;
 constexpr std::size_t blockSize = 65536;
 

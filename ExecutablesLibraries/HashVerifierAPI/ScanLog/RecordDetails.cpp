@@ -36,7 +36,7 @@ std::string octal4(mode_t mode) {
     return text;
 }
 
-/// Removes a blank and the word after it from the front of text. Returns an empty text if there is none.
+/// Removes a space and the word after it from the front of text. Returns an empty text if there is none.
 std::string takeWord(std::string_view& text) {
     if (text.empty() || text.front() != ' ') {
         return {};
@@ -47,7 +47,7 @@ std::string takeWord(std::string_view& text) {
     return word;
 }
 
-/// Returns true if text is a number of that type as std::to_string writes it.
+/// Returns true if text is a value of that type as std::to_string writes it.
 template <class Number>
 bool isDecimal(const std::string& text) {
     Number number = 0;

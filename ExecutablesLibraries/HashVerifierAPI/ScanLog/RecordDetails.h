@@ -10,7 +10,7 @@ struct stat;
 
 namespace Nerix {
 
-/// The details of a record, as the texts in which the log has them.
+/// The details of a record, as texts in the form that the log has.
 ///
 ///     KIND OWNER GROUP LINKS MODE SIZE [CONTENT | "TARGET"] ["NAME" VALUE]...
 ///
@@ -28,11 +28,11 @@ struct RecordDetails {
     EntryFacts facts; ///< empty in a log without facts
 };
 
-/// Returns the details with the blank that separates them from the path. facts: null if there are none.
+/// Returns the details with the space that separates them from the path. facts: null if there are none.
 std::string recordDetails(const struct stat& status, const EntryFacts* facts);
 
-/// Parses what recordDetails returns. hasFacts: the log has facts. Returns nullopt if the text is anything
-/// else.
+/// Parses what recordDetails returns. hasFacts: the log has facts. Returns nullopt if the text has a
+/// different form.
 std::optional<RecordDetails> parseRecordDetails(std::string_view text, bool hasFacts);
 
 /// Returns text in double quotes, on one line; see RecordDetails.

@@ -47,9 +47,9 @@ std::string fileName() {
     throwUnusable(path, std::string(": ") + call + Common::Utils::get_string_from_errno(errno));
 }
 
-/// The file, empty, and locked against other runs while it is open. The drive's content is not trusted and
-/// the name is predictable: it may be a link to one of our files, a FIFO without a reader, or a device that
-/// reacts to being opened.
+/// Creates the file or empties it, and locks it against other runs while it is open. The drive's content is
+/// not trusted and the name is predictable: it may be a link to one of the device's files, a FIFO without a
+/// reader, or a device that reacts to being opened.
 std::fstream create(const std::string& path) {
     struct stat status {};
     if (::lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
@@ -67,7 +67,7 @@ std::fstream create(const std::string& path) {
         throwUnusable(path, " is not a regular file");
     }
     // Truncate only after locking: O_TRUNC would delete the records of another run that started in the same
-    // second. A file system without locks is written without one.
+    // second. If the file system has no locks, the file is written without one.
     if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         throwUnusable(path, " is the scan log of another run");
     }

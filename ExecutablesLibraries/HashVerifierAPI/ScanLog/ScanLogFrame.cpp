@@ -16,7 +16,7 @@ bool startsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
 
-/// Returns the number that the whole text is, or nullopt.
+/// Returns the number if the whole text is one, otherwise nullopt.
 template <class Number>
 std::optional<Number> numberIn(std::string_view text) {
     Number number = 0;

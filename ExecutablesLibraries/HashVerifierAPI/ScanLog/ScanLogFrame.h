@@ -15,7 +15,7 @@
 namespace Nerix {
 
 struct ScanLogHeader {
-    std::string method; ///< a hash method
+    std::string method; ///< the hash method
     std::uint32_t user = 0;
     std::string root;
 
@@ -32,7 +32,7 @@ struct ScanLogHeader {
 /// Returns the last line without its line feed.
 std::string scanLogEnd(std::uint64_t entries);
 
-/// Returns the number of entries in the last line, or nullopt if it is another line.
+/// Returns the number of entries that the last line gives, or nullopt if it is a different line.
 std::optional<std::uint64_t> parseScanLogEnd(std::string_view line);
 
 } // namespace Nerix

@@ -1,8 +1,8 @@
-// The first constructor reads the file before the first record is handed out. detectFormat finds out whether
-// it is a log file or a system log; in a system log, findLastRun finds the thread that wrote the last scan
-// and the line where that scan begins. check then reads all records once, so a log that is damaged, out of
-// order or cut short is rejected before anything is printed. A record can span lines: nextOfFile and
-// nextOfSystemLog join them until the parser says that the record is complete.
+// The first constructor reads the file before the first record is handed out. detectFormat determines if it
+// is a log file or a system log; in a system log, findLastRun finds the thread that wrote the last scan and
+// the line where that scan begins. check then reads all records once, so a log that is damaged, out of order
+// or cut short is rejected before anything is printed. A record can span lines: nextOfFile and
+// nextOfSystemLog join them until the parser returns State::complete.
 
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogReader.h"
 
@@ -16,8 +16,8 @@ using State = ScanRecordParser::State;
 
 namespace {
 
-/// Returns the scan record in a message, after the "file:line>" that logging puts in front, or an empty text.
-/// The source file does not matter: a record is recognised by its form.
+/// Returns the scan record in a message, after the "file:line>" with which logging prefixes it, or an empty
+/// text. Recognizes a record by its form, whatever the source file.
 std::string_view recordIn(std::string_view message) {
     const std::size_t end = message.find('>');
     const std::string_view record = end == std::string_view::npos ? "" : message.substr(end + 1);
@@ -72,7 +72,7 @@ bool ScanLogReader::nextOfFile() {
     if (m_header && m_lines.isTerminated() && parseScanLogEnd(m_lines.line())) {
         m_announcedCount = *parseScanLogEnd(m_lines.line());
         m_isEnded = true;
-        return nextOfFile(); // which must be the end of the file
+        return nextOfFile(); // which must find the end of the file
     }
     if (!ScanRecordParser::beginsRecord(m_lines.line())) {
         throwErrorInLine(" is not a scan record");
@@ -96,12 +96,12 @@ bool ScanLogReader::nextOfFile() {
 bool ScanLogReader::nextOfSystemLog() {
     auto state = State::complete; // no record has begun
     bool isInRecord = false;
-    std::size_t lastPieceSize = 0; // the bytes of the piece before
+    std::size_t lastPieceSize = 0;
     while (!(isInRecord && state == State::complete) && nextLineOfRun()) {
         const SystemLogLine& line = *m_systemLogLine;
         if (isInRecord) {
-            // A long record is cut into pieces. Logs of older versions also cut it at its line feeds, which
-            // were left out.
+            // A long record is cut into pieces. Older versions also cut it at its line feeds and dropped
+            // these.
             state = lastPieceSize == Common::Logging::LoggingClass::maxMessageLength ? State::open
                                                                                      : m_parser.append("\n");
             state = state == State::open ? m_parser.append(line.text) : state;
@@ -127,6 +127,7 @@ bool ScanLogReader::nextLineOfRun() {
         if (!m_systemLogLine || m_systemLogLine->thread != m_run || m_lines.number() < m_runBegin) {
             continue;
         }
+        // Programs log other messages before the first record, so a log that begins with one was rotated.
         if (m_lines.number() == 1 ||
             (m_lastLineNumber != 0 && m_systemLogLine->number != m_lastLineNumber + 1)) {
             m_lines.throwError("is incomplete: records are missing before line " +
@@ -214,7 +215,7 @@ void ScanLogReader::check() {
     if (m_header && (!m_isEnded || m_announcedCount != m_count || m_root != m_header->root)) {
         m_lines.throwError("is incomplete: the scan failed or was interrupted, or records were taken out");
     }
-    // In this order everything from the first entry below the root to the root itself is below the root.
+    // In walk order, the entries below the root directly precede it, so it is enough to check the first one.
     if (first != m_root && !isBelow(first, m_root)) {
         m_lines.throwError(
             "is incomplete: it does not end with the root of the tree; the scan failed or was interrupted");

@@ -24,8 +24,7 @@ std::string scanRecord(std::uint64_t value, const std::string& path) {
 }
 
 std::string loggedScanRecord(std::uint64_t value, const std::string& path) {
-    constexpr std::size_t sourcePosition =
-        32; // more than the file's name and line that logging puts in front
+    constexpr std::size_t sourcePosition = 32; // longer than the file name and line that logging prefixes
     std::string record = scanRecord(value, path);
     if (record.size() + sourcePosition > Common::Logging::LoggingClass::maxMessageLength) {
         for (std::size_t at = record.find('\n'); at != std::string::npos; at = record.find('\n', at)) {

@@ -9,7 +9,7 @@ namespace Nerix {
 namespace {
 
 constexpr std::size_t valueLength = 16;
-constexpr std::size_t pathBegin = valueLength + 2; ///< after the value, a blank and the quote
+constexpr std::size_t pathBegin = valueLength + 2; ///< after the value, a space and the quote
 constexpr std::size_t maxPathSize = 4096;
 
 } // namespace

@@ -10,14 +10,14 @@ namespace Nerix {
 struct ScanLogRecord {
     std::uint64_t value = 0;
     std::string path;
-    std::string details; ///< as in the log, with the blank in front; empty in a log without details
+    std::string details; ///< as in the log, with the space before them; empty in a log without details
 };
 
-/// Puts a record together from the lines or pieces that it was cut into. Each byte is looked at once.
+/// Joins a record from the lines or pieces into which it was split. Reads each byte once.
 class ScanRecordParser {
 public:
     enum class State {
-        open,     ///< more text belongs to the record
+        open,     ///< the record is not complete yet
         complete, ///< record() holds all of it
         damaged   ///< no scan writes such text
     };
@@ -25,16 +25,17 @@ public:
     /// hasFacts: the details of the records contain facts.
     explicit ScanRecordParser(bool hasFacts = false) : m_hasFacts(hasFacts) {}
 
-    /// From now on takes details as they are, because those of the same log have been checked.
+    /// Accepts details without parsing them from now on. Call it for a log that has been checked, or that
+    /// this process wrote.
     void trustDetails() { m_areDetailsTrusted = true; }
 
-    /// Returns true if the text begins with a value, a blank and a double quote.
+    /// Returns true if the text begins with a value, a space and a double quote.
     static bool beginsRecord(std::string_view text);
 
     /// Begins a record with text, for which beginsRecord is true.
     State begin(std::string_view text);
 
-    /// Adds text to the record, which must be open. One that grows longer than any record is damaged.
+    /// Adds text to the record, which must be open. A record with too long a path is damaged.
     State append(std::string_view text);
 
     const ScanLogRecord& record() const { return m_record; }

@@ -6,12 +6,12 @@ namespace Nerix {
 
 namespace {
 
-/// "/" without its slash, so that every path below it begins with it and a slash.
+/// Returns the path, but "" for "/", so that every path below begins with it and a slash.
 std::string_view withoutSlash(std::string_view path) {
     return path == "/" ? std::string_view() : path;
 }
 
-/// Sort key of a path byte: '/' (the end of a name) sorts before every other byte.
+/// Returns the sort key of a path byte: '/' (the end of a name) sorts before every other byte.
 int rank(char character) {
     return character == '/' ? 0 : static_cast<unsigned char>(character) + 1;
 }
@@ -30,7 +30,7 @@ int compareInWalkOrder(std::string_view a, std::string_view b) {
     if (a.size() == b.size()) {
         return 0;
     }
-    // One begins with the other: a directory comes behind what is below it, a shorter name before a longer
+    // One begins with the other: a directory comes after what is below it, a shorter name before a longer
     // one.
     const bool isDirectory = (a.size() > b.size() ? a : b)[shorter] == '/';
     return (a.size() > b.size()) == isDirectory ? -1 : 1;
