@@ -1,5 +1,5 @@
 // A run in order: start calls begin, which publishes the first settings, opens the scan log and launches the
-// thread. The thread runs execute: scan has the root's scanner compute the value, and shutdown(hash) or fail
+// thread. The thread runs execute: scan lets the root's scanner compute the value, and shutdown(hash) or fail
 // publishes the result; publishInactive comes last. Meanwhile the scanners call log for each digest step and
 // each entry, which writes the record and advances progress.
 
@@ -46,7 +46,7 @@ namespace {
 /// depends on the process's limits and may be too small.
 constexpr std::size_t stackSize = std::size_t{1} << 20U;
 
-/// While it lives, the digest steps of the worker's thread are the run's progress.
+/// Counts the digest steps of the worker's thread as progress of the run.
 class RunSteps final : public HashFunctions::StepObserver {
 public:
     explicit RunSteps(HashWorker& worker) : m_worker(worker) {}
@@ -57,7 +57,8 @@ private:
     HashWorker& m_worker;
 };
 
-/// For handlers on the worker's thread, which must not end the process.
+/// Logs the exception being handled. Never throws, because an exception that leaves the worker's thread would
+/// end the process.
 void logCurrentException(LoggingClass::Level level, const char* what) noexcept {
     try {
         Common::Logging::LoggingStream(NERIX_LOG_TAG, level, LoggingClass::shortenPath(__FILE__), __LINE__)
@@ -79,8 +80,8 @@ HashWorker& HashWorker::getInstance() {
 }
 
 HashWorker::HashWorker() : m_root("/") {
-    // What the worker's thread uses has to be made before this object, so that it is still there while the
-    // destructor waits for that thread.
+    // The worker's thread uses the mount table. Construct it before this constructor returns, so that it is
+    // destroyed after the destructor has waited for that thread.
     MountPoints::getInstance();
 }
 
@@ -102,7 +103,7 @@ HashWorker& HashWorker::begin(const FileInput& root, const std::string& hashName
     if (boost::atomic_load(&m_thread)) {
         BOOST_THROW_EXCEPTION(GenericException() << errinfo_stream("verification is already started"));
     }
-    wait(); // a former worker may still be writing "inactive"
+    wait(); // the previous worker may still be writing "inactive"
     prepare(root, hashName);
     m_options = options != nullptr ? *options : RunOptions{};
     PublishedState::begin();
@@ -223,7 +224,7 @@ void HashWorker::log(const FileInput& entry, unsigned long long value) {
 void HashWorker::log(const FileInput& entry, unsigned long long value, const EntryFacts* facts) {
     throwIfTerminating();
     record(entry, value, facts);
-    m_entries.store(m_entries + 1, std::memory_order_relaxed); // this thread alone writes it
+    m_entries.store(m_entries + 1, std::memory_order_relaxed); // only this thread writes it
     m_finishedFileBytes +=
         S_ISREG(entry.status.st_mode) ? static_cast<std::uint64_t>(entry.status.st_size) : 0;
     m_fileBytes.store(m_finishedFileBytes, std::memory_order_relaxed);
@@ -300,7 +301,7 @@ void HashWorker::scan() {
 void HashWorker::fail() noexcept {
     static Common::NoDestructor<const std::string> errorMessage(PublishedState::errorResult);
     m_failure = std::current_exception();
-    // WRN, because ERR records mark the directory levels that the failure passed through.
+    // WRN, because ERR messages mark the directory levels that the failure passed through.
     logCurrentException(LoggingClass::WRN, "Verification failed: ");
     try {
         shutdown(*errorMessage);
@@ -311,7 +312,7 @@ void HashWorker::fail() noexcept {
 }
 
 void HashWorker::publishInactive() noexcept {
-    // A store that refuses once may accept the next time, and a status left "active" would show a run that
+    // A store that fails once may succeed the next time, and a status left "active" would show a run that
     // never ends.
     for (int attempts = 3; attempts > 0; --attempts) {
         try {

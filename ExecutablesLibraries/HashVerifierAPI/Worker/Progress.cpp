@@ -19,7 +19,7 @@ bool isWorthReporting(std::uint64_t done, std::uint64_t reported) {
 
 std::string text(std::uint64_t reported, std::uint64_t total) {
     if (reported == 0) {
-        return "0.00"; // also when the total is 0, where the division would have no value
+        return "0.00"; // also if the total is 0, when the division would have no result
     }
     const auto percent =
         static_cast<float>(static_cast<double>(reported) * 100.0 / static_cast<double>(total));

@@ -4,13 +4,13 @@
 
 #include <string>
 
-/// The state a run publishes in the settings store: three texts, with one function per transition.
+/// The state that a run publishes in the settings store: three texts, with one function per transition.
 ///
 ///     status      "active" while the worker runs, else "inactive"
 ///     progress    a percentage: "0.0", then with two decimals, "100.0" at the end of a run that succeeded
 ///     result      "00000111" while a run is under way, then the first 8 of its 16 digits, or "ERROR"
 ///
-/// All functions throw IVConf::VConfException when the store refuses. Any thread may call.
+/// All functions throw IVConf::VConfException if the store fails. They are thread-safe.
 namespace Nerix::PublishedState {
 
 constexpr const char* statusKey = "memory/menu/support/softwareupdate/hashverifier_status";
@@ -38,13 +38,13 @@ inline void active() {
     Platform::IVConf::setString(statusKey, activeStatus);
 }
 
-/// digits: all 16, of which the first 8 are published.
+/// Publishes the first 8 of the 16 digits as the result, and that progress is complete.
 inline void succeeded(const std::string& digits) {
     Platform::IVConf::setString(resultKey, digits.substr(0, 8));
     progress(wholeProgress);
 }
 
-/// Publishes message as the result; progress keeps its last value.
+/// Publishes message as the result. Leaves progress unchanged.
 inline void failed(const std::string& message) {
     Platform::IVConf::setString(resultKey, message);
 }

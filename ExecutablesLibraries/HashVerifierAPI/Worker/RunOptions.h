@@ -8,18 +8,19 @@
 
 namespace Nerix {
 
-/// What a caller can choose for a run, besides root and hash method. The runs that the device's programs
-/// start have none of it.
+/// What a caller can choose for a run, besides root and hash method. The device's programs use none of these.
 struct RunOptions {
-    ScanLogStream scanLog; ///< instead of the drive or the system log
+    ScanLogStream scanLog; ///< used instead of a drive; a null stream selects the system log
 
-    /// The path under which the tree is hashed and recorded, absolute and without a slash at the end; empty
-    /// for the path where it is. An image gets the value of the device on which it will be at this path.
+    /// The path under which the tree is hashed and recorded: absolute and, except "/", without a trailing
+    /// slash; empty for the actual path. With it, an image has the value that the tree will have at this path
+    /// on the device.
     std::string hashedRoot;
 
-    /// If set, an entry that cannot be read does not end the run. The function gets the failure of each, on
-    /// the worker's thread, and must not throw. The run then ends with "ERROR" after it has seen the whole
-    /// tree; its records of the directories around such an entry have wrong values.
+    /// If set, an entry below the root that cannot be read, or a file that cannot be read to its end, does
+    /// not end the run. The function is called with each failure, on the worker's thread, and must not throw.
+    /// The run continues to the end of the tree and then ends with "ERROR". The values of such files and of
+    /// the directories that contain such entries are wrong in the records.
     std::function<void(const std::exception_ptr&)> onUnreadable;
 };
 
