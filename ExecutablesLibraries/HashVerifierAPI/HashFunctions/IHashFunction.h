@@ -10,8 +10,7 @@ namespace Nerix {
 class ChainSource;
 
 /// Folds bytes into a chaining value: new value = f(old value, bytes). The value is the only state that one
-/// step passes to the next. Instances are immutable and may be used from any thread, several at once. Digest
-/// steps are reported to the thread's StepObserver.
+/// step passes to the next. Instances are immutable and may be used from any thread, several at once.
 class IHashFunction {
 public:
     using hash_t = std::uint64_t;
@@ -28,6 +27,9 @@ public:
     /// shorter, and an empty remainder has no step. Returns the new value. A read error counts as the end;
     /// the owner of the stream gets it from Content::readError. Does not close the stream.
     virtual hash_t apply(hash_t value, std::FILE* stream) const = 0;
+
+    /// Returns true if apply reports each step to the thread's StepObserver, so that steps count as progress.
+    virtual bool reportsSteps() const = 0;
 
     /// Returns the number of chains that applyChains computes at a time, at least 1.
     virtual std::size_t lanes() const = 0;

@@ -19,6 +19,8 @@ public:
     /// Asserts that an OpenSSLInit is in the singleton registry. Throws what HashSink and the observer throw.
     hash_t apply(hash_t value, unsigned int length, const char* data) const override;
 
+    bool reportsSteps() const override { return true; }
+
 private:
     std::string m_digestName;
 };

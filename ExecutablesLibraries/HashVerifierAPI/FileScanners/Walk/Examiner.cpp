@@ -153,6 +153,9 @@ bool Examiner::begin(Lane& lane, Step& step) {
 
 void Examiner::addStep(Lane& lane) {
     constexpr unsigned long long oneMebibyte = 1U << 20U;
+    if (!m_scope.function.reportsSteps()) {
+        return;
+    }
     lane.steps.add(lane.stepLength);
     lane.undelivered += lane.stepLength;
     if (lane.undelivered > oneMebibyte) {

@@ -145,6 +145,15 @@ TEST_F(HashWorkerTest, SettingsFailureDuringTheRunNeverThrows) {
     }
 }
 
+TEST_F(HashWorkerTest, StepsWithoutADigestAreNoProgress) {
+    boost::filesystem::ofstream{m_tree.path() / "file"} << std::setw(12'000'000) << 'x';
+    for (const char* const method : {"none", "trivial"}) {
+        platform().reset();
+        HashVerifierAPI::nerixVerifyPath(m_tree.path().native(), method);
+        EXPECT_EQ(platform().written().size(), 7U) << method << ": one more than without the file, at its end";
+    }
+}
+
 TEST_F(HashWorkerTest, NothingOfAFailedRunIsLeftInTheNext) {
     boost::filesystem::ofstream{m_tree.path() / "file"} << "12345";
     failAfterStatusActive(resultKey, 1);
