@@ -1,5 +1,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 
+#include "Common/Base/NoDestructor.h"
 #include "Common/Utils/Filesystem.h"
 #include "Platform/Product/IProductInfo.h"
 
@@ -23,8 +24,8 @@ std::string takeWord(std::string& line) {
 } // namespace
 
 MountPoints& MountPoints::getInstance() {
-    static MountPoints instance;
-    return instance;
+    static Common::NoDestructor<MountPoints> instance; // the worker may use it while the process ends
+    return *instance;
 }
 
 MountPoints::MountPoints() : MountPoints(std::ifstream("/proc/mounts")) {}

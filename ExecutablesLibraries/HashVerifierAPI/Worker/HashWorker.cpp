@@ -16,7 +16,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/FileScanners/IFileScanner.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/HashFunctions.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
-#include "ExecutablesLibraries/HashVerifierAPI/Mounts/MountPoints.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/RecordDetails.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanLogFile.h"
 #include "ExecutablesLibraries/HashVerifierAPI/ScanLog/ScanRecord.h"
@@ -79,11 +78,7 @@ HashWorker& HashWorker::getInstance() {
     return instance;
 }
 
-HashWorker::HashWorker() : m_root("/") {
-    // The worker's thread uses the mount table. Construct it before this constructor returns, so that it is
-    // destroyed after the destructor has waited for that thread.
-    MountPoints::getInstance();
-}
+HashWorker::HashWorker() : m_root("/") {}
 
 HashWorker::~HashWorker() {
     const boost::this_thread::disable_interruption noInterruption; // wait would throw
