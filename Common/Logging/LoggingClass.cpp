@@ -129,8 +129,8 @@ void LoggingClass::printChunked(const char* tag, Level level, char* begin, char*
 }
 
 void LoggingClass::smartPrintImpl(const char* tag, Level level, const char* text) {
-    static std::uint32_t lastRecordNumber = 0;
-    const std::uint32_t recordNumber = PlatformDependent::atomic_add_fetch(&lastRecordNumber, 1);
+    static std::uint32_t lineNo = 0;
+    const std::uint32_t recordNumber = PlatformDependent::atomic_add_fetch(&lineNo, 1);
     char thread[threadFieldSize];
     getThreadId(thread, sizeof thread);
     printImpl(tag, thread, recordNumber, level, text);
