@@ -84,7 +84,8 @@ public:
     const std::string& getResumeDataBackupDirectory() const { return m_resumeDataBackupDirectory; }
     void setResumeDataBackupDirectory(const std::string& value) { m_resumeDataBackupDirectory = value; }
 
-    /// Named values chosen by the tester. The getters return boost::none, or defaultValue, if the name is not
+    /// Named values chosen by the tester. "hashVerifierThreads" sets the number of threads of a scan, from 1
+    /// to 8; the programs here use no other. The getters return boost::none, or defaultValue, if the name is not
     /// set. Each lookup is logged at DBG. A bool is stored as the int 0 or 1; any nonzero int counts as true.
     boost::optional<int> getCustomIntParam(const std::string& name) const;
     int getCustomIntParam(const std::string& name, int defaultValue) const;

@@ -7,7 +7,8 @@ namespace Nerix::FileScanners {
 /// Opens the content of a regular file for reading. Returns the descriptor, close-on-exec, which the caller
 /// owns. Returns -1 with errno set if the file cannot be opened; errno is 0 if openContent had to wait for a
 /// lease and the file is no longer regular. Otherwise does not check the kind of the file; Content does. Does
-/// not follow a final link, and does not wait for the other end of a FIFO.
+/// not follow a final link, and does not wait for the other end of a FIFO. Nor do reads of the file wait: if
+/// one would, as in /proc/kmsg, it fails.
 ///
 /// Waits only if another process holds a lease on the file. The open then has a place in the kernel's queue,
 /// so a process that keeps renewing its lease cannot block it forever. If no timer can be created,

@@ -10,7 +10,7 @@ namespace Nerix {
 ///
 /// The returned stream is closed if there is no drive or the file cannot be used: it cannot be created,
 /// another run is writing it, or it is not a regular file (links are not followed). If the file cannot be
-/// used, a warning is logged. Records then go to the system log. Throws ProductUninitializedException before
+/// used, two warnings are logged: why, and that records go to the system log. Throws ProductUninitializedException before
 /// IProductInfo::initializeProduct.
 std::fstream openScanLog();
 
