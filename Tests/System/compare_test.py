@@ -478,6 +478,7 @@ added   "usr/odd2\"""")
             "cut in the last record": (text[:-2], "its last record is not terminated\n"),
             "no line feed at the end": (text[:-1], "its last record is not terminated\n"),
             "twice": (text + text, "line 4 is out of order"),
+            "record twice": (lines[0] + text, "line 2 is out of order"),
             "text after the end": (text + "junk\n", "line 4 is not a scan record"),
             "lines end as on other systems": (text.replace("\n", "\r\n"), "line 1 is damaged"),
             "text after a record": (text.replace('b"', 'b" x', 1), "line 1 is damaged"),
