@@ -540,6 +540,13 @@ added   "usr/odd2\"""")
         self.assertEqual(run.returncode, 2)
         self.assertIn(b": cannot be copied: File too large\n", run.stderr)
 
+    def test_compare_reports_the_log_of_a_tree_that_cannot_be_written(self):
+        for number in range(200):
+            os.mkdir(self.tree + b"/%d" % number)
+        run = self.run_command("bash", "-c", f"ulimit -f 4; exec {HOST} compare {self.tree.decode()} {self.tree.decode()}")
+        self.assertEqual((run.returncode, run.stdout), (2, b""))
+        self.assertEqual(run.stderr, b'NerixHost: cannot write the log of "%b": File too large\n' % self.tree)
+
     def test_compare_reports_a_tree_that_cannot_be_read(self):
         os.mkdir(self.other)
         write(self.tree + b"/secret")

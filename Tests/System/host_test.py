@@ -90,13 +90,41 @@ class Host(SystemTest):
         self.assertEqual([line[17:] for line in run.stdout.splitlines()], [line[17:] for line in paths])
 
     def test_scan_prints_a_value_for_each_path(self):
-        write(self.tree + b"/a")
-        paths = [os.path.realpath(self.tree), self.tree + b"/a", b"/nowhere"]
-        values = [Model("md5").value(path) for path in paths[:2]]
+        write(self.tree + b"/\x1b")
+        paths = [b"/nowhere", os.path.realpath(self.tree), self.tree + b"/\x1b"]
+        values = [Model("md5").value(path).encode() for path in paths[1:]]
         run = self.run_host("scan", *paths)
         self.assertEqual(run.stderr, b'NerixHost: cannot read "/nowhere": No such file or directory\n')
         self.assertEqual(run.returncode, 2)
-        self.assertEqual(run.stdout, b"".join(b"%b  %b\n" % (value.encode(), path) for value, path in zip(values, paths)))
+        self.assertEqual(run.stdout, b"%b  %b\n%b  %b/\\x1b\n" % (values[0], self.tree, values[1], self.tree))
+
+    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
+    def test_scan_of_the_root_directory(self):
+        make_hole("/large", 300 << 20)
+        self.addCleanup(os.remove, "/large")
+        self.assertRegex(self.on_terminal(80, "scan", "/"), r"\r *\d+\.\d\d % ", "the root is a file system")
+        os.truncate("/large", 1)
+        for options, first, last in (([], b'"/large"', b'"/"'), (["--as", "/x/../image//"], b'"/image/large"', b'"/image"')):
+            records = self.run_host("scan", "/", "--log", "-", *options).stdout.splitlines()
+            self.assertEqual((records[-1][17:], first in {line[17:] for line in records}), (last, True))
+
+    def test_signal_ends_a_scan_of_several_paths(self):
+        unreadable = os.path.join(self.tree, b"a")
+        write(unreadable)
+        os.chmod(unreadable, 0)
+        make_hole(self.tree + b"/long", 1 << 40)
+        drop = ["setpriv", "--bounding-set=-all", "--inh-caps=-all"] if os.geteuid() == 0 else []
+        run = self.run_command("timeout", "-sTERM", "1", *drop, HOST, "scan", "--keep-going", self.tree, self.work)
+        self.assertEqual(run.stderr, b'NerixHost: cannot read "%b": Permission denied\nNerixHost: ended by signal 15\n'
+                         % unreadable)
+        self.assertEqual(run.stdout, b"")
+
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_scan_syncs_its_log_before_it_appears(self):
+        trace = os.path.join(self.home, "trace")
+        self.run_command("strace", "-f", "-o", trace, "-e", "trace=fsync,rename,renameat2", HOST, "scan", self.tree, "--log",
+                         self.logs[0])
+        self.assertEqual(re.findall(rb"\d+ +([a-z]+)", read(trace)), [b"fsync", b"rename"])
 
     def test_scan_with_json_prints_an_object(self):
         write(self.tree + b"/a", b"12345")
@@ -201,10 +229,11 @@ class Host(SystemTest):
 
     @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_scan_gives_no_value_of_a_file_that_cannot_be_read_to_its_end(self):
-        file = self.tree + b"/file"
-        write(file, bytes(300_000))
-        run = self.run_command(*STRACE, "-P", file, "-e", "inject=read:error=EIO:when=2", HOST, "scan", self.tree,
-                               "--log", self.logs[0])
+        file, later = self.tree + b"/file", self.tree + b"/later"
+        for path in (file, later):
+            write(path, bytes(300_000))
+        run = self.run_command(*STRACE, "-P", file, "-P", later, "-e", "inject=read:error=EIO:when=2+", HOST, "scan",
+                               self.tree, "--log", self.logs[0])
         self.assertEqual(run.stderr, b'NerixHost: cannot read "%b": Input/output error\n' % file)
         self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertEqual(os.listdir(self.work), ["tree"])

@@ -175,6 +175,7 @@ class Hostile(SystemTest):
             with self.subTest(pages=pages):
                 self.mount("/mnt", "-o", f"size={pages * 4}k,mode=700")
                 run = self.run_program("--path", self.tree, env={**self.environment, "NERIX_PLATFORM_HOME": "/mnt"})
+                self.assertEqual(glob.glob("/mnt/settings*/.new*"), [], "a setting that did not fit")
                 if run.returncode == 0:
                     self.assertIn(run.stdout.decode(), (value + "\n", "ERROR\n"))
                 else:

@@ -1,6 +1,7 @@
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/Progress.h"
+#include "ExecutablesLibraries/HashVerifierAPI/Worker/RunOptions.h"
 
 #include "Common/IO/OpenSSLInit.h"
 #include "Common/Utils/Errors/Errors.h"
@@ -164,6 +165,20 @@ TEST_F(HashWorkerTest, NothingOfAFailedRunIsLeftInTheNext) {
     EXPECT_EQ(HashVerifierAPI::getFailure(), nullptr);
     EXPECT_EQ(HashVerifierAPI::getEntries(), 2U);
     EXPECT_EQ(HashVerifierAPI::getFileBytes(), 5U);
+}
+
+TEST_F(HashWorkerTest, RunThatGoesOnWithoutAnEntryEndsWithError) {
+    for (const char* const name : {"a", "b"}) { boost::filesystem::ofstream{m_tree.path() / name} << "12345"; }
+    boost::filesystem::permissions(m_tree.path() / "a", boost::filesystem::no_perms);
+    inOwnProcess([&] {
+        if (::geteuid() == 0 && ::setuid(12345) != 0) { return; } // no other user in this user namespace
+        int failures = 0;
+        RunOptions options;
+        options.onUnreadable = [&](const std::exception_ptr&) { ++failures; };
+        EXPECT_EQ(HashVerifierAPI::nerixVerifyPath(m_tree.path().native(), "md5", options), "ERROR");
+        EXPECT_EQ(failures, 1);
+        EXPECT_EQ(HashVerifierAPI::getEntries(), 2U) << "the other file and the directory";
+    });
 }
 
 TEST_F(HashWorkerTest, FinalStatusIsTriedThreeTimes) {
