@@ -8,8 +8,9 @@ namespace Nerix {
 /// log. During the run only the worker's thread writes to it. The stream's exceptions must be off. If it
 /// fails, the rest of the log is lost but the run continues; the caller should check its state afterwards.
 struct ScanLogStream {
-    std::ostream* stream;
-    bool hasFacts; ///< collect facts, which hashes contents twice, and append recordDetails to each record
+    std::ostream* stream = nullptr;
+    /// Collect facts, which hashes contents twice, and append recordDetails to each record.
+    bool hasFacts = false;
 };
 
 } // namespace Nerix

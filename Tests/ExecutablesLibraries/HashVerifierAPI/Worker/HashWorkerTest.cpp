@@ -62,6 +62,22 @@ TEST(HashVerifierAPIDeathTest, VerifyFileSystemScansRootWithMd5) {
     });
 }
 
+TEST(HashVerifierAPIDeathTest, RunThatGoesOnWithoutAnEntryEndsWithError) {
+    const TemporaryDirectory tree;
+    for (const char* const name : {"a", "b"}) { boost::filesystem::ofstream{tree.path() / name} << "12345"; }
+    boost::filesystem::permissions(tree.path() / "a", boost::filesystem::no_perms);
+    inOwnProcess([&] {
+        if (::geteuid() == 0 && ::setuid(12345) != 0) { return; } // no other user in this user namespace
+        const OpenSSLGuard openSSL{Common::Utils::SINGLETON_OPENSSL_INITIALIZER};
+        int failures = 0;
+        RunOptions options;
+        options.onUnreadable = [&](const std::exception_ptr&) { ++failures; };
+        EXPECT_EQ(HashVerifierAPI::nerixVerifyPath(tree.path().native(), "md5", options), "ERROR");
+        EXPECT_EQ(failures, 1);
+        EXPECT_EQ(HashVerifierAPI::getEntries(), 2U) << "the other file and the directory";
+    });
+}
+
 class HashWorkerTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -165,20 +181,6 @@ TEST_F(HashWorkerTest, NothingOfAFailedRunIsLeftInTheNext) {
     EXPECT_EQ(HashVerifierAPI::getFailure(), nullptr);
     EXPECT_EQ(HashVerifierAPI::getEntries(), 2U);
     EXPECT_EQ(HashVerifierAPI::getFileBytes(), 5U);
-}
-
-TEST_F(HashWorkerTest, RunThatGoesOnWithoutAnEntryEndsWithError) {
-    for (const char* const name : {"a", "b"}) { boost::filesystem::ofstream{m_tree.path() / name} << "12345"; }
-    boost::filesystem::permissions(m_tree.path() / "a", boost::filesystem::no_perms);
-    inOwnProcess([&] {
-        if (::geteuid() == 0 && ::setuid(12345) != 0) { return; } // no other user in this user namespace
-        int failures = 0;
-        RunOptions options;
-        options.onUnreadable = [&](const std::exception_ptr&) { ++failures; };
-        EXPECT_EQ(HashVerifierAPI::nerixVerifyPath(m_tree.path().native(), "md5", options), "ERROR");
-        EXPECT_EQ(failures, 1);
-        EXPECT_EQ(HashVerifierAPI::getEntries(), 2U) << "the other file and the directory";
-    });
 }
 
 TEST_F(HashWorkerTest, FinalStatusIsTriedThreeTimes) {
