@@ -102,6 +102,17 @@ TEST_F(Settings, FailuresNameTheCallAndTheKey) {
     }
 }
 
+TEST_F(Settings, KeysOfAnyBytesAreKept) {
+    const std::vector<std::string> keys = {"%", "+", ".", "..", "/", "A\n", "a+b/c", "\xff"};
+    for (const std::string& key : keys) { IVConf::setString(key, key); }
+    std::vector<std::string> listed;
+    for (const auto& setting : Platform::Host::HostState::instance().settings().list().settings) {
+        EXPECT_EQ(setting.bytes, setting.key);
+        listed.push_back(setting.key);
+    }
+    EXPECT_EQ(listed, keys);
+}
+
 TEST_F(Settings, NullIsRejected) {
     EXPECT_EQ(vconf_set_str(nullptr, ""), EINVAL);
     EXPECT_EQ(vconf_set_str("key", nullptr), EINVAL);

@@ -14,6 +14,7 @@ import subprocess
 import termios
 import time
 import unittest
+import zlib
 
 import random_tree
 from harness import HOST, NO_MOUNTS, PREFIX, SANITIZED, STRACE, SystemTest, main, make_hole, read, write
@@ -283,6 +284,11 @@ class Host(SystemTest):
         log = self.work + "/other name"
         write(self.tree + b"/file")
         os.link(self.tree + b"/file", log)
+        if not NO_MOUNTS:
+            self.mount("/mnt")
+            write("/mnt/log")
+            os.link("/mnt/log", "/mnt/other")
+            self.scan("/mnt/log")  # on another file system than the tree
         run = self.run_host("scan", self.tree, "--log", log)
         self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertIn(b"has other hard links, which may be inside the tree", run.stderr)
@@ -319,8 +325,7 @@ class Host(SystemTest):
     def test_scan_writes_a_log_of_any_name(self):
         write(self.tree + b"/file")
         self.assertEqual(self.run_host("scan", self.tree + b"/file", "--log", self.logs[1]).returncode, 0, "log of a file")
-        for number in range(70_000, 70_010):  # a name for the temporary log that somebody guessed
-            os.makedirs(f"{self.logs[0]}.part-{number}")
+        os.mkfifo(f"{self.work}/.nerix-{zlib.crc32(b'before.log')}-abcdef")  # where a killed scan might leave its log
         for log in (self.logs[0], os.path.join(self.work, "l" * 255)):
             self.scan(log)
             self.assertEqual(stat.S_IMODE(os.stat(log).st_mode), 0o644)
