@@ -110,7 +110,7 @@ void ReportQueue::settle(QueuedEntry& entry, State state, StepSizes& steps) noex
     }
     if (entry.state == State::examined && entry.isAhead && entry.listing) {
         m_namesAhead += entry.listing->names.size();
-        if (m_namesAhead > maxNamesAhead) {
+        if (m_namesAhead > m_maxNames) {
             m_namesAhead -= entry.listing->names.size();
             entry.state = State::deferred;
         }

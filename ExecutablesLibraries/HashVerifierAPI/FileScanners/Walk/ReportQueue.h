@@ -41,9 +41,10 @@ public:
     static constexpr std::size_t maxNamesAhead = 65536;
 
     /// cores: the number of cores over which the remaining names are spread. Threads beyond that number get
-    /// work only while others wait for a disk. maxAhead: see maxEntriesAhead.
-    explicit ReportQueue(std::size_t cores, std::size_t maxAhead = maxEntriesAhead)
-        : m_cores(cores), m_maxAhead(maxAhead) {}
+    /// work only while others wait for a disk. maxAhead, maxNames: see the constants.
+    explicit ReportQueue(std::size_t cores, std::size_t maxAhead = maxEntriesAhead,
+                         std::size_t maxNames = maxNamesAhead)
+        : m_cores(cores), m_maxAhead(maxAhead), m_maxNames(maxNames) {}
 
     /// Puts the root into the empty queue, deferred. `root` must contain only that entry.
     void begin(Entries& root);
@@ -102,6 +103,7 @@ private:
 
     const std::size_t m_cores;
     const std::size_t m_maxAhead;
+    const std::size_t m_maxNames;
     std::mutex m_mutex;
     std::condition_variable m_reporterWakes;
     std::condition_variable m_helpersWake;
