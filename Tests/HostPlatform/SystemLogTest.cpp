@@ -44,24 +44,16 @@ TEST_F(SystemLogDeathTest, TextsAreLoggedWholeWhateverTheirLength) {
     }
 }
 
-TEST_F(SystemLogDeathTest, WarningAndWhatPrecedesItOutliveAnAbort) {
-    const auto abortAfterAWarning = [] {
-        logText(DLOG_PRIORITY_INFO, "information");
-        logText(DLOG_PRIORITY_WARNING, "warning");
+TEST_F(SystemLogDeathTest, RecordBeforeAWarningOrASettingOutlivesAnAbort) {
+    const auto abortAfter = [](const char* number, void (*operation)()) {
+        logText(DLOG_PRIORITY_INFO, number);
+        operation();
         std::abort();
     };
-    EXPECT_DEATH(abortAfterAWarning(), "");
-    EXPECT_PRED2(matches, logged(), "\\S+ I tag information\n\\S+ W tag warning\n");
-}
-
-TEST_F(SystemLogDeathTest, RecordIsWrittenBeforeASettingThatFollowsIt) {
-    const auto abortAfterASetting = [] {
-        logText(DLOG_PRIORITY_INFO, "information");
-        vconf_set_int("memory/number", 1);
-        std::abort();
-    };
-    EXPECT_DEATH(abortAfterASetting(), "");
-    EXPECT_PRED2(contains, logged(), "information");
+    EXPECT_DEATH(abortAfter("one", [] { logText(DLOG_PRIORITY_WARNING, "two"); }), "");
+    EXPECT_PRED2(matches, logged(), "\\S+ I tag one\n\\S+ W tag two\n");
+    EXPECT_DEATH(abortAfter("three", [] { vconf_set_int("memory/number", 1); }), "");
+    EXPECT_PRED2(contains, logged(), "three");
 }
 
 TEST_F(SystemLogDeathTest, RecordIsWrittenAfterASecond) {

@@ -99,13 +99,12 @@ class Device(SystemTest):
     def test_settings_watch_shows_a_run_of_another_process(self):
         make_hole(os.path.join(self.work, "big"), 500 << 20)
         value, _ = self.expected()
-        command, options = [HOST, "settings", "watch"], {"env": self.environment, "stdout": subprocess.PIPE, "text": True}
-        with subprocess.Popen([*command, "--json"], **options) as objects, subprocess.Popen(command, **options) as watch:
-            watch.stdout.readline()
-            time.sleep(0.5)  # give the JSON watcher time to start; it prints nothing while waiting
-            self.assertEqual(self.value(self.work), value)
-            lines = watch.communicate(timeout=60)[0].splitlines()
-            last = json.loads(objects.communicate(timeout=60)[0].splitlines()[-1])
+        objects, watch = self.start_watch("--json"), self.start_watch()
+        watch.stdout.readline()
+        time.sleep(0.5)  # give the JSON watcher time to start; it prints nothing while waiting
+        self.assertEqual(self.value(self.work), value)
+        lines = watch.communicate(timeout=60)[0].splitlines()
+        last = json.loads(objects.communicate(timeout=60)[0].splitlines()[-1])
         self.assertEqual((watch.returncode, objects.returncode), (0, 0))
         self.assertEqual(last, {"status": "inactive", "progress": "100.0", "result": value[:8]})
         self.assertRegex("\n".join(lines), r"(?m)^active +\d\d?\.\d\d? % \[#* +\] 00000111$")
@@ -115,11 +114,12 @@ class Device(SystemTest):
         lines = watch.communicate(timeout=30)[0].splitlines()
         self.assertEqual((watch.returncode, lines[-1].split()), (status, last.split()), lines)
 
-    def start_watch(self):
-        watch = subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.PIPE, text=True)
+    def start_watch(self, *options):
+        command = [HOST, "settings", "watch", *options]
+        watch = subprocess.Popen(command, env=self.environment, stdout=subprocess.PIPE, text=True)
         self.addCleanup(watch.stdout.close)
         self.addCleanup(watch.kill)
-        return watch, watch.stdout.readline()
+        return watch
 
     def test_settings_watch_recognises_a_run_by_either_setting(self):
         self.value(self.work)
@@ -128,8 +128,8 @@ class Device(SystemTest):
             with self.subTest(key):
                 self.put_setting(progress, "250.00", process_identity())
                 self.put_setting(key, live, process_identity())
-                watch, first = self.start_watch()
-                self.assertIn(" 250.00 % [" + "#" * 38 + "]", first, "a full bar")
+                watch = self.start_watch()
+                self.assertIn(" 250.00 % [" + "#" * 38 + "]", watch.stdout.readline(), "a full bar")
                 for name, text in ((status, "inactive"), (progress, "100.0"), (result, "01234567")):
                     self.put_setting(name, text, process_identity())
                 self.assert_watch_ends(watch, 0, f"inactive 100.0 % [{'#' * 38}] 01234567")
@@ -137,8 +137,8 @@ class Device(SystemTest):
     def test_settings_watch_notices_a_run_that_it_never_saw_active(self):
         self.value(self.work)
         status, progress, result = self.settings()
-        watch, first = self.start_watch()
-        self.assertEqual(first, f"waiting for a scan (the last one: {result})\n")
+        watch = self.start_watch()
+        self.assertEqual(watch.stdout.readline(), f"waiting for a scan (the last one: {result})\n")
         self.put_setting(f"db/{PREFIX}result", result, process_identity())  # the same value, by another process
         self.assert_watch_ends(watch, 0, f"{status} {progress} % [{'#' * 38}] {result}")
 

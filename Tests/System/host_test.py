@@ -159,11 +159,6 @@ class Host(SystemTest):
             run = self.run_host("scan", self.tree, *options)
             self.assertEqual((run.returncode, run.stdout.decode()), (0, self.tree_value + "\n"), options)
 
-    def test_scan_with_the_log_on_standard_output_prints_the_value_on_standard_error(self):
-        self.entries()
-        run = self.run_host("scan", self.tree, "--log", "-", "-q", "-q")
-        self.assertEqual((run.stdout.splitlines(), run.stderr.decode()), (self.records, self.tree_value + "\n"))
-
     def assert_fails(self, status, cases):
         """Compares exit status and first error line of NerixHost. A case has the arguments and the line."""
         for arguments, reason in cases:

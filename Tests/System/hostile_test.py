@@ -185,14 +185,15 @@ class Hostile(SystemTest):
         self.assertEqual(run.stdout.decode(), value + "\n", "on the largest disk")
 
     def setting_files(self):
-        return glob.glob(f"{self.home}/settings*/*")
+        return glob.glob(f"{self.home}/settings*/[dm]*+*")
 
     def test_settings_list_reports_a_damaged_setting_and_the_next_run_replaces_it(self):
         self.assert_prints_value()
         self.assertEqual(len(self.setting_files()), 3)
+        write(f"{os.path.dirname(self.setting_files()[0])}/a name that no key has")
         damages = {"cut": lambda file: os.truncate(file, 5), "longer": lambda file: write(file, b"x" * 100),
                    "huge": lambda file: make_hole(file, 1 << 40), "fifo": lambda file: (os.remove(file), os.mkfifo(file)),
-                   "link": lambda file: (os.remove(file), os.symlink("/dev/zero", file))}
+                   "link": lambda file: os.symlink(shutil.move(file, self.work + "/kept"), file)}
         for name, damage in damages.items():
             for file in self.setting_files():
                 with self.subTest(name, file=file):
@@ -206,22 +207,6 @@ class Hostile(SystemTest):
                     self.assertIn(b"there is no setting", self.run_host("settings", "get", "db/none").stderr)
                     self.assert_prints_value()
                     self.assert_published(status="inactive", progress="100.0")
-
-    def test_run_and_settings_watch_survive_settings_that_are_damaged_in_use(self):
-        chance = random.Random(22)
-        with self.long_run("none") as run, \
-                subprocess.Popen([HOST, "settings", "watch"], env=self.environment, stdout=subprocess.DEVNULL,
-                                 stderr=subprocess.DEVNULL) as watch:
-            for _ in range(200):
-                file = chance.choice(self.setting_files())
-                with open(file, "r+b") as damaged:
-                    damaged.seek(chance.randrange(os.path.getsize(file)))
-                    damaged.write(bytes([chance.randrange(256)]))
-                self.assertIn(self.run_host("settings", "list").returncode, (0, 2), "status of settings list")
-            self.assertIsNone(run.poll(), "the run ended early")
-            run.terminate()
-            self.assertEqual(run.wait(60), -signal.SIGTERM)
-            self.assertIn(watch.wait(60), (0, 1, 2), "status of settings watch")
 
     def test_settings_watch_finds_the_run_of_a_store_that_was_deleted_and_created_again(self):
         self.assert_prints_value()
@@ -316,51 +301,27 @@ class Hostile(SystemTest):
                 self.hold_lease(os.path.join(self.tree, name), give_lease_up)
                 self.assert_prints_value(self.run_program("--path", self.tree, timeout=30, preexec_fn=prepare))
 
-    def model_records(self, path):
-        """Returns the record that a scan of the tree writes for the entry, in a set; an empty one if it writes none."""
-        model = Model("md5")
-        model.value(self.tree)
-        return {record for record in model.record_lines() if record.endswith(f'"{path}"'.encode())}
-
-    def test_run_never_reads_what_replaced_a_leased_file(self):
-        path = os.path.join(self.tree, "a")
-        device = os.makedev(1, 5)
-        kinds = {"link": lambda: os.symlink("/dev/zero", path), "fifo": lambda: os.mkfifo(path),
-                 "directory": lambda: os.mkdir(path), "device": lambda: os.mknod(path, stat.S_IFCHR | 0o644, device)}
+    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
+    def test_run_reads_nothing_that_replaced_a_leased_file_while_it_waited(self):
+        path, other = os.path.join(self.tree, "a"), os.path.join(self.work, "other")
+        kinds = {"link": lambda place: os.symlink(other, place), "fifo": os.mkfifo, "directory": os.mkdir}
         for kind, make in kinds.items():
             def replace(file, make=make):
+                time.sleep(0.2)
                 os.remove(path)
-                with contextlib.suppress(PermissionError):  # an ordinary user cannot make a device
-                    make()
+                make(path)
                 give_lease_up(file)
 
             with self.subTest(kind):
                 subprocess.run(["rm", "-rf", path], check=True)
-                write(path, b"content")
-                allowed = self.model_records(path)
-                known = len(self.scan_records())
+                for name in (path, other):
+                    write(name, b"content")
                 self.hold_lease(path, replace)
-                self.run_program("--path", self.tree, timeout=60)
-                allowed |= self.model_records(path)
-                recorded = {record for record in self.scan_records()[known:] if record.endswith(f'"{path}"'.encode())}
-                self.assertLessEqual(recorded, allowed, "a record has the value of the file or of what replaced it")
-
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
-    def test_run_does_not_follow_a_link_that_replaced_a_leased_file_while_it_waited(self):
-        path, other = os.path.join(self.tree, "a"), os.path.join(self.work, "other")
-        write(other, b"o" * os.path.getsize(path))
-
-        def replace(file):
-            time.sleep(0.2)
-            os.remove(path)
-            os.symlink(other, path)
-            give_lease_up(file)
-
-        self.hold_lease(path, replace)
-        # The third open is the one that begins to wait; the first two do not.
-        run = self.run_command(*STRACE, "-P", path, "-e", "trace=openat", "-e", "inject=openat:delay_enter=1000000:when=3",
-                               PROGRAM, "--path", self.tree, preexec_fn=use_one_core)
-        self.assertEqual(run.stdout, b"ERROR\n")
+                # The third open is the one that begins to wait; the first two do not.
+                run = self.run_command(*STRACE, "-P", path, "-e", "trace=openat", "-e",
+                                       "inject=openat:delay_enter=1000000:when=3", PROGRAM, "--path", self.tree,
+                                       preexec_fn=use_one_core)
+                self.assertEqual(run.stdout, b"ERROR\n")
 
     def test_run_does_not_wait_again_for_a_lease_that_is_taken_again(self):
         def take_again(file):

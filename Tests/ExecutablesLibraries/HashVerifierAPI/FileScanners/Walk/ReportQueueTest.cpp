@@ -11,8 +11,6 @@
 #include <string>
 #include <vector>
 
-#include <sys/stat.h>
-
 namespace Nerix::FileScanners {
 
 namespace {
@@ -146,20 +144,16 @@ TEST_F(ReportQueueTest, ReporterLeavesNamesAloneWhileTheFrontIsDeferred) {
 }
 
 TEST_F(ReportQueueTest, DirectoryIsDeferredIfTooManyNamesHaveBeenReadAhead) {
-    const Tests::TemporaryDirectory large;
-    const std::size_t count = ReportQueue::maxNamesAhead / 3;
-    for (std::size_t number = 0; number != count; ++number) {
-        ::mknod((large.path() / std::to_string(number)).c_str(), S_IFREG | 0600, 0);
+    ReportQueue small(1, ReportQueue::maxEntriesAhead, 8); // two directories of four names
+    begin(small);
+    const std::vector<QueuedEntry*> entries{take(small), take(small), take(small)};
+    for (QueuedEntry* const entry : entries) {
+        entry->listing = std::make_unique<Listing>(Names(directory.path()));
+        small.settle(*entry, State::examined, none);
     }
-    const std::vector<QueuedEntry*> entries = takeAll();
-    for (QueuedEntry* const entry : entries) { entry->listing = std::make_unique<Listing>(Names(large.path())); }
-    for (const std::size_t index : {1, 2, 3}) {
-        settle(entries[index]);
-        EXPECT_EQ(entries[index]->state, State::examined) << "three directories have no more names than are allowed";
-    }
-    settle(entries[0]);
-    EXPECT_EQ(entries[0]->state, State::deferred);
-    EXPECT_EQ(entries[0]->listing, nullptr);
+    EXPECT_EQ(entries[1]->state, State::examined);
+    EXPECT_EQ(entries[2]->state, State::deferred);
+    EXPECT_EQ(entries[2]->listing, nullptr);
 }
 
 TEST_F(ReportQueueTest, DeferredEntryKeepsNothingOfItsExamination) {
@@ -189,16 +183,6 @@ TEST_F(ReportQueueTest, StepsOfTheFrontAreDeliveredOnce) {
     StepSizes again;
     queue.takeFinished(finished, again);
     EXPECT_TRUE(again.isEmpty());
-}
-
-TEST_F(ReportQueueTest, WaitingThreadGetsNothingAfterStop) {
-    takeAll();
-    auto waiting = std::async(std::launch::async, [this] {
-        ReportQueue::Entries unused(1);
-        return queue.takeOrWait(unused);
-    });
-    queue.stop();
-    EXPECT_EQ(waiting.get(), nullptr);
 }
 
 TEST_F(ReportQueueTest, WaitingThreadGetsTheNamesOfADirectoryThatWasExamined) {
