@@ -6,10 +6,12 @@
 #include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
+#include <boost/filesystem/directory.hpp>
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstdlib>
+#include <iterator>
 #include <optional>
 #include <regex>
 
@@ -57,7 +59,6 @@ protected:
         ::setenv("NERIX_HOST_LOG", "stderr", 1);
     }
 
-private:
     const TemporaryDirectory m_home;
 };
 
@@ -79,6 +80,7 @@ TEST_F(Settings, FailuresNameTheCallAndTheKey) {
         {"vconf_set_int", [](const std::string& key) { IVConf::setInt(key, 1); }, "", EIO},
         {"vconf_set_dbl", [](const std::string& key) { IVConf::setDouble(key, 1); }, tooLong, EIO},
         {"vconf_set_str", [](const std::string& key) { IVConf::setString(key, ""); }, tooLong, EIO},
+        {"vconf_set_str", [](const std::string& key) { IVConf::setString(key, std::string(1U << 20U, 'x')); }, "db/k", EIO},
         {"vconf_set_bool", [](const std::string& key) { IVConf::setBool(key, true); }, tooLong, EIO},
         {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "db/text", EINVAL},
         {"vconf_get_int", [](const std::string& key) { IVConf::getInt(key); }, "memory/yes", EINVAL},
@@ -111,6 +113,18 @@ TEST_F(Settings, KeysOfAnyBytesAreKept) {
         listed.push_back(setting.key);
     }
     EXPECT_EQ(listed, keys);
+}
+
+TEST_F(Settings, DirectoryInPlaceOfASettingStays) {
+    IVConf::setInt("memory/number", 1);
+    using Directory = boost::filesystem::directory_iterator;
+    const boost::filesystem::path file = Directory(Directory(m_home.path())->path())->path();
+    EXPECT_EQ(boost::filesystem::status(file).permissions(), 0600);
+    boost::filesystem::remove(file);
+    boost::filesystem::create_directory(file);
+    EXPECT_EQ(vconf_set_int("memory/number", 2), EIO);
+    EXPECT_TRUE(boost::filesystem::is_directory(file));
+    EXPECT_EQ(std::distance(Directory(file.parent_path()), Directory()), 1) << "no temporary file";
 }
 
 TEST_F(Settings, NullIsRejected) {

@@ -178,6 +178,8 @@ class Hostile(SystemTest):
                 self.assertEqual(glob.glob("/mnt/settings*/.new*"), [], "a setting that did not fit")
                 if run.returncode == 0:
                     self.assertIn(run.stdout.decode(), (value + "\n", "ERROR\n"))
+                    listing = self.run_command(HOST, "settings", "list", env={"NERIX_PLATFORM_HOME": "/mnt"})
+                    self.assertEqual((listing.returncode, listing.stderr), (0, b""), "a setting is damaged")
                 else:
                     self.assertEqual(run.returncode, 1)
                     self.assertEqual(run.stdout.count(b"Exception caught in NerixVerifierHash: "), 1, run.stdout)

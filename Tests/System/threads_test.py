@@ -112,8 +112,7 @@ class Threads(SystemTest):
             write(os.path.join(self.work, f"{number}"), b"x" * 50_000)
         expected = Model("md5").value(self.work)
         self.use_threads(8)
-        limits = [(resource.RLIMIT_NOFILE, limit) for limit in range(12, 20)]
-        limits += [(resource.RLIMIT_AS, limit << 20) for limit in range(36, 66, 2)]
+        limits = [(resource.RLIMIT_NOFILE, 12), *((resource.RLIMIT_AS, limit << 20) for limit in range(36, 66, 2))]
         for which, limit in limits:
             value = self.value(self.work, preexec_fn=lambda: resource.setrlimit(which, (limit, limit)))
             self.assertEqual(value, expected, (which, limit))

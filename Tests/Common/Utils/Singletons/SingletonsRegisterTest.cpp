@@ -107,19 +107,6 @@ TEST(SingletonsRegister, FactoryRunsOnceAndItsFailurePropagates) {
     EXPECT_EQ(lifeEvents, std::vector<std::string>{"service gone"});
 }
 
-TEST(SingletonsRegister, ServicesAreUsedFromSeveralThreadsAtOnce) {
-    const ServiceGuard guard(DUMMY_SINGLETON);
-    const auto use = [] {
-        for (int time = 0; time < 500; ++time) {
-            const ServiceGuard again(DUMMY_SINGLETON);
-            EXPECT_EQ(theRegister().getService<Service>("user", DUMMY_SINGLETON)->answer(), 42);
-        }
-    };
-    boost::thread_group threads;
-    for (int thread = 0; thread < 4; ++thread) { threads.create_thread(use); }
-    threads.join_all();
-}
-
 TEST(SingletonsRegisterDeathTest, MisuseAborts) {
     const ServiceGuard guard(DUMMY_SINGLETON);
     auto shortLived = std::make_unique<ServiceGuard>(G_MAIN_LOOP);
