@@ -22,7 +22,10 @@ if(NERIX_HOST_PLATFORM)
     install(FILES docs/NerixHost.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
       RENAME ${program}.fish)
   endforeach()
-  install(FILES docs/NerixHost.zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions RENAME _NerixHost)
+  # Debian's zsh looks in site-functions below /usr/local, in vendor-completions below /usr.
+  foreach(directory IN ITEMS site-functions vendor-completions)
+    install(FILES docs/NerixHost.zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${directory} RENAME _NerixHost)
+  endforeach()
 endif()
 set(CPACK_PACKAGE_NAME nerix-verifier-hash)
 set(NERIX_DOCUMENTS ${CMAKE_INSTALL_DATADIR}/doc/${CPACK_PACKAGE_NAME})
