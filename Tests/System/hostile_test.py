@@ -226,14 +226,14 @@ class Hostile(SystemTest):
         self.mount(self.home, "-o", "mode=700")
         self.assert_prints_value()
         settings = self.settings()
-        subprocess.run(["mount", "-o", "remount,ro", self.home], check=True)
+        subprocess.run(["mount", "-o", "remount,bind,ro", self.home], check=True)
         run = self.run_host("settings", "list")
         self.assertEqual((run.returncode, run.stderr), (0, b""))
         self.assertEqual(self.settings(), settings)
-        subprocess.run(["mount", "-o", "remount,rw", self.home], check=True)
+        subprocess.run(["mount", "-o", "remount,bind,rw", self.home], check=True)
         for directory in os.listdir(self.home):
             shutil.rmtree(os.path.join(self.home, directory))
-        subprocess.run(["mount", "-o", "remount,ro", self.home], check=True)
+        subprocess.run(["mount", "-o", "remount,bind,ro", self.home], check=True)
         run = self.run_host("settings", "list")
         self.assertEqual((run.returncode, run.stdout, run.stderr), (0, b"", b""), "an empty store")
 
