@@ -27,7 +27,7 @@ complete -c NerixHost -n '__nerix_is scan' -l as -r -d 'Path under which the tre
 complete -c NerixHost -n '__nerix_is scan' -s k -l keep-going -d 'Go on after errors'
 complete -c NerixHost -n '__nerix_is scan' -s e -l expect -x -d 'Fail unless the value is this'
 
-complete -c NerixHost -n '__nerix_is settings' -fa 'list get watch'
+complete -c NerixHost -n '__nerix_is settings; and not contains get (commandline -opc)' -fa 'list get watch'
 complete -c NerixHost -n '__nerix_is settings; and contains get (commandline -opc)' \
     -fa '(NerixHost settings list 2>/dev/null | string replace -r " = .*" "")'
 
