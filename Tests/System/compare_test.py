@@ -307,7 +307,7 @@ class Compare(SystemTest):
             mv single usr/other; chmod 600 usr/other; ln usr/odd usr/odd2""", cwd=self.other)
         os.setxattr(self.other + b"/usr/bin/ping", "user.cap", b"2")
         os.removexattr(self.other + b"/usr/bin/ping", "user.old")
-        os.setxattr(self.other + b"/usr", "user.new\x1b[31m", b"")
+        os.setxattr(self.other, "user.new\x1b[31m", b"")
 
     def test_compare_prints_each_fact_by_name(self):
         self.make_example()
@@ -317,7 +317,7 @@ changed "usr/bin/ping": attributes (user.cap, -user.old)
 changed "usr/kind": kind directory -> file and 2 entries below
 changed "usr/libx.so": target "libx.so.1" -> "libx.so.2"
 changed "usr/odd": links 1 -> 2
-changed "usr": attributes (+user.new\\x1b[31m)
+changed ".": attributes (+user.new\\x1b[31m)
 moved   "single" -> "usr/other": mode 0644 -> 0600
 moved   "usr/share/a" -> "usr/share/b" and 9 entries below
 removed "var/cache" and 12 entries below
