@@ -67,9 +67,10 @@ private:
             return request.hashMethod;
         }
         if (!log->header()) {
-            throw ScanLogError(quotedName(m_before ? request.before : request.after) +
-                               " has no details, so it cannot be compared with a directory; record the tree "
-                               "with 'NerixHost scan --log FILE --details'");
+            throw ScanLogError(
+                quotedName(m_before ? request.before : request.after) +
+                " has no details, or those of an older version, so it cannot be compared with a directory; "
+                "record the tree with 'NerixHost scan --log FILE --details'");
         }
         return log->header()->method;
     }

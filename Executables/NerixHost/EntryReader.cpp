@@ -1,6 +1,7 @@
 #include "Executables/NerixHost/EntryReader.h"
 
 #include "Executables/NerixHost/QuotedName.h"
+#include "ExecutablesLibraries/HashVerifierAPI/ScanLog/WalkOrder.h"
 
 namespace Nerix {
 
@@ -20,12 +21,17 @@ void makeRelative(std::string& path, const std::string& root) {
 
 void EntryReader::advance() {
     do {
+        m_previousPath.swap(m_entry.path);
         m_hasEntry = m_log.next(m_entry);
         if (m_hasEntry) {
             makeRelative(m_entry.path, m_log.root());
         }
     } while (m_hasEntry && isExcluded(m_entry.path, m_excluded));
     m_count += m_hasEntry ? 1 : 0;
+}
+
+bool EntryReader::hasEntriesBelow() const {
+    return isBelow(m_previousPath, m_entry.path); // a directory comes directly after what is below it
 }
 
 std::optional<RecordDetails> EntryReader::details() const {

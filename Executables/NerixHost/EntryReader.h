@@ -28,6 +28,9 @@ public:
     /// Returns the current entry, which must exist.
     const ScanLogRecord& entry() const { return m_entry; }
 
+    /// Returns true if the log has entries below the current one, excluded or not.
+    bool hasEntriesBelow() const;
+
     /// Returns the details of the current entry, or nullopt in a log without details. Throws ScanLogError if
     /// the log has changed since it was opened and they are damaged.
     std::optional<RecordDetails> details() const;
@@ -39,6 +42,7 @@ private:
     ScanLogReader& m_log;
     const std::vector<PathPattern>& m_excluded;
     ScanLogRecord m_entry;
+    std::string m_previousPath; ///< of the record before the current one
     bool m_hasEntry = false;
     std::uint64_t m_count = 0;
 };

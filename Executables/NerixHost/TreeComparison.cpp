@@ -34,8 +34,7 @@ public:
           m_before(before, rules.excluded),
           m_after(after, rules.excluded),
           m_hasHeader(before.header().has_value()),
-          m_isValueMeaningful(before.root() == after.root() && rules.excluded.empty() &&
-                              rules.ignored.empty()) {}
+          m_areValuesMeaningful(before.root() == after.root() && rules.ignored.empty()) {}
 
     ComparisonResult run() {
         merge();
@@ -96,7 +95,7 @@ private:
             facts = changedFacts(*before, *after, m_rules.ignored);
         }
         const bool isUnexplained =
-            m_isValueMeaningful && hasOtherValue && !isBelow(m_lastDifference, m_after.entry().path);
+            hasOtherValue && isValueMeaningful() && !isBelow(m_lastDifference, m_after.entry().path);
         if (facts.empty() && !isUnexplained) {
             return;
         }
@@ -105,6 +104,13 @@ private:
         }
         m_lastDifference = m_after.entry().path;
         m_result.differences.push_back({Difference::Kind::changed, m_lastDifference, "", std::move(facts)});
+    }
+
+    /// Returns true if the current entries differ if and only if their values do.
+    bool isValueMeaningful() const {
+        const bool mayContainExcluded =
+            !m_rules.excluded.empty() && (m_before.hasEntriesBelow() || m_after.hasEntriesBelow());
+        return m_areValuesMeaningful && !mayContainExcluded;
     }
 
     /// Returns the changes of link count and size, also those that changedFacts leaves out. Used if nothing
@@ -163,7 +169,7 @@ private:
     EntryReader m_before;
     EntryReader m_after;
     const bool m_hasHeader;
-    const bool m_isValueMeaningful; ///< an entry differs if and only if its value does
+    const bool m_areValuesMeaningful; ///< except those of directories that contain excluded entries
     OneSidedEntries m_removed;
     OneSidedEntries m_added;
     std::string m_lastDifference;                                ///< path of the last entry that differs
@@ -172,12 +178,13 @@ private:
 };
 
 /// Throws ScanLogError if the logs cannot be compared.
-void checkComparable(const ScanLogReader& before, const ScanLogReader& after) {
+void checkComparable(const ScanLogReader& before, const ScanLogReader& after, const ComparisonRules& rules) {
     const auto& old = before.header();
     const auto& now = after.header();
     if (old.has_value() != now.has_value()) {
-        throw ScanLogError(std::string("only the ") + (old ? "first" : "second") +
-                           " log has details; record both with 'NerixHost scan --log FILE --details'");
+        throw ScanLogError(std::string("the ") + (old ? "second" : "first") +
+                           " log has no details, or those of an older version; record both with "
+                           "'NerixHost scan --log FILE --details'");
     }
     if (old && old->method != now->method) {
         throw ScanLogError("the logs were recorded with different hash methods, " + old->method + " and " +
@@ -187,6 +194,10 @@ void checkComparable(const ScanLogReader& before, const ScanLogReader& after) {
         throw ScanLogError("the logs are of different trees, " + quotedName(before.root()) + " and " +
                            quotedName(after.root()) +
                            "; values depend on paths, so record both with --details");
+    }
+    if (!old && !rules.ignored.empty()) {
+        throw ScanLogError("facts can be ignored only in logs with details; record both with 'NerixHost scan "
+                           "--log FILE --details'");
     }
 }
 
@@ -207,7 +218,7 @@ std::uint64_t bytesOf(const ComparisonResult& result, Difference::Kind kind) {
 }
 
 ComparisonResult compareTrees(ScanLogReader& before, ScanLogReader& after, const ComparisonRules& rules) {
-    checkComparable(before, after);
+    checkComparable(before, after, rules);
     return Comparison(before, after, rules).run();
 }
 

@@ -26,9 +26,10 @@ std::uint64_t countOf(const ComparisonResult& result, Difference::Kind kind);
 std::uint64_t bytesOf(const ComparisonResult& result, Difference::Kind kind);
 
 /// Compares two logs. If they have a header, compares their details, and the roots may differ. Otherwise
-/// compares values, which depend on paths, so the roots must be the same; details of logs of older versions
-/// then only explain a differing value. Memory grows only with the number of differing entries. Throws
-/// ScanLogError if the logs cannot be compared or one of them can no longer be read.
+/// compares values, which depend on paths, so the roots must be the same, and the details that logs of older
+/// versions may have. The value of a directory that may contain excluded entries is not compared. Memory
+/// grows only with the number of differing entries. Throws ScanLogError if the logs cannot be compared or one
+/// of them can no longer be read.
 ComparisonResult compareTrees(ScanLogReader& before, ScanLogReader& after, const ComparisonRules& rules);
 
 } // namespace Nerix

@@ -392,6 +392,8 @@ added   "usr/odd2\"""")
         self.scan(self.logs[1])
         self.assertEqual(self.compare(*self.logs), [b'changed "a/b/changed"', b'changed "z"',
                                                     b'removed "a/gone" and 1 entry below'])
+        self.assertEqual(self.compare(*self.logs, "-x", "changed", "-x", "gone"), [b'changed "z"'])
+        self.assertIn(b"only in logs with details", self.run_host("compare", *self.logs, "--ignore", "mode").stderr)
         self.assertEqual(self.compare(*self.logs, "--summary")[:3],
                          [b'removed: 2 entries below "a"', b'value: 1 entry below "."', b'value: 1 entry below "a/b"'])
 
@@ -456,8 +458,8 @@ added   "usr/odd2\"""")
         subprocess.run(["cp", "-a", self.tree, self.other], check=True)
         self.scan(self.logs[0])
         self.scan(self.logs[1], "--details")
-        self.assert_rejected(*self.logs, "only the second log has details; record both with")
-        self.assert_rejected(self.logs[0], self.tree, 'before.log" has no details, so it cannot be compared')
+        self.assert_rejected(*self.logs, "the first log has no details, or those of an older version; record both with")
+        self.assert_rejected(self.logs[0], self.tree, 'before.log" has no details, or those of an older version, so it cannot be')
         self.scan(self.logs[0], "--details", "--hash", "sha1")
         self.assert_rejected(*self.logs, "different hash methods, sha1 and md5; scan both trees with the same one")
         self.assertEqual(self.compare(self.logs[0], self.other, status=0), [], "a tree is scanned by the method of the log")
@@ -504,15 +506,15 @@ added   "usr/odd2\"""")
         self.scan(self.logs[0], "--details")
         text = read(self.logs[0]).decode()
         size_and_content, value = re.search(r"(0 \w{16}) \S+ (\w{16})$", text, re.MULTILINE).groups()
-        link = re.search(r'\w+ "[^"]*link".*\n', text)[0]
-        cases = {"unknown kind": (" file ", " fil "), "negative owner": ("file 0 ", "file -1 "),
-                 "leading zero": ("file 0 ", "file 00 "), "owner of 33 bits": ("file 0 ", "file 4294967296 "),
+        link, owner = re.search(r'\w+ "[^"]*link".*\n', text)[0], f"file {os.geteuid()} "
+        cases = {"unknown kind": (" file ", " fil "), "negative owner": (owner, "file -1 "),
+                 "leading zero": (owner, "file 00 "), "owner of 33 bits": (owner, "file 4294967296 "),
                  "short mode": (" 0644 ", " 644 "), "odd mode": (" 0644 ", " 0689 "),
                  "no content": (size_and_content, "0"), "short value": (value, value[1:]), "upper case": (value, "A" * 16),
                  "unquoted name": ('"user.a&&b"', "user.ab"), "unknown pair": ("user.a&&b", "user.a&b"),
                  "attribute twice": (f' "user.a&&b" {value}', f' "user.a&&b" {value}' * 2), "no target": (' "t&"&&&nx"', ""),
                  "two blanks": (' "t&"', '  "t&"'), "a control character": (" file ", " file\x1b[31m "),
-                 "other version": ("NerixScanLog 2", "NerixScanLog 3"), "other root": ('2 md5 0 "', '2 md5 0 "/x'),
+                 "other version": ("NerixScanLog 2", "NerixScanLog 3"), "other root": (f' "{self.tree.decode()}"\n', ' "/x"\n'),
                  "other count": ("complete 3", "complete 4"), "a record less": (link, ""),
                  "text after the end": ("complete 3\n", "complete 3\n\n")}
         for name, (old, new) in cases.items():
