@@ -46,7 +46,8 @@ constexpr const char* overview =
     "Run 'NerixHost COMMAND --help' for the options of a command,\n"
     "'NerixHost --version' for the version.\n";
 
-/// An option without an argument. A list of values, so that it may be repeated, as with other tools.
+/// The type of an option without an argument. A vector, because the library rejects a repeated option of any
+/// other type.
 using Switch = std::vector<std::string>;
 
 const options::value_semantic* switchValue() {
@@ -85,9 +86,9 @@ Command scanCommand() {
                     "\n"
                     "Example: NerixHost scan /usr/share --log share.log --details\n"
                     "\n"
-                    "Exit status: 0 if the tree has a value, with --expect that one; 1 if it has\n"
-                    "another value; 2 for a usage error, if something cannot be read, or if the log\n"
-                    "or standard output cannot be written.\n",
+                    "Exit status: 0 if the tree has a value and, with --expect, it is the expected\n"
+                    "one; 1 if it is not; 2 for a usage error, if something cannot be read, or if the\n"
+                    "log or standard output cannot be written.\n",
                     options::options_description("Options"),
                     {{"path", "PATH", true, true}}};
     const std::string methods = "Use hash method HASH, one of:" + methodsText();

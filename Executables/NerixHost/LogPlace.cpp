@@ -76,7 +76,7 @@ std::optional<Place> placeOf(const fs::path& file) {
 }
 
 /// Returns true if the directory is the tree's root or below it on the same file system. Compares places on
-/// the file system, and so also finds a directory whose path leads through a bind mount outside the tree.
+/// the file system, because a directory of the tree can also have a path outside the tree, by a bind mount.
 bool isInTreeOnFileSystem(const fs::path& directory, const fs::path& root) {
     const std::optional<Place> inner = placeOf(directory);
     const std::optional<Place> outer = placeOf(root);

@@ -8,8 +8,8 @@ namespace Nerix {
 
 /// A pattern of --exclude. One without '/' matches an entry of that name anywhere; one with '/' matches a path
 /// below the root. '*', '?' and '[...]' match within a name, "**" as a whole name matches any number of names,
-/// also none. '\' makes the next character literal. A '/' at the beginning or end only anchors the pattern to
-/// the root.
+/// also none. '\' makes the next character literal. A '/' at the beginning or end has no other effect than to
+/// anchor the pattern to the root.
 class PathPattern {
 public:
     /// Throws std::runtime_error if the pattern has no name.

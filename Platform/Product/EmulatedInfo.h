@@ -9,9 +9,10 @@
 /// a time may use it.
 ///
 /// All functions log a warning that they are for debugging. All but breakIfProductionAndNotDebug throw
-/// ProductUninitializedException before IProductInfo::initializeProduct. Other failures are GenericExceptions
-/// with these entries: description and path if the file cannot be used or has a malformed line; description
-/// and text (errinfo_string) if a key or value is invalid; text and path if the key is missing.
+/// ProductUninitializedException before IProductInfo::initializeProduct. For any other failure they throw
+/// GenericException with this error information: errinfo_description and errinfo_path if the file cannot be
+/// used or has a malformed line; errinfo_description and errinfo_string if a key or value is invalid;
+/// errinfo_string and errinfo_path if the key is missing.
 namespace Nerix::Platform {
 
 /// Returns the value of the first entry with this key, or boost::none if there is no file. Throws if the file

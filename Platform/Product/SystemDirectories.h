@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// Returns the platform's directories. Looks up those from the path configuration at each call; if one is
-/// missing, logs a warning and returns an empty string.
+/// Returns the platform's directories. The first two are constants. Looks up the others in the path
+/// configuration at each call; if one is missing there, logs a warning and returns an empty string.
 namespace Nerix::Platform::PlatformInternal {
 
 std::string getSystemRWPath();
