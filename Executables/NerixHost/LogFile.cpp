@@ -134,7 +134,8 @@ void LogFile::commit() {
     if (!m_stream) {
         fail(m_file, Common::messageOf(m_buffer.error()));
     }
-    // Syncs, because a power failure could otherwise leave an empty log. EINVAL: the file system does not support fsync.
+    // Syncs, because a power failure could otherwise leave an empty log. EINVAL: the file system does not
+    // support fsync.
     if (::fsync(m_temporary.descriptor.number()) != 0 && errno != EINVAL) {
         fail(m_file, Common::messageOf(errno));
     }
