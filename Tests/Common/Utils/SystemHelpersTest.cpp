@@ -14,7 +14,6 @@
 #include <thread>
 #include <tuple>
 
-#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -120,9 +119,9 @@ void readDuringASignal() {
     Common::Utils::catchTerminationSignals();
     int pipe[2];
     if (::pipe(pipe) != 0) { return; }
-    std::thread signalling([&, reading = ::pthread_self()] {
+    std::thread signalling([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        ::pthread_kill(reading, SIGTERM);
+        ::kill(::getpid(), SIGTERM); // goes to the main thread, which reads
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         ::close(pipe[1]);
     });
