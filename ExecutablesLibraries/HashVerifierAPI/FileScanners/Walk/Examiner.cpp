@@ -153,14 +153,13 @@ bool Examiner::begin(Lane& lane, Step& step) {
 
 void Examiner::addStep(Lane& lane) {
     constexpr unsigned long long oneMebibyte = 1U << 20U;
-    if (!m_scope.function.reportsSteps()) {
-        return;
+    if (m_scope.function.reportsSteps()) {
+        lane.steps.add(lane.stepLength);
     }
-    lane.steps.add(lane.stepLength);
     lane.undelivered += lane.stepLength;
     if (lane.undelivered > oneMebibyte) {
         lane.undelivered = 0;
-        m_supply.deliver(*lane.entry, lane.steps);
+        m_supply.deliver(*lane.entry, lane.steps); // even none: the worker reports other entries meanwhile
     }
 }
 
