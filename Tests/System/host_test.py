@@ -383,6 +383,7 @@ class Host(SystemTest):
                     self.assertEqual([len(bar) for bar in re.findall(r"\[#* *\]", frame)], bar_widths, frame)
                     self.assertLess(len(frame) - len(end), columns, frame)
         self.assertEqual(self.on_terminal(80, "scan", self.tree, "--quiet"), "", "with --quiet")
+        self.assertRegex(self.on_terminal(80, "compare", self.tree, self.tree, "--quiet"), r"\A0 differences among .*\s\Z")
         self.assertNotRegex(self.on_terminal(80, "scan", self.tree, kind="dumb"), r"\r[^\n]", "on a dumb terminal")
         self.assertRegex(self.on_terminal(80, "scan", self.tree + b"/sub"),
                          r"\r1 entries, [12]\d\d\.\d MB, [\d.]+ \wB/s, 0:\d\d", "of part of a file system")
