@@ -120,7 +120,7 @@ class Runs(SystemTest):
             self.assertLessEqual(os.path.getsize(file), 16 << 20, file)
 
     def test_settings_list_sees_that_a_run_with_any_name_is_alive(self):
-        program = os.path.join(self.work, "N) Z 1\nVerifier")
+        program = os.path.join(self.work, "N) R\nVerifier")
         os.symlink(PROGRAM, program)
         tree = os.path.join(self.work, "tree")
         os.mkdir(tree)
