@@ -102,8 +102,14 @@ TEST_F(ReportQueueTest, FullQueueGivesTheEntriesOfADirectoryInFront) {
     ASSERT_NE(take(small), nullptr);
     front->listing = std::make_unique<Listing>(Names(directory.path()));
     small.settle(*front, State::examined, none);
-    EXPECT_EQ(small.next(), Turn::takeEntries);
-    EXPECT_NE(take(small), nullptr);
+    for (int name = 0; name != 4; ++name) {
+        EXPECT_EQ(small.next(), Turn::takeEntries);
+        QueuedEntry* const entry = take(small);
+        ASSERT_NE(entry, nullptr) << "name " << name;
+        small.settle(*entry, State::examined, none);
+        ReportQueue::Entries finished;
+        small.takeFinished(finished, none);
+    }
 }
 
 TEST_F(ReportQueueTest, ThreadGetsNoMoreThanItsShareOfTheNames) {
