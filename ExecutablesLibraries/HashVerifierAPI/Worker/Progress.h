@@ -7,7 +7,7 @@
 namespace Nerix::Progress {
 
 /// Returns the work of an entry of that size: the size rounded up to whole blocks, or the size itself if the
-/// block size is 0.
+/// block size is 0. Sizes have 64 bits, so a file of more than 4 GiB counts whole.
 std::uint64_t workOf(std::uint64_t size, std::uint32_t blockSize);
 
 /// Returns true if `done` should be published: it exceeds `reported` by more than 1 MiB, or has fallen below
