@@ -26,8 +26,8 @@ class FakePlatform {
 public:
     using Value = std::variant<int, double, bool, std::string>;
 
-    /// The status that a failing call returns.
-    static constexpr int failure = -13;
+    /// The status that a failing call returns: ENOMEM, after which a walk may try again, unless a report failed.
+    static constexpr int failure = 12;
 
     static FakePlatform& instance();
 
