@@ -153,7 +153,9 @@ class SystemTest(unittest.TestCase):
         """Writes a setting into the store as the process of that identity would (see process_identity)."""
         stored = b"s" + writer.encode() + b"\0" + text.encode()
         place, = glob.glob(f"{self.home}/settings{'-volatile' if key.startswith('memory/') else ''}-[bl]e*")
-        write(os.path.join(place, key.replace("/", "+")), b"%08x" % zlib.crc32(stored) + stored)
+        file = os.path.join(place, key.replace("/", "+"))
+        write(file + "~", b"%08x" % zlib.crc32(stored) + stored)
+        os.replace(file + "~", file)
 
     def scan_records(self):
         """Returns the scan records of the system log, without the escapes that the log adds."""

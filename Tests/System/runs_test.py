@@ -51,7 +51,7 @@ class Runs(SystemTest):
         calls = re.findall(r"(sync|rename)\w*\(.*?/(settings[a-z-]*)-[bl]e\d\d(/|>)", read(trace).decode())
         durable = [(call, "file" if end == "/" else "directory") for call, place, end in calls if place == "settings"]
         written = [("sync", "file"), ("rename", "file"), ("sync", "directory")]
-        self.assertEqual(durable, written * 2, "calls for the result at the begin and at the end")
+        self.assertEqual(durable, written * 2, "calls for the result at the beginning and at the end")
         self.assertNotIn(("sync", "settings-volatile", "/"), calls)
 
     def run_in_shell(self, command, redirections=""):
