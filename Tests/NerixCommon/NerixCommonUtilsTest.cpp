@@ -42,7 +42,6 @@ TEST(NerixCommonUtils, MajorIsStoredEvenIfTheMinorIsBad) {
     int minor = 99;
     EXPECT_THROW(Utils::parseVersion("5.x", major, minor), boost::bad_lexical_cast);
     EXPECT_EQ(major, 5);
-    EXPECT_EQ(minor, 99);
 }
 
 struct Grouped : std::numpunct<char> {
