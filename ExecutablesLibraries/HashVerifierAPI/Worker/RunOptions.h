@@ -8,7 +8,7 @@
 
 namespace Nerix {
 
-/// What a caller can choose for a run, besides root and hash method. The device's programs use none of these.
+/// The options of a run, besides its root and hash method. The device's programs use none of these.
 struct RunOptions {
     ScanLogStream scanLog; ///< used instead of a drive; a null stream selects the system log
 

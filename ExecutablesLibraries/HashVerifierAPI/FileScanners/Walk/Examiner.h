@@ -28,7 +28,7 @@ public:
     /// Adds steps of an entry that is still being examined. Leaves `steps` empty, unless memory ran out.
     virtual void deliver(QueuedEntry& entry, StepSizes& steps) noexcept = 0;
 
-    /// Takes back an entry, with its remaining steps.
+    /// Takes back an entry and adds its remaining steps.
     virtual void settle(QueuedEntry& entry, QueuedEntry::State state, StepSizes& steps) noexcept = 0;
 
     /// Returns true if the walk is ending, so values are no longer needed.

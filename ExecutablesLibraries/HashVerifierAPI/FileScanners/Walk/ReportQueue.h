@@ -74,7 +74,7 @@ public:
     /// deferred. Returns null after stop. For a thread, other than the reporter, that examines nothing.
     QueuedEntry* takeOrWait(Entries& unused);
 
-    /// Ends the examination of an entry, with its remaining steps. Defers the entry if there is no memory for
+    /// Ends the examination of an entry and adds its remaining steps. Defers the entry if there is no memory for
     /// the steps, or if maxNamesAhead is exceeded.
     void settle(QueuedEntry& entry, QueuedEntry::State state, StepSizes& steps) noexcept;
 
