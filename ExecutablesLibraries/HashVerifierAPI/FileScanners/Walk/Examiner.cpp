@@ -86,6 +86,7 @@ bool Examiner::next(std::size_t index, Step& step) {
 /// Ends a step of the lane's entry and begins the next one. Returns false after the last; the entry is then
 /// settled.
 bool Examiner::proceed(Lane& lane, Step& step) {
+    State state = State::examined;
     try {
         if (lane.fact == nullptr) {
             addStep(lane);
@@ -101,11 +102,13 @@ bool Examiner::proceed(Lane& lane, Step& step) {
         lane.entry->value = step.value;
         lane.entry->readError = lane.texts->readError();
         list(*lane.entry, m_scope);
-        // If a stop has cut reading short, the value is invalid.
-        finish(lane, m_supply.shouldStop() ? State::deferred : State::examined);
+        if (m_supply.shouldStop()) { // the stop may have cut reading short
+            state = State::deferred;
+        }
     } catch (...) {
-        fail(lane);
+        state = stateAfterFailure(*lane.entry);
     }
+    finish(lane, state);
     return false;
 }
 
@@ -137,6 +140,7 @@ bool Examiner::beginStep(Lane& lane, Step& step) {
 /// Begins the lane's new entry. Returns false if it was settled without a step.
 bool Examiner::begin(Lane& lane, Step& step) {
     QueuedEntry& entry = *lane.entry;
+    State state = State::examined;
     try {
         if (identify(entry, m_scope) == Judgement::accepted) {
             lane.texts.emplace(*entry.input, entry.scanner->remainder(), lane.buffer,
@@ -144,10 +148,10 @@ bool Examiner::begin(Lane& lane, Step& step) {
             step.value = 0;
             return beginStep(lane, step); // every entry has a path
         }
-        finish(lane, State::examined);
     } catch (...) {
-        fail(lane);
+        state = stateAfterFailure(entry);
     }
+    finish(lane, state);
     return false;
 }
 
@@ -176,20 +180,21 @@ void Examiner::finish(Lane& lane, State state) noexcept {
     lane.undelivered = 0;
 }
 
-/// Settles an entry whose examination has thrown.
-void Examiner::fail(Lane& lane) noexcept {
-    State state = State::deferred;
+/// Call it in an exception handler. Stores the exception as the entry's failure, unless another try may help.
+/// Returns the state with which to settle the entry. Settle it after the handler: the reporter may then
+/// destroy the exception, which this thread must no longer hold.
+State Examiner::stateAfterFailure(QueuedEntry& entry) noexcept {
     try {
         throw;
     } catch (const EntryTexts::LeasedFile&) { // NOLINT(bugprone-empty-catch): the reporter waits for it
     } catch (const TooManyNames&) { // NOLINT(bugprone-empty-catch): the reporter lists the directory
     } catch (...) {
         if (!m_supply.shouldStop() && !isLackOfResources()) {
-            lane.entry->failure = std::current_exception();
-            state = State::examined;
+            entry.failure = std::current_exception();
+            return State::examined;
         }
     }
-    finish(lane, state);
+    return State::deferred;
 }
 
 std::string pathOf(const QueuedEntry& entry) {

@@ -65,7 +65,7 @@ private:
     static bool beginStep(Lane& lane, Step& step);
     void addStep(Lane& lane);
     void finish(Lane& lane, QueuedEntry::State state) noexcept;
-    void fail(Lane& lane) noexcept;
+    QueuedEntry::State stateAfterFailure(QueuedEntry& entry) noexcept;
 
     EntrySupply& m_supply;
     const WalkScope& m_scope;
