@@ -28,17 +28,54 @@ private:
 
 } // namespace
 
+/// The state of an entry's examination.
+struct Examiner::Examination {
+    explicit Examination(QueuedEntry& itsEntry) : entry(itsEntry) {}
+
+    bool beginStep(Step& step);
+    bool beginFactStep(Step& step);
+
+    QueuedEntry& entry;
+    std::optional<EntryTexts> texts;    ///< none until the entry is accepted
+    StepSizes steps;                    ///< not yet delivered
+    unsigned long long undelivered = 0; ///< bytes hashed since the last call of deliver
+    unsigned int stepLength = 0;        ///< of the step in progress
+    IHashFunction::hash_t* fact =
+        nullptr;                     ///< that the step in progress computes; null if it is for the entry
+    IHashFunction::hash_t value = 0; ///< the entry's value during a step for a fact
+};
+
+/// Begins a step over the entry's next text. Returns false if there is none.
+bool Examiner::Examination::beginStep(Step& step) {
+    std::string_view text;
+    if (!texts->next(text)) {
+        return false;
+    }
+    step.data = text.data();
+    step.length = static_cast<unsigned int>(text.size());
+    stepLength = step.length;
+    return true;
+}
+
+/// Begins a second step over the same text, for the fact to which it belongs. Returns false if it belongs to
+/// none.
+bool Examiner::Examination::beginFactStep(Step& step) {
+    if (!entry.facts) {
+        return false;
+    }
+    fact = addText(*entry.facts, texts->kind(), {step.data, step.length});
+    if (fact == nullptr) {
+        return false;
+    }
+    value = std::exchange(step.value, *fact);
+    return true;
+}
+
 struct Examiner::Lane {
     explicit Lane(std::size_t bufferSize) : buffer(bufferSize) {}
 
-    QueuedEntry* entry = nullptr;          ///< null if the lane is idle
-    std::optional<EntryTexts> texts;       ///< of the entry
-    StepSizes steps;                       ///< not yet delivered
-    unsigned long long undelivered = 0;    ///< bytes of these steps
-    unsigned int stepLength = 0;           ///< of the step in progress
-    IHashFunction::hash_t* fact = nullptr; ///< computed by the step in progress; null if it is for the entry
-    IHashFunction::hash_t value = 0;       ///< the entry's value during a step for a fact
     EntryTexts::Buffer buffer;
+    std::optional<Examination> examination; ///< none if the lane is idle
 };
 
 Examiner::Examiner(EntrySupply& supply, const WalkScope& scope)
@@ -59,7 +96,7 @@ void Examiner::run() noexcept {
     } catch (...) { // NOLINT(bugprone-empty-catch): a failure of the crypto library; the entries are deferred
     }
     for (std::size_t index = 0; index != m_laneCount; ++index) {
-        if (m_lanes[index]->entry != nullptr) {
+        if (m_lanes[index]->examination) {
             finish(*m_lanes[index], State::deferred);
         }
     }
@@ -67,14 +104,15 @@ void Examiner::run() noexcept {
 
 bool Examiner::next(std::size_t index, Step& step) {
     Lane& lane = *m_lanes[index];
-    if (lane.entry != nullptr && proceed(lane, step)) {
+    if (lane.examination && proceed(lane, step)) {
         return true;
     }
     while (!m_supply.shouldStop()) {
-        lane.entry = m_supply.take(m_busy);
-        if (lane.entry == nullptr) {
+        QueuedEntry* const entry = m_supply.take(m_busy);
+        if (entry == nullptr) {
             return false;
         }
+        lane.examination.emplace(*entry);
         ++m_busy;
         if (begin(lane, step)) {
             return true;
@@ -86,67 +124,26 @@ bool Examiner::next(std::size_t index, Step& step) {
 /// Ends a step of the lane's entry and begins the next one. Returns false after the last; the entry is then
 /// settled.
 bool Examiner::proceed(Lane& lane, Step& step) {
+    Examination& examination = *lane.examination;
+    QueuedEntry& entry = examination.entry;
     State state = State::examined;
     try {
-        if (lane.fact == nullptr) {
-            addStep(lane);
-            if (beginFactStep(lane, step)) {
+        if (examination.fact == nullptr) {
+            addStep(examination);
+            if (examination.beginFactStep(step)) {
                 return true;
             }
         } else { // the step that ended was for a fact: store its value and restore the entry's
-            *std::exchange(lane.fact, nullptr) = std::exchange(step.value, lane.value);
+            *std::exchange(examination.fact, nullptr) = std::exchange(step.value, examination.value);
         }
-        if (beginStep(lane, step)) {
+        if (examination.beginStep(step)) {
             return true;
         }
-        lane.entry->value = step.value;
-        lane.entry->readError = lane.texts->readError();
-        list(*lane.entry, m_scope);
+        entry.value = step.value;
+        entry.readError = examination.texts->readError();
+        list(entry, m_scope);
         if (m_supply.shouldStop()) { // the stop may have cut reading short
             state = State::deferred;
-        }
-    } catch (...) {
-        state = stateAfterFailure(*lane.entry);
-    }
-    finish(lane, state);
-    return false;
-}
-
-/// Begins a step over the same text for a fact. Returns false if the text is not that of a fact.
-bool Examiner::beginFactStep(Lane& lane, Step& step) {
-    if (!lane.entry->facts) {
-        return false;
-    }
-    lane.fact = addText(*lane.entry->facts, lane.texts->kind(), {step.data, step.length});
-    if (lane.fact == nullptr) {
-        return false;
-    }
-    lane.value = std::exchange(step.value, *lane.fact);
-    return true;
-}
-
-/// Begins a step over the entry's next text. Returns false if there is none.
-bool Examiner::beginStep(Lane& lane, Step& step) {
-    std::string_view text;
-    if (!lane.texts->next(text)) {
-        return false;
-    }
-    step.data = text.data();
-    step.length = static_cast<unsigned int>(text.size());
-    lane.stepLength = step.length;
-    return true;
-}
-
-/// Begins the lane's new entry. Returns false if it was settled without a step.
-bool Examiner::begin(Lane& lane, Step& step) {
-    QueuedEntry& entry = *lane.entry;
-    State state = State::examined;
-    try {
-        if (identify(entry, m_scope) == Judgement::accepted) {
-            lane.texts.emplace(*entry.input, entry.scanner->remainder(), lane.buffer,
-                               EntryTexts::Lease::fail);
-            step.value = 0;
-            return beginStep(lane, step); // every entry has a path
         }
     } catch (...) {
         state = stateAfterFailure(entry);
@@ -155,29 +152,46 @@ bool Examiner::begin(Lane& lane, Step& step) {
     return false;
 }
 
-void Examiner::addStep(Lane& lane) {
+/// Begins the lane's new entry. Returns false if it was settled without a step.
+bool Examiner::begin(Lane& lane, Step& step) {
+    QueuedEntry& entry = lane.examination->entry;
+    State state = State::examined;
+    try {
+        if (identify(entry, m_scope) == Judgement::accepted) {
+            lane.examination->texts.emplace(*entry.input, entry.scanner->remainder(), lane.buffer,
+                                            EntryTexts::Lease::fail);
+            step.value = 0;
+            return lane.examination->beginStep(step); // true: the first text is the path
+        }
+    } catch (...) {
+        state = stateAfterFailure(entry);
+    }
+    finish(lane, state);
+    return false;
+}
+
+void Examiner::addStep(Examination& examination) {
     constexpr unsigned long long oneMebibyte = 1U << 20U;
     if (m_scope.function.reportsSteps()) {
-        lane.steps.add(lane.stepLength);
+        examination.steps.add(examination.stepLength);
     }
-    lane.undelivered += lane.stepLength;
-    if (lane.undelivered > oneMebibyte) {
-        lane.undelivered = 0;
-        m_supply.deliver(*lane.entry, lane.steps); // even none: the worker reports other entries meanwhile
+    examination.undelivered += examination.stepLength;
+    if (examination.undelivered > oneMebibyte) {
+        examination.undelivered = 0;
+        // Also if no steps are recorded, because the worker reports other entries meanwhile.
+        m_supply.deliver(examination.entry, examination.steps);
     }
 }
 
 void Examiner::finish(Lane& lane, State state) noexcept {
-    lane.texts.reset();
-    QueuedEntry& entry = *std::exchange(lane.entry, nullptr);
+    QueuedEntry& entry = lane.examination->entry;
+    StepSizes steps = std::move(lane.examination->steps);
+    lane.examination.reset();
     if (entry.input && !entry.listing) {
         boost::filesystem::path().swap(entry.input->path); // the reporter builds it again; see pathOf
     }
     --m_busy;
-    m_supply.settle(entry, state, lane.steps);
-    lane.steps = StepSizes();
-    lane.fact = nullptr;
-    lane.undelivered = 0;
+    m_supply.settle(entry, state, steps);
 }
 
 /// Call it in an exception handler. Stores the exception as the entry's failure, unless another try may help.

@@ -56,14 +56,13 @@ public:
     void run() noexcept;
 
 private:
+    struct Examination;
     struct Lane;
 
     bool next(std::size_t index, Step& step) override;
     bool proceed(Lane& lane, Step& step);
-    static bool beginFactStep(Lane& lane, Step& step);
     bool begin(Lane& lane, Step& step);
-    static bool beginStep(Lane& lane, Step& step);
-    void addStep(Lane& lane);
+    void addStep(Examination& examination);
     void finish(Lane& lane, QueuedEntry::State state) noexcept;
     QueuedEntry::State stateAfterFailure(QueuedEntry& entry) noexcept;
 
