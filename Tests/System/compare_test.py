@@ -13,11 +13,9 @@ import re
 import shutil
 import stat
 import subprocess
-import unittest
 
 import random_tree
-from harness import HOST, NO_MOUNTS, SANITIZED, SystemTest, main, make_hole, read, write
-from tree_value import Model
+from harness import HOST, SANITIZED, HostTest, main, make_hole, read, write
 
 KINDS = {stat.S_IFREG: "file", stat.S_IFDIR: "directory", stat.S_IFLNK: "link"}
 FACTS = ("kind", "content", "attributes", "target", "owner", "group", "links", "mode", "size")
@@ -169,20 +167,7 @@ def change(tree, chance):
                     chance.choice(actions + TO_ANY)(path)
 
 
-class Compare(SystemTest):
-    def setUp(self):
-        super().setUp()
-        if not NO_MOUNTS:
-            self.mount(self.work)  # in memory a directory's size changes with its entries
-        work = os.fsencode(os.path.realpath(self.work))
-        self.tree, self.other = (os.path.join(work, name) for name in (b"tree", b"other"))
-        os.mkdir(self.tree)
-        self.logs = [os.path.join(self.work, name) for name in ("before.log", "after.log")]
-
-    def scan(self, log, *options, tree=None):
-        run = self.run_host("scan", tree or self.tree, "--log", log, *options)
-        self.assertEqual((run.returncode, run.stderr), (0, b""))
-
+class Compare(HostTest):
     def compare(self, before, after, *options, status=1):
         run = self.run_host("compare", before, after, *options)
         self.assertEqual(run.returncode, status, run.stderr)

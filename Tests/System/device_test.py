@@ -4,18 +4,14 @@ import glob
 import json
 import os
 import resource
-import shutil
 import signal
 import subprocess
 import time
-import unittest
 
-from harness import (HOST, NO_MOUNTS, PREFIX, PROGRAM, SANITIZED, STRACE, SystemTest, main, make_hole, process_identity,
-                     read, write)
+from harness import HOST, PREFIX, PROGRAM, SystemTest, main, make_hole, process_identity, read, write
 from tree_value import MOUNT_POINT, OTHER_DEVICE, Model
 
 
-@unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
 class Device(SystemTest):
     def setUp(self):
         super().setUp()
@@ -70,12 +66,11 @@ class Device(SystemTest):
         incomplete = [line for line in self.log_lines("main") if b"[WRN]" in line and b"log on the drive is" in line]
         self.assertEqual(len(incomplete), 2, f"warnings of two runs: {incomplete}")
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_run_logs_to_a_drive_whose_file_system_has_no_locks(self):
         self.mount("/media/usb")
         value, records = self.expected()
         for error in ("ENOLCK", "EOPNOTSUPP", "ENOSYS"):
-            run = self.run_command(*STRACE, "-e", f"inject=flock:error={error}", PROGRAM, "--path", self.work)
+            run = self.run_strace("-e", f"inject=flock:error={error}", PROGRAM, "--path", self.work)
             self.assertEqual(run.stdout.decode(), value + "\n")
             self.assertEqual(self.only_log("/media/usb"), records)
             os.remove(glob.glob("/media/usb/*")[0])

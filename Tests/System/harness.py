@@ -21,7 +21,6 @@ SANITIZED = BUILD.endswith(("asan", "tsan"))
 PROGRAM = os.path.join(BUILD, "Executables/NerixVerifierHash/NerixVerifierHash")
 LEAVING = os.path.join(BUILD, "Tests/System/Tests_System_LeavingProgram")
 HOST = os.path.join(BUILD, "Executables/NerixHost/NerixHost")
-STRACE = ("strace", "-qq", "-f", "-o", "/dev/null")
 
 PREFIX = "menu/support/softwareupdate/hashverifier_"
 REPORT = re.compile(rb"Exception caught in NerixVerifierHash: .*\n  -- see dlog for details\n", re.DOTALL)
@@ -86,17 +85,16 @@ class SystemTest(unittest.TestCase):
         self.environment = {"NERIX_PLATFORM_HOME": self.home, **{name: os.environ[name] for name in kept}}
 
     def mount(self, where, *options, kind="tmpfs"):
-        """Mounts a file system until the end of the test. Requires NO_MOUNTS is None."""
+        """Mounts a file system until the end of the test. Skips the test if mounts are not allowed."""
+        if NO_MOUNTS:
+            self.skipTest(NO_MOUNTS)
         os.makedirs(where, exist_ok=True)
         arguments = ["--bind", options[0]] if kind == "bind" else ["-t", kind, *options, "none"]
         subprocess.run(["mount", *arguments, where], check=True)
         self.addCleanup(subprocess.run, ["umount", "-l", where], check=False, stderr=subprocess.DEVNULL)
 
     def use_threads(self, count):
-        """Sets the number of threads in the testers' parameters file, and checks that runs take it from there.
-
-        Requires NO_MOUNTS is None.
-        """
+        """Sets the number of threads of all runs, in the testers' parameters file. Requires NO_MOUNTS is None."""
         place = "/mnt/systemrw/org.corvan.tv.nerix/data/tv"
         os.makedirs(place, exist_ok=True)
         self.addCleanup(shutil.rmtree, place, ignore_errors=True)
@@ -118,6 +116,12 @@ class SystemTest(unittest.TestCase):
         """Runs a command in the environment of the test, and captures its output."""
         options = {"env": self.environment, "timeout": 600, "capture_output": True, **options}
         return subprocess.run(words, check=False, **options)
+
+    def run_strace(self, *words, **options):
+        """Runs strace, which follows child processes. Skips the test without strace, or if the build has a sanitizer."""
+        if SANITIZED or not shutil.which("strace"):
+            self.skipTest("needs strace and a build without a sanitizer")
+        return self.run_command("strace", "-qq", "-f", "-o", "/dev/null", *words, **options)
 
     def run_program(self, *arguments, **options):
         return self.run_command(PROGRAM, *arguments, **options)
@@ -161,6 +165,25 @@ class SystemTest(unittest.TestCase):
         """Returns the scan records of the system log, without the escapes that the log adds."""
         found = (RECORD.search(line) for line in self.log_lines("main"))
         return [unescape(record.group(1)) for record in found if record]
+
+
+class HostTest(SystemTest):
+    """Gives each test of NerixHost an empty tree, the path of another one, and the paths of two logs."""
+
+    def setUp(self):
+        super().setUp()
+        if not NO_MOUNTS:
+            self.mount(self.work)  # on a tmpfs, a directory's size changes with its entries
+        work = os.fsencode(os.path.realpath(self.work))
+        self.tree, self.other = (os.path.join(work, name) for name in (b"tree", b"other"))
+        os.mkdir(self.tree)
+        self.logs = [os.path.join(self.work, name) for name in ("before.log", "after.log")]
+
+    def scan(self, log, *options):
+        """Scans the tree, writes the log, and returns the tree's value."""
+        run = self.run_host("scan", self.tree, "--log", log, *options)
+        self.assertEqual((run.returncode, run.stderr), (0, b""))
+        return run.stdout.decode().strip()
 
 
 def read(path):

@@ -7,7 +7,6 @@ import os
 import pty
 import random
 import re
-import shutil
 import stat
 import struct
 import subprocess
@@ -17,7 +16,7 @@ import unittest
 import zlib
 
 import random_tree
-from harness import HOST, NO_MOUNTS, PREFIX, SANITIZED, STRACE, SystemTest, main, make_hole, read, write
+from harness import HOST, NO_MOUNTS, PREFIX, HostTest, main, make_hole, read, write
 from tree_value import STEPS, Model
 
 
@@ -47,26 +46,13 @@ def details(path):
     return b" ".join(words)
 
 
-class Host(SystemTest):
-    def setUp(self):
-        super().setUp()
-        if not NO_MOUNTS:
-            self.mount(self.work)  # in memory a directory's size changes with its entries
-        self.tree = os.path.join(os.fsencode(os.path.realpath(self.work)), b"tree")
-        os.mkdir(self.tree)
-        self.logs = [os.path.join(self.work, name) for name in ("before.log", "after.log")]
-
+class Host(HostTest):
     def entries(self):
         """Returns the paths of the tree in the order of the walk, and sets value and records by the reference model."""
         model = Model("md5")
         self.tree_value = model.value(self.tree)
         self.records = model.record_lines()
         return [path for _, path in model.records]
-
-    def scan(self, log, *options):
-        run = self.run_host("scan", self.tree, "--log", log, *options)
-        self.assertEqual((run.returncode, run.stderr), (0, b""))
-        return run.stdout.decode().strip()
 
     def test_scan_prints_the_value_and_leaves_only_a_log_of_all_records(self):
         random_tree.make(self.tree, random.Random(15), entries=19)
@@ -118,11 +104,9 @@ class Host(SystemTest):
         self.assertEqual((run.stdout, run.stderr), (b"", b'NerixHost: cannot read "%b": Permission denied\n'
                                                     b"NerixHost: ended by signal 15\n" % unreadable))
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_scan_syncs_its_log_before_it_appears(self):
         trace = os.path.join(self.home, "trace")
-        self.run_command("strace", "-f", "-o", trace, "-e", "trace=fsync,rename,renameat2", HOST, "scan", self.tree, "--log",
-                         self.logs[0])
+        self.run_strace("-o", trace, "-e", "trace=fsync,rename,renameat2", HOST, "scan", self.tree, "--log", self.logs[0])
         self.assertEqual(re.findall(rb"\d+ +([a-z]+)", read(trace)), [b"fsync", b"rename"])
 
     def test_scan_with_json_prints_an_object(self):
@@ -221,49 +205,44 @@ class Host(SystemTest):
             (["settings", "get", "progress"], f"there is no setting 'progress'; did you mean 'memory/{PREFIX}progress'?"),
         ))
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_scan_gives_no_value_of_a_file_that_cannot_be_read_to_its_end(self):
         file, later = self.tree + b"/file", self.tree + b"/later"
         for path in (file, later):
             write(path, bytes(300_000))
-        run = self.run_command(*STRACE, "-P", file, "-P", later, "-e", "inject=read:error=EIO:when=2+", HOST, "scan",
-                               self.tree, "--log", self.logs[0])
+        run = self.run_strace("-P", file, "-P", later, "-e", "inject=read:error=EIO:when=2+", HOST, "scan", self.tree,
+                              "--log", self.logs[0])
         self.assertEqual(run.stderr, b'NerixHost: cannot read "%b": Input/output error\n' % file)
         self.assertEqual((run.returncode, run.stdout), (2, b""))
         self.assertEqual(os.listdir(self.work), ["tree"])
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_scan_of_several_paths_keeps_their_failures_apart(self):
         broken, good = os.path.join(self.tree, b"broken"), os.path.join(self.tree, b"good")
         for path, size in ((broken, 5000), (good, 3)):
             write(path, bytes(size))
         for options in ([], ["--keep-going"]):
-            run = self.run_command(*STRACE, "-P", broken, "-e", "inject=read:error=EIO", HOST, "scan", broken, good,
-                                   "--json", *options)
+            run = self.run_strace("-P", broken, "-e", "inject=read:error=EIO", HOST, "scan", broken, good, "--json",
+                                  *options)
             first, second = map(json.loads, run.stdout.splitlines())
             self.assertEqual((run.returncode, first["value"], first["unreadable"]),
                              (2, None, [f'cannot read "{broken.decode()}": Input/output error']))
             self.assertEqual((second["value"], second["unreadable"], second["entries"], second["bytes"]),
                              (Model("md5").value(good), [], 1, 3))
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_scan_reports_an_entry_that_changed_during_the_scan(self):
         file = self.tree + b"/file"
         write(file)
         os.setxattr(file, "user.name", b"value")
-        run = self.run_command(*STRACE, "-P", file, "-e", "inject=lgetxattr:retval=7:when=2", HOST, "scan", self.tree)
+        run = self.run_strace("-P", file, "-e", "inject=lgetxattr:retval=7:when=2", HOST, "scan", self.tree)
         self.assertEqual(run.stderr, b'NerixHost: cannot read the attributes of "%b": it changed during the scan\n' % file)
 
-    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_scan_rejects_a_log_in_the_tree_under_another_name(self):
         os.makedirs(self.tree + b"/sub/inner")
         value = self.scan(self.logs[0])
         for place, bound in (("/mnt/tree", b""), ("/mnt/sub dir", b"/sub"), ("/mnt/inner", b"/sub/inner")):
-            with self.subTest(place):
-                self.mount(place, self.tree + bound, kind="bind")
-                run = self.run_host("scan", self.tree, "--log", place + "/log")
-                self.assertEqual((run.returncode, run.stdout), (2, b""))
-                self.assertIn(b"is inside the tree to be scanned", run.stderr)
+            self.mount(place, self.tree + bound, kind="bind")
+            run = self.run_host("scan", self.tree, "--log", place + "/log")
+            self.assertEqual((run.returncode, run.stdout), (2, b""), place)
+            self.assertIn(b"is inside the tree to be scanned", run.stderr, place)
         self.assertEqual(self.scan(self.logs[0]), value, "a log was left in the tree")
 
     def test_scan_rejects_the_scanned_file_as_its_log(self):
@@ -297,7 +276,6 @@ class Host(SystemTest):
         self.assertEqual((run.returncode, read(precious)), (2, b"kept"))
         self.assertIn(b"is a link that another user made", run.stderr)
 
-    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_scan_writes_a_log_whose_path_leads_out_of_the_tree(self):
         inner = self.tree + b"/inner"
         self.mount(inner, self.work, kind="bind")
@@ -337,7 +315,6 @@ class Host(SystemTest):
         self.scan(self.logs[0])
         self.assertEqual(sorted(os.listdir(self.work)), ["before.log", "tree"])
 
-    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_scan_leaves_no_log_that_does_not_fit(self):
         for number in range(100):
             os.mkdir(self.tree + b"/%d" % number)
@@ -362,7 +339,6 @@ class Host(SystemTest):
         self.assertEqual(run.returncode, 0)
         return text.decode()
 
-    @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
     def test_scan_of_a_file_system_shows_a_bar_that_moves_and_fits_the_terminal(self):
         self.mount(self.tree)
         os.mkdir(self.tree + b"/sub")

@@ -4,12 +4,10 @@ import concurrent.futures
 import glob
 import os
 import re
-import shutil
 import signal
 import subprocess
-import unittest
 
-from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SANITIZED, SystemTest, main, make_hole, read, write
+from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, make_hole, read, write
 from tree_value import STEPS, Model
 
 
@@ -43,11 +41,10 @@ class Runs(SystemTest):
             found = re.findall(rb"\[NerixVerifierHash-0.348.0\]\[\d+ NerixVerifierHa\]\[\d+\]\[" + record, log)
             self.assertEqual(len(found), len(cases), f"records of {record} in {log}")
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_run_syncs_the_durable_settings_before_they_take_their_names(self):
         trace = os.path.join(self.work, "trace")
-        self.run_command("strace", "-f", "-y", "-o", trace, "-e", "trace=fsync,fdatasync,rename,renameat2", PROGRAM,
-                         "--path", PROJECT + "/docs")
+        self.run_strace("-y", "-o", trace, "-e", "trace=fsync,fdatasync,rename,renameat2", PROGRAM, "--path",
+                        PROJECT + "/docs")
         calls = re.findall(r"(sync|rename)\w*\(.*?/(settings[a-z-]*)-[bl]e\d\d(/|>)", read(trace).decode())
         durable = [(call, "file" if end == "/" else "directory") for call, place, end in calls if place == "settings"]
         written = [("sync", "file"), ("rename", "file"), ("sync", "directory")]

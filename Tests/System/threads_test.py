@@ -13,7 +13,7 @@ import subprocess
 import time
 import unittest
 
-from harness import BUILD, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, STRACE, SystemTest, main, make_hole, read, write
+from harness import BUILD, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SystemTest, main, make_hole, read, write
 from tree_value import Model
 import random_tree
 
@@ -23,11 +23,6 @@ REPEATS = 10 if ALL else 2
 THREADS = (1, 2, 3, 8)
 # Parts of a log line that differ between identical runs: the time, the thread id, the record number, an address.
 CHANGING = re.compile(rb"^\S+ |\]\[\d+ [^]]+\]|\[\d+\](?=\[[A-Z])|0x[0-9a-f]+|thread id [0-9a-f]+")
-
-
-def cpu_ticks(task):
-    with open(f"{task}/stat", encoding="ascii") as stat:
-        return int(stat.read().split()[13])
 
 
 @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
@@ -101,7 +96,7 @@ class Threads(SystemTest):
                     tasks = os.listdir(f"/proc/{run.pid}/task")
                     most = max(most, len(tasks))
                     with contextlib.suppress(OSError):  # a thread may have ended by now
-                        busy.update(task for task in tasks if cpu_ticks(f"/proc/{run.pid}/task/{task}"))
+                        busy.update(task for task in tasks if int(read(f"/proc/{run.pid}/task/{task}/stat").split()[13]))
             self.assertGreaterEqual(len(busy - {str(run.pid)}), min(count, 2), f"busy threads of {count}")
             others = 3 if BUILD.endswith("tsan") else 2  # the main thread, the log thread and the sanitizer's own
             self.assertEqual(most, count + others, f"threads of a run that scans with {count}")
@@ -141,9 +136,8 @@ class Threads(SystemTest):
     def run_with_failing_calls(self, fault, entries):
         """Returns the output of a run in which the fourth such call of each thread on one of the entries fails."""
         scope = [word for entry in entries for word in ("-P", entry)]
-        return self.run_command(*STRACE, *scope, "-e", f"inject={fault}:when=4", PROGRAM, "--path", self.work).stdout
+        return self.run_strace(*scope, "-e", f"inject={fault}:when=4", PROGRAM, "--path", self.work).stdout
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_call_that_fails_once_fails_the_run_with_any_number_of_threads(self):
         entries = [os.path.join(self.work, str(number)) for number in range(40)]
         for entry in entries[::2]:
@@ -155,20 +149,17 @@ class Threads(SystemTest):
         for fault in ("openat:error=EACCES", "lgetxattr:retval=7", "llistxattr:error=EIO", "readlink:error=EIO",
                       "newfstatat:error=ENOENT"):
             for threads in (1, 4):
-                with self.subTest(fault, threads=threads):
-                    self.use_threads(threads)
-                    self.assertEqual(self.run_with_failing_calls(fault, entries), b"ERROR\n")
+                self.use_threads(threads)
+                self.assertEqual(self.run_with_failing_calls(fault, entries), b"ERROR\n", f"{fault} with {threads} threads")
+        self.use_threads(4)
         for fault in ("openat:error=EMFILE", "openat:error=ENFILE", "llistxattr:error=ENOMEM"):
-            with self.subTest(fault):
-                self.use_threads(4)
-                self.assertEqual(self.run_with_failing_calls(fault, entries), expected, "tried again without helpers")
+            self.assertEqual(self.run_with_failing_calls(fault, entries), expected, f"{fault}: no second try")
 
     def run_traced(self, root, paths, *options):
         """Returns the output and the trace of the calls on these paths that open or rename."""
         trace = os.path.join(self.home, "trace")
         scope = [word for path in paths for word in ("-P", path)]
-        run = self.run_command("strace", "-f", "-o", trace, *scope, "-e", "trace=openat,rename,renameat2", *options,
-                               PROGRAM, "--path", root)
+        run = self.run_strace("-o", trace, *scope, "-e", "trace=openat,rename,renameat2", *options, PROGRAM, "--path", root)
         return run.stdout, read(trace)
 
     def run_with_a_second_try(self, root, entry, *paths):
@@ -182,7 +173,6 @@ class Threads(SystemTest):
                 return output, trace
         self.fail("no helper has opened the entry before the worker")
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_content_that_a_stop_has_cut_short_is_read_again(self):
         front = os.path.join(self.work, "0")
         write(front)
@@ -192,7 +182,6 @@ class Threads(SystemTest):
         output, _ = self.run_with_a_second_try(self.work, front)
         self.assertEqual(output.decode(), Model("md5").value(self.work) + "\n")
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_steps_of_a_second_try_are_no_progress(self):
         root = os.path.join(self.work, *(["d" * 250] * 15))  # two steps over such a path are more than a block
         os.makedirs(root)
@@ -213,7 +202,6 @@ class Threads(SystemTest):
         self.use_threads(3)
         self.assertEqual(self.run_unprivileged("--path", self.work).stdout, b"ERROR\n")
 
-    @unittest.skipIf(SANITIZED or not shutil.which("strace"), "needs strace, and a program without a sanitizer's own calls")
     def test_calls_that_fail_in_any_thread(self):
         random_tree.make(os.fsencode(self.work), random.Random(3), entries=19)
         expected = Model("md5").value(self.work).encode()
@@ -223,13 +211,12 @@ class Threads(SystemTest):
             first = 2 if call == "mmap" else 1  # the first mmap belongs to the dynamic loader, which crashes if it fails
             for when in (range(first, 60) if ALL else (first, 2, 3, 7, 20, 40)):
                 # strace counts the calls of each thread separately.
-                run = self.run_command(*STRACE, "-e", f"trace={call}", "-e", f"inject={call}:error=ENOMEM:when={when}",
-                                       PROGRAM, "--path", self.work, timeout=60)
+                run = self.run_strace("-e", f"trace={call}", "-e", f"inject={call}:error=ENOMEM:when={when}", PROGRAM,
+                                      "--path", self.work, timeout=60)
                 value = b"[0-9a-f]{16}" if call == "read" else expected  # a read error ends the content
                 outputs = {0: rb"\A(%b|ERROR)\n\Z" % value, 1: REPORT, 127: rb"\A\Z"}  # 127 is the dynamic loader's
-                with self.subTest(call=call, number=when):
-                    self.assertIn(run.returncode, outputs)
-                    self.assertRegex(run.stdout, outputs[run.returncode])
+                self.assertIn(run.returncode, outputs, f"{call} {when}")
+                self.assertRegex(run.stdout, outputs[run.returncode], f"{call} {when}")
 
 
 if __name__ == "__main__":
