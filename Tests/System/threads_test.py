@@ -1,4 +1,4 @@
-"""Any number of threads gives the same run: value, records, reports of failures."""
+"""Any number of threads gives the same run: value, records, progress, reports of failures."""
 
 import contextlib
 import glob
@@ -14,7 +14,7 @@ import time
 import unittest
 
 from harness import BUILD, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SystemTest, main, make_hole, read, write
-from tree_value import Model
+from tree_value import STEPS, Model
 import random_tree
 
 ALL = os.environ.get("NERIX_ALL_FAULTS") == "1"
@@ -23,6 +23,38 @@ REPEATS = 10 if ALL else 2
 THREADS = (1, 2, 3, 8)
 # Parts of a log line that differ between identical runs: the time, the thread id, the record number, an address.
 CHANGING = re.compile(rb"^\S+ |\]\[\d+ [^]]+\]|\[\d+\](?=\[[A-Z])|0x[0-9a-f]+|thread id [0-9a-f]+")
+
+
+class Progress(Model):
+    """Also lists the progress that a run publishes while it scans a whole file system."""
+
+    def __init__(self, method, root):
+        super().__init__(method)
+        if method not in ("none", "trivial"):  # they report no steps
+            self.apply, self.step = self.step, self.reported_step
+        system = os.statvfs(root)
+        self.block, self.total = system.f_bsize, (system.f_blocks - system.f_bfree) * system.f_bsize
+        self.finished = self.published = 0
+        self.current = 0  # bytes of the steps since the last entry was finished
+        self.texts = []
+
+    def reported_step(self, value, data):
+        self.current += len(data)
+        self.publish()
+        return self.apply(value, data)
+
+    def _entry(self, path):
+        value = super()._entry(path)
+        self.finished += -(-os.lstat(path).st_size // self.block) * self.block
+        self.current = 0
+        self.publish()
+        return value
+
+    def publish(self):
+        done = self.finished + self.current
+        if not 0 <= done - self.published <= 1 << 20:
+            self.published = done
+            self.texts.append(f"{min(done * 100 / self.total / 1.4, 99.99):.2f}")  # see Progress::text
 
 
 @unittest.skipIf(NO_MOUNTS, NO_MOUNTS)
@@ -52,6 +84,26 @@ class Threads(SystemTest):
                 value = Model("md5").value(tree)
                 output, _ = self.assert_same_with_any_number(lambda: self.run_program("--path", tree))
                 self.assertEqual(output.decode().strip(), value)
+
+    def test_progress_agrees_with_the_model(self):
+        self.mount(self.work)
+        make_hole(os.path.join(self.work, "0"), (1 << 20) - 4095)  # counts as 1 MiB; only more than that is published
+        make_hole(os.path.join(self.work, "1"), 1 << 20)  # its steps have more bytes: the progress falls at its end
+        os.mkdir(os.path.join(self.work, "a"))
+        os.setxattr(os.path.join(self.work, "a"), "user.name", bytes(50_000))
+        for name in ("0", "00"):
+            make_hole(os.path.join(self.work, "a", name), (1 << 20) - 8192)
+        for number in range(1, 900):  # the step over the values of "a" is published
+            write(os.path.join(self.work, "a", str(number)))
+        write(os.path.join(self.work, "b"), bytes(7 << 20))
+        trace = os.path.join(self.home, "trace")
+        for method, threads in itertools.product(STEPS, THREADS):
+            model = Progress(method, self.work)
+            model.value(self.work)
+            self.use_threads(threads)
+            self.run_strace("-s", "200", "-o", trace, "-e", "trace=write", PROGRAM, "--path", self.work, "--hash", method)
+            published = re.findall(r'\\(?:000|0)(\d+\.\d+)"', read(trace).decode())
+            self.assertEqual(published, ["0.0", *model.texts, "100.0"], f"{method}, {threads} threads")
 
     def test_directory_with_more_names_than_are_read_ahead(self):
         make_hole(os.path.join(self.work, "a"), 64 << 20)  # keeps the worker busy

@@ -176,21 +176,6 @@ TEST_F(ReportQueueTest, DeferredEntryKeepsNothingOfItsExamination) {
     EXPECT_TRUE(entry->deliveredSteps.isEmpty());
 }
 
-TEST_F(ReportQueueTest, StepsOfTheFrontAreDeliveredOnce) {
-    QueuedEntry* const first = take(queue);
-    StepSizes steps;
-    steps.add(4096);
-    queue.deliver(*first, steps);
-    EXPECT_EQ(queue.next(), Turn::report);
-    ReportQueue::Entries finished;
-    StepSizes delivered;
-    EXPECT_EQ(queue.takeFinished(finished, delivered), first);
-    EXPECT_EQ(delivered.runs().size(), 1U);
-    StepSizes again;
-    queue.takeFinished(finished, again);
-    EXPECT_TRUE(again.isEmpty());
-}
-
 TEST_F(ReportQueueTest, WaitingThreadGetsTheNamesOfADirectoryThatWasExamined) {
     const std::vector<QueuedEntry*> entries = takeAll();
     auto waiting = std::async(std::launch::async, [this] {
