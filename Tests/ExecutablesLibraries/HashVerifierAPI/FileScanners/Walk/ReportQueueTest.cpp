@@ -95,15 +95,17 @@ TEST_F(ReportQueueTest, FullQueueGivesNoEntryUntilTheFrontIsReported) {
     EXPECT_NE(take(small), nullptr);
 }
 
-TEST_F(ReportQueueTest, FullQueueGivesTheEntriesOfADirectoryInFront) {
+TEST_F(ReportQueueTest, FullQueueGivesTheNamesOfADeferredDirectoryInFront) {
     ReportQueue small(1, 1);
     begin(small);
-    QueuedEntry* const front = take(small);
-    ASSERT_NE(take(small), nullptr);
-    front->listing = std::make_unique<Listing>(Names(directory.path()));
-    small.settle(*front, State::examined, none);
+    const std::vector<QueuedEntry*> entries{take(small), take(small)};
+    entries[1]->listing = std::make_unique<Listing>(Names(directory.path()));
+    small.settle(*entries[1], State::examined, none); // offers names, too, but comes after the front
+    small.settle(*entries[0], State::deferred, none);
+    ASSERT_EQ(small.next(), Turn::examineFront);
+    entries[0]->listing = std::make_unique<Listing>(Names(directory.path()));
+    small.settle(*entries[0], State::examined, none);
     for (int name = 0; name != 4; ++name) {
-        EXPECT_EQ(small.next(), Turn::takeEntries);
         QueuedEntry* const entry = take(small);
         ASSERT_NE(entry, nullptr) << "name " << name;
         small.settle(*entry, State::examined, none);
