@@ -1,8 +1,12 @@
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Directory.h"
+#include "ExecutablesLibraries/HashVerifierAPI/FileScanners/Walk/Helpers.h"
+#include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/OpenSSLHash.h"
 #include "ExecutablesLibraries/HashVerifierAPI/HashVerifierAPI.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/Progress.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/RunOptions.h"
 
+#include "Common/IO/OpenSSLException.h"
 #include "Common/IO/OpenSSLInit.h"
 #include "Common/Utils/Errors/Errors.h"
 #include "Common/Utils/Singletons/SingletonServiceGuard.h"
@@ -17,6 +21,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <atomic>
+#include <csignal>
 #include <future>
 #include <iomanip>
 #include <limits>
@@ -24,6 +30,7 @@
 #include <tuple>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace Nerix::Tests {
@@ -199,6 +206,67 @@ TEST_F(HashWorkerProgressTest, FailedReportFailsTheRunWithAnyThreadCount) {
         failAfterStatusActive(progressKey, 1);
         EXPECT_EQ(verify(), "ERROR") << "the report was tried again with " << threads << " threads";
     }
+}
+
+TEST_F(HashWorkerProgressTest, FailedReportIsNoFailureOfTheDeferredEntry) {
+    ::signal(SIGIO, SIG_IGN);
+    const int leased = ::open(m_file.c_str(), O_RDWR | O_CLOEXEC); // the walk defers a file with a lease
+    if (::fcntl(leased, F_SETLEASE, F_WRLCK) != 0) { GTEST_SKIP() << "no leases on this machine"; }
+    const std::future<int> released = std::async(std::launch::async, [leased] {
+        while (::fcntl(leased, F_GETLEASE) == F_WRLCK) { std::this_thread::yield(); }
+        return ::fcntl(leased, F_SETLEASE, F_UNLCK);
+    });
+    RunOptions options;
+    options.onUnreadable = [](const std::exception_ptr&) { ADD_FAILURE() << "the report counted as the entry"; };
+    setThreads(3);
+    failAfterStatusActive(progressKey, 1);
+    EXPECT_EQ(HashVerifierAPI::nerixVerifyPath(m_tree.path().native(), "md5", options), "ERROR");
+    EXPECT_EQ(::fcntl(leased, F_GETLEASE), F_UNLCK) << "the run did not open the leased file";
+    ::close(leased);
+}
+
+/// MD5, except that steps over the first `times` texts that `fails` accepts throw OpenSSLException.
+class FailingHash final : public HashFunctions::OpenSSLHash {
+public:
+    FailingHash(bool (*fails)(const std::string& text), int times) : OpenSSLHash("md5"), m_fails(fails), m_times(times) {}
+
+    using OpenSSLHash::apply;
+    hash_t apply(hash_t value, unsigned int length, const char* data) const override {
+        if (m_fails({data, length}) && m_times-- > 0) { throw Common::Utils::Encoding::OpenSSLException(); }
+        return OpenSSLHash::apply(value, length, data);
+    }
+
+private:
+    bool (*m_fails)(const std::string& text);
+    mutable std::atomic<int> m_times;
+};
+
+TEST_F(HashWorkerProgressTest, WalkTriesAgainIfTheCryptoLibraryFailsWhileHelpersRun) {
+    setThreads(3);
+    const std::uint64_t value = std::stoull(verify(), nullptr, 16);
+    const FileInput& root = HashWorker::getInstance().getRoot();
+    const FailingHash contentFails([](const std::string& text) { return text[0] == ' '; }, 2);
+    EXPECT_EQ(FileScanners::Directory().process(root, 0, contentFails), value) << "content failed ahead and in front";
+    const FailingHash listingFails([](const std::string& text) { return text.find('\n') == text.size() - 1; }, 1);
+    EXPECT_EQ(FileScanners::Directory().process(root, 0, listingFails), value);
+}
+
+TEST_F(HashWorkerProgressTest, PlanKeepsTheMaximumOfThreadsAndTheLimitOfDescriptors) {
+    rlimit before{};
+    ::getrlimit(RLIMIT_NOFILE, &before);
+    const std::tuple<rlim_t, int, std::size_t, std::size_t> cases[] = {{20, 8, 1, 1},    {33, 8, 1, 1},   {34, 8, 2, 1},
+                                                                       {46, 8, 8, 1},    {56, 8, 8, 2},   {1024, 8, 8, 16},
+                                                                       {1024, 9, 8, 16}, {1024, 0, 1, 16}};
+    for (const auto& [limit, requested, threads, entries] : cases) {
+        SCOPED_TRACE(testing::Message() << requested << " threads, at most " << limit << " open files");
+        setThreads(requested);
+        const rlimit lower{limit, before.rlim_max};
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &lower), 0);
+        const FileScanners::ThreadPlan plan = FileScanners::planThreads(16);
+        EXPECT_EQ(plan.threads, threads);
+        EXPECT_EQ(plan.entriesPerThread, entries);
+    }
+    ::setrlimit(RLIMIT_NOFILE, &before);
 }
 
 TEST(Progress, WorkIsRoundedUpToBlocks) {
