@@ -191,12 +191,12 @@ class Threads(SystemTest):
         return self.run_strace(*scope, "-e", f"inject={fault}:when=4", PROGRAM, "--path", self.work).stdout
 
     def test_call_that_fails_once_fails_the_run_with_any_number_of_threads(self):
-        entries = [os.path.join(self.work, str(number)) for number in range(40)]
-        for entry in entries[::2]:
-            write(entry)
-            os.setxattr(entry, "user.name", b"value")
-        for entry in entries[1::2]:
-            os.symlink("target", entry)
+        entries = [os.path.join(self.work, str(number)) for number in range(60)]
+        for file, link, directory in zip(entries[::3], entries[1::3], entries[2::3]):
+            write(file)
+            os.setxattr(file, "user.name", b"value")
+            os.symlink("target", link)
+            os.mkdir(directory)
         expected = Model("md5").value(self.work).encode() + b"\n"
         for fault in ("openat:error=EACCES", "lgetxattr:retval=7", "llistxattr:error=EIO", "readlink:error=EIO",
                       "newfstatat:error=ENOENT"):
@@ -204,7 +204,7 @@ class Threads(SystemTest):
                 self.use_threads(threads)
                 self.assertEqual(self.run_with_failing_calls(fault, entries), b"ERROR\n", f"{fault} with {threads} threads")
         self.use_threads(4)
-        for fault in ("openat:error=EMFILE", "openat:error=ENFILE", "llistxattr:error=ENOMEM"):
+        for fault in ("openat:error=EMFILE", "openat:error=ENFILE", "llistxattr:error=ENOMEM", "getdents64:error=ENOMEM"):
             self.assertEqual(self.run_with_failing_calls(fault, entries), expected, f"{fault}: no second try")
 
     def run_traced(self, root, paths, *options):
