@@ -209,11 +209,12 @@ class Host(HostTest):
         file, later = self.tree + b"/file", self.tree + b"/later"
         for path in (file, later):
             write(path, bytes(300_000))
-        run = self.run_strace("-P", file, "-P", later, "-e", "inject=read:error=EIO:when=2+", HOST, "scan", self.tree,
-                              "--log", self.logs[0])
-        self.assertEqual(run.stderr, b'NerixHost: cannot read "%b": Input/output error\n' % file)
-        self.assertEqual((run.returncode, run.stdout), (2, b""))
-        self.assertEqual(os.listdir(self.work), ["tree"])
+        for words in ([self.tree], [file, "--details"]):
+            run = self.run_strace("-P", file, "-P", later, "-e", "inject=read:error=EIO:when=2+", HOST, "scan", *words,
+                                  "--log", self.logs[0])
+            self.assertEqual(run.stderr, b'NerixHost: cannot read "%b": Input/output error\n' % file, words)
+            self.assertEqual((run.returncode, run.stdout), (2, b""), words)
+            self.assertEqual(os.listdir(self.work), ["tree"], words)
 
     def test_scan_of_several_paths_keeps_their_failures_apart(self):
         broken, good = os.path.join(self.tree, b"broken"), os.path.join(self.tree, b"good")
