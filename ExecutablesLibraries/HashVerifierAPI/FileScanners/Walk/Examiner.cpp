@@ -36,13 +36,12 @@ struct Examiner::Examination {
     bool beginFactStep(Step& step);
 
     QueuedEntry& entry;
-    std::optional<EntryTexts> texts;    ///< none until the entry is accepted
-    StepSizes steps;                    ///< not yet delivered
-    unsigned long long undelivered = 0; ///< bytes hashed since the last call of deliver
-    unsigned int stepLength = 0;        ///< of the step in progress
-    IHashFunction::hash_t* fact =
-        nullptr;                     ///< that the step in progress computes; null if it is for the entry
-    IHashFunction::hash_t value = 0; ///< the entry's value during a step for a fact
+    std::optional<EntryTexts> texts;       ///< none until the entry is accepted
+    StepSizes steps;                       ///< not yet delivered
+    unsigned long long undelivered = 0;    ///< bytes hashed since the last call of deliver
+    unsigned int stepLength = 0;           ///< of the step in progress
+    IHashFunction::hash_t* fact = nullptr; ///< that the step in progress computes; null for the entry's value
+    IHashFunction::hash_t value = 0;       ///< the entry's value during a step for a fact
 };
 
 /// Begins a step over the entry's next text. Returns false if there is none.
