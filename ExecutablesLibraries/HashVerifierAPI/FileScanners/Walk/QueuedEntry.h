@@ -21,7 +21,11 @@ namespace Nerix::FileScanners {
 
 /// The members that only a directory needs.
 struct Listing {
-    explicit Listing(Names itsNames) : names(std::move(itsNames)) {}
+    /// Reserves the memory for all values, so that the reporter needs none.
+    explicit Listing(Names itsNames) : names(std::move(itsNames)) {
+        constexpr std::size_t maxLineSize = 21; // twenty digits and the line feed
+        values.reserve(names.size() * maxLineSize);
+    }
 
     const Names names;
     // Guarded by the queue.

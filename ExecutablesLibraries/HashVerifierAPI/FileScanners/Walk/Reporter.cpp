@@ -69,15 +69,13 @@ void Reporter::report(QueuedEntry& entry) {
 
 /// Adds the value to the list of the directory, or makes it the result.
 void Reporter::addValue(QueuedEntry& entry) {
-    constexpr std::size_t maxLineSize = 21; // twenty digits and the line feed
     if (entry.parent == nullptr) {
         m_result = entry.value;
         return;
     }
-    Listing& listing = *entry.parent->listing;
-    m_helpers.retryWithout([&] { listing.values.reserve(listing.names.size() * maxLineSize); });
-    listing.values += std::to_string(entry.value);
-    listing.values += '\n';
+    std::string& values = entry.parent->listing->values;
+    values += std::to_string(entry.value);
+    values += '\n';
 }
 
 void Reporter::foldEntries(QueuedEntry& directory) {
