@@ -42,11 +42,13 @@ void Reporter::reportFinished() {
 void Reporter::report(QueuedEntry& entry) {
     reportDirectories(entry.listing ? &entry : entry.parent);
     m_depth = entry.depth;
+    if (!entry.listing) {
+        reportSteps(entry, entry.deliveredSteps); // also those before a failure
+    }
     if (entry.input && entry.input->path.empty()) {
         entry.input->path = pathOf(entry);
     }
     if (entry.failure) {
-        reportSteps(entry, entry.deliveredSteps);
         if (entry.parent != nullptr && m_worker.continueWithout(entry.failure)) {
             return;
         }
@@ -57,8 +59,6 @@ void Reporter::report(QueuedEntry& entry) {
     }
     if (entry.listing) {
         foldEntries(entry);
-    } else {
-        reportSteps(entry, entry.deliveredSteps);
     }
     if (entry.readError != 0) {
         m_worker.logReadError(*entry.input, entry.readError);
