@@ -362,6 +362,8 @@ class Host(HostTest):
         self.assertNotRegex(self.on_terminal(80, "scan", self.tree, kind="dumb"), r"\r[^\n]", "on a dumb terminal")
         self.assertRegex(self.on_terminal(80, "scan", self.tree + b"/sub"),
                          r"\r1 entries, [12]\d\d\.\d MB, [\d.]+ \wB/s, 0:\d\d", "of part of a file system")
+        text = self.on_terminal(80, "scan", self.tree + b"/sub/b", "--details", "--log", self.logs[0])
+        self.assertLess(max(map(float, re.findall(r"0 entries, ([\d.]+) MB", text))), 320, "MB of a file of 300 MiB")
 
 
 if __name__ == "__main__":
