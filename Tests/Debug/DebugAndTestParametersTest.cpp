@@ -138,7 +138,6 @@ TEST(ParametersArchive, WritingANumberThatIsNotFiniteThrows) {
 }
 
 struct Grouped : std::numpunct<char> {
-    char do_thousands_sep() const override { return ','; }
     std::string do_grouping() const override { return "\3"; }
 };
 

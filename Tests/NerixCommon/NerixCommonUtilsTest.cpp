@@ -45,7 +45,6 @@ TEST(NerixCommonUtils, MajorIsStoredEvenIfTheMinorIsBad) {
 }
 
 struct Grouped : std::numpunct<char> {
-    char do_thousands_sep() const override { return ','; }
     std::string do_grouping() const override { return "\3"; }
 };
 

@@ -114,27 +114,6 @@ TEST_F(ReportQueueTest, FullQueueGivesTheNamesOfADeferredDirectoryInFront) {
     }
 }
 
-TEST_F(ReportQueueTest, ThreadGetsNoMoreThanItsShareOfTheNames) {
-    ReportQueue shared(2);
-    begin(shared);
-    EXPECT_NE(take(shared, 0), nullptr);
-    EXPECT_NE(take(shared, 1), nullptr);
-    EXPECT_EQ(take(shared, 2), nullptr) << "two of four names for one of two threads";
-    EXPECT_NE(take(shared, 0), nullptr) << "the other thread";
-}
-
-TEST_F(ReportQueueTest, EntriesOfADirectoryComeBeforeIt) {
-    const std::vector<QueuedEntry*> entries = takeAll();
-    entries[1]->listing = std::make_unique<Listing>(Names(directory.path()));
-    for (QueuedEntry* const entry : entries) { settle(entry); }
-    EXPECT_EQ(finishedNames(), "0");
-    for (QueuedEntry* const entry : takeAll()) {
-        EXPECT_EQ(entry->parent, entries[1]);
-        settle(entry);
-    }
-    EXPECT_EQ(finishedNames(), "0123123root");
-}
-
 TEST_F(ReportQueueTest, DeferredEntryIsExaminedByTheReporterOnceItIsInFront) {
     const std::vector<QueuedEntry*> entries = takeAll();
     settle(entries[1], State::deferred);
@@ -144,11 +123,6 @@ TEST_F(ReportQueueTest, DeferredEntryIsExaminedByTheReporterOnceItIsInFront) {
     EXPECT_EQ(queue.next(), Turn::examineFront);
     EXPECT_EQ(&queue.front(), entries[1]);
     EXPECT_FALSE(entries[1]->isAhead);
-}
-
-TEST_F(ReportQueueTest, ReporterLeavesNamesAloneWhileTheFrontIsDeferred) {
-    settle(take(queue), State::deferred);
-    EXPECT_EQ(take(queue), nullptr);
 }
 
 TEST_F(ReportQueueTest, DirectoryIsDeferredIfTooManyNamesHaveBeenReadAhead) {
