@@ -4,14 +4,16 @@
 #include "Tests/Fakes/Report.h"
 #include "Tests/Fakes/TemporaryDirectory.h"
 
+#include <boost/filesystem/directory.hpp>
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
+#include <iterator>
 #include <thread>
 
-#include <sys/resource.h>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 namespace Nerix::Tests {
@@ -67,13 +69,44 @@ TEST_F(SystemLogDeathTest, RecordIsWrittenAfterASecond) {
 }
 
 TEST_F(SystemLogDeathTest, RecordThatCannotBeWrittenIsReported) {
-    const auto logIntoAFullFile = [] {
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit nothing{0, RLIM_INFINITY};
-        ::setrlimit(RLIMIT_FSIZE, &nothing);
-        std::exit(logText(DLOG_PRIORITY_WARNING, "warning") < 0 ? 0 : 1);
+    boost::filesystem::create_directory(logFile().parent_path());
+    boost::filesystem::create_symlink("/dev/full", logFile());
+    const auto logTwice = [] {
+        const int first = logText(DLOG_PRIORITY_WARNING, "first");
+        std::exit(first < 0 && logText(DLOG_PRIORITY_WARNING, "second") < 0 ? 0 : 1);
     };
-    EXPECT_EXIT(logIntoAFullFile(), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(logTwice(), testing::ExitedWithCode(0), "^nerix host log: records are lost: [^\n]*\n$") << "once";
+}
+
+TEST_F(SystemLogDeathTest, RecordAfterTheEndOfTheLogIsWritten) {
+    const auto logLate = [] {
+        std::atexit([] { logText(DLOG_PRIORITY_INFO, "late"); }); // called after the end of the log, which begins later
+        logText(DLOG_PRIORITY_INFO, "early");
+        std::exit(0);
+    };
+    EXPECT_EXIT(logLate(), testing::ExitedWithCode(0), "");
+    EXPECT_PRED2(matches, logged(), "\\S+ I tag early\n\\S+ I tag late\n");
+}
+
+TEST_F(SystemLogDeathTest, FileThatOthersReplacedOrFilledIsOpenedAgain) {
+    inOwnProcess([&] {
+        logText(DLOG_PRIORITY_WARNING, "one");
+        const boost::filesystem::path directory = logFile().parent_path();
+        ::flock(::open(directory.c_str(), O_RDONLY | O_CLOEXEC), LOCK_EX); // as a stopped process might; must not matter
+        boost::filesystem::copy_file(logFile(), directory / "copy");
+        boost::filesystem::rename(directory / "copy", logFile());
+        logText(DLOG_PRIORITY_WARNING, "two");
+        boost::filesystem::resize_file(logFile(), (16U << 20U) - 100);
+        logText(DLOG_PRIORITY_WARNING, "three");
+        EXPECT_PRED2(contains, logged(), "two") << "the file is not full";
+        for (int rotation = 0; rotation != 6; ++rotation) {
+            boost::filesystem::resize_file(logFile(), 16U << 20U);
+            logText(DLOG_PRIORITY_WARNING, "next");
+            EXPECT_PRED2(matches, logged(), "\\S+ W tag next\n");
+        }
+        using Directory = boost::filesystem::directory_iterator;
+        EXPECT_EQ(std::distance(Directory(directory), Directory()), 6) << "main.log, system.log and four older files";
+    });
 }
 
 } // namespace
