@@ -35,6 +35,8 @@ class Hostile(SystemTest):
         os.mkdir(self.tree)
         for name in "ab":
             write(os.path.join(self.tree, name), (name * 5000).encode())
+        self.program = os.path.join(self.work, "N) R\nVerifier")  # like the fields after the name in /proc/PID/stat
+        os.symlink(PROGRAM, self.program)
 
     def assert_prints_value(self, run=None):
         """Checks that the run, or a new one, succeeds and prints the tree's value."""
@@ -46,8 +48,8 @@ class Hostile(SystemTest):
         """Starts a run and waits until it is inside a file that is too long to finish. Kills the run at the end."""
         make_hole(os.path.join(self.tree, "long"), 1 << 40)
         before = len(self.scan_records())
-        with subprocess.Popen([PROGRAM, "--path", self.tree, "--hash", method], env=self.environment, stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, preexec_fn=reset_signals) as run:
+        with subprocess.Popen([self.program, "--path", self.tree, "--hash", method], env=self.environment,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE, preexec_fn=reset_signals) as run:
             try:
                 while len(self.scan_records()) < before + 2:
                     self.assertIsNone(run.poll())

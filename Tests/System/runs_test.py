@@ -7,7 +7,7 @@ import re
 import signal
 import subprocess
 
-from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, make_hole, read, write
+from harness import HOST, LEAVING, PROGRAM, PROJECT, REPORT, SystemTest, main, read, write
 from tree_value import STEPS, Model
 
 
@@ -111,22 +111,13 @@ class Runs(SystemTest):
         write(log, b"x" * ((16 << 20) - 1000) + b"\n")
         with concurrent.futures.ThreadPoolExecutor() as runs:
             self.assertEqual(list(runs.map(lambda _: self.value(self.work), range(4))), [value] * 4)
+            for home in (f"{self.home}/{number}" for number in range(5)):  # which the runs make at once
+                new = {**self.environment, "NERIX_PLATFORM_HOME": home}
+                self.assertEqual(list(runs.map(lambda _: self.value("/dev/null", env=new), range(4))), ["0" * 16] * 4)
         self.assert_published(status="inactive", result=value[:8])
         self.assertEqual(len(self.scan_records()), 4 * records)
         for file in glob.glob(f"{self.home}/log/*"):
             self.assertLessEqual(os.path.getsize(file), 16 << 20, file)
-
-    def test_settings_list_sees_that_a_run_with_any_name_is_alive(self):
-        program = os.path.join(self.work, "N) R\nVerifier")
-        os.symlink(PROGRAM, program)
-        tree = os.path.join(self.work, "tree")
-        os.mkdir(tree)
-        make_hole(os.path.join(tree, "long"), 1 << 40)
-        with subprocess.Popen([program, "--path", tree], env=self.environment, stdout=subprocess.DEVNULL) as run:
-            while self.settings().status != "active":
-                self.assertIsNone(run.poll())
-            self.assertEqual(self.run_host("settings", "list").stderr, b"")
-            run.terminate()
 
     def test_help_and_version_are_as_documented_and_start_no_run(self):
         self.assertEqual(self.run_host("--version").stdout, b"NerixHost 0.348.0\n")
