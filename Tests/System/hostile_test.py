@@ -101,8 +101,8 @@ class Hostile(SystemTest):
         """Mounts empty directories at /root, /dev/shm and /mnt, and fills /mnt with candidates for state directories."""
         for place, *options in (("/root",), ("/dev/shm",), ("/mnt",), ("/mnt/read-only", "-o", "ro")):
             self.mount(place, *options)
-        subprocess.run("mkdir -m 777 open; mkdir -m 775 group; mkdir open/inner theirs; ln -s /root link", shell=True,
-                       check=True, cwd="/mnt")
+        subprocess.run("mkdir -m 777 open; mkdir -m 775 group; mkdir open/inner theirs; ln -s /root link; ln -s loop loop",
+                       shell=True, check=True, cwd="/mnt")
         del self.environment["NERIX_PLATFORM_HOME"]
         self.home = "/root/.local/state/nerix"  # the default
 
@@ -125,10 +125,13 @@ class Hostile(SystemTest):
 
     def test_run_creates_missing_state_directories(self):
         self.make_state_directories()
-        for variables in ({}, {"HOME": "/mnt/group"}, {"HOME": "/mnt/missing"},
-                          {"NERIX_PLATFORM_HOME": "/mnt/missing/home"}):
+        for variables in ({}, {"HOME": "/mnt/group"}, {"HOME": "/mnt/missing"}, {"NERIX_PLATFORM_HOME": "/mnt/missing/home"},
+                          {"XDG_STATE_HOME": "relative", "XDG_RUNTIME_DIR": "relative"}):
             with self.subTest(**variables):
-                self.assert_prints_value(self.run_program("--path", self.tree, env={**self.environment, **variables}))
+                self.assert_prints_value(self.run_program("--path", self.tree, cwd="/mnt",
+                                                          env={**self.environment, **variables}))
+        self.assertFalse(os.path.exists("/mnt/relative"), "relative paths are ignored")
+        self.assertEqual(os.stat("/mnt/missing/home").st_mode & 0o777, 0o700)
         self.assertNotIn(b"volatile settings are kept in", b"".join(self.log_lines("main")))
 
     def test_run_rejects_unsafe_and_read_only_state_directories(self):
@@ -141,6 +144,7 @@ class Hostile(SystemTest):
                  {"HOME": "/mnt/read-only", "XDG_RUNTIME_DIR": "/mnt/read-only"}),
                 (is_open, {"NERIX_PLATFORM_HOME": "/mnt/open"}), (is_open, {"XDG_STATE_HOME": "/mnt/open"}),
                 (is_open, {"NERIX_PLATFORM_HOME": "/mnt/open/inner"}),
+                ("cannot use directory /mnt/loop: Too many levels of symbolic links", {"NERIX_PLATFORM_HOME": "/mnt/loop"}),
                 (" /mnt/group must belong to this user and be writable by nobody else",
                  {"NERIX_PLATFORM_HOME": "/mnt/group"})):
             self.assert_state_rejected("stderr", reason, variables)
@@ -154,6 +158,9 @@ class Hostile(SystemTest):
             self.assert_state_rejected("stderr", is_theirs, {name: "/mnt/theirs"})
         self.assert_state_rejected("stderr", " /mnt/link belongs to another user", {"NERIX_PLATFORM_HOME": "/mnt/link/home"})
         self.assert_state_rejected("log", is_theirs, {"XDG_RUNTIME_DIR": "/mnt/theirs"})
+        run = self.run_command("setpriv", "--reuid=12345", "--clear-groups", PROGRAM, "--path", "/mnt/theirs",
+                               env={**self.environment, "NERIX_PLATFORM_HOME": "/mnt/theirs"})
+        self.assertRegex(run.stdout.decode(), r"\A[0-9a-f]{16}\n\Z", "its own directory, below those of root")
 
     def test_run_keeps_volatile_settings_in_its_home_if_another_user_took_their_directory(self):
         self.make_state_directories()
