@@ -12,7 +12,7 @@ import subprocess
 import time
 import unittest
 
-from harness import (HOST, NO_MOUNTS, PROGRAM, REPORT, SANITIZED, SystemTest, main, make_hole, read, use_one_core,
+from harness import (HOST, NO_MOUNTS, PREFIX, PROGRAM, REPORT, SANITIZED, SystemTest, main, make_hole, read, use_one_core,
                      write)
 from tree_value import Model
 
@@ -211,6 +211,10 @@ class Hostile(SystemTest):
                     self.assertIn(b"there is no setting", self.run_host("settings", "get", "db/none").stderr)
                     self.assert_prints_value()
                     self.assert_published(status="inactive", progress="100.0")
+        damaged = sorted(file for file in self.setting_files() if "volatile" in file)
+        for file in damaged:
+            os.truncate(file, 5)
+        self.assertIn(damaged[0], self.run_host("settings", "list").stderr.decode(), "the first of two damaged settings")
 
     def test_settings_watch_finds_the_run_of_a_store_that_was_deleted_and_created_again(self):
         self.assert_prints_value()
@@ -257,8 +261,9 @@ class Hostile(SystemTest):
         """Compares the names of the settings that the listings mark as left by a killed run."""
         objects = map(json.loads, self.run_host("settings", "list", "--json").stdout.splitlines())
         self.assertEqual({told["key"].rsplit("_")[-1] for told in objects if told.get("killed")}, set(settings))
-        dead = self.run_host("settings", "list").stderr.count(b"hashverifier_status was killed\n")
-        self.assertEqual(dead, 1 if settings else 0, "reports of a killed run")
+        for words in (["list"], ["get", f"memory/{PREFIX}status"]):
+            dead = self.run_host("settings", *words).stderr.count(b"hashverifier_status was killed\n")
+            self.assertEqual(dead, 1 if settings else 0, f"reports of a killed run by {words}")
 
     def test_signal_fails_the_run(self):
         for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
