@@ -322,6 +322,13 @@ added   "usr/odd2\"""")
         told = json.loads(line)
         self.assertEqual(set(told["facts"]["attributes"]), set(names.values()))
 
+    def test_compare_reads_a_record_of_many_attributes(self):
+        self.mount(self.tree)
+        for number in range(5000):
+            os.setxattr(self.tree, b"user.%x" % number, b"")
+        self.scan(self.logs[0], "--details")
+        self.assertEqual(self.compare(self.logs[0], self.tree, status=0), [])
+
     def test_compare_lists_all_entries_of_a_subtree_on_request(self):
         self.make_example()
         lines = self.compare(self.tree, self.other, "--all")

@@ -70,6 +70,8 @@ class Values(SystemTest):
             os.mkdir(name)
             os.chdir(name)
         self.assertEqual(self.value(self.work), Model("md5").value(self.work))
+        self.run_host("scan", self.work, "--log", log := self.home + "/log of long paths")
+        self.assertEqual(self.run_host("compare", log, log).returncode, 0)
         os.mkdir("d")
         os.chdir("/")
         self.assertEqual(self.value(self.work), "ERROR", "the last path is longer than the system allows")
