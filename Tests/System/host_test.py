@@ -184,6 +184,7 @@ class Host(HostTest):
             (["settings", "wacth"], "unknown action 'wacth'; did you mean 'watch'?"),
             (["scan"], "missing argument PATH"),
             (["settings", "get"], "missing argument KEY"),
+            (["settings", "list", "x"], "list does not take a key"),
             (["scan", tree, "--details"], "--details needs --log"),
             (["scan", tree, "--log", ""], "--log needs a file name"),
             (["scan", ""], "PATH is empty"),
@@ -201,6 +202,7 @@ class Host(HostTest):
         self.assert_fails(1, (
             (["settings", "get", f"memori{PREFIX}stats"],
              f"there is no setting 'memori{PREFIX}stats'; did you mean 'memory/{PREFIX}status'?"),
+            (["settings", "get", f"memory/{PREFIX}status"], f"there is no setting 'memory/{PREFIX}status' yet"),
             (["settings", "get", "nothing/alike"], "there is no setting 'nothing/alike'"),
             (["settings", "get", "progress"], f"there is no setting 'progress'; did you mean 'memory/{PREFIX}progress'?"),
         ))
