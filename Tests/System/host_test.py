@@ -108,6 +108,8 @@ class Host(HostTest):
         trace = os.path.join(self.home, "trace")
         self.run_strace("-o", trace, "-e", "trace=fsync,rename,renameat2", HOST, "scan", self.tree, "--log", self.logs[0])
         self.assertEqual(re.findall(rb"\d+ +([a-z]+)", read(trace)), [b"fsync", b"rename"])
+        run = self.run_strace("-e", "inject=fsync:error=EINVAL", HOST, "scan", self.tree, "--log", self.logs[0])
+        self.assertEqual(run.returncode, 0, "the file system does not support fsync")
 
     def test_scan_with_json_prints_an_object(self):
         write(self.tree + b"/a", b"12345")
@@ -241,7 +243,7 @@ class Host(HostTest):
     def test_scan_rejects_a_log_in_the_tree_under_another_name(self):
         os.makedirs(self.tree + b"/sub/inner")
         value = self.scan(self.logs[0])
-        for place, bound in (("/mnt/tree", b""), ("/mnt/sub dir", b"/sub"), ("/mnt/inner", b"/sub/inner")):
+        for place, bound in (("/mnt/tree", b""), ("/mnt/sub ", b"/sub"), ("/mnt/inner", b"/sub/inner")):
             self.mount(place, self.tree + bound, kind="bind")
             run = self.run_host("scan", self.tree, "--log", place + "/log")
             self.assertEqual((run.returncode, run.stdout), (2, b""), place)
@@ -278,6 +280,10 @@ class Host(HostTest):
         run = self.run_host("scan", self.tree, "--log", self.logs[0])
         self.assertEqual((run.returncode, read(precious)), (2, b"kept"))
         self.assertIn(b"is a link that another user made", run.stderr)
+        os.chown(precious, 12, -1)
+        os.symlink(precious, self.logs[1])
+        run = self.run_command("setpriv", "--reuid=12", "--clear-groups", HOST, "scan", self.tree, "--log", self.logs[1])
+        self.assertEqual((run.returncode, run.stderr), (0, b""), "a link that root made")
 
     def test_scan_writes_a_log_whose_path_leads_out_of_the_tree(self):
         inner = self.tree + b"/inner"
@@ -299,10 +305,11 @@ class Host(HostTest):
     def test_scan_writes_a_log_of_any_name(self):
         write(self.tree + b"/file")
         self.assertEqual(self.run_host("scan", self.tree + b"/file", "--log", self.logs[1]).returncode, 0, "log of a file")
+        self.addCleanup(os.umask, os.umask(0o027))
         os.mkfifo(f"{self.work}/.nerix-{zlib.crc32(b'before.log')}-abcdef")  # where a killed scan might leave its log
         for log in (self.logs[0], os.path.join(self.work, "l" * 255)):
             self.scan(log)
-            self.assertEqual(stat.S_IMODE(os.stat(log).st_mode), 0o644)
+            self.assertEqual(stat.S_IMODE(os.stat(log).st_mode), 0o640)
 
     def test_scan_removes_the_temporary_log_of_a_killed_scan(self):
         make_hole(self.tree + b"/long", 1 << 40)
