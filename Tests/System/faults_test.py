@@ -13,7 +13,6 @@ import shutil
 import subprocess
 import threading
 import time
-import unittest
 
 from harness import PROGRAM, SANITIZED, SystemTest, main, use_one_core, write
 from tree_value import Model
