@@ -111,13 +111,17 @@ class Runs(SystemTest):
         write(log, b"x" * ((16 << 20) - 1000) + b"\n")
         with concurrent.futures.ThreadPoolExecutor() as runs:
             self.assertEqual(list(runs.map(lambda _: self.value(self.work), range(4))), [value] * 4)
-            for home in (f"{self.home}/{number}" for number in range(5)):  # which the runs make at once
-                new = {**self.environment, "NERIX_PLATFORM_HOME": home}
-                self.assertEqual(list(runs.map(lambda _: self.value("/dev/null", env=new), range(4))), ["0" * 16] * 4)
         self.assert_published(status="inactive", result=value[:8])
         self.assertEqual(len(self.scan_records()), 4 * records)
         for file in glob.glob(f"{self.home}/log/*"):
             self.assertLessEqual(os.path.getsize(file), 16 << 20, file)
+
+    def test_runs_at_once_share_the_directories_that_they_make(self):
+        self.environment["NERIX_PLATFORM_HOME"] = self.home + "/new"
+        delay = "inject=?mkdir,?mkdirat:delay_enter=200000"  # each finds that there is no directory, and then makes it
+        run = lambda _: self.run_strace("-e", delay, PROGRAM, "--path", "/dev/null").stdout
+        with concurrent.futures.ThreadPoolExecutor() as runs:
+            self.assertEqual(list(runs.map(run, range(2))), [b"0" * 16 + b"\n"] * 2)
 
     def test_help_and_version_are_as_documented_and_start_no_run(self):
         self.assertEqual(self.run_host("--version").stdout, b"NerixHost 0.348.0\n")
