@@ -144,6 +144,9 @@ TEST(ProductInfo, ZebBoxHasItsOwnSoftwareAndNoVarikFacts) {
 
 TEST(ProductInfoDeathTest, LookupsBeforeInitialisationThrow) {
     EXPECT_THROW(Info::getModelString(), Platform::ProductUninitializedException);
+    EXPECT_THROW(Info::getMainSoftwareVersionDate(), Platform::ProductUninitializedException);
+    EXPECT_THROW(Info::getSubmicomVersion(), Platform::ProductUninitializedException);
+    EXPECT_THROW(Info::getPartitionTxtFilePath(), Platform::ProductUninitializedException);
     EXPECT_THROW(Info::getSystemUsrBinPath(), Platform::ProductUninitializedException);
     EXPECT_EQ(FakePlatform::instance().countLogged("The platform has no directory"), 0U);
     EXPECT_THROW(Info::getEmulatedOTNZone(), Platform::ProductUninitializedException);
