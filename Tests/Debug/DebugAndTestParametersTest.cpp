@@ -217,8 +217,10 @@ void withLoadedParameters(const std::function<void(DebugAndTestParameters&, cons
 }
 
 TEST(DebugAndTestParameters, AreLoadedOnce) {
-    withLoadedParameters([](DebugAndTestParameters& parameters, const boost::filesystem::path&) {
+    withLoadedParameters([](DebugAndTestParameters& parameters, const boost::filesystem::path& path) {
+        boost::filesystem::ofstream(path) << golden;
         Common::loadDebugAndTestParameters("again");
+        EXPECT_FALSE(parameters.isNoRebootFlag());
         EXPECT_EQ(FakePlatform::instance().countLogged(">DebugAndTestParameters were already loaded."), 1U);
         EXPECT_EQ(&Nerix::getInstallationPerformanceParameters(), &parameters.getInstallationPerformanceParameters());
         EXPECT_TRUE(DebugAndTestParameters::loaded());
