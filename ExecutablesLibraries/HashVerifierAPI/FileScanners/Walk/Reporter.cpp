@@ -4,6 +4,8 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
+#include <charconv>
+#include <iterator>
 #include <string>
 
 namespace Nerix::FileScanners {
@@ -43,7 +45,7 @@ void Reporter::report(QueuedEntry& entry) {
     reportDirectories(entry.listing ? &entry : entry.parent);
     m_depth = entry.depth;
     if (!entry.listing) {
-        reportSteps(entry, entry.deliveredSteps); // also those before a failure
+        reportSteps(entry, entry.deliveredSteps); // of a directory, reportDirectories has reported them
     }
     if (entry.input && entry.input->path.empty()) {
         entry.input->path = pathOf(entry);
@@ -74,7 +76,8 @@ void Reporter::addValue(QueuedEntry& entry) {
         return;
     }
     std::string& values = entry.parent->listing->values;
-    values += std::to_string(entry.value);
+    char digits[20]; // enough for any value
+    values.append(digits, std::to_chars(std::begin(digits), std::end(digits), entry.value).ptr);
     values += '\n';
 }
 
