@@ -37,6 +37,7 @@ NO_MOUNTS = None if IN_OWN_ROOT else "no private mounts on this machine"
 # The new root has the entries of the machine's root without its drives, and the project at /nerix.
 OWN_ROOT = """
 set -e
+umask 022
 mount -t tmpfs none "$1" && cd "$1" && mount --make-unbindable .
 for entry in /*; do
     case $(stat -c %F "$entry")$entry in

@@ -271,7 +271,7 @@ class Host(HostTest):
         self.assertIn(b"has other hard links, which may be inside the tree", run.stderr)
         self.assertEqual(os.path.getsize(log), 0, "size of the log")
 
-    @unittest.skipIf(not random_tree.may_make_devices(), "needs root to make a link of another user")
+    @unittest.skipIf(NO_MOUNTS or not random_tree.may_make_devices(), "needs root, and mounts that other users can reach")
     def test_scan_rejects_a_log_that_is_a_link_of_another_user(self):
         precious = self.work + "/precious"
         write(precious, b"kept")
