@@ -20,6 +20,7 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <sys/mount.h>
 #include <sys/stat.h>
 
 namespace Nerix::Tests {
@@ -250,18 +251,22 @@ TEST(DebugAndTestParameters, FaultsOfTheirFileAreLogged) {
     withLoadedParameters([](DebugAndTestParameters& parameters, const boost::filesystem::path& path) {
         EXPECT_FALSE(parameters.reload());
         EXPECT_EQ(FakePlatform::instance().countLogged(">Failed to open DebugAndTestParameters from /mnt/"), 2U);
-        parameters.setPanelServiceName("kept");
+        parameters.setPanelServiceName(golden.substr(0, 1000)); // so that the file needs two pages
         boost::filesystem::ofstream(path) << std::setw(100'000'000) << 'x';
         EXPECT_FALSE(parameters.reload());
         boost::filesystem::remove(path);
         ::mkfifo(path.c_str(), 0600);
         parameters.save();
         boost::filesystem::remove(path);
+        EXPECT_EQ(::mount(nullptr, "/mnt", nullptr, MS_REMOUNT, "size=4k"), 0);
+        parameters.save();
+        boost::filesystem::remove(path);
         boost::filesystem::create_directory(path);
         parameters.save();
-        EXPECT_EQ(parameters.getPanelServiceName(), "kept");
+        EXPECT_EQ(parameters.getPanelServiceName(), golden.substr(0, 1000));
         for (const char* const record :
              {">Failed to load DebugAndTestParameters from ", "DebugAndTestParameters.xml: cannot write: Is a directory",
+              "DebugAndTestParameters.xml: cannot write: No space left on device",
               "DebugAndTestParameters.xml: cannot write: No such device or address"}) {
             EXPECT_EQ(FakePlatform::instance().countLogged(record), 1U) << record;
         }
