@@ -8,9 +8,11 @@
 
 #include <boost/intrusive/list_hook.hpp>
 
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <iterator>
 #include <list>
 #include <memory>
 #include <optional>
@@ -21,10 +23,18 @@ namespace Nerix::FileScanners {
 
 /// The members that only a directory needs.
 struct Listing {
-    /// Reserves the memory for all values, so that the reporter needs none.
+    static constexpr std::size_t maxDigits = 20; ///< of a value
+
+    /// Reserves the memory for all values, so that addValue needs none.
     explicit Listing(Names itsNames) : names(std::move(itsNames)) {
-        constexpr std::size_t maxLineSize = 21; // twenty digits and the line feed
-        values.reserve(names.size() * maxLineSize);
+        values.reserve(names.size() * (maxDigits + 1)); // each with a line feed
+    }
+
+    /// Adds the value of an entry. Used only by the reporter.
+    void addValue(std::uint64_t value) {
+        char digits[maxDigits];
+        values.append(digits, std::to_chars(std::begin(digits), std::end(digits), value).ptr);
+        values += '\n';
     }
 
     const Names names;

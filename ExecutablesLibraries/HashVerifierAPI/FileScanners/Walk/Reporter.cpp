@@ -4,10 +4,6 @@
 #include "ExecutablesLibraries/HashVerifierAPI/HashFunctions/StepObserver.h"
 #include "ExecutablesLibraries/HashVerifierAPI/Worker/HashWorker.h"
 
-#include <charconv>
-#include <iterator>
-#include <string>
-
 namespace Nerix::FileScanners {
 
 namespace {
@@ -44,8 +40,8 @@ void Reporter::reportFinished() {
 void Reporter::report(QueuedEntry& entry) {
     reportDirectories(entry.listing ? &entry : entry.parent);
     m_depth = entry.depth;
-    if (!entry.listing) {
-        reportSteps(entry, entry.deliveredSteps); // of a directory, reportDirectories has reported them
+    if (!entry.listing) { // those of a directory have been reported by now
+        reportSteps(entry, entry.deliveredSteps);
     }
     if (entry.input && entry.input->path.empty()) {
         entry.input->path = pathOf(entry);
@@ -75,10 +71,7 @@ void Reporter::addValue(QueuedEntry& entry) {
         m_result = entry.value;
         return;
     }
-    std::string& values = entry.parent->listing->values;
-    char digits[20]; // enough for any value
-    values.append(digits, std::to_chars(std::begin(digits), std::end(digits), entry.value).ptr);
-    values += '\n';
+    entry.parent->listing->addValue(entry.value);
 }
 
 void Reporter::foldEntries(QueuedEntry& directory) {
