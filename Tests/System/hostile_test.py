@@ -160,7 +160,7 @@ class Hostile(SystemTest):
         self.assert_state_rejected("log", is_theirs, {"XDG_RUNTIME_DIR": "/mnt/theirs"})
         run = self.run_command("setpriv", "--reuid=12345", "--clear-groups", PROGRAM, "--path", "/dev/null",
                                env={**self.environment, "NERIX_PLATFORM_HOME": "/mnt/theirs"})
-        self.assertEqual((run.stdout, run.stderr), (b"0" * 16 + b"\n", b""), "that user's directory, in one of root")
+        self.assertEqual((run.stdout, run.stderr), (b"0" * 16 + b"\n", b""), "a directory of that user, in one of root's")
 
     def test_run_keeps_volatile_settings_in_its_home_if_another_user_took_their_directory(self):
         self.make_state_directories()

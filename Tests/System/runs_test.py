@@ -118,7 +118,7 @@ class Runs(SystemTest):
 
     def test_runs_at_once_share_the_directories_that_they_make(self):
         self.environment["NERIX_PLATFORM_HOME"] = self.home + "/new"
-        delay = "inject=?mkdir,?mkdirat:delay_enter=200000"  # each finds that there is no directory, and then makes it
+        delay = "inject=?mkdir,?mkdirat:delay_enter=200000"  # until both runs have found no directory
         run = lambda _: self.run_strace("-e", delay, PROGRAM, "--path", "/dev/null").stdout
         with concurrent.futures.ThreadPoolExecutor() as runs:
             self.assertEqual(list(runs.map(run, range(2))), [b"0" * 16 + b"\n"] * 2)
